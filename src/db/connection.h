@@ -1,0 +1,48 @@
+// The one connection of a session, in the vocabulary of the family's code.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "db/driver.h"
+
+namespace owb {
+
+class Connection {
+  public:
+    int ConnectionTimeout = 600;  // seconds
+
+    // Throws DbError. Opening an open connection is an error: Close first.
+    void Open(const std::string& connectionString);
+    void Close();                                  // nothing when it is closed
+    int State() const { return driver_ ? 1 : 0; }  // 1 open, 0 closed
+    const std::string& ConnectionString() const { return connectionString_; }
+    void setCommandTimeout(int seconds);
+    int CommandTimeout() const { return commandTimeout_; }
+
+    // Runs one batch, which may hold several statements; result sets are thrown away.
+    void Execute(const std::string& sql);
+    // Runs one batch and gives all that came back.
+    BatchResult Run(const std::string& sql);
+    // As Run, with errors left in the result instead of thrown.
+    BatchResult RunCollecting(const std::string& sql);
+
+    // One level, no nesting.
+    void BeginTrans();
+    void CommitTrans();
+    void RollbackTrans();
+
+    void Cancel();
+
+  private:
+    Driver& driver() const;  // throws when closed
+
+    std::unique_ptr<Driver> driver_;
+    std::string connectionString_;
+    int commandTimeout_ = 600;
+};
+
+// Reads one "Key=Value" entry of a connection string, whatever the key's case; "" when absent.
+std::string connectionEntry(const std::string& connectionString, std::string_view key);
+
+}  // namespace owb

@@ -1,0 +1,52 @@
+// The embedded T-SQL engine: opens one database file and runs T-SQL batches on it.
+//
+// Kept true throughout:
+//  1. A statement either does all of its work or none.
+//  2. A batch of several statements that may write is one unit for other processes: they see it
+//     whole or not at all, and a killed process leaves nothing of it, except that a statement's
+//     error ends as T-SQL says and keeps what the statements before it did.
+//  3. Errors leave as DbError with SQL Server's numbers; no other exception type leaves.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/result_set.h"
+
+namespace owb::tsql {
+
+struct OpenOptions {
+    bool create = false;      // make the file; an existing one is refused
+    bool readOnly = false;
+    int busySeconds = 600;    // how long a lock of another process is waited for
+    std::string hostName;     // what HOST_NAME() gives; "" asks the system
+};
+
+class Executor;
+
+class Engine {
+  public:
+    // Throws DbError: no such file, not a database, made by a newer engine, not readable.
+    static std::unique_ptr<Engine> open(const std::string& path, const OpenOptions& options);
+    ~Engine();
+
+    // Runs one batch. Errors stand in the result, in order.
+    BatchResult run(std::string_view batch);
+
+    void begin();
+    void commit();
+    void rollback();
+    void setCommandTimeout(int seconds);  // 0 waits for ever
+    void cancel();                        // thread-safe; ends the running batch
+
+    // What is wrong with the file and its catalog, one line each; empty when sound.
+    std::vector<std::string> checkIntegrity();
+
+  private:
+    explicit Engine(std::unique_ptr<Executor> executor);
+    std::unique_ptr<Executor> executor_;
+};
+
+}  // namespace owb::tsql
