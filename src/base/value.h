@@ -42,8 +42,8 @@ class Value {
     int64_t toInt() const;
     bool toBool() const { return toDouble() != 0; }
     DateTime toDate() const;
-    // Text as the family shows a value: shortest number, decimals without trailing zeros dropped
-    // not, dates as YYYY-MM-DD [HH:MM:SS.mmm]; NULL is "".
+    // The value as text: shortest number, a decimal with exactly its places, a date as
+    // YYYY-MM-DD [HH:MM:SS.mmm]; NULL is "".
     std::string toText() const;
 
     bool operator==(const Value&) const = default;
