@@ -11,6 +11,8 @@
 
 #include "base/date_time.h"
 #include "data/SettingsStore.h"
+#include "data/clsGenCmn.h"
+#include "data/clsSPChar.h"
 #include "db/connection.h"
 #include "screen/message_boxes.h"
 #include "screen/progress.h"
@@ -143,8 +145,10 @@ struct Session {
     int32_t gFirstLeaveMonth = 0, gLastMonth = 0, gMonthYear = 0;  // month keys
     bool gPeriodLocked = false;
     std::string gHostPrefix;    // host name, and the Windows user in an extended session
-    std::string gEmployeeView;  // in brackets
-    std::string gFilterTable;   // in brackets
+    std::string gEmployeeView;      // in brackets
+    std::string gFilterTable;       // in brackets
+    std::string gEmployeeDetView;   // in brackets
+    std::string gLeaveSummaryView;  // in brackets
     bool gLeaveCalcFlag = false;  // the user cancelled the running pass
     bool gFullPassAutoClose = false;  // menu 1600: full pass, the closing message goes by itself
     bool gOpenedFromMenu = false;
@@ -165,6 +169,12 @@ struct Session {
     std::array<bool, 6> gExtCaptionUsed{};
     bool gHasOt1Head = false, gHasOt2Head = false;
     int gAuditTrailOn = -1;  // -1 not asked yet
+
+    // --- shared instances ---
+    clsSPChar gSpChar;
+    clsGenCmn gGenCmn;
+    std::shared_ptr<clsNODNDPCalc> gNodNdp;    // made by its first user
+    std::shared_ptr<clsOTDetCalc> gOtDetCalc;  // made by its first user
 
     Session(SettingsStore& settings, MessageBoxes& boxes, std::function<DateTime()> now,
             std::string programFolder);

@@ -1,0 +1,32 @@
+// Rights of the family's users on commands, and class-wise security. Both are kept by the shell;
+// here they are only honoured. ADMIN, in any letter case, is never restricted.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace owb {
+
+struct Session;
+
+// A command of a screen as far as rights go: its caption, and the tag that tells "NA" for denied.
+struct CommandRight {
+    std::string caption;
+    std::string tag;
+};
+
+// Sets the tags of a screen's commands, only while gMultiLogin. Commands unknown to SEC_BUTDET
+// keep their tag.
+void ApplyScreenRights(Session& session, int32_t formId, std::vector<CommandRight>& commands);
+// Says "Permission denied." and gives true when the command's tag holds "NA". Every save and
+// delete handler starts with it.
+bool FnBlnCommandDenied(Session& session, const std::string& tag);
+
+// Fills [TMP<prefix>] with the employees that the user may see, while class security is on, and
+// gives the condition that limits a query to them; "" while it is off. `mode` and `lngMonthYear`
+// go to the family's procedure as they are.
+std::string FnStrClassSecurityFilter(Session& session, int32_t mode, int32_t lngMonthYear,
+                                     const std::string& employeeColumn = "ME.EMPID");
+
+}  // namespace owb
