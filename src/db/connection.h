@@ -33,6 +33,8 @@ class Connection {
     void RollbackTrans();
 
     void Cancel();
+    // What is wrong with the database, one line each (see Driver::checkIntegrity).
+    std::vector<std::string> CheckIntegrity();
 
   private:
     Driver& driver() const;  // throws when closed

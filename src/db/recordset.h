@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "db/connection.h"
+#include "db/sql_text.h"
 
 namespace owb {
 
@@ -47,14 +49,14 @@ class Recordset {
     Recordset(Connection& connection, const std::string& sql) { Open(sql, connection); }
 
     // Takes the first result set of the batch. A batch without one leaves a closed recordset.
-    void Open(const std::string& sql, Connection& connection,
-              CursorType cursor = adOpenForwardOnly, LockType lock = adLockReadOnly);
+    void Open(const std::string& sql, Connection& connection, CursorType cursor = adOpenForwardOnly,
+              LockType lock = adLockReadOnly);
     void Close();
     int State() const { return open_ ? 1 : 0; }
     void Requery();
 
-    bool IsEOF() const { return position_ >= visible_.size(); }
-    bool IsBOF() const { return before_ || visible_.empty(); }
+    bool IsEOF() const { return !deleted_ && !before_ && position_ >= visible_.size(); }
+    bool IsBOF() const { return before_ || (!deleted_ && visible_.empty()); }
     void MoveNext();
     void MovePrevious();
     void MoveFirst();
@@ -91,33 +93,45 @@ class Recordset {
   private:
     friend class Field;
     enum class Edit { None, Change, New };
-    size_t columnIndex(std::string_view name) const;  // npos when absent
+    static constexpr size_t kNone = static_cast<size_t>(-1);
+
+    size_t columnIndex(std::string_view name) const;  // kNone when absent
     const Value& cell(size_t column) const;
     void assign(size_t column, const Value& v);
+    void requireOpen() const;
     void requireRow() const;
-    bool matches(const std::string& criteria, size_t row) const;
-    std::string tableName() const;
-    std::string rowCondition(size_t row) const;
+    void finishEdit();  // a move away from an edited row writes it
+    void showAll();
 
-    Connection* connection_ = nullptr;
+    // Writing back (recordset_edit.cpp).
+    void requireUpdatable() const;
+    std::string tableName() const;
+    const std::vector<char>& tableColumns();  // per column: the table's own
+    std::string rowCondition(size_t row);
+    void runForOneRow(const std::string& statement);
+    void insertRow();
+    void updateRow();
+    void takePending(size_t row);
+
+    Connection* connection_ = nullptr;  // null: unconnected
     std::string source_;
     LockType lock_ = adLockReadOnly;
     ResultSet set_;
     std::vector<size_t> visible_;  // rows of set_ that the filter lets through
     size_t position_ = 0;          // index into visible_
     bool open_ = false;
-    bool before_ = false;
+    bool before_ = false;   // stands before the first row
+    bool deleted_ = false;  // the current row was deleted; position_ is already the next one
     Edit edit_ = Edit::None;
     std::vector<Value> pending_;
     std::vector<char> assigned_;
+    std::vector<char> tableColumns_;  // empty until asked
+    // Rows added here: which columns hold what was written. The rest holds the table's defaults,
+    // which are not read back.
+    std::unordered_map<size_t, std::vector<char>> added_;
 };
 
 // Closes the recordset, any error ignored.
 void CloseRecordset(Recordset& rs);
-
-// A value as a T-SQL literal: NULL, number, 'text' with quotes doubled, 'yyyy-MM-dd hh:mm:ss.mmm'.
-std::string sqlLiteral(const Value& v);
-// A name in brackets.
-std::string sqlName(std::string_view name);
 
 }  // namespace owb
