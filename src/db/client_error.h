@@ -19,7 +19,6 @@ enum class ClientError {
     RowChanged,       // the row has gone or was changed since it was read
     NoBaseTable,      // the source text does not name exactly one table
     NoKey,            // nothing in the row can tell it from others
-    BadConnection,    // the connection string lacks something; the detail says what
 };
 
 // The error; `detail` stands behind the text, in brackets, where it helps to find the place.
