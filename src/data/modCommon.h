@@ -21,7 +21,10 @@ struct Session;
 // shows "<description> : <number>" in a critical box and gives an empty value (0, ""), not the
 // default.
 Value FnVarGetValue(Session& session, const std::string& sql, const Value& defaultValue = {});
-// The same for the small reference tables (ITSETTING).
+// The same without the trap, for engines, which must make no figure from half an answer: a failing
+// query throws DbError.
+Value FnVarReadValue(Session& session, const std::string& sql, const Value& defaultValue = {});
+// FnVarGetValue for the small reference tables (ITSETTING).
 Value FnVarGetJetValue(Session& session, const std::string& sql, const Value& defaultValue = {});
 // True when the query finds a row; an error is false, silently.
 bool FnBlnRecordExists(Session& session, const std::string& sql);
