@@ -52,12 +52,12 @@ struct OptSetFeatureRecord {
          THEOSALYN = false, CALCINMIDYN = false, LTAYN = false, MEDREIMYN = false,
          SPLCALCBASISYN = false, ATTDETDEFYN = false, ADVMGALYN = false, DATEWISEINCRYN = false,
          FLEXIPAYYN = false, FOODCOUPONYN = false, OTOPENESIYN = false, REMINDERYN = false,
-         EXTOTSETYN = false, AUTOLEAVEYN = false, ROTATEWEEKHOLYN = false,
-         REIMBURSEMENTYN = false, BANKSTATEMENTYN = false, DOSREPORTYN = false,
-         ADVPAYSLIPYN = false, SALPREDATEYN = false, FAVCONFIGYN = false, QRYBUILDERYN = false,
-         ADVMGTYN = false, AUTOPFNOYN = false, ATTNINTGRYN = false, RETIREYN = false,
-         SPLEARNINGYN = false, SPLDEDUCTIONYN = false, ADVLEAVEYN = false, WEBUPDATESYN = false,
-         EMPLOCKYN = false, PRINTDATEYN = false, RESTRICTSALCALCYN = false, ESIONLINEYN = false;
+         EXTOTSETYN = false, AUTOLEAVEYN = false, ROTATEWEEKHOLYN = false, REIMBURSEMENTYN = false,
+         BANKSTATEMENTYN = false, DOSREPORTYN = false, ADVPAYSLIPYN = false, SALPREDATEYN = false,
+         FAVCONFIGYN = false, QRYBUILDERYN = false, ADVMGTYN = false, AUTOPFNOYN = false,
+         ATTNINTGRYN = false, RETIREYN = false, SPLEARNINGYN = false, SPLDEDUCTIONYN = false,
+         ADVLEAVEYN = false, WEBUPDATESYN = false, EMPLOCKYN = false, PRINTDATEYN = false,
+         RESTRICTSALCALCYN = false, ESIONLINEYN = false;
     int32_t AUTOPFTYPE = 1, ATTNCALCTYPE = 0, RETIREAGEON = 0;
     std::string PFSEPARATOR;
     int32_t LVSTARTMNYEAR = 0;  // month key: first month of advanced leave management
@@ -70,11 +70,10 @@ struct OptSetFeatureRecord {
 struct AttHeadRecord {
     int32_t ATTHEADID = 0;
     std::string ATTHEADNAME = "General", MENUNAME, DESCR, ATTCAP;
-    bool TIGHTYN = true;  // attendance feeds the salary
+    bool TIGHTYN = true;     // attendance feeds the salary
     int32_t ATTNTYPE = 0;    // 1 register, 2 daily, 3 hourly, 4 monthly
     int32_t NODFORCALC = 2;  // 1 to 6: what the month's days for salary are
-    bool ATTNDTODYN = false, ATTNHOURLYYN = false, OT1YN = false, OT2YN = false,
-         OTHOURLYYN = false;
+    bool ATTNDTODYN = false, ATTNHOURLYYN = false, OT1YN = false, OT2YN = false, OTHOURLYYN = false;
     double MINHALFDAY = 2, MAXHALFDAY = 5.99, MINFULLDAY = 6, MAXFULLDAY = 10, CUTOFFFULLDAY = 8,
            CUTOFFHALFDAY = 4, OTHOURMIN = 120, ATTUPPERLIMIT = 10;
     bool NOSAL = false, HALFSAL = false, FULLSAL = false;  // the band affects salary
@@ -84,20 +83,18 @@ struct AttHeadRecord {
 
 // ATT_OPTSETTINGS of one head, or of head 0, the common row.
 struct AttOptionsRecord {
-    bool EXCESSLEVYN = false, LOADDEFYN = false, SPLOTYN = false, WHOT2YN = false,
-         GHOT2YN = false, FULLDAYOT2 = false, PRIORITYYN = false, HOLPRIORITY = false,
-         ROTWHYN = false, AUTOALLOTYN = false, LEVPRIORITYYN = false, AFFECTSALYN = false,
-         INDLEVSETYN = false, INDWHYN = false, COCWYN = false, COMMONYN = false,
-         EDITEDYN = false;
+    bool EXCESSLEVYN = false, LOADDEFYN = false, SPLOTYN = false, WHOT2YN = false, GHOT2YN = false,
+         FULLDAYOT2 = false, PRIORITYYN = false, HOLPRIORITY = false, ROTWHYN = false,
+         AUTOALLOTYN = false, LEVPRIORITYYN = false, AFFECTSALYN = false, INDLEVSETYN = false,
+         INDWHYN = false, COCWYN = false, COMMONYN = false, EDITEDYN = false;
     int32_t DEFVAL = 2;  // 0 Present, 1 Absent
 };
 
 // LEV_SETTINGS, the version in force in a month.
 struct LeaveSettingsRecord {
     int32_t MINDATETYPE = 0, MINMONTH = 0, MINDAYS = 0, MINAVAILDATETYPE = 0, MINAVAILMONTH = 0,
-            MINAVAILDAYS = 0, ALLOTTYPE = 0, ALLOTON = 0, ALLOTASPER = 0, ALLOTFOR = 0,
-            COTYPE = 0, LAPSEMONTH = 0, RNDTYPE = 0, ALLOTRNDTYPE = 0, PRIORITY = 1,
-            MONTHYEAR = 0;
+            MINAVAILDAYS = 0, ALLOTTYPE = 0, ALLOTON = 0, ALLOTASPER = 0, ALLOTFOR = 0, COTYPE = 0,
+            LAPSEMONTH = 0, RNDTYPE = 0, ALLOTRNDTYPE = 0, PRIORITY = 1, MONTHYEAR = 0;
     double MINLEVDAYS = 0, COLOWERLIMIT = 0, COLIMIT = 0, LAPSELIMIT = 0, ENCASHMINBAL = 0;
     bool AUTOALLOTYN = false, COYN = false, LOWERLIMITYN = false, UPPERLIMITYN = false,
          LAPSEYN = false, LAPSENEGATIVE = false, LEAVEENCASHYN = false, RNDOFFYN = false,
@@ -110,7 +107,7 @@ class ShellTalk {
   public:
     virtual ~ShellTalk() = default;
     virtual void screenOpened(const std::string& screenName) = 0;
-    virtual void screenClosed() = 0;   // writes "0" to the screen's handle entry
+    virtual void screenClosed() = 0;  // writes "0" to the screen's handle entry
     virtual void programEnded() = 0;
 };
 
@@ -144,12 +141,12 @@ struct Session {
     bool gRestrictedHolidayOn = false;
     int32_t gFirstLeaveMonth = 0, gLastMonth = 0, gMonthYear = 0;  // month keys
     bool gPeriodLocked = false;
-    std::string gHostPrefix;    // host name, and the Windows user in an extended session
-    std::string gEmployeeView;      // in brackets
-    std::string gFilterTable;       // in brackets
-    std::string gEmployeeDetView;   // in brackets
-    std::string gLeaveSummaryView;  // in brackets
-    bool gLeaveCalcFlag = false;  // the user cancelled the running pass
+    std::string gHostPrefix;          // host name, and the Windows user in an extended session
+    std::string gEmployeeView;        // in brackets
+    std::string gFilterTable;         // in brackets
+    std::string gEmployeeDetView;     // in brackets
+    std::string gLeaveSummaryView;    // in brackets
+    bool gLeaveCalcFlag = false;      // the user cancelled the running pass
     bool gFullPassAutoClose = false;  // menu 1600: full pass, the closing message goes by itself
     bool gOpenedFromMenu = false;
     std::string gEmpFilter = "0";  // employee numbers "1,2" that a pass is limited to; "0" none
@@ -161,10 +158,10 @@ struct Session {
     AttHeadRecord gAtt;
     AttOptionsRecord gOpt;
     LeaveSettingsRecord gLev;
-    std::array<std::string, 6> gComponentCaption{"Periodic Incentive", "Advance", "Loan",
-                                                 "Insurance", "SSS", "Group Insurance"};
+    std::array<std::string, 6> gComponentCaption{
+        "Periodic Incentive", "Advance", "Loan", "Insurance", "SSS", "Group Insurance"};
     std::array<std::string, 7> gClassCaption{"Designation", "Occupation", "Department", "Division",
-                                             "Grade", "Branch", "Attendance"};
+                                             "Grade",       "Branch",     "Attendance"};
     std::array<std::string, 14> gExtCaption;
     std::array<bool, 6> gExtCaptionUsed{};
     bool gHasOt1Head = false, gHasOt2Head = false;
