@@ -1,0 +1,201 @@
+#include <vector>
+
+#include "attendance/clsOTDetCalc.h"
+#include "base/number_text.h"
+#include "data/Session.h"
+#include "data/modCommon.h"
+#include "leave/modLeaveFunctions.h"
+
+namespace owb {
+
+namespace {
+
+std::string text(int64_t number) {
+    return std::to_string(number);
+}
+
+std::string twoDigits(int day) {
+    return (day < 10 ? "0" : "") + text(day);
+}
+
+// A work table of this workstation: its name, and the statement that takes an old one away.
+struct WorkTable {
+    WorkTable(const Session& session, const std::string& kind)
+        : bare(kind + session.gHostPrefix), name("[" + bare + "]") {
+        drop = "If Exists(SELECT * FROM SYS.TABLES WHERE NAME ='" +
+               session.gSpChar.FnStrSpSQL(bare) + "') DROP TABLE " + name;
+    }
+    std::string bare, name, drop;
+};
+
+// Rows of the registers, with their head and options, on whose day nothing is entered: the cell is
+// empty, no hours are kept and no leave is taken. A cell alone proves nothing, since a writer of
+// hours blanks it and leaves its text to the next pass.
+std::string emptyDays(const Session& session, int day) {
+    const std::string nn = twoDigits(day);
+    const std::string date =
+        "CAST ([dbo].FnDteGetFirstDate(AD.MONTHYEAR) AS DateTime) + " + text(day - 1);
+    return " FROM ATT_DAYTODAY AD INNER JOIN ATT_OPTSETTINGS AO ON AD.ATTHEADID = AO.ATTHEADID "
+           "INNER "
+           "JOIN MAS_ATTHEAD MA ON MA.ATTHEADID = AD.ATTHEADID INNER JOIN ATT_OVERTIME OT ON "
+           "OT.ATTTRANNO = AD.ATTTRANNO WHERE AO.LOADDEFYN = 1 AND (DAY" +
+           nn + " = '0' OR DAY" + nn + " IS NULL OR DAY" + nn + " = '' OR (DAY" + nn +
+           " = 'H' AND AD.EDITMODEYN = 1)) AND ISNULL(OT.OTDAY" + nn +
+           ",0) = 0 AND AD.MONTHYEAR "
+           "BETWEEN " +
+           text(session.gFeature.LVSTARTMNYEAR) +
+           " AND (SELECT MAX(MONTHYEAR) FROM SLC_SALARYCALC_E) AND [dbo].FnDteFromDate(AD.EMPID, "
+           "AD.EMPDETID, AD.MONTHYEAR) <= " +
+           date +
+           " AND [dbo].FnDteToDate(AD.EMPID, AD.EMPDETID, "
+           "AD.MONTHYEAR) >= " +
+           date +
+           " AND NOT EXISTS (SELECT * FROM LEV_DETAILS LD WHERE LD.EMPID "
+           "= AD.EMPID AND LD.LEAVEDATE = " +
+           date +
+           " AND LD.LEVID <> 0 AND (LD.FIRSTHALFYN = 1 OR "
+           "LD.SECONDHALFYN = 1 OR LD.LEVMONTHLY <> 0))";
+}
+
+// The default of one day for the rows of one head and month.
+std::string writeDefault(const WorkTable& table, Recordset& group, int day,
+                         const std::string& lossOfPay) {
+    const std::string date = "'" + FnStrIsoDate(group.Fields("CURRENTDATE").toDate()) + "'";
+    const std::string rows = " FROM " + table.name +
+                             " WHERE ATTHEADID = " + text(group.Fields("ATTHEADID").toInt()) +
+                             " AND CURRENTDATE=" + date;
+    const std::string employees = " EMPID IN (SELECT EMPID" + rows + ")";
+    const std::string registers = " WHERE ATTTRANNO IN (SELECT ATTTRANNO " + rows + ")";
+    const bool absent = group.Fields("DEFAULTVAL").toInt() == 1;
+    const bool hourly = group.Fields("ATTNTYPE").toInt() == 3;
+
+    std::string value = "0", status = absent ? lossOfPay : "P";
+    if (!absent && hourly) {
+        value = numberText(group.Fields("FULLDAYCUTTOFF").toDouble());
+        status = value;
+    }
+    std::string batch = " DELETE FROM LEV_DETAILS WHERE  LEAVEDATE = " + date + " AND" + employees;
+    if (absent)
+        batch +=
+            " INSERT INTO LEV_DETAILS "
+            "(empid,EMPDETID,LEVID,LEAVEDATE,FIRSTHALFYN,SECONDHALFYN,LEVMONTHLY,REASON) SELECT "
+            "EMPID,EMPDETID,1,CURRENTDATE,1,1,NULL,Null" +
+            rows + " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE (" + date +
+            " BETWEEN allotfrom AND ALLOTTO OR allotfrom >= " + date + ") AND" + employees;
+    return batch + " UPDATE ATT_OVERTIME SET OTDAY" + twoDigits(day) + " = " + value + registers +
+           " UPDATE ATT_DAYTODAY SET DAY" + twoDigits(day) + " = '" + status + "', EDITMODEYN = 1" +
+           registers;
+}
+
+// One day of all rows in the work table: the hours, then " + ", then the leave status. "H" stays
+// where the cell holds it and nothing is entered; days outside the version's span are empty.
+std::string rewriteDay(const WorkTable& table, int day) {
+    const std::string nn = twoDigits(day), cell = "DAY" + nn, hours = "ISNULL(OTDAY" + nn + ",0)";
+    const std::string date = "FIRSTDATE + " + text(day - 1);
+    const std::string within =
+        date + " BETWEEN  ISNULL(FROMDATE, FIRSTDATE)   AND  ISNULL(TODATE,LASTDATE)  ";
+    return "UPDATE ATT_DAYTODAY SET " + cell + "=CASE WHEN " + within + " THEN (CASE WHEN " +
+           hours + " <> 0 THEN CAST(CAST(OTDAY" + nn +
+           " AS FLOAT) AS VARCHAR(20)) + CASE WHEN LEVSTATUS <> "
+           "'' THEN ' + ' ELSE '' END WHEN " +
+           cell +
+           " = 'H' AND LEVSTATUS = '' THEN 'H' ELSE '' "
+           "END) + LEVSTATUS ELSE '' END FROM ATT_DAYTODAY AD, (SELECT ATTTRANNO, FIRSTDATE, "
+           "LASTDATE, FROMDATE, TODATE, OTDAY" +
+           nn + ", REPLACE([dbo].FnStrLeaveStatus(EMPID, " + date +
+           ", CASE WHEN ATTNTYPE = 2 THEN 'P' ELSE '' END), '(1/2)', '½') AS LEVSTATUS FROM " +
+           table.name + ") AO WHERE AO.ATTTRANNO = AD.ATTTRANNO UPDATE ATT_OVERTIME SET OTDAY" +
+           nn + "= 0 WHERE ATTTRANNO IN (SELECT ATTTRANNO FROM " + table.name + " WHERE NOT (" +
+           within + "))";
+}
+
+}  // namespace
+
+void LoadDefaultAttendance(Session& session) {
+    if (!FnVarReadValue(session, "SELECT COUNT(ATTHEADID) FROM  ATT_OPTSETTINGS where LOADDEFYN=1",
+                        0)
+             .toBool())
+        return;
+    std::string findDays = "DECLARE @TMP AS VARCHAR(MAX) SET @TMP = ''";
+    for (int day = 1; day <= 31; ++day)
+        findDays += " IF EXISTS(SELECT AD.ATTTRANNO" + emptyDays(session, day) +
+                    ") SET @TMP = @TMP + '{" + text(day) + "}'";
+    const std::string days = FnVarReadValue(session, findDays + " SELECT @TMP", "").toText();
+    const std::string lossOfPay = session.gSpChar.FnStrSpSQL(
+        FnVarReadValue(session, "SELECT LEVSHORT FROM ATT_DEFINITION WHERE LEVID = 1", "LOP")
+            .toText());
+
+    const WorkTable table(session, "TMPLEV");
+    for (int day = 1; day <= 31; ++day) {
+        if (days.find("{" + text(day) + "}") == std::string::npos) continue;
+        session.gConn.Execute(table.drop);
+        session.gConn.Execute(
+            "SELECT AD.ATTTRANNO, AD.EMPID, AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, "
+            "ISNULL(MA.CUTOFFFULLDAY,0) AS FULLDAYCUTTOFF, MA.ATTNTYPE, ISNULL(AO.DEFVAL,0) AS "
+            "DEFAULTVAL, [dbo].FnDteGetFirstDate(AD.MONTHYEAR) + " +
+            text(day - 1) + " AS CURRENTDATE  INTO " + table.name + emptyDays(session, day));
+        Recordset groups(session.gConn,
+                         "SELECT DISTINCT ATTHEADID, DEFAULTVAL, ATTNTYPE, FULLDAYCUTTOFF, "
+                         "CURRENTDATE FROM " +
+                             table.name);
+        for (; !groups.IsEOF(); groups.MoveNext())
+            session.gConn.Execute(writeDefault(table, groups, day, lossOfPay));
+        session.gConn.Execute(table.drop);
+    }
+}
+
+// A register row keeps its mark until its cells stand, its overtime is written and its month is
+// marked; the work table is only a list of what to do and is made anew by every run. Cells follow
+// from hours and leave, except "H", which the rule gives back wherever it finds it, so that a day
+// done twice reads the same.
+void UpdateDayDetails(Session& session, Progress& frm, bool blnAll, int64_t lngFilter) {
+    LoadDefaultAttendance(session);
+    std::string filter;
+    if (!blnAll) filter += " AND AD.EMPID = " + text(lngFilter);
+    if (!session.gEmpFilter.empty() && session.gEmpFilter != "0")
+        filter += " AND AD.EMPID IN (" + session.gEmpFilter + ")";
+
+    const WorkTable table(session, "TMPLDAY");
+    frm.status("Initialising please wait....");
+    session.gConn.Execute(table.drop);
+    session.gConn.Execute(
+        " SELECT [dbo].FnDteGetFirstDate(AD.MONTHYEAR) AS FIRSTDATE, "
+        "[dbo].FnDteGetLastDate(AD.MONTHYEAR) AS LASTDATE, [dbo].FnDteFromDate(EMPID, EMPDETID, "
+        "MONTHYEAR) AS FROMDATE, [dbo].FnDteToDate(EMPID, EMPDETID, MONTHYEAR) AS TODATE, "
+        "AD.EMPID, "
+        "AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, MA.OT1YN, MA.OT2YN, MA.ATTNTYPE, AO.*, "
+        "AT.FULLDAYOT2, AT.SPLOTYN, AT.WHOT2YN, AT.GHOT2YN, ISNULL(MA.CUTOFFHALFDAY,0) As "
+        "HALFDAYCUTOFF ,AD.EDITMODEYN INTO " +
+        table.name +
+        " FROM ATT_OVERTIME AO, ATT_DAYTODAY AD, MAS_ATTHEAD MA, ATT_OPTSETTINGS AT WHERE "
+        "AO.ATTTRANNO = AD.ATTTRANNO AND MA.ATTHEADID = AD.ATTHEADID AND AT.ATTHEADID = "
+        "AD.ATTHEADID "
+        "AND AD.MONTHYEAR >= " +
+        text(session.gFeature.LVSTARTMNYEAR) + " AND AD.EDITMODEYN = 1" + filter);
+    session.gConn.Execute("ALTER TABLE " + table.name + " ADD CONSTRAINT [PK_" + table.bare +
+                          "] PRIMARY KEY (ATTTRANNO)");
+    Recordset rows(session.gConn,
+                   "SELECT ATTTRANNO, EMPID FROM " + table.name + " ORDER BY EMPID, ATTTRANNO");
+    for (int day = 1; day <= 31 && !rows.IsEOF() && !frm.cancelled(); ++day) {
+        frm.status("Initialising please wait....(DAY " + text(day) + "/31)  ");
+        session.gConn.Execute(rewriteDay(table, day));
+    }
+    for (; !rows.IsEOF() && !frm.cancelled(); rows.MoveNext()) {
+        const std::string row = text(rows.Fields("ATTTRANNO").toInt());
+        frm.status("Updating Leave and Over Time Details --" + text(rows.Fields("EMPID").toInt()) +
+                   "----- ");
+        frm.step(rows.AbsolutePosition(), rows.RecordCount());
+        // Another session may have done it meanwhile.
+        if (Recordset(session.gConn,
+                      "select EMPID FROM ATT_DAYTODAY  where EDITMODEYN=1 and ATTTRANNO= " + row)
+                .IsEOF())
+            continue;
+        Recordset days(session.gConn, "SELECT * FROM " + table.name + " WHERE ATTTRANNO = " + row);
+        std::string batch;
+        FnOtDetCalc(session).UpdateOTDailyHourlyNew(days, batch, false);
+        session.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN=0 where ATTTRANNO= " + row);
+    }
+    session.gConn.Execute(table.drop);
+}
+
+}  // namespace owb

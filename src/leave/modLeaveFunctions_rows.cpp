@@ -1,0 +1,87 @@
+#include "data/Session.h"
+#include "data/modCommon.h"
+#include "leave/modLeaveFunctions.h"
+
+namespace owb {
+
+namespace {
+
+std::string dayColumns(const std::string& separatorAndValue) {
+    std::string columns;
+    for (int day = 1; day <= 31; ++day)
+        columns += separatorAndValue.empty()
+                       ? std::string(", DAY") + (day < 10 ? "0" : "") + std::to_string(day)
+                       : separatorAndValue;
+    return columns;
+}
+
+}  // namespace
+
+// Twins go before their register rows and come after them, so that a register row without its twin
+// is all that a break can leave; the next run takes it out or gives it its twin.
+void ReconcileMonthlyRows(Session& session) {
+    const std::string since = "MONTHYEAR >= " + std::to_string(session.gFeature.LVSTARTMNYEAR);
+    const std::string withoutSalary =
+        " WHERE EMPID NOT IN (SELECT EMPID FROM SLC_SALARYCALC_E WHERE EMPID = ATT_DAYTODAY.EMPID "
+        "AND "
+        "MONTHYEAR = ATT_DAYTODAY.MONTHYEAR AND EMPDETID = ATT_DAYTODAY.EMPDETID) AND " +
+        since;
+    session.gConn.Execute(
+        "DELETE FROM ATT_OVERTIME WHERE ATTTRANNO IN (SELECT ATTTRANNO FROM ATT_DAYTODAY" +
+        withoutSalary + ")");
+    session.gConn.Execute("DELETE FROM ATT_DAYTODAY" + withoutSalary);
+
+    // A number that a stray twin still bears is not given again: its hours would come with it.
+    const std::string last = FnVarReadValue(session,
+                                            "SELECT MAX(ATTTRANNO) FROM (SELECT ATTTRANNO FROM "
+                                            "ATT_DAYTODAY UNION ALL SELECT ATTTRANNO FROM "
+                                            "ATT_OVERTIME) TMP",
+                                            0)
+                                 .toText();
+    session.gConn.Execute(
+        "INSERT INTO ATT_DAYTODAY(ATTTRANNO, EMPID, EMPDETID, ATTHEADID, MONTHYEAR, EDITMODEYN" +
+        dayColumns("") + ") (SELECT (ROW_NUMBER() OVER (ORDER BY MONTHYEAR, EMPID, EMPDETID) + " +
+        last + ") AS ATTTRANNO, EMPID, EMPDETID, ATTHEADID, MONTHYEAR, 1" +
+        dayColumns(", FILLVALUE") +
+        " FROM (SELECT DISTINCT SE.EMPID, SE.EMPDETID, MD.ATTHEADID, SE.MONTHYEAR, CASE WHEN "
+        "ISNULL(AO.LOADDEFYN, 0) <> 1 THEN '' WHEN ISNULL(AO.DEFVAL, 0) = 1 THEN '0' WHEN "
+        "MA.ATTNTYPE = 2 THEN 'P' ELSE '' END AS FILLVALUE FROM SLC_SALARYCALC_E SE INNER JOIN "
+        "MAS_EMPLOYEEDET MD ON MD.EMPID = SE.EMPID AND MD.EMPDETID = SE.EMPDETID INNER JOIN "
+        "MAS_ATTHEAD MA ON MA.ATTHEADID = MD.ATTHEADID LEFT JOIN ATT_OPTSETTINGS AO ON "
+        "AO.ATTHEADID "
+        "= MD.ATTHEADID WHERE (MA.ATTNTYPE = 2 OR MA.ATTNTYPE = 3) AND SE." +
+        since +
+        " AND NOT EXISTS (SELECT * FROM ATT_DAYTODAY AD WHERE AD.EMPID = SE.EMPID AND AD.EMPDETID "
+        "= "
+        "SE.EMPDETID AND AD.MONTHYEAR = SE.MONTHYEAR)) TMP)");
+    session.gConn.Execute(
+        "INSERT INTO ATT_OVERTIME(ATTTRANNO) (SELECT ATTTRANNO FROM ATT_DAYTODAY WHERE ATTTRANNO "
+        "NOT "
+        "IN (SELECT ATTTRANNO FROM ATT_OVERTIME))");
+    session.gConn.Execute(
+        "UPDATE LEV_MONTHDET SET EDITMODEYN = 1 WHERE MONTHYEAR IN (SELECT DISTINCT MONTHYEAR FROM "
+        "ATT_DAYTODAY WHERE EMPID = LEV_MONTHDET.EMPID AND EDITMODEYN = 1) AND EMPID IN (SELECT "
+        "DISTINCT EMPID FROM ATT_DAYTODAY WHERE MONTHYEAR = LEV_MONTHDET.MONTHYEAR AND EDITMODEYN "
+        "=1)");
+}
+
+void ReconcileMonthDetails(Session& session) {
+    const std::string since = "MONTHYEAR >= " + std::to_string(session.gFeature.LVSTARTMNYEAR);
+    session.gConn.Execute(
+        "DELETE FROM LEV_MONTHDET WHERE " + since +
+        " AND MONTHYEAR NOT IN (SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE TDSPORTYN = 1) AND NOT "
+        "EXISTS (SELECT * FROM SLC_SALARYCALC_E SE WHERE SE.EMPID = LEV_MONTHDET.EMPID AND "
+        "SE.EMPDETID = LEV_MONTHDET.EMPDETID AND SE.MONTHYEAR = LEV_MONTHDET.MONTHYEAR)");
+    session.gConn.Execute(
+        "INSERT INTO LEV_MONTHDET(EMPID, EMPDETID, MONTHYEAR, NODCALC, NOD, NDP, OT1, OT2, ADJHRS, "
+        "EDITMODEYN) (SELECT DISTINCT SE.EMPID, SE.EMPDETID, SE.MONTHYEAR, 0, 0, 0, 0, 0, 0, 1 "
+        "FROM "
+        "SLC_SALARYCALC_E SE INNER JOIN MAS_MONTHYEAR MM ON MM.MONTHYEAR = SE.MONTHYEAR WHERE "
+        "ISNULL(MM.TDSPORTYN, 0) <> 1 AND SE." +
+        since +
+        " AND NOT EXISTS (SELECT * FROM LEV_MONTHDET LM WHERE LM.EMPID = SE.EMPID AND LM.EMPDETID "
+        "= "
+        "SE.EMPDETID AND LM.MONTHYEAR = SE.MONTHYEAR))");
+}
+
+}  // namespace owb
