@@ -1,0 +1,81 @@
+#include <CLI/CLI.hpp>
+#include <ostream>
+
+#include "base/db_error.h"
+#include "ctl/command.h"
+
+namespace owb::ctl {
+
+namespace {
+
+using Maker = std::unique_ptr<Command> (*)();
+
+// The order in which `owbctl help` lists them.
+constexpr Maker kMakers[] = {makeCreateCommand, makeSqlCommand, makeRegisterCommand,
+                             makeCheckCommand};
+
+struct Entry {
+    std::unique_ptr<Command> command;
+    CLI::App* app = nullptr;
+};
+
+int help(const std::string& name, CLI::App& all, const std::vector<Entry>& entries, Streams& io) {
+    if (name.empty()) {
+        io.out << all.help();
+        return 0;
+    }
+    for (const Entry& e : entries) {
+        if (name != e.command->name()) continue;
+        io.out << e.app->help();
+        return 0;
+    }
+    io.err << "error: there is no command \"" << name << "\"; see owbctl help\n";
+    return 2;
+}
+
+}  // namespace
+
+int runOwbctl(std::vector<std::string> arguments, Streams& io) {
+    CLI::App all{
+        "Administers embedded databases of the Orvane Wagebook family.\n"
+        "DB is a database file or a connection string.",
+        "owbctl"};
+    all.require_subcommand(1);
+    all.footer("Exit status: 0 done, 1 failed (the reason on stderr), 2 wrong usage.");
+    std::vector<Entry> entries;
+    for (Maker make : kMakers) {
+        Entry entry{make()};
+        entry.app = all.add_subcommand(entry.command->name(), entry.command->summary());
+        entry.app->footer(entry.command->contract());
+        entry.command->declare(*entry.app);
+        entries.push_back(std::move(entry));
+    }
+    std::string helpName;
+    CLI::App* helpApp = all.add_subcommand("help", "Tell about a command");
+    helpApp->add_option("COMMAND", helpName);
+
+    std::reverse(arguments.begin(), arguments.end());
+    try {
+        all.parse(arguments);
+    } catch (const CLI::CallForHelp&) {
+        const auto chosen = all.get_subcommands();
+        io.out << (chosen.empty() ? all : *chosen.front()).help();
+        return 0;
+    } catch (const CLI::ParseError& e) {
+        io.err << "error: " << e.what() << "\n";
+        return 2;
+    }
+    if (helpApp->parsed()) return help(helpName, all, entries, io);
+    for (const Entry& e : entries) {
+        if (!e.app->parsed()) continue;
+        try {
+            return e.command->run(io);
+        } catch (const std::exception& failure) {
+            io.err << "error: " << failure.what() << "\n";
+            return 1;
+        }
+    }
+    return 2;
+}
+
+}  // namespace owb::ctl
