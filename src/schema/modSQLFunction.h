@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace owb {
 
@@ -34,9 +35,13 @@ void TidyAttendanceRows(Session& session);
 // The sweep ClearLeaveRecords.
 void FreeLeaveTables(Session& session);
 
+// The batches of a T-SQL script, which lines GO separate; empty ones are left out.
+std::vector<std::string> splitBatches(std::string_view script);
+
 // The T-SQL text of one built-in file, by its name without ".sql" ("objects/FnDblRndOff").
 std::string_view FnStrSchemaText(std::string_view name);
-// Makes the family's tables, views, routines and delivered rows in an empty database.
+// Makes the family's tables, views, routines and delivered rows in an empty database, and installs
+// the server objects, so that the database answers before the first start. All or nothing.
 void createFamilyDatabase(Connection& connection);
 
 }  // namespace owb

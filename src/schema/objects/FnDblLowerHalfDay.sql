@@ -1,0 +1,16 @@
+-- Down to a multiple of half a day, toward zero.
+CREATE FUNCTION [dbo].FnDblLowerHalfDay(@VALUE numeric(17,2))
+RETURNS numeric(17,2)
+WITH ENCRYPTION
+AS
+BEGIN
+    DECLARE @RESULT numeric(17,2), @DECIVAL numeric(17,2), @NEGATIVE int
+    SET @NEGATIVE = CASE WHEN @VALUE < 0 THEN 1 ELSE 0 END
+    SET @VALUE = ABS(@VALUE)
+    SET @DECIVAL = RIGHT(@VALUE, 3)
+    IF @DECIVAL > 0.5 SET @RESULT = @VALUE - (@DECIVAL - 0.5)
+    ELSE IF @DECIVAL < 0.5 SET @RESULT = @VALUE - @DECIVAL
+    ELSE SET @RESULT = @VALUE
+    IF @NEGATIVE = 1 SET @RESULT = -@RESULT
+    RETURN @RESULT
+END

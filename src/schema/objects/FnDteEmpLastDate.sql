@@ -1,0 +1,10 @@
+-- Last day of a month for an employee: the date of leaving where that is not later.
+CREATE FUNCTION [dbo].FnDteEmpLastDate(@EMPLOYEEID int, @MONTHYEAR int)
+RETURNS datetime
+WITH ENCRYPTION
+AS
+BEGIN
+    RETURN (SELECT CASE WHEN ME.DOL <= MM.CALCENDDATE THEN ME.DOL ELSE MM.CALCENDDATE END
+            FROM MAS_EMPLOYEE ME, MAS_MONTHYEAR MM
+            WHERE ME.EMPID = @EMPLOYEEID AND MM.MONTHYEAR = @MONTHYEAR)
+END

@@ -1,0 +1,9 @@
+-- The last detail version of an employee that overlaps the dates; 0 when none does.
+CREATE FUNCTION [dbo].FnIntMaxEmpDetID(@EMPLOYEEID int, @FROMDATE datetime, @TODATE datetime)
+RETURNS int
+WITH ENCRYPTION
+AS
+BEGIN
+    RETURN (SELECT ISNULL(MAX(EMPDETID), 0) FROM MAS_EMPLOYEEDET WHERE EMPID = @EMPLOYEEID
+            AND EFFFROMDATE <= @TODATE AND (EFFTODATE IS NULL OR EFFTODATE >= @FROMDATE))
+END
