@@ -172,7 +172,9 @@ BoxAnswer clsGenCmn::FnLngDeleteBox() const {
 }
 
 void clsGenCmn::ShowSavedMessage() const {
-    boxes_.information("Updated", "Saving Information");
+    Box box{"Updated", "Saving Information", BoxIcon::Information};
+    box.closesAfterSeconds = 1;
+    boxes_.show(box);
 }
 
 }  // namespace owb

@@ -15,6 +15,7 @@ struct Box {
     BoxIcon icon = BoxIcon::None;
     BoxButtons buttons = BoxButtons::Ok;
     BoxAnswer defaultAnswer = BoxAnswer::Ok;  // what Enter gives
+    int closesAfterSeconds = 0;               // goes away by itself; 0 stays until answered
 };
 
 class MessageBoxes {

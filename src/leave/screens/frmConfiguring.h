@@ -1,0 +1,33 @@
+// The configuration pass of every normal start: loads the options, installs the server objects and
+// brings the leave tables in step with the masters. It works by itself and closes when done.
+#pragma once
+
+#include "screen/screen.h"
+
+namespace owb {
+
+struct Session;
+
+class frmConfiguring final : public Screen {
+  public:
+    frmConfiguring(Session& session, FrontEnd& frontEnd);
+
+    Label lblProgress{*this, "lblProgress"};
+
+  private:
+    void onActivate() override;
+    void status(const std::string& text);
+
+    void LoadOptions();
+    void ClearRecords();
+    void UpdateNullValues();
+    void UpdateOptionSettings();
+    void UpdateMonthDates();
+    void UpdateMonthlyRecords();
+    void FillDefaultValues();
+    void DateAdjustments();
+
+    Session& session_;
+};
+
+}  // namespace owb

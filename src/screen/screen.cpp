@@ -1,0 +1,42 @@
+#include "screen/screen.h"
+
+#include <stdexcept>
+
+#include "base/utf8.h"
+
+namespace owb {
+
+Screen::Screen(FrontEnd& frontEnd, std::string name, std::string caption)
+    : caption(std::move(caption)), frontEnd_(frontEnd), name_(std::move(name)) {}
+
+Control* Screen::find(std::string_view name) const {
+    for (Control* control : controls_)
+        if (equalsIgnoreCaseAscii(control->name(), name)) return control;
+    return nullptr;
+}
+
+void Screen::showModal() {
+    open_ = true;
+    if (!guard([this] { onLoad(); })) open_ = false;
+    const bool drawn = open_;
+    if (drawn) {
+        frontEnd_.opened(*this);
+        guard([this] { onActivate(); });
+        if (open_) frontEnd_.run(*this);
+    }
+    guard([this] { onUnload(); });
+    if (drawn) frontEnd_.closed(*this);
+    open_ = false;
+}
+
+bool Screen::guard(const std::function<void()>& handler) {
+    try {
+        handler();
+        return true;
+    } catch (const std::exception& e) {
+        frontEnd_.critical(e.what());
+        return false;
+    }
+}
+
+}  // namespace owb

@@ -1,0 +1,55 @@
+// One screen: its controls, its life from load to unload, and the guard under which every handler
+// runs. A screen knows no toolkit; the front end that it is given draws it.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "screen/control.h"
+#include "screen/front_end.h"
+
+namespace owb {
+
+class Screen {
+  public:
+    Screen(FrontEnd& frontEnd, std::string name, std::string caption);
+    virtual ~Screen() = default;
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+
+    const std::string& name() const { return name_; }
+    std::string caption;
+    const std::vector<Control*>& controls() const { return controls_; }
+    // By name, in any letter case; null when there is none.
+    Control* find(std::string_view name) const;
+
+    // Load, draw, activate, take input, unload; returns when the screen has closed. A load that
+    // fails or closes the screen keeps it from being drawn.
+    void showModal();
+    // Ends showModal once the running handler has returned.
+    void close() { open_ = false; }
+    bool isOpen() const { return open_; }
+
+    // Runs a handler; an error shows its description in a critical box and the screen stays up.
+    // False when there was one.
+    bool guard(const std::function<void()>& handler);
+
+  protected:
+    virtual void onLoad() {}
+    virtual void onActivate() {}  // once, after the screen has been drawn
+    virtual void onUnload() {}
+    FrontEnd& frontEnd() { return frontEnd_; }
+
+  private:
+    friend class Control;
+    void add(Control& control) { controls_.push_back(&control); }
+
+    FrontEnd& frontEnd_;
+    std::string name_;
+    std::vector<Control*> controls_;
+    bool open_ = false;
+};
+
+}  // namespace owb

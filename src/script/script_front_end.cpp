@@ -1,0 +1,132 @@
+#include "script/script_front_end.h"
+
+#include <array>
+#include <map>
+#include <optional>
+#include <vector>
+
+#include "base/utf8.h"
+
+namespace owb {
+
+namespace {
+
+const char* iconName(BoxIcon icon) {
+    static constexpr std::array names = {"none", "critical", "question", "warning", "information"};
+    return names[static_cast<size_t>(icon)];
+}
+
+struct Buttons {
+    const char* name;
+    std::vector<BoxAnswer> answers;
+};
+
+const Buttons& buttonsOf(BoxButtons buttons) {
+    static const std::map<BoxButtons, Buttons> all = {
+        {BoxButtons::Ok, {"OK", {BoxAnswer::Ok}}},
+        {BoxButtons::OkCancel, {"OKCancel", {BoxAnswer::Ok, BoxAnswer::Cancel}}},
+        {BoxButtons::YesNo, {"YesNo", {BoxAnswer::Yes, BoxAnswer::No}}},
+        {BoxButtons::YesNoCancel,
+         {"YesNoCancel", {BoxAnswer::Yes, BoxAnswer::No, BoxAnswer::Cancel}}},
+    };
+    return all.at(buttons);
+}
+
+constexpr std::array kAnswerNames = {"OK", "Cancel", "Yes", "No"};
+
+std::optional<BoxAnswer> answerNamed(const std::string& word) {
+    for (size_t i = 0; i < kAnswerNames.size(); ++i)
+        if (equalsIgnoreCaseAscii(word, kAnswerNames[i])) return static_cast<BoxAnswer>(i);
+    return std::nullopt;
+}
+
+std::string oneLine(const std::string& text) {
+    std::string out;
+    for (const char c : text) {
+        if (c == '\n')
+            out += "\\n";
+        else if (c != '\r')
+            out += c;
+    }
+    return out;
+}
+
+const char* yesNo(bool value) {
+    return value ? "Yes" : "No";
+}
+
+}  // namespace
+
+BoxAnswer ScriptFrontEnd::show(const Box& box) {
+    const Buttons& buttons = buttonsOf(box.buttons);
+    auto offered = [&](BoxAnswer answer) {
+        return std::find(buttons.answers.begin(), buttons.answers.end(), answer) !=
+               buttons.answers.end();
+    };
+    BoxAnswer answer = offered(box.defaultAnswer) ? box.defaultAnswer : buttons.answers.front();
+    if (buttons.answers.size() > 1 && !answers_.empty()) {
+        const BoxAnswer queued = answers_.front();
+        answers_.pop_front();
+        if (offered(queued))
+            answer = queued;
+        else
+            fail(std::string("the box has no button ") + kAnswerNames[static_cast<size_t>(queued)]);
+    }
+    out_ << "box: " << iconName(box.icon) << '|' << oneLine(box.title) << '|' << oneLine(box.text)
+         << '|' << buttons.name << '|' << kAnswerNames[static_cast<size_t>(answer)] << std::endl;
+    return answer;
+}
+
+void ScriptFrontEnd::opened(Screen& screen) {
+    out_ << "open: " << screen.name() << '|' << oneLine(screen.caption) << std::endl;
+}
+
+void ScriptFrontEnd::closed(Screen& screen) {
+    out_ << "close: " << screen.name() << std::endl;
+}
+
+void ScriptFrontEnd::run(Screen& screen) {
+    std::string line;
+    while (screen.isOpen()) {
+        if (!std::getline(in_, line)) {
+            screen.close();
+            return;
+        }
+        ++line_;
+        line = trim(line);
+        if (!line.empty() && line[0] != '#') command(screen, line);
+    }
+}
+
+void ScriptFrontEnd::command(Screen& screen, const std::string& line) {
+    const size_t blank = line.find(' ');
+    const std::string verb = line.substr(0, blank);
+    const std::string rest = blank == std::string::npos ? "" : trim(line.substr(blank));
+    if (verb == "close") {
+        screen.close();
+    } else if (verb == "answer") {
+        if (const auto answer = answerNamed(rest))
+            answers_.push_back(*answer);
+        else
+            fail("no such answer: " + rest);
+    } else if (verb == "click" || verb == "show") {
+        Control* control = screen.find(rest);
+        if (control == nullptr)
+            fail("no control " + rest + " on " + screen.name());
+        else if (verb == "show")
+            out_ << control->name() << ": " << oneLine(control->text()) << " | "
+                 << oneLine(control->caption) << " | " << yesNo(control->enabled) << " | "
+                 << yesNo(control->visible) << std::endl;
+        else if (!control->click())
+            fail(control->name() + " takes no click now");
+    } else {
+        fail("no such command: " + verb);
+    }
+}
+
+void ScriptFrontEnd::fail(const std::string& reason) {
+    failed_ = true;
+    errors_ << "error: line " << line_ << ": " << reason << std::endl;
+}
+
+}  // namespace owb

@@ -1,0 +1,51 @@
+// Drives screens by text: one command a line in, what happens out. Used by tests, by owbctl and by
+// anyone who wants to automate an entry.
+//
+//   click NAME     a command or label
+//   show NAME      prints NAME: text | caption | enabled | visible
+//   answer WORD    queues Yes, No, Cancel or OK for the next question
+//   close          closes the current screen
+//
+// Blank lines and lines that begin with # say nothing. Out go "open: <screen>|<caption>",
+// "close: <screen>" and "box: <icon>|<title>|<text>|<buttons>|<answer>", line breaks as \n. A
+// question without a queued answer takes its default button. When the input ends, the open screens
+// close.
+#pragma once
+
+#include <deque>
+#include <istream>
+#include <ostream>
+#include <string>
+
+#include "screen/screen.h"
+
+namespace owb {
+
+class ScriptFrontEnd final : public FrontEnd {
+  public:
+    // What a line got wrong goes to `errors` as "error: line <n>: <reason>"; the script goes on.
+    ScriptFrontEnd(std::istream& in, std::ostream& out, std::ostream& errors)
+        : in_(in), out_(out), errors_(errors) {}
+
+    bool failed() const { return failed_; }
+
+    BoxAnswer show(const Box& box) override;
+    void opened(Screen& screen) override;
+    void run(Screen& screen) override;
+    void closed(Screen& screen) override;
+    void refresh(Screen&) override {}
+    void pause(int) override {}
+
+  private:
+    void command(Screen& screen, const std::string& line);
+    void fail(const std::string& reason);
+
+    std::istream& in_;
+    std::ostream& out_;
+    std::ostream& errors_;
+    std::deque<BoxAnswer> answers_;
+    size_t line_ = 0;
+    bool failed_ = false;
+};
+
+}  // namespace owb
