@@ -73,7 +73,7 @@ double clsGenCmn::FnDblTrimVal(const std::string& text) const {
 }
 
 std::string clsGenCmn::FnStrRupeeInWords(double amount) const {
-    const auto paise = static_cast<int64_t>(roundHalfAway(std::fabs(amount) * 100));
+    const auto paise = std::llround(roundHalfAway(std::fabs(amount), 2) * 100);
     const int64_t rupees = paise / 100;
     std::string out = "Rupees " + (rupees ? wordsOf(rupees) : "Zero");
     if (paise == 0) return out;
