@@ -1,0 +1,26 @@
+#!/bin/sh
+# Builds the program, makes the sample company if there is none, runs the full recalculation on it
+# through the program's own start-up and prints the register of the current month.
+set -eu
+cd "$(dirname "$0")"
+. .ci/packages.sh
+# shellcheck disable=SC2086
+need_packages $build_packages
+
+[ -f build/release/build.ninja ] || cmake --preset release -DBUILD_TESTING=OFF >/dev/null
+cmake --build --preset release --target owbctl OWBLeaveMgmt
+
+data="${XDG_DATA_HOME:-$HOME/.local/share}/orvane-wagebook"
+company="$data/sample.owb"
+mkdir -p "$data"
+if [ ! -e "$company" ]; then
+    echo "Making the sample company in $company"
+    build/release/src/owbctl sample "$company"
+fi
+
+# <ignored>:<server>:<database>:<user>:<password>; without user and password.
+link="$data/sample.owblink"
+printf 'OWB:(embedded):%s::\n' "$company" >"$link"
+build/release/src/OWBLeaveMgmt "1600#False#0#0#$link"
+
+build/release/src/owbctl register "$company"
