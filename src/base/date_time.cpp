@@ -1,8 +1,10 @@
 #include "base/date_time.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
 #include <vector>
 
 namespace owb {
@@ -314,6 +316,17 @@ std::string dateText(const DateTime& value, std::string_view pattern) {
         i += run;
     }
     return out;
+}
+
+DateTime wallClock() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    tm local{};
+    localtime_r(&now.tv_sec, &local);
+    DateTime value = DateTime::fromCivil(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+    const int seconds = (local.tm_hour * 60 + local.tm_min) * 60 + std::min(local.tm_sec, 59);
+    value.tick = seconds * 300 + static_cast<int32_t>(now.tv_nsec * 3 / 10'000'000);
+    return value;
 }
 
 std::string isoText(const DateTime& value) {

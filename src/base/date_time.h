@@ -57,6 +57,9 @@ std::optional<DateTime> parseDate(std::string_view text, DateOrder order = DateO
 // "MMM" gives "Jan". Everything else stands as it is.
 std::string dateText(const DateTime& value, std::string_view pattern);
 
+// This machine's date and time of day.
+DateTime wallClock();
+
 // YYYY-MM-DD, and " HH:MM:SS.mmm" when there is a time.
 std::string isoText(const DateTime& value);
 

@@ -129,6 +129,7 @@ struct Session {
     bool gFileLaunch = false;
     std::string exeName = "OWBLeaveMgmt";  // the executable's own name without extension
     std::string gProductPath;
+    std::string gHelpFile;  // "" none
     bool gExtendedYN = false;
     std::string gWinUserId;
     std::string gUser = "ADMIN";  // the family's logged-in user

@@ -1,0 +1,24 @@
+// Talk with the shell through the settings store, section ExeTalk. There are no window handles
+// here: the process number stands for the handle of the screen, and the text of the shell's status
+// box is the entry "Orvane WagebookStatus", which changes when this program has gone.
+#pragma once
+
+#include "data/Session.h"
+
+namespace owb {
+
+class SettingsShellTalk final : public ShellTalk {
+  public:
+    SettingsShellTalk(SettingsStore& settings, std::string exeName)
+        : settings_(settings), exeName_(std::move(exeName)) {}
+
+    void screenOpened(const std::string& screenName) override;
+    void screenClosed() override;
+    void programEnded() override;
+
+  private:
+    SettingsStore& settings_;
+    std::string exeName_;
+};
+
+}  // namespace owb

@@ -1,0 +1,142 @@
+#include "app/modInitialize.h"
+
+#include <algorithm>
+#include <array>
+
+#include "app/ThisApp.h"
+#include "app/modMenu.h"
+#include "base/number_text.h"
+#include "data/modAttSetting.h"
+#include "data/modCommon.h"
+#include "data/modEmployeeViews.h"
+#include "data/modFiles.h"
+#include "data/modOWBSetting.h"
+#include "data/modRights.h"
+#include "leave/screens/frmConfiguring.h"
+#include "leave/screens/modLeaveProcess.h"
+#include "schema/modSQLFunction.h"
+
+namespace owb {
+
+namespace {
+
+// Shows a screen of start-up; in an extended session all that it does is one transaction.
+template <typename ScreenType>
+void showInTransaction(Session& session, FrontEnd& frontEnd) {
+    if (session.gExtendedYN) session.gConn.BeginTrans();
+    ScreenType(session, frontEnd).showModal();
+    if (session.gExtendedYN) session.gConn.CommitTrans();
+}
+
+void readSettings(Session& session) {
+    const SettingsStore& store = session.settings;
+    session.gExtendedYN = textToNumber(store.GetSetting("ExeTalk", "OWBExtendedYN", "0")) != 0;
+    session.gWinUserId = store.GetSetting("Settings", "WinUserID");
+    session.gUser = store.GetSetting("Settings", "USER", "ADMIN");
+    session.gProductPath = store.GetSetting("Settings", "Path", session.programFolder);
+}
+
+void touchUp(Session& session) {
+    if (!FnBlnRecordExists(session,
+                           "SELECT * FROM INFORMATION_SCHEMA.COLUMNS WHERE COLUMN_NAME = "
+                           "'EXLEVPRIORITY' AND TABLE_NAME = 'ATT_OPTSETTINGS'"))
+        session.gConn.Execute(" ALTER TABLE ATT_OPTSETTINGS ADD EXLEVPRIORITY VARCHAR(100)");
+    session.gConn.Execute(
+        " UPDATE ATT_ENCASH SET UPTODATE=DOL  from ATT_ENCASH A INNER JOIN MAS_EMPLOYEE E ON "
+        "A.EMPID=E.EMPID WHERE A.UPTODATE>isnull(DOL,'2099-12-31')");
+}
+
+void configure(Session& session, FrontEnd& frontEnd) {
+    if (session.gMenuId == 1525 || session.gMenuId == 1601) {
+        LoadOptSet(session);
+        return;
+    }
+    const bool otherTransaction =
+        FnBlnRecordExists(session,
+                          "select database_id from sys.dm_tran_database_transactions WHERE "
+                          "database_id=DB_ID()");
+    if (otherTransaction && FnBlnMarkerFile(session, "\\SkipLEVConfigBegintrans.dat")) return;
+    showInTransaction<frmConfiguring>(session, frontEnd);
+}
+
+void readCompanyKind(Session& session) {
+    session.gConsultantMode = FnBlnRecordExists(
+        session, "SELECT refid FROM MAS_PULLDOWNVALUES WHERE refID=2001 AND pdid=1");
+    if (session.gConsultantMode)
+        session.gEmployeeCaption =
+            FnVarGetValue(session,
+                          "SELECT PDLISTNAME FROM MAS_PULLDOWNVALUES WHERE REFID=2001 AND PDID=2",
+                          "Consultant/Student")
+                .toText();
+    session.gRestrictedLeaveId = static_cast<int32_t>(
+        FnVarGetValue(session, "SELECT LEVID FROM ATT_DEFINITION WHERE LEVSHORT='RH'", 0).toInt());
+    session.gRestrictedHolidayOn = FnBlnRecordExists(
+        session, "SELECT 1 FROM ATT_RESTRICTHOLIDAY WHERE ISNULL(RESTRICTYN,0)=1");
+}
+
+// The screens that show figures find nothing marked.
+void recalculatePending(Session& session, FrontEnd& frontEnd) {
+    static constexpr std::array<int32_t, 11> kScreensOnFigures = {
+        1507, 1510, 1514, 1515, 1516, 1518, 1521, 1522, 1523, 1524, 15210};
+    if (std::find(kScreensOnFigures.begin(), kScreensOnFigures.end(), session.gMenuId) ==
+        kScreensOnFigures.end())
+        return;
+    std::string condition;
+    if (session.gOptSet.CLASSSECURITYN && session.gExtendedYN)
+        condition = FnStrClassSecurityFilter(session, 0, 0, "LEV.EMPID");
+    int64_t marked = 0;
+    for (const char* table : {"LEV_ALLOTMENT", "LEV_MONTHDET", "ATT_DAYTODAY"})
+        marked += FnVarGetValue(session,
+                                std::string("SELECT COUNT(EMPID) FROM ") + table +
+                                    " LEV WHERE EDITMODEYN = 1" + condition,
+                                0)
+                      .toInt();
+    if (marked == 0) return;
+    frontEnd.pause(1000);
+    session.gRecalcPending = true;
+    showInTransaction<modLeaveProcess>(session, frontEnd);
+}
+
+void readPeriod(Session& session) {
+    session.gFirstLeaveMonth = static_cast<int32_t>(
+        FnVarGetValue(session,
+                      "SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR WHERE MONTHYEAR >= " +
+                          std::to_string(session.gFeature.LVSTARTMNYEAR),
+                      0)
+            .toInt());
+    session.gLastMonth = static_cast<int32_t>(
+        FnVarGetValue(session, "SELECT MAX(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
+    CreatePeriodViews(session);
+    session.gPeriodLocked =
+        FnBlnMonthRangeLocked(session, session.gFirstLeaveMonth, session.gLastMonth, true, 0);
+}
+
+}  // namespace
+
+void StartApplication(Session& session, FrontEnd& frontEnd, const std::string& commandLine) {
+    SetHelpFile(session);
+    InitCommandLine(session, commandLine);
+    StartOnConnection(session, frontEnd);
+}
+
+void StartOnConnection(Session& session, FrontEnd& frontEnd) {
+    readSettings(session);
+    SetHostNames(session);
+    touchUp(session);
+    configure(session, frontEnd);
+    readCompanyKind(session);
+    recalculatePending(session, frontEnd);
+    readPeriod(session);
+    LoadAttOptions(session, 0);
+    LoadAttHead(session, session.gAttHeadId);
+    CreateFilterObjects(session);
+    session.gReadOnly = FnVarGetValue(session,
+                                      "SELECT ISNULL(READONLYYN, 0) FROM SEC_USERLIST WHERE "
+                                      "USERNAME = '" +
+                                          session.gSpChar.FnStrSpSQL(session.gUser) + "'",
+                                      0)
+                            .toBool();
+    OpenMenuScreen(session, frontEnd);
+}
+
+}  // namespace owb

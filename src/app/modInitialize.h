@@ -1,0 +1,17 @@
+// Start-up, from the command line to the one screen of the launch.
+#pragma once
+
+#include <string>
+
+#include "data/Session.h"
+#include "screen/front_end.h"
+
+namespace owb {
+
+// All of start-up. Returns when the screen of the menu identifier has closed; EndOfProgram leaves
+// through it.
+void StartApplication(Session& session, FrontEnd& frontEnd, const std::string& commandLine);
+// The same from an open connection on, with gMenuId and gAttHeadId set by the caller.
+void StartOnConnection(Session& session, FrontEnd& frontEnd);
+
+}  // namespace owb
