@@ -40,6 +40,7 @@ class Command {
 // One function for each command, each in a file of its own.
 std::unique_ptr<Command> makeCreateCommand();
 std::unique_ptr<Command> makeSqlCommand();
+std::unique_ptr<Command> makeProcessCommand();
 std::unique_ptr<Command> makeRegisterCommand();
 std::unique_ptr<Command> makeCheckCommand();
 
