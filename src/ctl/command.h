@@ -39,6 +39,7 @@ class Command {
 
 // One function for each command, each in a file of its own.
 std::unique_ptr<Command> makeCreateCommand();
+std::unique_ptr<Command> makeSampleCommand();
 std::unique_ptr<Command> makeSqlCommand();
 std::unique_ptr<Command> makeProcessCommand();
 std::unique_ptr<Command> makeRegisterCommand();

@@ -1,9 +1,7 @@
 #include <CLI/CLI.hpp>
-#include <filesystem>
 
 #include "ctl/command.h"
 #include "ctl/database.h"
-#include "db/embedded/embedded_driver.h"
 #include "schema/modSQLFunction.h"
 
 namespace owb::ctl {
@@ -26,20 +24,9 @@ class CreateCommand final : public Command {
     }
 
     int run(Streams&) override {
-        const std::string file = databaseFile(db_);
-        createEmbedded(file);
-        if (empty_) return 0;
-        try {
-            Connection connection;
-            openDatabase(connection, file);
-            createFamilyDatabase(connection);
-        } catch (...) {
-            // Half a database would only mislead.
-            std::error_code ignored;
-            for (const char* part : {"", "-wal", "-shm"})
-                std::filesystem::remove(file + part, ignored);
-            throw;
-        }
+        makeDatabase(db_, [this](Connection& connection) {
+            if (!empty_) createFamilyDatabase(connection);
+        });
         return 0;
     }
 

@@ -1,7 +1,10 @@
 #include "ctl/database.h"
 
+#include <filesystem>
+
 #include "base/utf8.h"
 #include "ctl/command.h"
+#include "db/embedded/embedded_driver.h"
 #include "db/sql_text.h"
 
 namespace owb::ctl {
@@ -20,6 +23,20 @@ std::string databaseFile(const std::string& db) {
 
 void openDatabase(Connection& connection, const std::string& db) {
     connection.Open(connectionString(db));
+}
+
+void makeDatabase(const std::string& db, const std::function<void(Connection&)>& fill) {
+    const std::string file = databaseFile(db);
+    createEmbedded(file);
+    try {
+        Connection connection;
+        openDatabase(connection, file);
+        fill(connection);
+    } catch (...) {
+        std::error_code ignored;
+        for (const char* part : {"", "-wal", "-shm"}) std::filesystem::remove(file + part, ignored);
+        throw;
+    }
 }
 
 bool tableExists(Connection& connection, const std::string& name) {

@@ -1,6 +1,7 @@
 // The argument DB of the commands: a database file or a connection string.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "db/connection.h"
@@ -12,6 +13,8 @@ std::string connectionString(const std::string& db);
 std::string databaseFile(const std::string& db);
 // Throws DbError.
 void openDatabase(Connection& connection, const std::string& db);
+// Makes a new file and fills it; a filling that fails leaves no file behind.
+void makeDatabase(const std::string& db, const std::function<void(Connection&)>& fill);
 bool tableExists(Connection& connection, const std::string& name);
 
 }  // namespace owb::ctl

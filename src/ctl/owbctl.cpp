@@ -11,8 +11,8 @@ namespace {
 using Maker = std::unique_ptr<Command> (*)();
 
 // The order in which `owbctl help` lists them.
-constexpr Maker kMakers[] = {makeCreateCommand, makeSqlCommand, makeProcessCommand,
-                             makeRegisterCommand, makeCheckCommand};
+constexpr Maker kMakers[] = {makeCreateCommand,  makeSampleCommand,   makeSqlCommand,
+                             makeProcessCommand, makeRegisterCommand, makeCheckCommand};
 
 struct Entry {
     std::unique_ptr<Command> command;
