@@ -169,8 +169,8 @@ double clsNODNDP::WeeklyHoliday(int32_t lngAttHeadId, DateTime dteDate) {
     if (!dated.isNull()) return dated.toDouble();
     return FirstValue(
                "Select FIRSTHALF/2.0 + SECONDHALF/2.0 From ATT_WEEKLY AW, MAS_PULLDOWNVALUES "
-               "PD Where PD.REFID = 16 And PD.PDID = AW.WEEKID And PD.PDLISTNAME = '" +
-                   std::string(weekdayName(dteDate.weekday())) + "' And AW.ATTHEADID = " + head,
+               "PD Where PD.REFID = 16 And PD.PDLISTNAME = AW.WEEKDAYNAME And PD.PDID = " +
+                   std::to_string(dteDate.weekday()) + " And AW.ATTHEADID = " + head,
                0)
         .toDouble();
 }
