@@ -54,6 +54,12 @@ std::vector<std::string> Connection::CheckIntegrity() {
     return driver().checkIntegrity();
 }
 
+void Connection::Wrap(
+    const std::function<std::unique_ptr<Driver>(std::unique_ptr<Driver>)>& layer) {
+    driver();
+    driver_ = layer(std::move(driver_));
+}
+
 Driver& Connection::driver() const {
     if (!driver_) throw clientError(ClientError::Closed);
     return *driver_;

@@ -1,6 +1,7 @@
 // The one connection of a session, in the vocabulary of the family's code.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -35,6 +36,8 @@ class Connection {
     void Cancel();
     // What is wrong with the database, one line each (see Driver::checkIntegrity).
     std::vector<std::string> CheckIntegrity();
+    // Puts a layer around the open driver: benches count its batches, tests break them off.
+    void Wrap(const std::function<std::unique_ptr<Driver>(std::unique_ptr<Driver>)>& layer);
 
   private:
     Driver& driver() const;  // throws when closed
