@@ -1,0 +1,183 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "ctl/command.h"
+#include "support/temp_dir.h"
+
+namespace owb::ctl {
+namespace {
+
+struct Outcome {
+    int status;
+    std::string out, err;
+};
+
+Outcome owbctl(std::vector<std::string> arguments, const std::string& input = "") {
+    std::istringstream in(input);
+    std::ostringstream out, err;
+    Streams io{in, out, err};
+    const int status = runOwbctl(std::move(arguments), io);
+    return {status, out.str(), err.str()};
+}
+
+TEST(Owbctl, WrongUsageIsStatus2AndOneLine) {
+    const std::vector<std::vector<std::string>> cases = {{},
+                                                         {"nosuch"},
+                                                         {"create"},
+                                                         {"sql"},
+                                                         {"sql", "x", "-c", "a", "-f", "b"},
+                                                         {"process", "x", "--menu", "1507"},
+                                                         {"sample", "x", "--employees", "0"},
+                                                         {"sample", "x", "--employees", "20001"},
+                                                         {"help", "nosuch"},
+                                                         {"check", "a", "b"},
+                                                         {"create", "x", "--nosuch"}};
+    for (const auto& c : cases) {
+        const Outcome o = owbctl(c);
+        EXPECT_EQ(o.status, 2) << testing::PrintToString(c);
+        EXPECT_EQ(o.err.rfind("error: ", 0), 0u) << o.err;
+        EXPECT_EQ(o.out, "");
+    }
+}
+
+TEST(Owbctl, HelpOfEachCommandTellsItsContract) {
+    const Outcome all = owbctl({"help"});
+    EXPECT_EQ(all.status, 0);
+    for (const char* name : {"create", "sample", "sql", "process", "register", "check"}) {
+        EXPECT_NE(all.out.find(name), std::string::npos) << name;
+        const Outcome one = owbctl({"help", name});
+        EXPECT_EQ(one.status, 0);
+        EXPECT_NE(one.out.find("DB"), std::string::npos) << name;
+        EXPECT_EQ(owbctl({name, "--help"}).out, one.out);
+    }
+}
+
+class OwbctlFile : public testing::Test {
+  protected:
+    test::TempDir dir;
+    std::string db = dir.file("x.owb");
+};
+
+TEST_F(OwbctlFile, WhatCannotBeOpenedIsStatus1) {
+    std::ofstream(dir.file("letter")) << std::string(3000, 'x');
+    const std::string none = dir.file("none.owb");
+    const std::vector<std::vector<std::string>> cases = {
+        {"sql", none, "-c", "SELECT 1"},
+        {"check", none},
+        {"process", none},
+        {"register", none},
+        {"sql", dir.file("letter"), "-c", "SELECT 1"},
+        {"check", dir.file("letter")},
+        {"create", dir.file("letter")},
+        {"sample", dir.file("letter")},
+        {"create", dir.file("no/folder/x.owb")},
+        {"create", "Provider=SQLOLEDB.1;Data Source=srv"},
+        {"sql", "Provider=SQLNCLI;Server=srv;", "-c", "SELECT 1"},
+        {"sample", db, "--from", "Foo/2024"}};
+    for (const auto& c : cases) {
+        const Outcome o = owbctl(c);
+        EXPECT_EQ(o.status, 1) << testing::PrintToString(c);
+        EXPECT_EQ(o.err.rfind("error: ", 0), 0u) << o.err;
+        EXPECT_EQ(o.out, "");
+    }
+    EXPECT_FALSE(std::filesystem::exists(none));
+    EXPECT_FALSE(std::filesystem::exists(db));
+    EXPECT_EQ(std::filesystem::file_size(dir.file("letter")), 3000u);
+}
+
+TEST_F(OwbctlFile, SqlPrintsCsv) {
+    ASSERT_EQ(owbctl({"create", "--empty", db}).status, 0);
+    const Outcome o =
+        owbctl({"sql", db},
+               "CREATE TABLE t (id int, s varchar(20), d datetime, n numeric(10,2), f float)\n"
+               "INSERT INTO t VALUES (1, 'a,\"b\"', '2014-01-05', 1.5, 0.1)\n"
+               "INSERT INTO t VALUES (2, '', '2014-01-05 13:07:09.123', NULL, 1e20)\n"
+               "GO\n"
+               "SELECT * FROM t ORDER BY id SELECT 1 AS one\n"
+               "  go  \n"
+               "SELECT NULL AS x, id * 2 FROM t WHERE id = 9\n");
+    EXPECT_EQ(o.status, 0);
+    EXPECT_EQ(o.err, "");
+    EXPECT_EQ(o.out,
+              "id,s,d,n,f\n"
+              "1,\"a,\"\"b\"\"\",2014-01-05,1.50,0.1\n"
+              "2,\"\",2014-01-05 13:07:09.123,,1e+20\n"
+              "\n"
+              "one\n1\n"
+              "\n"
+              "x,\n");
+}
+
+TEST_F(OwbctlFile, SqlGoesOnAfterAFailedBatch) {
+    ASSERT_EQ(owbctl({"create", "--empty", db}).status, 0);
+    const std::string batches =
+        "SELECT 1 AS a SELECT 1 / 0\nGO\nSELECT * FROM nosuch\nGO\nSELECT 2 AS b";
+    std::ofstream(dir.file("batches.sql")) << batches;
+    for (const auto& arguments : std::vector<std::vector<std::string>>{
+             {"sql", db, "-c", batches}, {"sql", db, "-f", dir.file("batches.sql")}}) {
+        const Outcome o = owbctl(arguments);
+        EXPECT_EQ(o.status, 1);
+        EXPECT_EQ(o.err,
+                  "error: Divide by zero error encountered.\n"
+                  "error: Invalid object name 'nosuch'.\n");
+        EXPECT_EQ(o.out, "a\n1\n\nb\n2\n");
+    }
+    EXPECT_EQ(owbctl({"sql", db, "-f", dir.file("none.sql")}).status, 1);
+}
+
+TEST_F(OwbctlFile, CreateRefusesAnExistingFileAndCheckFindsItSound) {
+    ASSERT_EQ(owbctl({"create", db}).status, 0);
+    EXPECT_EQ(owbctl({"create", db}).status, 1);
+    const Outcome o = owbctl({"check", db});
+    EXPECT_EQ(o.out, "sound\n");
+    EXPECT_EQ(o.status, 0);
+}
+
+TEST_F(OwbctlFile, CheckNamesWhatIsNotSound) {
+    ASSERT_EQ(owbctl({"create", db}).status, 0);
+    ASSERT_EQ(
+        owbctl({"sql", db, "-c",
+                "INSERT INTO LEV_MONTHDET (EMPID, EMPDETID, MONTHYEAR, EDITMODEYN) VALUES "
+                "(1, 1, 24170, 1) INSERT INTO LEV_DETAILS (EMPID, EMPDETID, LEVID, LEAVEDATE, "
+                "FIRSTHALFYN, SECONDHALFYN) VALUES (1, 1, 99, '2014-02-03', 1, 0)"})
+            .status,
+        0);
+    const Outcome o = owbctl({"check", db});
+    EXPECT_EQ(o.status, 1);
+    for (const char* line : {"LEV_MONTHDET: 1 month rows without a salary row",
+                             "LEV_DETAILS: 1 leave rows of no leave",
+                             "LEV_DETAILS: 1 leave rows of a version that the employee has not",
+                             "LEV_MONTHDET: 1 month rows that await recalculation", "not sound"})
+        EXPECT_NE(o.out.find(line), std::string::npos) << o.out;
+}
+
+TEST_F(OwbctlFile, CheckFindsADamagedFile) {
+    ASSERT_EQ(owbctl({"create", db}).status, 0);
+    {
+        std::fstream file(db, std::ios::in | std::ios::out | std::ios::binary);
+        const auto size = static_cast<std::streamoff>(std::filesystem::file_size(db));
+        for (std::streamoff at = size / 2; at < size; at += 4096) {
+            file.seekp(at);
+            file << std::string(600, '\x5a');
+        }
+    }
+    EXPECT_EQ(owbctl({"check", db}).status, 1);
+}
+
+TEST_F(OwbctlFile, ASmallCompanyFromMakingToRegister) {
+    ASSERT_EQ(owbctl({"sample", db, "--employees", "6", "--months", "2"}).err, "");
+    const Outcome processed = owbctl({"process", db});
+    EXPECT_EQ(processed.status, 0) << processed.err;
+    const Outcome again = owbctl({"process", db, "--menu", "1601"});
+    EXPECT_EQ(again.status, 0) << again.err;
+    const Outcome register_ = owbctl({"register", db, "--month", "May/2024"});
+    EXPECT_NE(register_.out.find("Register of May/2024"), std::string::npos) << register_.err;
+    EXPECT_NE(register_.out.find("Pay Days"), std::string::npos);
+    EXPECT_EQ(register_.out.find('*'), std::string::npos) << register_.out;
+    EXPECT_EQ(owbctl({"check", db}).out.find("not sound"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace owb::ctl
