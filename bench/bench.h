@@ -44,6 +44,7 @@ class PlainDatabase {
     explicit PlainDatabase(const std::string& path) {
         if (sqlite3_open(path.c_str(), &db_) != SQLITE_OK)
             throw std::runtime_error("cannot open " + path);
+        run("PRAGMA synchronous = NORMAL");  // as the engine has it
     }
     ~PlainDatabase() { sqlite3_close(db_); }
     PlainDatabase(const PlainDatabase&) = delete;
