@@ -1,0 +1,47 @@
+#include "ctl/sample.h"
+
+#include "ctl/sample_attendance.h"
+#include "ctl/sample_rules.h"
+#include "db/recordset.h"
+
+namespace owb::ctl {
+
+namespace {
+
+bool fillDatabase(Connection& connection, const SampleOptions& options, Progress& progress) {
+    progress.status("Rules and calendar");
+    writeSampleRules(connection, options);
+    const SampleCalendar calendar(options);
+    calendar.writeRules(connection);
+
+    SampleAttendance attendance(connection, options, calendar);
+    progress.status("Employees");
+    const auto total = static_cast<size_t>(options.employees);
+    for (int id = 1; id <= options.employees; ++id) {
+        if (progress.cancelled()) return false;
+        attendance.write(makeEmployee(id, options));
+        progress.step(static_cast<size_t>(id), total);
+    }
+    attendance.finish();
+    return true;
+}
+
+}  // namespace
+
+void makeSample(Connection& connection, const SampleOptions& options, Progress& progress) {
+    Recordset employees(connection, "SELECT COUNT(*) FROM MAS_EMPLOYEE");
+    if (employees.Fields(0).toInt() > 0)
+        throw DbError(50000, 16, 1, 0, "The database already holds employees.");
+    connection.BeginTrans();
+    try {
+        if (fillDatabase(connection, options, progress))
+            connection.CommitTrans();
+        else
+            connection.RollbackTrans();
+    } catch (...) {
+        connection.RollbackTrans();
+        throw;
+    }
+}
+
+}  // namespace owb::ctl

@@ -1,0 +1,28 @@
+// The sample company: a factory with two branches, heads of every register type, two financial
+// years of attendance and leave. The same options give the same rows, and an employee's rows do not
+// depend on how many employees there are.
+#pragma once
+
+#include <cstdint>
+
+#include "screen/progress.h"
+
+namespace owb {
+
+class Connection;
+
+namespace ctl {
+
+struct SampleOptions {
+    int employees = 40;  // 1 to 20000
+    int months = 24;
+    int32_t fromMonth = 2024 * 12 + 4;  // month key
+    uint64_t seed = 1;
+};
+
+// Fills a family database that has no employees yet, in one transaction; what the delivered rows
+// say is replaced. Cancelling leaves the database as it was. Throws DbError.
+void makeSample(Connection& connection, const SampleOptions& options, Progress& progress);
+
+}  // namespace ctl
+}  // namespace owb

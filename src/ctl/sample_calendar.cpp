@@ -1,0 +1,260 @@
+#include "ctl/sample_calendar.h"
+
+#include <algorithm>
+
+#include "ctl/sample_rows.h"
+
+namespace owb::ctl {
+
+namespace {
+
+struct Holiday {
+    int year, month, day;
+    const char* name;
+    bool national = false;
+};
+
+constexpr Holiday kGazetted[] = {
+    {2024, 1, 26, "Republic Day", true},
+    {2024, 3, 8, "Maha Shivaratri"},
+    {2024, 3, 25, "Holi"},
+    {2024, 3, 29, "Good Friday"},
+    {2024, 4, 11, "Id-ul-Fitr"},
+    {2024, 4, 17, "Ram Navami"},
+    {2024, 4, 21, "Mahavir Jayanti"},
+    {2024, 5, 23, "Buddha Purnima"},
+    {2024, 6, 17, "Id-ul-Zuha"},
+    {2024, 7, 17, "Muharram"},
+    {2024, 8, 15, "Independence Day", true},
+    {2024, 8, 26, "Janmashtami"},
+    {2024, 9, 16, "Milad-un-Nabi"},
+    {2024, 10, 2, "Mahatma Gandhi's Birthday", true},
+    {2024, 10, 12, "Dussehra"},
+    {2024, 10, 31, "Diwali"},
+    {2024, 11, 15, "Guru Nanak's Birthday"},
+    {2024, 12, 25, "Christmas"},
+    {2025, 1, 26, "Republic Day", true},
+    {2025, 2, 26, "Maha Shivaratri"},
+    {2025, 3, 14, "Holi"},
+    {2025, 3, 31, "Id-ul-Fitr"},
+    {2025, 4, 10, "Mahavir Jayanti"},
+    {2025, 4, 18, "Good Friday"},
+    {2025, 5, 12, "Buddha Purnima"},
+    {2025, 6, 7, "Id-ul-Zuha"},
+    {2025, 7, 6, "Muharram"},
+    {2025, 8, 15, "Independence Day", true},
+    {2025, 8, 16, "Janmashtami"},
+    {2025, 9, 5, "Milad-un-Nabi"},
+    {2025, 10, 2, "Mahatma Gandhi's Birthday, Dussehra", true},
+    {2025, 10, 20, "Diwali"},
+    {2025, 11, 5, "Guru Nanak's Birthday"},
+    {2025, 12, 25, "Christmas"},
+    {2026, 1, 26, "Republic Day", true},
+    {2026, 3, 4, "Holi"},
+    {2026, 3, 21, "Id-ul-Fitr"},
+    {2026, 3, 26, "Ram Navami"},
+    {2026, 3, 31, "Mahavir Jayanti"},
+    {2026, 4, 3, "Good Friday"},
+    {2026, 5, 1, "Buddha Purnima"},
+    {2026, 5, 27, "Id-ul-Zuha"},
+    {2026, 6, 26, "Muharram"},
+    {2026, 8, 15, "Independence Day", true},
+    {2026, 8, 26, "Milad-un-Nabi"},
+    {2026, 9, 4, "Janmashtami"},
+    {2026, 10, 2, "Mahatma Gandhi's Birthday", true},
+    {2026, 10, 20, "Dussehra"},
+    {2026, 11, 8, "Diwali"},
+    {2026, 11, 24, "Guru Nanak's Birthday"},
+    {2026, 12, 25, "Christmas"},
+};
+
+constexpr Holiday kRestricted[] = {
+    {2024, 1, 1, "New Year's Day"},    {2024, 1, 15, "Makar Sankranti"},
+    {2024, 2, 14, "Basant Panchami"},  {2024, 4, 13, "Vaisakhi"},
+    {2024, 8, 19, "Raksha Bandhan"},   {2024, 9, 7, "Ganesh Chaturthi"},
+    {2024, 10, 20, "Karva Chauth"},    {2024, 11, 3, "Bhai Duj"},
+    {2024, 12, 24, "Christmas Eve"},   {2025, 1, 1, "New Year's Day"},
+    {2025, 1, 14, "Makar Sankranti"},  {2025, 2, 2, "Basant Panchami"},
+    {2025, 4, 14, "Ambedkar Jayanti"}, {2025, 8, 9, "Raksha Bandhan"},
+    {2025, 8, 27, "Ganesh Chaturthi"}, {2025, 10, 10, "Karva Chauth"},
+    {2025, 10, 23, "Bhai Duj"},        {2025, 12, 24, "Christmas Eve"},
+    {2026, 1, 1, "New Year's Day"},    {2026, 1, 14, "Makar Sankranti"},
+    {2026, 1, 23, "Basant Panchami"},  {2026, 4, 14, "Ambedkar Jayanti"},
+    {2026, 8, 28, "Raksha Bandhan"},   {2026, 9, 14, "Ganesh Chaturthi"},
+    {2026, 10, 29, "Karva Chauth"},    {2026, 11, 11, "Bhai Duj"},
+    {2026, 12, 24, "Christmas Eve"},
+};
+
+// New year of the calendar: restricted, under the name of each branch's region.
+constexpr Holiday kRegionalNewYear[] = {{2024, 4, 9, ""}, {2025, 3, 30, ""}, {2026, 3, 19, ""}};
+
+DateTime dateOf(const Holiday& h) {
+    return DateTime::fromCivil(h.year, h.month, h.day);
+}
+
+template <size_t N>
+bool listed(const Holiday (&list)[N], const DateTime& day) {
+    return std::any_of(std::begin(list), std::end(list),
+                       [&](const Holiday& h) { return dateOf(h) == day; });
+}
+
+// Holidays of one branch and of one head, each year.
+constexpr struct {
+    int branch, month, day;
+    const char* name;
+} kOfBranch[] = {{kPune, 5, 1, "Maharashtra Day"}, {kBengaluru, 11, 1, "Kannada Rajyotsava"}};
+constexpr int kWorkshopMonth = 9, kWorkshopDay = 17;  // Vishwakarma Puja
+
+constexpr int kSunday = 1, kSaturday = 7;
+
+// Which Saturdays are off, by head: F full, S second half, P first half, - none, for weeks 1 to 5.
+constexpr const char* kSaturdays[kHeads + 1] = {"SFSFS", "SFSFS", "SSSSS", "-----",
+                                                "-F-F-", "P-P-P", "-----"};
+
+OffHalves saturdayOff(int head, int week) {
+    const char kind = kSaturdays[head][week - 1];
+    return {kind == 'F' || kind == 'P', kind == 'F' || kind == 'S'};
+}
+
+// The security staff's day off moves on by one weekday each week; every fourth week half a day
+// more.
+OffHalves rotatingOff(int group, const DateTime& day) {
+    const int week = day.day / 7;
+    if (day.weekday() == (week + group) % 7 + 1) return {true, true};
+    return {false, week % 4 == 0 && day.weekday() == (week + group + 3) % 7 + 1};
+}
+
+}  // namespace
+
+SampleCalendar::SampleCalendar(const SampleOptions& options) : options_(options) {}
+
+bool SampleCalendar::ownRotation(const SampleEmployee& employee) {
+    return employee.id % 3 != 0 &&
+           std::any_of(employee.versions.begin(), employee.versions.end(),
+                       [](const SampleVersion& v) { return v.head == kSecurity; });
+}
+
+OffHalves SampleCalendar::weeklyOff(int employee, int head, const DateTime& day) const {
+    if (head == kSecurity) return rotatingOff(employee % 3 == 0 ? 0 : employee, day);
+    if (day.weekday() == kSunday) return {true, true};
+    if (day.weekday() == kSaturday) return saturdayOff(head, (day.civil().day + 6) / 7);
+    return {};
+}
+
+bool SampleCalendar::holiday(int head, int branch, const DateTime& day) const {
+    const CivilDate c = day.civil();
+    if (head == kWorkshop && c.month == kWorkshopMonth && c.day == kWorkshopDay) return true;
+    for (const auto& h : kOfBranch)
+        if (h.branch == branch && h.month == c.month && h.day == c.day) return true;
+    return listed(kGazetted, day);
+}
+
+bool SampleCalendar::restricted(const DateTime& day) const {
+    return listed(kRestricted, day);
+}
+
+void SampleCalendar::writeRules(Connection& connection) const {
+    writeHolidays(connection);
+    writeWeeklyOffs(connection);
+}
+
+void SampleCalendar::writeHolidays(Connection& connection) const {
+    RowWriter holidays(connection, "ATT_HOLIDAY",
+                       "HOLIDAYID, HOLIDAYDATE, HOLIDAYDESC, HOLIDAYTYPE, GENERALYN, ATTHEADID, "
+                       "BRANCHID");
+    RowWriter exceptions(connection, "ATT_HOLEX", "HOLIDAYID, ATTHEADID, BRANCHID");
+    int id = 0;
+    auto add = [&](const DateTime& day, const char* name, bool national, const std::string& head,
+                   const std::string& branch) {
+        const bool general = head == "NULL" && branch == "NULL";
+        holidays.add(std::to_string(++id) + ", " + sqlDate(day) + ", " + sqlText(name) + ", " +
+                     (national ? "1, " : "0, ") + (general ? "1, " : "0, ") + head + ", " + branch);
+    };
+    for (const Holiday& h : kGazetted) {
+        add(dateOf(h), h.name, h.national, "NULL", "NULL");
+        // The gates stand open on Good Friday, and the south works on Holi.
+        if (std::string_view(h.name) == "Good Friday")
+            exceptions.add(std::to_string(id) + ", " + std::to_string(kSecurity) + ", NULL");
+        if (std::string_view(h.name) == "Holi")
+            exceptions.add(std::to_string(id) + ", NULL, " + std::to_string(kBengaluru));
+    }
+    for (int year = 2024; year <= 2026; ++year) {
+        for (const auto& h : kOfBranch)
+            add(DateTime::fromCivil(year, h.month, h.day), h.name, false, "NULL",
+                std::to_string(h.branch));
+        add(DateTime::fromCivil(year, kWorkshopMonth, kWorkshopDay), "Vishwakarma Puja", false,
+            std::to_string(kWorkshop), "NULL");
+    }
+    holidays.flush();
+    exceptions.flush();
+
+    RowWriter restricted(connection, "ATT_RESTRICTHOLIDAY",
+                         "HOLIDAYID, HOLIDAYDATE, HOLIDAYDESC, HOLIDAYTYPE, ATTHEADID, BRANCHID, "
+                         "RESTRICTYN");
+    id = 0;
+    auto addRestricted = [&](const DateTime& day, const char* name, const char* branch) {
+        restricted.add(std::to_string(++id) + ", " + sqlDate(day) + ", " + sqlText(name) +
+                       ", 0, NULL, " + branch + ", 1");
+    };
+    for (const Holiday& h : kRestricted) addRestricted(dateOf(h), h.name, "NULL");
+    for (const Holiday& h : kRegionalNewYear) {
+        addRestricted(dateOf(h), "Gudi Padwa", "1");
+        addRestricted(dateOf(h), "Ugadi", "2");
+    }
+    restricted.flush();
+    connection.Execute(
+        "UPDATE MAS_OPTSET SET BRGHEFROM = (SELECT MIN(HOLIDAYDATE) FROM ATT_HOLIDAY where "
+        "BRANCHID>0)");
+}
+
+void SampleCalendar::writeWeeklyOffs(Connection& connection) const {
+    const std::string columns =
+        "EFFFROM, WEEKID, FH1YN, SH1YN, FH2YN, SH2YN, FH3YN, SH3YN, FH4YN, SH4YN, FH5YN, SH5YN, "
+        "EDITEDYN";
+    RowWriter heads(connection, "LEV_WEEKLYHLD", "WHID, ATTHEADID, " + columns);
+    RowWriter branches(connection, "LEV_WEEKLYHLDBRANCH", "WHID, BRANCHID, " + columns);
+    const std::string first = std::to_string(options_.fromMonth);
+    int id = 0;
+    auto row = [&](RowWriter& table, int owner, int weekday) {
+        const int head = &table == &heads ? owner : 0;
+        std::string values = std::to_string(++id) + ", " + std::to_string(owner) + ", " + first +
+                             ", " + std::to_string(weekday);
+        bool differs = false;
+        for (int week = 1; week <= 5; ++week) {
+            const OffHalves off =
+                weekday == kSunday ? OffHalves{true, true} : saturdayOff(head, week);
+            const OffHalves company =
+                weekday == kSunday ? OffHalves{true, true} : saturdayOff(0, week);
+            differs |= off.first != company.first || off.second != company.second;
+            values += off.first ? ", 1" : ", 0";
+            values += off.second ? ", 1" : ", 0";
+        }
+        table.add(values + (differs ? ", 1" : ", 0"));
+    };
+    for (int head = 0; head <= kHeads; ++head)
+        for (const int weekday : {kSunday, kSaturday}) row(heads, head, weekday);
+    id = 0;
+    for (const int branch : {kPune, kBengaluru})
+        for (const int weekday : {kSunday, kSaturday}) row(branches, branch, weekday);
+    heads.flush();
+    branches.flush();
+
+    RowWriter rotation(connection, "ATT_WKLYROT",
+                       "ATTHEADID, EMPID, WEEKDATE, FIRSTHALFYN, SECONDHALFYN");
+    RowWriter special(connection, "ATT_EXTRAOT", "ATTHEADID, WEEKDATE");
+    const DateTime end = lastDayOf(options_.fromMonth + options_.months - 1);
+    for (DateTime day = firstDayOf(options_.fromMonth); day <= end; day = day.plusDays(1)) {
+        const OffHalves off = rotatingOff(0, day);
+        if (off.any())
+            rotation.add(std::to_string(kSecurity) + ", 0, " + sqlDate(day) +
+                         (off.first ? ", 1" : ", 0") + (off.second ? ", 1" : ", 0"));
+        // Stock-taking on the last day of each quarter.
+        const CivilDate c = day.civil();
+        if (c.month % 3 == 0 && c.day == daysInMonth(c.year, c.month))
+            special.add(std::to_string(kPlant) + ", " + sqlDate(day));
+    }
+    rotation.flush();
+    special.flush();
+}
+
+}  // namespace owb::ctl

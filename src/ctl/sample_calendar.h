@@ -1,0 +1,38 @@
+// The sample company's calendar: India's gazetted holidays of 2024 to 2026, holidays of a branch
+// and of a head, a restricted list, weekly offs with half Saturdays, and a rotating group.
+#pragma once
+
+#include <map>
+
+#include "ctl/sample_people.h"
+#include "db/connection.h"
+
+namespace owb::ctl {
+
+struct OffHalves {
+    bool first = false, second = false;
+    bool full() const { return first && second; }
+    bool any() const { return first || second; }
+};
+
+class SampleCalendar {
+  public:
+    explicit SampleCalendar(const SampleOptions& options);
+
+    OffHalves weeklyOff(int employee, int head, const DateTime& day) const;
+    bool holiday(int head, int branch, const DateTime& day) const;
+    bool restricted(const DateTime& day) const;  // on the whole company's list
+
+    // Holidays, weekly offs, special overtime days and the rotation of the head; then, employee by
+    // employee, the rotation of those who have their own.
+    void writeRules(Connection& connection) const;
+    static bool ownRotation(const SampleEmployee& employee);
+
+  private:
+    void writeHolidays(Connection& connection) const;
+    void writeWeeklyOffs(Connection& connection) const;
+
+    SampleOptions options_;
+};
+
+}  // namespace owb::ctl
