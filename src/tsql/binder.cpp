@@ -1,0 +1,659 @@
+// Expressions: columns, operators, conditions, conversions.
+#include "tsql/binder.h"
+
+#include <algorithm>
+
+#include "base/utf8.h"
+#include "tsql/binder_scope.h"
+#include "tsql/types.h"
+
+namespace owb::tsql {
+
+namespace {
+
+std::string powerText(int n) { return Decimal(powerOfTen(n), 0).toText(); }
+
+bool isWide(const SqlType& t) {
+    return t.kind == SqlKind::Numeric && t.precision > kNarrowPrecision;
+}
+
+const SqlType kInt = SqlType::of(SqlKind::Int);
+
+}  // namespace
+
+BoundPtr cloneBound(const BoundExpr& e) {
+    auto c = std::make_unique<BoundExpr>();
+    c->kind = e.kind;
+    c->type = e.type;
+    c->nullable = e.nullable;
+    c->userFunction = e.userFunction;
+    c->index = e.index;
+    c->sourceType = e.sourceType;
+    c->constant = e.constant;
+    c->source = e.source;
+    c->column = e.column;
+    c->name = e.name;
+    c->pattern = e.pattern;
+    if (e.query) throw makeDbError(15281, {"A subquery as an argument of a table function"});
+    for (const BoundPtr& a : e.args) c->args.push_back(cloneBound(*a));
+    return c;
+}
+
+bool sameBound(const BoundExpr& a, const BoundExpr& b, const std::vector<LiteralSlot>& literals) {
+    if (a.kind != b.kind || !(a.type == b.type)) return false;
+    switch (a.kind) {
+        case BoundKind::Literal: {
+            const auto value = [&](const BoundExpr& e) -> const Value& {
+                return e.index < 0 ? e.constant : literals[e.index].value;
+            };
+            return value(a) == value(b);
+        }
+        case BoundKind::Variable:
+        case BoundKind::LiveVariable: return a.index == b.index;
+        case BoundKind::Null: return true;
+        case BoundKind::Column: return a.source == b.source && a.column == b.column;
+        case BoundKind::Op: break;
+        default: return false;
+    }
+    if (a.pattern != b.pattern || a.args.size() != b.args.size()) return false;
+    for (size_t i = 0; i < a.args.size(); ++i)
+        if (!sameBound(*a.args[i], *b.args[i], literals)) return false;
+    return true;
+}
+
+bool containsAggregate(const BoundExpr& e) {
+    if (e.aggregate) return true;
+    return std::any_of(e.args.begin(), e.args.end(),
+                       [](const BoundPtr& a) { return containsAggregate(*a); });
+}
+
+Binder::Binder(BindContext& context) : context_(context) {}
+Binder::~Binder() = default;
+
+BoundPtr Binder::op(std::string pattern, SqlType type, std::vector<BoundPtr> args) {
+    auto e = std::make_unique<BoundExpr>();
+    e->pattern = std::move(pattern);
+    e->type = type;
+    e->args = std::move(args);
+    for (const BoundPtr& a : e->args) e->userFunction |= a->userFunction;
+    return e;
+}
+
+BoundPtr Binder::constant(Value value, SqlType type) {
+    auto e = std::make_unique<BoundExpr>();
+    e->kind = value.isNull() ? BoundKind::Null : BoundKind::Literal;
+    e->type = e->sourceType = type;
+    e->nullable = value.isNull();
+    e->constant = std::move(value);
+    return e;
+}
+
+BoundPtr Binder::null(SqlType type) {
+    auto e = std::make_unique<BoundExpr>();
+    e->kind = BoundKind::Null;
+    e->type = type;
+    return e;
+}
+
+namespace {
+
+template <class... A>
+std::vector<BoundPtr> list(A... a) {
+    std::vector<BoundPtr> v;
+    (v.push_back(std::move(a)), ...);
+    return v;
+}
+
+}  // namespace
+
+void Binder::dependOn(const CatalogTable& table) {
+    if (!table.system) dependencies_.push_back({table.name, false, table.signature});
+}
+
+BoundPtr Binder::bindValue(const Expr& e) {
+    BoundPtr bound = bind(e);
+    if (bound->predicate) throw makeDbError(102, {e.op.empty() ? "=" : e.op}, e.line);
+    return bound;
+}
+
+BoundPtr Binder::bindCondition(const Expr& e) {
+    BoundPtr bound = bind(e);
+    if (!bound->predicate)
+        throw DbError(4145, 15, 1, e.line,
+                      "An expression of non-boolean type specified in a context where a condition "
+                      "is expected.");
+    return bound;
+}
+
+const Value* Binder::fixedLiteral(const Expr& e) {
+    if (e.kind != ExprKind::Literal) return nullptr;
+    LiteralSlot& slot = (*context_.literals)[e.literal];
+    slot.fixed = true;
+    return &slot.value;
+}
+
+BoundPtr Binder::bind(const Expr& e) {
+    try {
+        switch (e.kind) {
+            case ExprKind::Literal: {
+                LiteralSlot& slot = (*context_.literals)[e.literal];
+                // In the body of a view or function a literal is a constant of that body.
+                if (viewDepth_ > 0) return constant(slot.value, slot.type);
+                auto b = std::make_unique<BoundExpr>();
+                b->kind = BoundKind::Literal;
+                b->index = e.literal;
+                b->type = b->sourceType = slot.type;
+                b->nullable = false;
+                return b;
+            }
+            case ExprKind::Null: return null();
+            case ExprKind::Column: return bindColumn(e);
+            case ExprKind::Star: throw makeDbError(102, {"*"}, e.line);
+            case ExprKind::Variable: return bindVariable(e);
+            case ExprKind::SystemVariable: return bindSystemVariable(e);
+            case ExprKind::Unary: {
+                BoundPtr a = bindValue(*e.args[0]);
+                if (a->type.kind == SqlKind::Null) a = convert(std::move(a), kInt);
+                if (a->type.isText()) a = convert(std::move(a), kInt);
+                if (a->type.isDate() || a->type.kind == SqlKind::Bit)
+                    throw makeDbError(8117, {a->type.name(), e.op == "-" ? "minus" : "bitwise not"},
+                                      e.line);
+                SqlType type = a->type;
+                if (e.op == "~") {
+                    if (!type.isInteger())
+                        throw makeDbError(8117, {type.name(), "'~'"}, e.line);
+                    return op(type.kind == SqlKind::TinyInt ? "(255 & ~$0)" : "(~$0)", type,
+                              list(std::move(a)));
+                }
+                if (type.kind == SqlKind::TinyInt) type = SqlType::of(SqlKind::SmallInt);
+                if (isWide(type)) return op("t_neg($0)", type, list(std::move(a)));
+                return op("(-$0)", type, list(std::move(a)));
+            }
+            case ExprKind::Binary: return bindBinary(e);
+            case ExprKind::Case: return bindCase(e);
+            case ExprKind::Function: return bindFunction(e);
+            case ExprKind::Cast: {
+                int style = -1;
+                if (e.args.size() > 1) {
+                    const Value* v = fixedLiteral(*e.args[1]);
+                    if (!v) throw makeDbError(15281, {"A CONVERT style that is no constant"}, e.line);
+                    style = static_cast<int>(v->toInt());
+                }
+                BoundPtr a = bindValue(*e.args[0]);
+                const SqlType from = a->type;
+                if (!(from == e.type) &&
+                    ((from.kind == SqlKind::Date && e.type.isNumber()) ||
+                     (from.isNumber() && e.type.kind == SqlKind::Date)))
+                    throw makeDbError(529, {from.name(), e.type.name()}, e.line);
+                return convert(std::move(a), e.type, style, e.tryCast);
+            }
+            case ExprKind::Subquery: return scalarQuery(*e.query, e.line);
+            case ExprKind::Default: throw makeDbError(156, {"DEFAULT"}, e.line);
+            default: return bindPredicate(e);
+        }
+    } catch (DbError& error) {
+        if (error.line == 0) error.line = e.line;
+        throw;
+    }
+}
+
+BoundPtr Binder::bindColumn(const Expr& e) {
+    const std::string& column = e.name.last();
+    const std::string qualifier = e.name.qualifier();
+    bool qualifierSeen = false;
+    for (auto it = scopes_.rbegin(); it != scopes_.rend(); ++it) {
+        Scope& scope = **it;
+        BoundSource* found = nullptr;
+        int at = -1;
+        for (BoundSource* source : scope.sources) {
+            if (!qualifier.empty() && foldName(source->exposedName) != foldName(qualifier))
+                continue;
+            qualifierSeen |= !qualifier.empty();
+            for (size_t i = 0; i < source->columns.size(); ++i) {
+                const std::string& name = source->columns[i].name;
+                if (!equalsIgnoreCaseAscii(name, column) && foldName(name) != foldName(column))
+                    continue;
+                if (found) throw makeDbError(209, {column}, e.line);
+                found = source;
+                at = static_cast<int>(i);
+            }
+        }
+        if (found) {
+            auto b = std::make_unique<BoundExpr>();
+            b->kind = BoundKind::Column;
+            b->source = found;
+            b->column = at;
+            b->type = found->columns[at].type;
+            b->nullable = found->columns[at].nullable || scope.outerJoined;
+            b->name = found->columns[at].name;
+            return b;
+        }
+        if (qualifierSeen) break;
+    }
+    if (!qualifier.empty() && !qualifierSeen) throw makeDbError(4104, {e.name.text()}, e.line);
+    throw makeDbError(207, {column}, e.line);
+}
+
+BoundPtr Binder::bindVariable(const Expr& e) {
+    const std::string& name = e.name.last();
+    if (parameters_) {
+        const auto found = parameters_->find(foldName(name));
+        if (found != parameters_->end()) return cloneBound(*found->second);
+        throw makeDbError(137, {name}, e.line);
+    }
+    if (context_.variables && viewDepth_ == 0) {
+        for (size_t i = 0; i < context_.variables->size(); ++i) {
+            const VariableInfo& v = (*context_.variables)[i];
+            if (foldName(v.name) != foldName(name)) continue;
+            auto b = std::make_unique<BoundExpr>();
+            const bool live = std::find(assignedVariables_.begin(), assignedVariables_.end(),
+                                        static_cast<int>(i)) != assignedVariables_.end();
+            b->kind = live ? BoundKind::LiveVariable : BoundKind::Variable;
+            b->index = static_cast<int>(i);
+            b->type = b->sourceType = v.type;
+            return b;
+        }
+    }
+    throw makeDbError(137, {name}, e.line);
+}
+
+BoundPtr Binder::bindSystemVariable(const Expr& e) {
+    const std::string name = upperCase(e.name.last());
+    static const struct {
+        const char* name;
+        SqlKind kind;
+    } known[] = {{"@@ROWCOUNT", SqlKind::Int},   {"@@ERROR", SqlKind::Int},
+                 {"@@TRANCOUNT", SqlKind::Int},  {"@@FETCH_STATUS", SqlKind::Int},
+                 {"@@NESTLEVEL", SqlKind::Int},  {"@@SPID", SqlKind::Int},
+                 {"@@IDENTITY", SqlKind::BigInt}, {"@@DATEFIRST", SqlKind::TinyInt}};
+    for (const auto& k : known)
+        if (name == k.name)
+            return op("t_system('" + name.substr(2) + "')", SqlType::of(k.kind), {});
+    if (name == "@@VERSION" || name == "@@SERVERNAME")
+        return op("t_system('" + name.substr(2) + "')", SqlType::text(SqlKind::NVarChar, 300), {});
+    throw makeDbError(137, {e.name.last()}, e.line);
+}
+
+BoundPtr Binder::bindBinary(const Expr& e) {
+    // A long chain such as a + b + c leans to the left: walked, not recursed into.
+    std::vector<const Expr*> chain;
+    const Expr* first = &e;
+    while (first->kind == ExprKind::Binary) {
+        chain.push_back(first);
+        first = first->args[0].get();
+    }
+    BoundPtr left = bindValue(*first);
+    for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
+        const Expr& b = **it;
+        BoundPtr right = bindValue(*b.args[1]);
+        left = arithmetic(b.op[0], std::move(left), std::move(right), b.line);
+    }
+    return left;
+}
+
+BoundPtr Binder::plus(BoundPtr a, BoundPtr b, int line) {
+    const bool text = (a->type.isText() || a->type.kind == SqlKind::Null) &&
+                      (b->type.isText() || b->type.kind == SqlKind::Null) &&
+                      (a->type.isText() || b->type.isText());
+    if (!text) return nullptr;
+    (void)line;
+    SqlType type = commonType(a->type, b->type);
+    const auto length = [](const BoundExpr& e) {
+        return e.type.kind == SqlKind::Null ? 1 : e.type.length;
+    };
+    const int limit = type.isUnicode() ? 4000 : 8000;
+    if (length(*a) == SqlType::kMax || length(*b) == SqlType::kMax)
+        type.length = SqlType::kMax;
+    else
+        type.length = std::min(limit, length(*a) + length(*b));
+    type.kind = type.isUnicode() ? SqlKind::NVarChar : SqlKind::VarChar;
+    return op("($0 || $1)", type, list(std::move(a), std::move(b)));
+}
+
+BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
+    if (o == '&' || o == '|' || o == '^') {
+        for (BoundPtr* x : {&a, &b})
+            if (!(*x)->type.isInteger()) {
+                if ((*x)->type.kind != SqlKind::Null)
+                    throw makeDbError(402, {a->type.name(), b->type.name(), std::string(1, o)},
+                                      line);
+                *x = convert(std::move(*x), kInt);
+            }
+        const SqlType type = commonType(a->type, b->type);
+        if (o == '^')
+            return op("(($0 | $1) - ($0 & $1))", type, list(std::move(a), std::move(b)));
+        return op(std::string("($0 ") + o + " $1)", type, list(std::move(a), std::move(b)));
+    }
+    if (o == '+') {
+        const bool text = (a->type.isText() || a->type.kind == SqlKind::Null) &&
+                          (b->type.isText() || b->type.kind == SqlKind::Null) &&
+                          (a->type.isText() || b->type.isText());
+        if (text) return plus(std::move(a), std::move(b), line);
+    }
+    const SqlType type = arithmeticType(o, a->type, b->type);
+    if (type.isDate()) {
+        // A text beside a date is a date; a number is a count of days.
+        for (BoundPtr* x : {&a, &b})
+            if (!(*x)->type.isNumber()) *x = convert(std::move(*x), type);
+            else if ((*x)->type.kind == SqlKind::Numeric)
+                *x = convert(std::move(*x), SqlType::of(SqlKind::Float));
+        return op(std::string("t_date($0 ") + o + " $1)", type, list(std::move(a), std::move(b)));
+    }
+    if (type.kind == SqlKind::Float) {
+        a = convert(std::move(a), type);
+        b = convert(std::move(b), type);
+        if (o == '/') return op("t_fdiv($0,$1)", type, list(std::move(a), std::move(b)));
+        return op(std::string("($0 ") + o + " $1)", type, list(std::move(a), std::move(b)));
+    }
+    if (type.kind != SqlKind::Numeric) {  // whole numbers
+        a = convert(std::move(a), type);
+        b = convert(std::move(b), type);
+        if (o == '/') return op("t_idiv($0,$1)", type, list(std::move(a), std::move(b)));
+        if (o == '%') return op("t_imod($0,$1)", type, list(std::move(a), std::move(b)));
+        const std::string kind = std::to_string(static_cast<int>(type.kind));
+        if (type.kind == SqlKind::BigInt)
+            return op(std::string("t_big('") + o + "',$0,$1)", type,
+                      list(std::move(a), std::move(b)));
+        return op(std::string("t_int($0 ") + o + " $1," + kind + ")", type,
+                  list(std::move(a), std::move(b)));
+    }
+    // numeric: text and NULL take the other side's type first
+    for (BoundPtr* x : {&a, &b})
+        if (!(*x)->type.isNumber())
+            *x = convert(std::move(*x), asNumeric(x == &a ? b->type : a->type));
+    const SqlType ta = asNumeric(a->type), tb = asNumeric(b->type);
+    const bool narrow = ta.precision <= kNarrowPrecision && tb.precision <= kNarrowPrecision;
+    const auto scaled = [&](BoundPtr x, const SqlType& t) {
+        x = convert(std::move(x), t);
+        if (t.scale == type.scale) return x;
+        return op("($0 * " + powerText(type.scale - t.scale) + ")", type, list(std::move(x)));
+    };
+    const bool fits = narrow && ta.precision + type.scale - ta.scale <= kNarrowPrecision &&
+                      tb.precision + type.scale - tb.scale <= kNarrowPrecision;
+    if ((o == '+' || o == '-') && fits && type.scale >= ta.scale && type.scale >= tb.scale) {
+        BoundPtr x = scaled(std::move(a), ta), y = scaled(std::move(b), tb);
+        return op(std::string("($0 ") + o + " $1)", type, list(std::move(x), std::move(y)));
+    }
+    a = convert(std::move(a), ta);
+    b = convert(std::move(b), tb);
+    if (o == '*' && ta.precision + tb.precision <= kNarrowPrecision &&
+        type.scale == ta.scale + tb.scale)
+        return op("($0 * $1)", type, list(std::move(a), std::move(b)));
+    return op(std::string("t_num('") + o + "',$0," + std::to_string(ta.scale) + ",$1," +
+                  std::to_string(tb.scale) + "," + std::to_string(type.scale) + ")",
+              type, list(std::move(a), std::move(b)));
+}
+
+SqlType Binder::unify(std::vector<BoundPtr*> values) {
+    SqlType type;
+    for (BoundPtr* v : values) type = commonType(type, (*v)->type);
+    if (type.kind == SqlKind::Null) type = kInt;
+    for (BoundPtr* v : values) *v = convert(std::move(*v), type);
+    return type;
+}
+
+BoundPtr Binder::compare(const std::string& o, BoundPtr a, BoundPtr b) {
+    const SqlType type = unify({&a, &b});
+    BoundPtr e;
+    if (type.isText())
+        e = op("($0 COLLATE TSQL " + o + " $1)", SqlType::of(SqlKind::Bit),
+               list(std::move(a), std::move(b)));
+    else if (isWide(type))
+        e = op("(t_ncmp($0,$1) " + o + " 0)", SqlType::of(SqlKind::Bit),
+               list(std::move(a), std::move(b)));
+    else
+        e = op("($0 " + o + " $1)", SqlType::of(SqlKind::Bit), list(std::move(a), std::move(b)));
+    e->predicate = true;
+    return e;
+}
+
+BoundPtr Binder::bindPredicate(const Expr& e) {
+    const SqlType truth = SqlType::of(SqlKind::Bit);
+    const auto predicate = [&](std::string pattern, std::vector<BoundPtr> args) {
+        BoundPtr p = op(std::move(pattern), truth, std::move(args));
+        p->predicate = true;
+        return p;
+    };
+    switch (e.kind) {
+        case ExprKind::And:
+        case ExprKind::Or: {
+            const char* word = e.kind == ExprKind::And ? " AND " : " OR ";
+            std::vector<const Expr*> chain;
+            const Expr* first = &e;
+            while (first->kind == e.kind) {
+                chain.push_back(first);
+                first = first->args[0].get();
+            }
+            BoundPtr left = bindCondition(*first);
+            for (auto it = chain.rbegin(); it != chain.rend(); ++it)
+                left = predicate(std::string("($0") + word + "$1)",
+                                 list(std::move(left), bindCondition(*(*it)->args[1])));
+            return left;
+        }
+        case ExprKind::Not: return predicate("(NOT $0)", list(bindCondition(*e.args[0])));
+        case ExprKind::Compare: {
+            BoundPtr a = bindValue(*e.args[0]);
+            return compare(e.op, std::move(a), bindValue(*e.args[1]));
+        }
+        case ExprKind::IsNull:
+            return predicate(e.negated ? "($0 IS NOT NULL)" : "($0 IS NULL)",
+                             list(bindValue(*e.args[0])));
+        case ExprKind::Between: {
+            BoundPtr a = bindValue(*e.args[0]);
+            BoundPtr low = bindValue(*e.args[1]);
+            BoundPtr high = bindValue(*e.args[2]);
+            // One common type lets SQLite's own BETWEEN use an index; bounds of another kind
+            // compare each in their own type.
+            const SqlType type = unify({&a, &low, &high});
+            std::string pattern = type.isText() ? "($0 COLLATE TSQL BETWEEN $1 AND $2)"
+                                  : isWide(type)
+                                      ? "(t_ncmp($0,$1) >= 0 AND t_ncmp($0,$2) <= 0)"
+                                      : "($0 BETWEEN $1 AND $2)";
+            if (e.negated) pattern = "(NOT " + pattern + ")";
+            return predicate(pattern, list(std::move(a), std::move(low), std::move(high)));
+        }
+        case ExprKind::InList:
+        case ExprKind::InQuery: return bindIn(e);
+        case ExprKind::Exists: {
+            auto p = std::make_unique<BoundExpr>();
+            p->kind = BoundKind::ExistsQuery;
+            p->type = truth;
+            p->predicate = true;
+            p->query = bindQuery(*e.query);
+            return p;
+        }
+        case ExprKind::Quantified: {
+            const bool in = e.any && e.compareOp == "=";
+            const bool notIn = !e.any && e.compareOp == "<>";
+            if (!in && !notIn)
+                throw makeDbError(15281, {"The comparison " + e.compareOp + (e.any ? " ANY" : " ALL")},
+                                  e.line);
+            Expr as(ExprKind::InQuery, e.line);
+            BoundPtr a = bindValue(*e.args[0]);
+            auto p = std::make_unique<BoundExpr>();
+            p->kind = BoundKind::InQuery;
+            p->predicate = true;
+            p->type = truth;
+            p->negated = notIn;
+            p->query = bindQuery(*e.query);
+            const SqlType type = commonType(a->type, p->query->columns[0].type);
+            a = convert(std::move(a), type);
+            convertOutputs(*p->query, {type});
+            p->args.push_back(std::move(a));
+            return p;
+        }
+        case ExprKind::Like: {
+            std::vector<BoundPtr> args;
+            for (const ExprPtr& a : e.args) {
+                BoundPtr v = bindValue(*a);
+                if (!v->type.isText())
+                    v = convert(std::move(v), SqlType::text(SqlKind::VarChar, 8000));
+                args.push_back(std::move(v));
+            }
+            std::string pattern = args.size() == 3 ? "t_like($1,$0,$2)" : "t_like($1,$0)";
+            if (e.negated) pattern = "(NOT " + pattern + ")";
+            return predicate(pattern, std::move(args));
+        }
+        default: throw makeDbError(102, {"?"}, e.line);
+    }
+}
+
+BoundPtr Binder::bindIn(const Expr& e) {
+    auto truth = SqlType::of(SqlKind::Bit);
+    if (e.kind == ExprKind::InList) {
+        std::vector<BoundPtr> args;
+        for (const ExprPtr& a : e.args) args.push_back(bindValue(*a));
+        std::vector<BoundPtr*> all;
+        for (BoundPtr& a : args) all.push_back(&a);
+        const SqlType type = unify(all);
+        BoundPtr p;
+        std::string pattern = type.isText() ? "($0 COLLATE TSQL IN ($*))" : "($0 IN ($*))";
+        if (e.negated) pattern = "(NOT " + pattern + ")";
+        p = op(pattern, truth, std::move(args));
+        p->predicate = true;
+        return p;
+    }
+    auto p = std::make_unique<BoundExpr>();
+    p->kind = BoundKind::InQuery;
+    p->type = truth;
+    p->predicate = true;
+    p->negated = e.negated;
+    BoundPtr a = bindValue(*e.args[0]);
+    p->query = bindQuery(*e.query);
+    if (p->query->columns.size() != 1) throw makeDbError(116, {}, e.line);
+    const SqlType type = commonType(a->type, p->query->columns[0].type);
+    a = convert(std::move(a), type);
+    convertOutputs(*p->query, {type});
+    p->args.push_back(std::move(a));
+    return p;
+}
+
+BoundPtr Binder::scalarQuery(const Query& query, int line) {
+    auto e = std::make_unique<BoundExpr>();
+    e->kind = BoundKind::ScalarQuery;
+    e->query = bindQuery(query);
+    if (e->query->columns.size() != 1) throw makeDbError(116, {}, line);
+    e->type = e->query->columns[0].type;
+    return e;
+}
+
+BoundPtr Binder::bindCase(const Expr& e) {
+    ++conditional_;
+    std::vector<BoundPtr> conditions, results;
+    size_t at = 0;
+    const Expr* operand = nullptr;
+    if (e.hasOperand) operand = e.args[at++].get();
+    const size_t end = e.args.size() - (e.hasElse ? 1 : 0);
+    for (; at < end; at += 2) {
+        if (operand)
+            conditions.push_back(compare("=", bindValue(*operand), bindValue(*e.args[at])));
+        else
+            conditions.push_back(bindCondition(*e.args[at]));
+        results.push_back(bindValue(*e.args[at + 1]));
+    }
+    if (e.hasElse) results.push_back(bindValue(*e.args.back()));
+    std::vector<BoundPtr*> all;
+    bool nullable = !e.hasElse;
+    for (BoundPtr& r : results) {
+        all.push_back(&r);
+        nullable |= r->nullable;
+    }
+    const SqlType type = unify(all);
+    --conditional_;
+    std::string pattern = "CASE";
+    std::vector<BoundPtr> args;
+    for (size_t i = 0; i < conditions.size(); ++i) {
+        pattern += " WHEN $" + std::to_string(args.size()) + ";";
+        args.push_back(std::move(conditions[i]));
+        pattern += " THEN $" + std::to_string(args.size()) + ";";
+        args.push_back(std::move(results[i]));
+    }
+    if (e.hasElse) {
+        pattern += " ELSE $" + std::to_string(args.size()) + ";";
+        args.push_back(std::move(results.back()));
+    }
+    BoundPtr c = op("(" + pattern + " END)", type, std::move(args));
+    c->nullable = nullable;
+    return c;
+}
+
+BoundPtr Binder::convert(BoundPtr e, const SqlType& to, int style, bool tryCast) {
+    const SqlType from = e->type;
+    if (e->predicate) throw makeDbError(102, {"="});
+    if (from == to && style < 0) return e;
+    if (e->kind == BoundKind::Null) {
+        e->type = to;
+        return e;
+    }
+    // A literal or variable converts once, when it is handed over. In a branch that may never
+    // run, a text's conversion must wait until the branch does.
+    const bool waits = conditional_ > 0 && from.isText() && !to.isText();
+    if ((e->kind == BoundKind::Literal || e->kind == BoundKind::Variable) &&
+        e->type == e->sourceType && style < 0 && !tryCast && !waits && !to.isFixedText()) {
+        e->type = to;
+        return e;
+    }
+    const bool nullable = e->nullable;
+    const auto as = [&](std::string pattern) {
+        BoundPtr r = op(std::move(pattern), to, list(std::move(e)));
+        r->nullable = nullable;
+        return r;
+    };
+    if (style < 0 && !tryCast) {
+        if (from.isInteger()) {
+            if (to.kind == SqlKind::Bit) return as("($0 <> 0)");
+            if (to.isInteger() && to.kind > from.kind) return as("$0");
+            if (to.kind == SqlKind::Numeric && to.precision <= kNarrowPrecision &&
+                digitsOf(from) <= to.precision - to.scale)
+                return as(to.scale == 0 ? "$0" : "($0 * " + powerText(to.scale) + ")");
+            if (to.kind == SqlKind::Float) return as("CAST($0 AS REAL)");
+            if (to.kind == SqlKind::DateTime) return as("$0");
+            if (to.isText() && !to.isFixedText() &&
+                (to.length == SqlType::kMax || to.length > digitsOf(from)))
+                return as("CAST($0 AS TEXT)");
+        }
+        if (from.kind == SqlKind::Numeric && to.kind == SqlKind::Numeric && !isWide(from) &&
+            !isWide(to) && to.scale >= from.scale &&
+            to.precision - to.scale >= from.precision - from.scale)
+            return as(to.scale == from.scale
+                          ? "$0"
+                          : "($0 * " + powerText(to.scale - from.scale) + ")");
+        if (from.kind == SqlKind::Numeric && isWide(from) && isWide(to) && to.scale == from.scale &&
+            to.precision >= from.precision)
+            return as("$0");
+        if (from.kind == SqlKind::Numeric && to.kind == SqlKind::Float && !isWide(from))
+            return as("(CAST($0 AS REAL) / " + powerText(from.scale) + ".0)");
+        if (from.isText() && to.isText() && !to.isFixedText()) {
+            const bool fits = to.length == SqlType::kMax ||
+                              (from.length != SqlType::kMax && from.length <= to.length);
+            return as(fits ? "$0" : "substr($0,1," + std::to_string(to.length) + ")");
+        }
+        if (from.kind == SqlKind::Date && to.kind == SqlKind::DateTime) return as("$0");
+    }
+    return as(std::string(tryCast ? "t_trycv" : "t_cv") + "($0," + std::to_string(packType(from)) +
+              "," + std::to_string(packType(to)) + "," + std::to_string(style) + ")");
+}
+
+BoundPtr Binder::assign(BoundPtr e, const CatalogTable& table, const CatalogColumn& column) {
+    const SqlType from = e->type;
+    const SqlType& to = column.type;
+    const bool mayNotFit =
+        to.isText() && to.length != SqlType::kMax && from.kind != SqlKind::Null &&
+        (from.isText() ? from.length == SqlType::kMax || from.length > to.length ||
+                             e->kind == BoundKind::Literal || to.isFixedText()
+                       : true);
+    if (!mayNotFit) return convert(std::move(e), to);
+    SqlType wide = to;
+    wide.kind = to.isUnicode() ? SqlKind::NVarChar : SqlKind::VarChar;
+    wide.length = from.isText() ? SqlType::kMax : 8000;
+    const bool nullable = e->nullable;
+    e = convert(std::move(e), wide);
+    BoundPtr r = op("t_fit($0," + std::to_string(to.length) + "," +
+                        (to.isFixedText() ? "1" : "0") + "," + sqliteText(table.name) + "," +
+                        sqliteText(column.name) + ")",
+                    to, list(std::move(e)));
+    r->nullable = nullable;
+    return r;
+}
+
+}  // namespace owb::tsql

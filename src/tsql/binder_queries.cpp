@@ -1,0 +1,366 @@
+// SELECT and set operators.
+#include <algorithm>
+
+#include "base/utf8.h"
+#include "tsql/binder.h"
+#include "tsql/binder_scope.h"
+#include "tsql/types.h"
+
+namespace owb::tsql {
+
+struct ScopeGuard {
+    explicit ScopeGuard(std::vector<std::unique_ptr<Binder::Scope>>& scopes) : scopes_(scopes) {
+        scopes_.push_back(std::make_unique<Binder::Scope>());
+    }
+    ~ScopeGuard() { scopes_.pop_back(); }
+
+  private:
+    std::vector<std::unique_ptr<Binder::Scope>>& scopes_;
+};
+
+namespace {
+
+bool isOrdinal(const Expr& e) { return e.kind == ExprKind::Literal; }
+
+}  // namespace
+
+void Binder::pushWith(const std::vector<CommonTable>& with) {
+    for (const CommonTable& t : with) with_.push_back(&t);
+}
+
+std::unique_ptr<BoundQuery> Binder::bindQuery(const Query& query) {
+    const size_t before = with_.size();
+    pushWith(query.with);
+    auto q = bindBody(*query.body, &query.orderBy, &query);
+    with_.resize(before);
+    return q;
+}
+
+std::unique_ptr<BoundQuery> Binder::bindBody(const QueryBody& body,
+                                             const std::vector<OrderItem>* orderBy,
+                                             const Query* query) {
+    if (body.kind == QueryBody::Select) return bindSelect(body, orderBy, query);
+    if (body.kind == QueryBody::Values) return bindValues(body);
+    auto q = bindSetOperation(body);
+    if (orderBy && !orderBy->empty()) {
+        for (const OrderItem& item : *orderBy) {
+            BoundOrder order;
+            order.descending = item.descending;
+            if (isOrdinal(*item.expr)) {
+                order.ordinal = static_cast<int>(fixedLiteral(*item.expr)->toInt()) - 1;
+                if (order.ordinal < 0 || order.ordinal >= static_cast<int>(q->columns.size()))
+                    throw makeDbError(108, {std::to_string(order.ordinal + 1)}, item.expr->line);
+            } else if (item.expr->kind == ExprKind::Column) {
+                for (size_t i = 0; i < q->columns.size(); ++i)
+                    if (foldName(q->columns[i].name) == foldName(item.expr->name.last()))
+                        order.ordinal = static_cast<int>(i);
+            }
+            if (order.ordinal < 0) throw makeDbError(104, {}, item.expr->line);
+            q->order.push_back(std::move(order));
+        }
+        bindLimit(body, query, *q);
+    }
+    return q;
+}
+
+std::unique_ptr<BoundQuery> Binder::bindValues(const QueryBody& body) {
+    auto q = std::make_unique<BoundQuery>();
+    q->kind = QueryBody::Values;
+    for (const auto& row : body.rows) {
+        if (row.size() != body.rows[0].size())
+            throw DbError(10709, 16, 1, body.line,
+                          "The number of columns for each row in a table value constructor must "
+                          "be the same.");
+        std::vector<BoundPtr> values;
+        for (const ExprPtr& e : row) values.push_back(bindValue(*e));
+        q->rows.push_back(std::move(values));
+    }
+    for (size_t c = 0; c < body.rows[0].size(); ++c) {
+        std::vector<BoundPtr*> column;
+        for (auto& row : q->rows) column.push_back(&row[c]);
+        BoundColumn out;
+        out.type = unify(column);
+        out.sqlName = "column" + std::to_string(c + 1);
+        q->columns.push_back(std::move(out));
+    }
+    return q;
+}
+
+std::unique_ptr<BoundQuery> Binder::bindSetOperation(const QueryBody& body) {
+    auto q = std::make_unique<BoundQuery>();
+    q->kind = body.kind;
+    q->left = bindBody(*body.left, nullptr, nullptr);
+    q->right = bindBody(*body.right, nullptr, nullptr);
+    if (q->left->columns.size() != q->right->columns.size()) throw makeDbError(205, {}, body.line);
+    std::vector<SqlType> types;
+    for (size_t i = 0; i < q->left->columns.size(); ++i) {
+        SqlType t = commonType(q->left->columns[i].type, q->right->columns[i].type);
+        if (t.kind == SqlKind::Null) t = SqlType::of(SqlKind::Int);
+        types.push_back(t);
+    }
+    convertOutputs(*q->left, types);
+    convertOutputs(*q->right, types);
+    q->columns = q->left->columns;
+    for (size_t i = 0; i < q->columns.size(); ++i)
+        q->columns[i].nullable |= q->right->columns[i].nullable;
+    return q;
+}
+
+void Binder::convertOutputs(BoundQuery& q, const std::vector<SqlType>& types) {
+    if (q.left) {
+        convertOutputs(*q.left, types);
+        convertOutputs(*q.right, types);
+    }
+    for (size_t i = 0; i < types.size(); ++i) {
+        if (q.kind == QueryBody::Select)
+            q.items[i].expr = convert(std::move(q.items[i].expr), types[i]);
+        for (auto& row : q.rows) row[i] = convert(std::move(row[i]), types[i]);
+        q.columns[i].type = types[i];
+    }
+}
+
+std::unique_ptr<BoundQuery> Binder::bindSelect(const QueryBody& body,
+                                               const std::vector<OrderItem>* orderBy,
+                                               const Query* query) {
+    auto q = std::make_unique<BoundQuery>();
+    ScopeGuard guard(scopes_);
+    q->distinct = body.distinct;
+    for (const TableRefPtr& ref : body.from) q->from.push_back(bindFrom(*ref, *q));
+    if (body.where) {
+        q->where = bindCondition(*body.where);
+        if (containsAggregate(*q->where)) throw makeDbError(147, {}, body.where->line);
+    }
+    for (const ExprPtr& e : body.groupBy) {
+        BoundPtr g = bindValue(*e);
+        if (containsAggregate(*g)) throw makeDbError(144, {}, e->line);
+        q->groupBy.push_back(std::move(g));
+    }
+    bindItems(body, *q);
+    if (body.having) q->having = bindCondition(*body.having);
+    bool aggregates = q->having != nullptr;
+    for (const BoundItem& item : q->items) aggregates |= containsAggregate(*item.expr);
+    q->grouped = aggregates || !q->groupBy.empty();
+    setColumns(*q);
+    if (orderBy) bindOrder(*orderBy, body, *q);
+    if (q->grouped) {
+        for (const BoundItem& item : q->items) checkGrouped(*item.expr, *q, 8120);
+        if (q->having) checkGrouped(*q->having, *q, 8121);
+        for (const BoundOrder& o : q->order)
+            if (o.expr) checkGrouped(*o.expr, *q, 8127);
+    }
+    bindLimit(body, query, *q);
+    q->singleRow = (q->grouped && q->groupBy.empty()) || q->from.empty();
+    return q;
+}
+
+void Binder::bindLimit(const QueryBody& body, const Query* query, BoundQuery& q) {
+    const SqlType big = SqlType::of(SqlKind::BigInt);
+    if (body.top) {
+        if (body.topPercent) throw makeDbError(15281, {"TOP ... PERCENT"}, body.line);
+        const Value* n = fixedLiteral(*body.top);
+        if (n && n->toInt() == 1 && !body.withTies) q.singleRow = true;
+        q.limit = convert(bindValue(*body.top), big);
+        q.withTies = body.withTies;
+    }
+    if (query && query->offset) {
+        q.offset = convert(bindValue(*query->offset), big);
+        q.limit = query->fetch ? convert(bindValue(*query->fetch), big)
+                               : constant(Value(int64_t(-1)), big);
+    }
+}
+
+void Binder::bindItems(const QueryBody& body, BoundQuery& q) {
+    for (const SelectItem& item : body.items) {
+        if (item.variable.empty()) continue;
+        for (size_t i = 0; i < (context_.variables ? context_.variables->size() : 0); ++i)
+            if (foldName((*context_.variables)[i].name) == foldName(item.variable))
+                assignedVariables_.push_back(static_cast<int>(i));
+    }
+    bool assigns = false, returns = false;
+    for (const SelectItem& item : body.items) {
+        if (item.star) {
+            expandStar(item, q);
+            returns = true;
+            continue;
+        }
+        BoundItem bound;
+        bound.expr = bindValue(*item.expr);
+        if (!item.variable.empty()) {
+            assigns = true;
+            Expr v(ExprKind::Variable, item.line);
+            v.name.parts.push_back(item.variable);
+            BoundPtr target = bindVariable(v);
+            bound.variable = target->index;
+            bound.expr = convert(std::move(bound.expr), target->type);
+        } else {
+            returns = true;
+        }
+        bound.name = !item.alias.empty() ? item.alias : bound.expr->name;
+        if (item.expr->kind == ExprKind::Column && item.alias.empty())
+            bound.name = bound.expr->name.empty() ? item.expr->name.last() : bound.expr->name;
+        q.items.push_back(std::move(bound));
+    }
+    assignedVariables_.clear();
+    if (assigns && returns) throw makeDbError(141, {}, body.line);
+}
+
+void Binder::expandStar(const SelectItem& item, BoundQuery& q) {
+    const std::string qualifier = item.starOf.empty() ? "" : item.starOf.last();
+    const std::vector<std::string>* fixed = nullptr;
+    if (fixedStars_ && nextStar_ < fixedStars_->size()) fixed = &(*fixedStars_)[nextStar_];
+    ++nextStar_;
+    std::vector<std::string> names;
+    bool any = false;
+    for (BoundSource* source : scopes_.back()->sources) {
+        if (!qualifier.empty() && foldName(source->exposedName) != foldName(qualifier)) continue;
+        any = true;
+        for (size_t i = 0; i < source->columns.size(); ++i) {
+            const BoundColumn& c = source->columns[i];
+            if (fixed && std::find(fixed->begin(), fixed->end(), c.name) == fixed->end()) continue;
+            BoundItem bound;
+            bound.expr = std::make_unique<BoundExpr>();
+            bound.expr->kind = BoundKind::Column;
+            bound.expr->source = source;
+            bound.expr->column = static_cast<int>(i);
+            bound.expr->type = c.type;
+            bound.expr->nullable = c.nullable || scopes_.back()->outerJoined;
+            bound.expr->name = c.name;
+            bound.name = c.name;
+            names.push_back(c.name);
+            q.items.push_back(std::move(bound));
+        }
+    }
+    if (!any) {
+        if (!qualifier.empty()) throw makeDbError(4104, {item.starOf.text() + ".*"}, item.line);
+        throw DbError(263, 15, 1, item.line, "Must specify table to select from.");
+    }
+    if (recordStars) recordStars->push_back(std::move(names));
+}
+
+void Binder::setColumns(BoundQuery& q) {
+    for (size_t i = 0; i < q.items.size(); ++i) {
+        BoundColumn c;
+        c.name = q.items[i].name;
+        c.type = q.items[i].expr->type;
+        c.nullable = q.items[i].expr->nullable;
+        c.sqlName = "c" + std::to_string(i);
+        q.columns.push_back(std::move(c));
+    }
+}
+
+void Binder::bindOrder(const std::vector<OrderItem>& orderBy, const QueryBody& body,
+                       BoundQuery& q) {
+    for (const OrderItem& item : orderBy) {
+        BoundOrder order;
+        order.descending = item.descending;
+        if (isOrdinal(*item.expr)) {
+            const Value* n = fixedLiteral(*item.expr);
+            order.ordinal = static_cast<int>(n->toInt()) - 1;
+            if (order.ordinal < 0 || order.ordinal >= static_cast<int>(q.items.size()))
+                throw makeDbError(108, {n->toText()}, item.expr->line);
+            q.order.push_back(std::move(order));
+            continue;
+        }
+        // A bare name is an output column first.
+        if (item.expr->kind == ExprKind::Column && item.expr->name.parts.size() == 1) {
+            for (size_t i = 0; i < q.items.size(); ++i) {
+                if (foldName(q.items[i].name) != foldName(item.expr->name.last())) continue;
+                if (order.ordinal >= 0 &&
+                    !sameBound(*q.items[i].expr, *q.items[order.ordinal].expr,
+                               *context_.literals))
+                    throw makeDbError(209, {item.expr->name.last()}, item.expr->line);
+                if (order.ordinal < 0) order.ordinal = static_cast<int>(i);
+            }
+        }
+        if (order.ordinal < 0) {
+            order.expr = bindValue(*item.expr);
+            for (size_t i = 0; i < q.items.size() && order.ordinal < 0; ++i)
+                if (sameBound(*order.expr, *q.items[i].expr, *context_.literals))
+                    order.ordinal = static_cast<int>(i);
+            if (order.ordinal >= 0) order.expr.reset();
+            else if (q.distinct) throw makeDbError(145, {}, body.line);
+        }
+        q.order.push_back(std::move(order));
+    }
+}
+
+void Binder::checkGrouped(const BoundExpr& e, const BoundQuery& q, int errorNumber) const {
+    if (e.aggregate) return;
+    for (const BoundPtr& g : q.groupBy)
+        if (sameBound(e, *g, *context_.literals)) {
+            // The plan relies on the literals being equal: it serves only these.
+            std::function<void(const BoundExpr&)> fix = [&](const BoundExpr& x) {
+                if (x.kind == BoundKind::Literal && x.index >= 0)
+                    (*context_.literals)[x.index].fixed = true;
+                for (const BoundPtr& a : x.args) fix(*a);
+            };
+            fix(e);
+            fix(*g);
+            return;
+        }
+    if (e.kind == BoundKind::Column) {
+        for (const auto& source : q.sources)
+            if (source.get() == e.source) {
+                const std::string name =
+                    (source->exposedName.empty() ? "" : source->exposedName + ".") +
+                    source->columns[e.column].name;
+                throw makeDbError(errorNumber, {name});
+            }
+    }
+    for (const BoundPtr& a : e.args) checkGrouped(*a, q, errorNumber);
+}
+
+// --- targets of UPDATE and DELETE ---
+
+CatalogTablePtr Binder::findWritableTable(const Name& name, int line) {
+    if (context_.pseudoTables) {
+        const auto pseudo = context_.pseudoTables->find(foldName(name.last()));
+        if (pseudo != context_.pseudoTables->end() && name.parts.size() == 1) return pseudo->second;
+    }
+    CatalogTablePtr table = context_.catalog.findTable(name.last());
+    if (!table) {
+        if (context_.catalog.findModule(name.last()))
+            throw makeDbError(4406, {name.last()}, line);
+        throw makeDbError(208, {name.text()}, line);
+    }
+    dependOn(*table);
+    return table;
+}
+
+Binder::Target Binder::bindTarget(const Statement& s) {
+    Target target;
+    target.scope = std::make_unique<BoundQuery>();
+    if (s.query) pushWith(s.query->with);
+    scopes_.push_back(std::make_unique<Scope>());
+    BoundQuery& q = *target.scope;
+    for (const TableRefPtr& ref : s.from) q.from.push_back(bindFrom(*ref, q));
+    target.implicit = s.from.empty();
+    if (!s.from.empty() && s.target.parts.size() == 1) {
+        for (BoundSource* source : scopes_.back()->sources)
+            if (foldName(source->exposedName) == foldName(s.target.last())) target.source = source;
+    }
+    if (!target.source && !s.from.empty()) {
+        for (BoundSource* source : scopes_.back()->sources)
+            if (source->table && foldName(source->tableName) == foldName(s.target.last())) {
+                if (target.source) break;
+                target.source = source;
+            }
+    }
+    if (!target.source) {
+        CatalogTablePtr table = findWritableTable(s.target, s.line);
+        auto source = tableSource(table, s.target.last());
+        target.source = source.get();
+        q.from.push_back(addSource(q, std::move(source), s.line));
+    }
+    if (!target.source->table) throw makeDbError(4405, {s.target.last()}, s.line);
+    if (target.source->table->system) throw makeDbError(4406, {s.target.last()}, s.line);
+    if (s.condition) q.where = bindCondition(*s.condition);
+    return target;
+}
+
+void Binder::closeTarget() {
+    scopes_.pop_back();
+    with_.clear();
+}
+
+}  // namespace owb::tsql

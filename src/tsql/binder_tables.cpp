@@ -1,0 +1,248 @@
+// What stands in FROM: tables, views, derived tables, table functions, joins.
+#include <algorithm>
+#include <array>
+
+#include "base/utf8.h"
+#include "tsql/binder.h"
+#include "tsql/binder_scope.h"
+#include "tsql/system_views.h"
+#include "tsql/types.h"
+
+namespace owb::tsql {
+
+std::unique_ptr<BoundFrom> Binder::addSource(BoundQuery& q, std::unique_ptr<BoundSource> source,
+                                             int line) {
+    Scope& scope = *scopes_.back();
+    for (const BoundSource* other : scope.sources)
+        if (!source->exposedName.empty() &&
+            foldName(other->exposedName) == foldName(source->exposedName))
+            throw makeDbError(1013, {source->exposedName, other->exposedName}, line);
+    scope.sources.push_back(source.get());
+    auto from = std::make_unique<BoundFrom>();
+    from->source = source.get();
+    q.sources.push_back(std::move(source));
+    return from;
+}
+
+std::unique_ptr<BoundFrom> Binder::bindFrom(const TableRef& ref, BoundQuery& q) {
+    switch (ref.kind) {
+        case TableRef::Table:
+        case TableRef::Variable: return addSource(q, bindNamedTable(ref), ref.line);
+        case TableRef::Function: return addSource(q, bindTableFunction(ref), ref.line);
+        case TableRef::Derived: {
+            // The body of a derived table does not see its neighbours in FROM.
+            std::vector<BoundSource*> hidden;
+            hidden.swap(scopes_.back()->sources);
+            std::unique_ptr<BoundQuery> inner;
+            try {
+                inner = bindQuery(*ref.query);
+            } catch (...) {
+                hidden.swap(scopes_.back()->sources);
+                throw;
+            }
+            hidden.swap(scopes_.back()->sources);
+            return addSource(q, derivedSource(std::move(inner), ref.alias, ref.columnAliases,
+                                              ref.line),
+                             ref.line);
+        }
+        case TableRef::Join: break;
+    }
+    if (ref.join == JoinKind::CrossApply || ref.join == JoinKind::OuterApply)
+        throw makeDbError(15281, {"APPLY"}, ref.line);
+    auto join = std::make_unique<BoundFrom>();
+    join->join = ref.join;
+    join->left = bindFrom(*ref.left, q);
+    join->right = bindFrom(*ref.right, q);
+    if (ref.join != JoinKind::Inner && ref.join != JoinKind::Cross)
+        scopes_.back()->outerJoined = true;
+    if (ref.on) join->on = bindCondition(*ref.on);
+    return join;
+}
+
+std::unique_ptr<BoundSource> Binder::tableSource(CatalogTablePtr table,
+                                                 const std::string& exposed) {
+    auto source = std::make_unique<BoundSource>();
+    source->alias = newAlias();
+    source->exposedName = exposed;
+    source->tableName = table->name;
+    for (const CatalogColumn& c : table->columns)
+        source->columns.push_back({c.name, c.type, c.nullable, sqliteName(c.name)});
+    source->table = std::move(table);
+    return source;
+}
+
+std::unique_ptr<BoundSource> Binder::derivedSource(std::unique_ptr<BoundQuery> query,
+                                                   const std::string& exposed,
+                                                   const std::vector<std::string>& names,
+                                                   int line) {
+    auto source = std::make_unique<BoundSource>();
+    source->alias = newAlias();
+    source->exposedName = exposed;
+    source->columns = query->columns;
+    if (!names.empty()) {
+        if (names.size() < source->columns.size()) throw makeDbError(8158, {exposed}, line);
+        if (names.size() > source->columns.size()) throw makeDbError(8159, {exposed}, line);
+        for (size_t i = 0; i < names.size(); ++i) source->columns[i].name = names[i];
+    }
+    source->query = std::move(query);
+    return source;
+}
+
+CatalogTablePtr Binder::systemView(const Name& name) const {
+    return findSystemView(name.qualifier(), name.last());
+}
+
+std::unique_ptr<BoundSource> Binder::bindNamedTable(const TableRef& ref) {
+    const std::string& name = ref.name.last();
+    const std::string exposed = ref.alias.empty() ? name : ref.alias;
+    const std::string folded = foldName(name);
+    if (ref.name.parts.size() == 1) {
+        for (size_t i = with_.size(); i-- > 0;) {
+            const CommonTable& common = *with_[i];
+            if (foldName(common.name) != folded) continue;
+            // Bound anew at each use, with only the common tables before it in sight.
+            std::vector<const CommonTable*> visible(with_.begin(), with_.begin() + i);
+            std::swap(with_, visible);
+            std::vector<std::unique_ptr<Scope>> outer;
+            std::swap(outer, scopes_);
+            std::unique_ptr<BoundQuery> inner;
+            const auto restore = [&] {
+                std::swap(outer, scopes_);
+                std::swap(with_, visible);
+            };
+            try {
+                inner = bindQuery(*common.query);
+            } catch (...) {
+                restore();
+                throw;
+            }
+            restore();
+            auto source = derivedSource(std::move(inner), exposed, common.columns, ref.line);
+            source->tableName = name;
+            return source;
+        }
+        if (context_.pseudoTables) {
+            const auto pseudo = context_.pseudoTables->find(folded);
+            if (pseudo != context_.pseudoTables->end()) return tableSource(pseudo->second, exposed);
+        }
+    }
+    if (CatalogTablePtr system = systemView(ref.name)) return tableSource(system, exposed);
+    if (CatalogTablePtr table = context_.catalog.findTable(name)) {
+        dependOn(*table);
+        return tableSource(table, exposed);
+    }
+    if (CatalogModulePtr module = context_.catalog.findModule(name)) {
+        if (module->kind == ModuleKind::View) {
+            dependencies_.push_back({module->name, true, module->signature});
+            return bindView(*module, exposed);
+        }
+    }
+    // Gone or not there yet: the plan must not outlive the object's coming.
+    throw makeDbError(208, {ref.name.text()}, ref.line);
+}
+
+std::unique_ptr<BoundSource> Binder::bindView(CatalogModule& view, const std::string& exposed) {
+    const ModuleDefinition& definition = context_.definition(view);
+    if (viewDepth_ >= 32) throw makeDbError(217);
+    // The view's body sees nothing of the statement that uses it.
+    std::vector<std::unique_ptr<Scope>> scopes;
+    std::vector<const CommonTable*> with;
+    std::swap(scopes, scopes_);
+    std::swap(with, with_);
+    auto* literals = context_.literals;
+    context_.literals = const_cast<std::vector<LiteralSlot>*>(&context_.moduleLiterals(view));
+    const auto* stars = fixedStars_;
+    const size_t star = nextStar_;
+    const auto* parameters = parameters_;
+    auto* record = recordStars;
+    fixedStars_ = &view.stars;
+    nextStar_ = 0;
+    parameters_ = nullptr;
+    recordStars = nullptr;
+    ++viewDepth_;
+    const auto restore = [&] {
+        --viewDepth_;
+        fixedStars_ = stars;
+        nextStar_ = star;
+        parameters_ = parameters;
+        recordStars = record;
+        context_.literals = literals;
+        std::swap(scopes, scopes_);
+        std::swap(with, with_);
+    };
+    std::unique_ptr<BoundQuery> inner;
+    try {
+        inner = bindQuery(*definition.query);
+    } catch (...) {
+        restore();
+        throw;
+    }
+    restore();
+    auto source = derivedSource(std::move(inner), exposed, definition.viewColumns, 0);
+    source->tableName = view.name;
+    return source;
+}
+
+std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
+    CatalogModulePtr module = context_.catalog.findModule(ref.name.last());
+    if (!module || (module->kind != ModuleKind::InlineFunction &&
+                    module->kind != ModuleKind::TableFunction))
+        throw makeDbError(208, {ref.name.text()}, ref.line);
+    if (module->kind == ModuleKind::TableFunction)
+        throw makeDbError(15281, {"The multi-statement table function " + module->name}, ref.line);
+    dependencies_.push_back({module->name, true, module->signature});
+    const ModuleDefinition& definition = context_.definition(*module);
+    if (ref.args.size() > definition.parameters.size())
+        throw makeDbError(8144, {ref.name.text()}, ref.line);
+    std::map<std::string, BoundPtr> arguments;
+    for (size_t i = 0; i < definition.parameters.size(); ++i) {
+        const Parameter& p = definition.parameters[i];
+        BoundPtr value;
+        if (i < ref.args.size() && ref.args[i]->kind != ExprKind::Default) {
+            value = bindValue(*ref.args[i]);
+        } else {
+            if (i >= ref.args.size())
+                throw DbError(313, 16, 3, ref.line,
+                              "An insufficient number of arguments were supplied for the procedure "
+                              "or function " + ref.name.text() + ".");
+            value = p.defaultValue ? bindValue(*p.defaultValue) : null(p.type);
+        }
+        arguments[foldName(p.name)] = convert(std::move(value), p.type);
+    }
+    const auto* parameters = parameters_;
+    const auto outerStars = recordStars;
+    recordStars = nullptr;
+    // bindView clears the parameters; the function's body is bound the same way with its own.
+    std::vector<std::unique_ptr<Scope>> scopes;
+    std::vector<const CommonTable*> with;
+    std::swap(scopes, scopes_);
+    std::swap(with, with_);
+    auto* literals = context_.literals;
+    context_.literals = const_cast<std::vector<LiteralSlot>*>(&context_.moduleLiterals(*module));
+    const auto* stars = fixedStars_;
+    fixedStars_ = nullptr;
+    parameters_ = &arguments;
+    ++viewDepth_;
+    const auto restore = [&] {
+        --viewDepth_;
+        parameters_ = parameters;
+        fixedStars_ = stars;
+        recordStars = outerStars;
+        context_.literals = literals;
+        std::swap(scopes, scopes_);
+        std::swap(with, with_);
+    };
+    std::unique_ptr<BoundQuery> inner;
+    try {
+        if (viewDepth_ > 32) throw makeDbError(217);
+        inner = bindQuery(*definition.query);
+    } catch (...) {
+        restore();
+        throw;
+    }
+    restore();
+    return derivedSource(std::move(inner), ref.alias.empty() ? ref.name.last() : ref.alias,
+                         ref.columnAliases, ref.line);
+}
+
+}  // namespace owb::tsql

@@ -1,0 +1,371 @@
+#include "tsql/catalog.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "base/utf8.h"
+
+namespace owb::tsql {
+
+namespace {
+
+std::vector<std::string> split(const std::string& text, char separator) {
+    std::vector<std::string> parts;
+    if (text.empty()) return parts;
+    size_t from = 0;
+    while (true) {
+        const size_t at = text.find(separator, from);
+        parts.push_back(text.substr(from, at - from));
+        if (at == std::string::npos) return parts;
+        from = at + 1;
+    }
+}
+
+std::string columnText(sqlite3_stmt* s, int i) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(s, i));
+    return text ? std::string(text, sqlite3_column_bytes(s, i)) : std::string();
+}
+
+uint64_t mix(uint64_t seed, const std::string& text) {
+    return seed * 1099511628211ull ^ std::hash<std::string>{}(text);
+}
+
+}  // namespace
+
+std::string sqliteText(std::string_view text) {
+    std::string out = "'";
+    for (char c : text) {
+        out += c;
+        if (c == '\'') out += c;
+    }
+    return out + "'";
+}
+
+std::string sqliteName(std::string_view name) {
+    std::string out = "\"";
+    for (char c : name) {
+        out += c;
+        if (c == '"') out += c;
+    }
+    return out + "\"";
+}
+
+std::string foldName(std::string_view name) { return lowerCase(name); }
+
+SqlType typeOfDeclaration(std::string_view text) {
+    const size_t open = text.find('(');
+    const std::string word = lowerCase(trim(text.substr(0, open)));
+    int first = 0, second = 0;
+    bool max = false;
+    if (open != std::string_view::npos) {
+        const std::string inner(text.substr(open + 1));
+        max = inner.starts_with("MAX");
+        if (!max) std::sscanf(inner.c_str(), "%d,%d", &first, &second);
+    }
+    static const std::pair<const char*, SqlKind> kinds[] = {
+        {"bit", SqlKind::Bit},         {"tinyint", SqlKind::TinyInt},
+        {"smallint", SqlKind::SmallInt}, {"int", SqlKind::Int},
+        {"bigint", SqlKind::BigInt},   {"numeric", SqlKind::Numeric},
+        {"float", SqlKind::Float},     {"char", SqlKind::Char},
+        {"varchar", SqlKind::VarChar}, {"nchar", SqlKind::NChar},
+        {"nvarchar", SqlKind::NVarChar}, {"date", SqlKind::Date},
+        {"datetime", SqlKind::DateTime}};
+    for (const auto& [name, kind] : kinds) {
+        if (word != name) continue;
+        if (kind == SqlKind::Numeric) return SqlType::numeric(first, second);
+        SqlType t = SqlType::of(kind);
+        if (t.isText()) t.length = max ? SqlType::kMax : first;
+        return t;
+    }
+    return SqlType::text(SqlKind::NVarChar, SqlType::kMax);
+}
+
+int CatalogTable::findColumn(std::string_view columnName) const {
+    for (size_t i = 0; i < columns.size(); ++i)
+        if (equalsIgnoreCaseAscii(columns[i].name, columnName) ||
+            (columns[i].name.size() == columnName.size() &&
+             foldName(columns[i].name) == foldName(columnName)))
+            return static_cast<int>(i);
+    return -1;
+}
+
+int CatalogTable::identityColumn() const {
+    for (size_t i = 0; i < columns.size(); ++i)
+        if (columns[i].identity) return static_cast<int>(i);
+    return -1;
+}
+
+const CatalogKey* CatalogTable::keyOn(const std::vector<std::string>& columnNames) const {
+    for (const CatalogKey& key : keys) {
+        if (key.columns.size() != columnNames.size()) continue;
+        bool same = true;
+        for (size_t i = 0; i < columnNames.size() && same; ++i)
+            same = equalsIgnoreCaseAscii(key.columns[i], columnNames[i]);
+        if (same) return &key;
+    }
+    return nullptr;
+}
+
+Catalog::Catalog(Sqlite& sqlite) : sqlite_(sqlite) {
+    scopes_.emplace_back();
+}
+
+void Catalog::createStorage() {
+    sqlite_.run(
+        "CREATE TABLE tsql_meta(name TEXT PRIMARY KEY, value INTEGER) WITHOUT ROWID;"
+        "INSERT INTO tsql_meta VALUES('modules', 1);"
+        "CREATE TABLE tsql_module(name TEXT PRIMARY KEY, kind INTEGER NOT NULL, source TEXT NOT "
+        "NULL, stars TEXT, tbl TEXT, events INTEGER) WITHOUT ROWID;"
+        "CREATE TABLE tsql_constraint(tbl TEXT NOT NULL, name TEXT NOT NULL, kind TEXT NOT NULL, "
+        "columns TEXT NOT NULL, source TEXT, PRIMARY KEY(tbl, name)) WITHOUT ROWID;"
+        "CREATE TABLE tsql_identity(tbl TEXT PRIMARY KEY, seed INTEGER, increment INTEGER, last "
+        "INTEGER) WITHOUT ROWID");
+}
+
+void Catalog::refresh() {
+    if (!dataVersionQuery_) dataVersionQuery_ = sqlite_.prepare("PRAGMA main.data_version");
+    sqlite_.step(dataVersionQuery_.get());
+    const int64_t data = sqlite3_column_int64(dataVersionQuery_.get(), 0);
+    sqlite3_reset(dataVersionQuery_.get());
+    if (data == dataVersion_) return;
+    dataVersion_ = data;
+    const int64_t schema = sqlite_.number("PRAGMA main.schema_version").value_or(0);
+    if (schema != schemaVersion_) {
+        schemaVersion_ = schema;
+        tables_.clear();
+        ++version_;
+    }
+    const int64_t modules =
+        sqlite_.number("SELECT value FROM tsql_meta WHERE name = 'modules'").value_or(0);
+    if (modules != moduleVersion_) {
+        moduleVersion_ = modules;
+        modulesLoaded_ = false;
+        ++version_;
+    }
+}
+
+void Catalog::changed(const std::string& name) {
+    tables_.erase(foldName(name));
+    ++version_;
+}
+
+void Catalog::modulesChanged(const std::string& name) {
+    sqlite_.run("UPDATE tsql_meta SET value = value + 1 WHERE name = 'modules'");
+    // Only the one that changed is read anew; the others keep their parsed bodies.
+    modules_.erase(foldName(name));
+    modulesLoaded_ = false;
+    tables_.clear();  // triggers stand with their tables
+    ++version_;
+}
+
+void Catalog::rolledBack() {
+    tables_.clear();
+    modules_.clear();
+    modulesLoaded_ = false;
+    dataVersion_ = -1;
+    schemaVersion_ = moduleVersion_ = -1;
+    ++version_;
+    for (auto& scope : scopes_) {
+        for (auto it = scope.begin(); it != scope.end();) {
+            const std::string& sqlName = it->second->sqlName;  // temp."x"
+            const std::string bare = sqlName.substr(6, sqlName.size() - 7);
+            const bool there = sqlite_
+                                   .number("SELECT 1 FROM sqlite_temp_master WHERE name = " +
+                                           sqliteText(bare))
+                                   .has_value();
+            it = there ? std::next(it) : scope.erase(it);
+        }
+    }
+}
+
+CatalogTablePtr Catalog::findTable(const std::string& name) {
+    const std::string folded = foldName(name);
+    if (!name.empty() && (name[0] == '#' || name[0] == '@')) {
+        for (auto scope = scopes_.rbegin(); scope != scopes_.rend(); ++scope) {
+            const auto found = scope->find(folded);
+            if (found != scope->end()) return found->second;
+        }
+        return nullptr;
+    }
+    const auto found = tables_.find(folded);
+    if (found != tables_.end()) return found->second;
+    CatalogTablePtr table = load(name);
+    tables_[folded] = table;
+    return table;
+}
+
+CatalogTablePtr Catalog::load(const std::string& name) {
+    if (foldName(name).starts_with("tsql_") || foldName(name).starts_with("sqlite_"))
+        return nullptr;
+    SqliteStatement find = sqlite_.prepare(
+        "SELECT name, sql FROM main.sqlite_master WHERE type = 'table' AND name = ?1 COLLATE TSQL");
+    bindValue(find.get(), 1, Value(name));
+    if (!sqlite_.step(find.get())) return nullptr;
+    auto table = std::make_shared<CatalogTable>();
+    table->name = columnText(find.get(), 0);
+    table->sqlName = "main." + sqliteName(table->name);
+    table->signature = mix(mix(14695981039346656037ull, table->name), columnText(find.get(), 1));
+
+    SqliteStatement info =
+        sqlite_.prepare("PRAGMA main.table_info(" + sqliteName(table->name) + ")");
+    while (sqlite_.step(info.get())) {
+        CatalogColumn c;
+        c.name = columnText(info.get(), 1);
+        c.type = typeOfDeclaration(columnText(info.get(), 2));
+        c.nullable = sqlite3_column_int(info.get(), 3) == 0;
+        table->columns.push_back(std::move(c));
+    }
+    SqliteStatement constraints = sqlite_.prepare(
+        "SELECT name, kind, columns, source FROM tsql_constraint WHERE tbl = ?1 ORDER BY name");
+    const std::string folded = foldName(table->name);
+    bindValue(constraints.get(), 1, Value(folded));
+    while (sqlite_.step(constraints.get())) {
+        const std::string constraint = columnText(constraints.get(), 0);
+        const std::string kind = columnText(constraints.get(), 1);
+        const std::string columns = columnText(constraints.get(), 2);
+        const std::string source = columnText(constraints.get(), 3);
+        table->signature = mix(table->signature, constraint + kind + columns + source);
+        if (kind == "D") {
+            const int at = table->findColumn(columns);
+            if (at < 0) continue;
+            table->columns[at].defaultSource = source;
+            table->columns[at].defaultName = constraint;
+        } else if (kind == "C") {
+            table->checks.push_back({constraint, source});
+        } else {
+            table->keys.push_back({constraint, split(columns, '\x1f'),
+                                   kind == "P"   ? CatalogKey::Primary
+                                   : kind == "U" ? CatalogKey::Unique
+                                                 : CatalogKey::Index});
+        }
+    }
+    SqliteStatement identity =
+        sqlite_.prepare("SELECT seed, increment FROM tsql_identity WHERE tbl = ?1");
+    bindValue(identity.get(), 1, Value(folded));
+    if (sqlite_.step(identity.get())) {
+        table->identitySeed = sqlite3_column_int64(identity.get(), 0);
+        table->identityIncrement = sqlite3_column_int64(identity.get(), 1);
+        SqliteStatement which = sqlite_.prepare(
+            "SELECT columns FROM tsql_constraint WHERE tbl = ?1 AND kind = 'N'");
+        bindValue(which.get(), 1, Value(folded));
+        if (sqlite_.step(which.get())) {
+            const int at = table->findColumn(columnText(which.get(), 0));
+            if (at >= 0) table->columns[at].identity = true;
+        }
+        std::erase_if(table->keys, [](const CatalogKey& k) { return k.name == "\x01identity"; });
+    }
+    for (const CatalogModulePtr& m : modules()) {
+        if (m->kind != ModuleKind::Trigger || foldName(m->table) != folded) continue;
+        table->triggers.push_back(m->name);
+        table->signature = mix(table->signature, m->name + m->source);
+    }
+    return table;
+}
+
+void Catalog::loadModules() {
+    if (modulesLoaded_) return;
+    std::map<std::string, CatalogModulePtr> fresh;
+    SqliteStatement s =
+        sqlite_.prepare("SELECT name, kind, source, stars, tbl, events FROM tsql_module");
+    while (sqlite_.step(s.get())) {
+        const std::string name = columnText(s.get(), 0);
+        const std::string folded = foldName(name);
+        const std::string source = columnText(s.get(), 2);
+        const std::string stars = columnText(s.get(), 3);
+        const uint64_t signature = mix(mix(7, source), stars);
+        const auto known = modules_.find(folded);
+        if (known != modules_.end() && known->second->signature == signature) {
+            fresh[folded] = known->second;
+            continue;
+        }
+        auto m = std::make_shared<CatalogModule>();
+        m->name = name;
+        m->kind = static_cast<ModuleKind>(sqlite3_column_int(s.get(), 1));
+        m->source = source;
+        for (const std::string& star : split(stars, '\x1e'))
+            m->stars.push_back(split(star, '\x1f'));
+        m->table = columnText(s.get(), 4);
+        const int events = sqlite3_column_int(s.get(), 5);
+        m->onInsert = events & 1;
+        m->onUpdate = events & 2;
+        m->onDelete = events & 4;
+        m->signature = signature;
+        fresh[folded] = std::move(m);
+    }
+    modules_ = std::move(fresh);
+    modulesLoaded_ = true;
+}
+
+CatalogModulePtr Catalog::findModule(const std::string& name) {
+    loadModules();
+    const auto found = modules_.find(foldName(name));
+    return found == modules_.end() ? nullptr : found->second;
+}
+
+std::vector<CatalogModulePtr> Catalog::modules() {
+    loadModules();
+    std::vector<CatalogModulePtr> all;
+    for (const auto& [name, module] : modules_) all.push_back(module);
+    return all;
+}
+
+std::vector<std::string> Catalog::tableNames() {
+    std::vector<std::string> names;
+    SqliteStatement s = sqlite_.prepare(
+        "SELECT name FROM main.sqlite_master WHERE type = 'table' AND name NOT LIKE 'tsql~_%' "
+        "ESCAPE '~' AND name NOT LIKE 'sqlite~_%' ESCAPE '~' ORDER BY name COLLATE TSQL");
+    while (sqlite_.step(s.get())) names.push_back(columnText(s.get(), 0));
+    return names;
+}
+
+void Catalog::openScope() { scopes_.emplace_back(); }
+
+void Catalog::closeScope() {
+    for (const auto& [name, table] : scopes_.back())
+        sqlite_.run("DROP TABLE IF EXISTS " + table->sqlName);
+    if (!scopes_.back().empty()) ++version_;
+    scopes_.pop_back();
+}
+
+std::string Catalog::newTemporaryName(const std::string& name) const {
+    std::string actual = foldName(name);
+    if (scopes_.size() > 1) actual += "~" + std::to_string(scopes_.size() - 1);
+    return "temp." + sqliteName(actual);
+}
+
+void Catalog::addTemporary(CatalogTable table) {
+    table.temporary = true;
+    uint64_t signature = mix(3, table.sqlName);
+    for (const CatalogColumn& c : table.columns)
+        signature = mix(signature, c.name + c.type.ddl() + (c.nullable ? "?" : "!"));
+    table.signature = signature;
+    const std::string folded = foldName(table.name);
+    scopes_.back()[folded] = std::make_shared<CatalogTable>(std::move(table));
+    ++version_;
+}
+
+void Catalog::replaceTemporary(CatalogTable table) {
+    const std::string folded = foldName(table.name);
+    for (auto scope = scopes_.rbegin(); scope != scopes_.rend(); ++scope) {
+        const auto found = scope->find(folded);
+        if (found == scope->end()) continue;
+        ++table.signature;
+        for (const CatalogColumn& c : table.columns)
+            table.signature = mix(table.signature, c.name + c.type.ddl());
+        found->second = std::make_shared<CatalogTable>(std::move(table));
+        ++version_;
+        return;
+    }
+}
+
+void Catalog::forgetTemporary(const CatalogTable& table) {
+    const std::string folded = foldName(table.name);
+    for (auto scope = scopes_.rbegin(); scope != scopes_.rend(); ++scope) {
+        if (scope->erase(folded)) {
+            ++version_;
+            return;
+        }
+    }
+}
+
+}  // namespace owb::tsql

@@ -1,0 +1,688 @@
+// Batches, control flow, errors and transactions.
+//
+// Kept true here:
+//  1. A batch of several statements that may write runs in one SQLite transaction of its own,
+//     taken for writing at its start; it is committed at the batch's end, whatever errors its
+//     statements met. A batch of one statement commits with that statement.
+//  2. A T-SQL transaction ends the batch's own one first and stays open over batches.
+//  3. An error ends its statement, its scope or its batch, as reachOf says; it is noted once.
+#include "tsql/executor.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "base/utf8.h"
+#include "tsql/parser.h"
+#include "tsql/system_views.h"
+#include "tsql/types.h"
+
+namespace owb::tsql {
+
+namespace {
+
+constexpr size_t kMostBatches = 4000;  // parsed texts that are kept
+constexpr int kDeepest = 32;
+
+std::string ownHostName() {
+    char name[256] = "localhost";
+    gethostname(name, sizeof name - 1);
+    return name;
+}
+
+}  // namespace
+
+ErrorReach reachOf(const DbError& e) {
+    switch (e.number) {
+        case 207:
+        case 208:
+        case 209:
+        case 213:
+        case 4104:
+        case 4121:
+        case 195:
+        case 8120:
+        case 8121:
+        case 8127:
+        case 2714:
+        case 206:
+        case 15281: return ErrorReach::Scope;
+        case 241:
+        case 242:
+        case 244:
+        case 245:
+        case 248:
+        case 8114:
+        case 217:
+        case 1222:
+        case 9002:
+        case 3906: return ErrorReach::Batch;
+        default: break;
+    }
+    if (e.number < 0 || e.severity >= 20) return ErrorReach::Batch;
+    if (e.severity == 15) return ErrorReach::Scope;  // found while binding
+    return ErrorReach::Statement;
+}
+
+Together::Together(Sqlite& sqlite)
+    : sqlite_(sqlite), own_(sqlite3_get_autocommit(sqlite.handle()) != 0) {
+    sqlite_.run(own_ ? "BEGIN IMMEDIATE" : "SAVEPOINT together");
+}
+
+Together::~Together() {
+    if (finished_) return;
+    try {
+        if (own_ || sqlite3_get_autocommit(sqlite_.handle())) {
+            if (!sqlite3_get_autocommit(sqlite_.handle())) sqlite_.run("ROLLBACK");
+        } else {
+            sqlite_.run("ROLLBACK TO together; RELEASE together");
+        }
+    } catch (const DbError&) {
+        // SQLite has rolled back by itself already.
+    }
+}
+
+void Together::done() {
+    sqlite_.run(own_ ? "COMMIT" : "RELEASE together");
+    finished_ = true;
+}
+
+Executor::Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName, bool createStorage)
+    : sqlite_(std::move(sqlite)),
+      catalog_(*sqlite_),
+      hostName_(hostName.empty() ? ownHostName() : std::move(hostName)) {
+    registerFunctions(*sqlite_, *this);
+    registerSystemViews(*sqlite_, catalog_, inTransaction_);
+    if (createStorage) catalog_.createStorage();
+}
+
+Executor::~Executor() {
+    // Statements go before the connection does.
+    batches_.clear();
+    for (const CatalogModulePtr& m : catalog_.modules()) m->code.reset();
+}
+
+void Executor::setCommandTimeout(int seconds) {
+    commandTimeout_ = seconds;
+    sqlite_->setBusySeconds(seconds);
+}
+
+void Executor::cancel() {
+    sqlite_->cancelled = true;
+    sqlite3_interrupt(sqlite_->handle());
+}
+
+// --- finding the parsed form of a batch ---
+
+// The shape is the text with its literals taken out: texts of one shape share their plans.
+std::shared_ptr<CompiledBatch> Executor::findOrCompile(std::string_view batch) {
+    const std::vector<Token> tokens = tokenize(batch);
+    shape_.clear();
+    std::vector<LiteralSlot> literals;
+    for (const Token& t : tokens) {
+        if (t.isLiteral()) {
+            literals.push_back(literalOf(t));
+            const SqlType& type = literals.back().type;
+            shape_ += '\x01';
+            shape_ += static_cast<char>('a' + static_cast<int>(type.kind));
+            if (type.kind == SqlKind::Numeric) {
+                shape_ += static_cast<char>('0' + type.precision);
+                shape_ += static_cast<char>('0' + type.scale);
+            } else if (type.kind == SqlKind::Int) {
+                // A whole number beside a numeric counts with its own digits.
+                shape_ += static_cast<char>(
+                    '0' + Decimal::fromInt(literals.back().value.asInt()).digits());
+            }
+        } else {
+            shape_ += batch.substr(t.begin, t.end - t.begin);
+        }
+        shape_ += ' ';
+    }
+    auto& known = batches_[shape_];
+    for (const auto& code : known) {
+        if (code->running > 0 || code->ast.literals.size() < literals.size()) continue;
+        bool fits = true;
+        for (size_t i = 0; i < literals.size() && fits; ++i)
+            fits = !code->ast.literals[i].fixed || code->ast.literals[i].value == literals[i].value;
+        if (!fits) continue;
+        for (size_t i = 0; i < literals.size(); ++i)
+            if (!code->ast.literals[i].fixed)
+                code->ast.literals[i].value = std::move(literals[i].value);
+        return code;
+    }
+    if (batchCount_ >= kMostBatches) {
+        // Forgetting all is rare and simple; what is used comes back at once.
+        const std::string shape = shape_;
+        batches_.clear();
+        batchCount_ = 0;
+        shape_ = shape;
+    }
+    std::shared_ptr<CompiledBatch> code = compileBatch(std::string(batch));
+    if (code->cacheable) {
+        auto& list = batches_[shape_];
+        if (list.size() >= 16) list.erase(list.begin());
+        list.push_back(code);
+        ++batchCount_;
+    } else if (batches_[shape_].empty()) {
+        batches_.erase(shape_);
+    }
+    return code;
+}
+
+// A name that does not exist is found out before anything of the batch runs, as long as nothing
+// in the batch itself can bring it about.
+void Executor::checkAhead(Frame& frame, const std::vector<StatementPtr>& statements) {
+    for (const StatementPtr& s : statements) {
+        try {
+            switch (s->kind) {
+                case StatementKind::Query:
+                    plan(frame, s.get(), [&](Planner& p) { return p.query(*s->query); });
+                    break;
+                case StatementKind::Insert:
+                    if (s->query || s->defaultValues)
+                        plan(frame, s.get(), [&](Planner& p) {
+                            return p.insert(*s, foldName(s->target.last()) == identityInsert_);
+                        });
+                    break;
+                case StatementKind::Update:
+                    plan(frame, s.get(), [&](Planner& p) { return p.update(*s); });
+                    break;
+                case StatementKind::Delete:
+                    plan(frame, s.get(), [&](Planner& p) { return p.remove(*s); });
+                    break;
+                case StatementKind::If:
+                case StatementKind::While:
+                    plan(frame, s->condition.get(),
+                         [&](Planner& p) { return p.condition(*s->condition); });
+                    break;
+                default: break;
+            }
+        } catch (const DbError& e) {
+            if (e.number != 208 && e.number != 544) throw;
+        }
+        checkAhead(frame, s->body);
+        checkAhead(frame, s->otherwise);
+    }
+}
+
+namespace {
+
+bool changesSchema(const std::vector<StatementPtr>& statements) {
+    return std::any_of(statements.begin(), statements.end(), [](const StatementPtr& s) {
+        switch (s->kind) {
+            case StatementKind::CreateTable:
+            case StatementKind::AlterTable:
+            case StatementKind::Drop:
+            case StatementKind::Execute:
+            case StatementKind::ExecuteText:
+            case StatementKind::Declare: {
+                if (s->kind != StatementKind::Declare) return true;
+                return std::any_of(s->variables.begin(), s->variables.end(),
+                                   [](const VariableDeclaration& v) { return v.isTable; });
+            }
+            case StatementKind::Query: {
+                const QueryBody* first = s->query->body.get();
+                while (first->left) first = first->left.get();
+                return !first->into.empty();
+            }
+            default: return changesSchema(s->body) || changesSchema(s->otherwise);
+        }
+    });
+}
+
+bool runsAlone(const Batch& batch) {
+    if (batch.statements.size() != 1) return false;
+    const Statement& s = *batch.statements[0];
+    return s.kind == StatementKind::Update || s.kind == StatementKind::Delete ||
+           (s.kind == StatementKind::Insert && s.body.empty());
+}
+
+// BEGIN TRAN and its kin stand alone in a batch: the batch needs no transaction around them.
+bool steersTransaction(const Batch& batch) {
+    return std::all_of(batch.statements.begin(), batch.statements.end(), [](const StatementPtr& s) {
+        return s->kind == StatementKind::BeginTransaction || s->kind == StatementKind::Commit ||
+               s->kind == StatementKind::Rollback;
+    });
+}
+
+}  // namespace
+
+BatchResult Executor::run(std::string_view batch) {
+    BatchResult result;
+    BatchResult* const outer = result_;
+    result_ = &result;
+    sqlite_->startClock(commandTimeout_);
+    try {
+        runBatch(batch);
+    } catch (const DbError& e) {
+        noteError(e);
+    }
+    if (implicit_) {
+        implicit_ = false;
+        try {
+            if (!sqlite3_get_autocommit(sqlite_->handle())) sqlite_->run("COMMIT");
+        } catch (const DbError& e) {
+            noteError(e);
+            try {
+                sqlite_->run("ROLLBACK");
+            } catch (const DbError&) {
+            }
+            catalog_.rolledBack();
+        }
+    }
+    // SQLite gives a transaction up by itself when the disk is full or the like.
+    if (transactions_ > 0 && sqlite3_get_autocommit(sqlite_->handle())) {
+        transactions_ = 0;
+        inTransaction_ = false;
+        catalog_.rolledBack();
+    }
+    sqlite_->stopClock();
+    sqlite_->cancelled = false;
+    result.affected = rowCount_;
+    result_ = outer;
+    return result;
+}
+
+void Executor::runBatch(std::string_view batch) {
+    std::shared_ptr<CompiledBatch> code = findOrCompile(batch);
+    catalog_.refresh();
+    Frame frame;
+    frame.code = code;
+    frame.variables.resize(code->variables.size());
+    struct Running {
+        Executor& self;
+        Frame& frame;
+        Frame* outer;
+        Running(Executor& e, Frame& f) : self(e), frame(f), outer(e.frame_) {
+            e.frame_ = &f;
+            ++f.code->running;
+        }
+        ~Running() {
+            self.frame_ = outer;
+            --frame.code->running;
+        }
+    } running(*this, frame);
+    if (code->definition) {
+        Together together(*sqlite_);
+        createModule(frame, *code->ast.statements[0]);
+        together.done();
+        return;
+    }
+    if (!code->checked) {
+        if (!changesSchema(code->ast.statements)) checkAhead(frame, code->ast.statements);
+        code->checked = true;
+    }
+    if (code->ast.mayWrite && transactions_ == 0 && !runsAlone(code->ast) &&
+        !steersTransaction(code->ast) && sqlite3_get_autocommit(sqlite_->handle())) {
+        sqlite_->run("BEGIN IMMEDIATE");
+        implicit_ = true;
+        catalog_.refresh();
+    }
+    runStatements(frame, code->ast.statements);
+}
+
+void Executor::noteError(const DbError& e) {
+    lastError_ = e.number;
+    rowCount_ = 0;
+    DbError noted = e;
+    if (noted.procedure.empty() && frame_) noted.procedure = frame_->procedure;
+    if (result_) result_->errors.push_back(noted);
+}
+
+// --- statements ---
+
+Executor::Flow Executor::runStatements(Frame& frame, const std::vector<StatementPtr>& statements) {
+    for (const StatementPtr& s : statements) {
+        try {
+            const Flow flow = runStatement(frame, *s);
+            if (flow != Flow::Next) return flow;
+        } catch (DbError& e) {
+            if (e.line == 0) e.line = s->line;
+            if (frame.inFunction || tryDepth_ > 0 || reachOf(e) != ErrorReach::Statement) throw;
+            noteError(e);
+        }
+    }
+    return Flow::Next;
+}
+
+Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
+    sqlite_->checkClock();
+    if (functionDepth_ == 0) {
+        memo_.clear();
+        statementTime_ = {};
+    }
+    switch (s.kind) {
+        case StatementKind::If:
+        case StatementKind::While:
+        case StatementKind::Block:
+        case StatementKind::Break:
+        case StatementKind::Continue:
+        case StatementKind::Return:
+        case StatementKind::TryCatch: return runControl(frame, s);
+        default: break;
+    }
+    bool keepsError = false;
+    switch (s.kind) {
+        case StatementKind::Query: runQuery(frame, s); break;
+        case StatementKind::Insert:
+        case StatementKind::Update:
+        case StatementKind::Delete:
+        case StatementKind::Truncate: runWrite(frame, s); break;
+        case StatementKind::Declare:
+            for (const VariableDeclaration& v : s.variables) {
+                if (v.isTable) {
+                    if (CatalogTablePtr old = catalog_.findTable(v.name)) {
+                        sqlite_->run("DROP TABLE " + old->sqlName);
+                        catalog_.forgetTemporary(*old);
+                    }
+                    createTable(describeTable(v.name, v.tableColumns, v.tableConstraints), s.line);
+                } else if (v.initial) {
+                    frame.variables[frame.code->findVariable(v.name)] =
+                        evaluate(frame, *v.initial, &v.type);
+                }
+            }
+            break;
+        case StatementKind::Set: {
+            const int at = frame.code->findVariable(s.variable);
+            if (at < 0) throw makeDbError(137, {s.variable}, s.line);
+            const SqlType& type = frame.code->variables[at].type;
+            if (s.op.empty()) {
+                frame.variables[at] = evaluate(frame, *s.value, &type);
+            } else {
+                Plan& p = plan(frame, &s, [&](Planner& planner) {
+                    Expr sum(ExprKind::Binary, s.line);
+                    sum.op = s.op;
+                    sum.args.push_back(std::make_unique<Expr>(ExprKind::Variable, s.line));
+                    sum.args[0]->name.parts.push_back(s.variable);
+                    // Borrowed for the time of planning.
+                    sum.args.push_back(ExprPtr(const_cast<Expr*>(s.value.get())));
+                    std::unique_ptr<Plan> made;
+                    try {
+                        made = planner.value(sum, &type);
+                    } catch (...) {
+                        sum.args[1].release();
+                        throw;
+                    }
+                    sum.args[1].release();
+                    return made;
+                });
+                SqliteStatement statement = acquire(frame, p);
+                sqlite_->step(statement.get());
+                frame.variables[at] = columnValue(statement.get(), 0, p.columns[0].type);
+                sqlite3_reset(statement.get());
+                p.idle.push_back(std::move(statement));
+            }
+            rowCount_ = 1;
+            break;
+        }
+        case StatementKind::SetOption:
+            if (s.option == "IDENTITY_INSERT")
+                identityInsert_ = s.on ? foldName(s.target.last()) : "";
+            break;
+        case StatementKind::Execute:
+        case StatementKind::ExecuteText:
+            execute(frame, s);
+            keepsError = true;
+            break;
+        case StatementKind::CreateTable: createTable(s); break;
+        case StatementKind::AlterTable: alterTable(s); break;
+        case StatementKind::CreateIndex: createIndex(s); break;
+        case StatementKind::Drop: drop(s); break;
+        case StatementKind::CreateModule:
+            throw makeDbError(111, {"CREATE"}, s.line);
+        case StatementKind::BeginTransaction: beginTransaction(); break;
+        case StatementKind::Commit: commitTransaction(s.line); break;
+        case StatementKind::Rollback: rollbackTransaction(s.line); break;
+        case StatementKind::Print: {
+            const SqlType text = SqlType::text(SqlKind::NVarChar, 4000);
+            const Value v = evaluate(frame, *s.value, &text);
+            if (result_) result_->messages.push_back(v.toText());
+            rowCount_ = 0;
+            break;
+        }
+        case StatementKind::RaiseError:
+            raiseError(frame, s);
+            break;
+        case StatementKind::Throw: throwStatement(frame, s); break;
+        default: break;
+    }
+    if (!keepsError) lastError_ = 0;
+    return Flow::Next;
+}
+
+Executor::Flow Executor::runControl(Frame& frame, const Statement& s) {
+    switch (s.kind) {
+        case StatementKind::If: {
+            const bool yes = condition(frame, *s.condition);
+            rowCount_ = 0;
+            lastError_ = 0;
+            return runStatements(frame, yes ? s.body : s.otherwise);
+        }
+        case StatementKind::While:
+            while (condition(frame, *s.condition)) {
+                sqlite_->checkClock();
+                const Flow flow = runStatements(frame, s.body);
+                if (flow == Flow::Break) break;
+                if (flow == Flow::Return) return flow;
+            }
+            return Flow::Next;
+        case StatementKind::Block: return runStatements(frame, s.body);
+        case StatementKind::Break: return Flow::Break;
+        case StatementKind::Continue: return Flow::Continue;
+        case StatementKind::TryCatch: return runTryCatch(frame, s);
+        default: break;
+    }
+    // RETURN
+    if (s.value) {
+        if (frame.inFunction) {
+            const SqlType type = frame.code->definition->returns;
+            frame.returned = evaluate(frame, *s.value, &type);
+        } else {
+            if (!frame.code->definition || frame.code->definition->kind != ModuleKind::Procedure)
+                throw makeDbError(178, {}, s.line);
+            const SqlType type = SqlType::of(SqlKind::Int);
+            frame.returned = evaluate(frame, *s.value, &type);
+        }
+    }
+    return Flow::Return;
+}
+
+Executor::Flow Executor::runTryCatch(Frame& frame, const Statement& s) {
+    std::optional<DbError> error;
+    ++tryDepth_;
+    try {
+        const Flow flow = runStatements(frame, s.body);
+        --tryDepth_;
+        return flow;
+    } catch (DbError& e) {
+        --tryDepth_;
+        // Nothing catches the client's own giving up, nor a broken connection.
+        if (e.number < 0 || e.severity >= 20) throw;
+        if (e.procedure.empty()) e.procedure = frame.procedure;
+        error = e;
+    }
+    frame_ = &frame;
+    std::optional<DbError> outer = caught_;
+    caught_ = error;
+    lastError_ = error->number;
+    try {
+        const Flow flow = runStatements(frame, s.otherwise);
+        caught_ = outer;
+        return flow;
+    } catch (...) {
+        caught_ = outer;
+        throw;
+    }
+}
+
+void Executor::raiseError(Frame& frame, const Statement& s) {
+    if (s.arguments.size() < 3) throw makeDbError(102, {"RAISERROR"}, s.line);
+    const Value message = evaluate(frame, *s.arguments[0].value);
+    const auto severity = static_cast<int>(evaluate(frame, *s.arguments[1].value).toInt());
+    const auto state = static_cast<int>(evaluate(frame, *s.arguments[2].value).toInt());
+    std::string text;
+    if (message.isText()) {
+        const std::string format = message.asText();
+        size_t next = 3;
+        for (size_t i = 0; i < format.size(); ++i) {
+            if (format[i] != '%' || i + 1 >= format.size()) {
+                text += format[i];
+                continue;
+            }
+            const char kind = format[++i];
+            if (kind == '%') text += '%';
+            else if (next < s.arguments.size())
+                text += evaluate(frame, *s.arguments[next++].value).toText();
+            else text += "(null)";
+        }
+    } else {
+        text = "Error " + message.toText() + ", severity " + std::to_string(severity) +
+               ", state " + std::to_string(state) + " was raised, but no message with that error "
+               "number was found in sys.messages.";
+    }
+    if (severity <= 10) {
+        if (result_) result_->messages.push_back(text);
+        return;
+    }
+    const int number = message.isText() ? 50000 : static_cast<int>(message.toInt());
+    throw DbError(number, std::min(severity, 19), state, s.line, text);
+}
+
+void Executor::throwStatement(Frame& frame, const Statement& s) {
+    if (s.arguments.empty()) {
+        if (!caught_)
+            throw DbError(10704, 15, 1, s.line,
+                          "To rethrow an error, a THROW statement must be used inside a CATCH "
+                          "block. Insert the THROW statement inside a CATCH block, or add error "
+                          "parameters to the THROW statement.");
+        DbError again = *caught_;
+        if (reachOf(again) == ErrorReach::Statement) again.severity = 20;
+        throw again;
+    }
+    const auto number = static_cast<int>(evaluate(frame, *s.arguments[0].value).toInt());
+    const std::string text = evaluate(frame, *s.arguments[1].value).toText();
+    const auto state = static_cast<int>(evaluate(frame, *s.arguments[2].value).toInt());
+    throw DbError(number, 16, state, s.line, text);
+}
+
+// --- transactions ---
+
+void Executor::begin() {
+    catalog_.refresh();
+    beginTransaction();
+}
+
+void Executor::commit() { commitTransaction(0); }
+void Executor::rollback() { rollbackTransaction(0); }
+
+void Executor::beginTransaction() {
+    if (transactions_ == 0) {
+        if (implicit_) {
+            sqlite_->run("COMMIT");
+            implicit_ = false;
+        }
+        sqlite_->run("BEGIN IMMEDIATE");
+    }
+    ++transactions_;
+    inTransaction_ = true;
+}
+
+void Executor::commitTransaction(int line) {
+    if (transactions_ == 0) throw makeDbError(3902, {}, line);
+    if (transactions_ == 1) sqlite_->run("COMMIT");
+    --transactions_;
+    inTransaction_ = transactions_ > 0;
+}
+
+void Executor::rollbackTransaction(int line) {
+    if (transactions_ == 0) throw makeDbError(3903, {}, line);
+    transactions_ = 0;
+    inTransaction_ = false;
+    if (!sqlite3_get_autocommit(sqlite_->handle())) sqlite_->run("ROLLBACK");
+    catalog_.rolledBack();
+}
+
+// --- what functions ask ---
+
+Value Executor::liveVariable(int index) { return frame_->variables[index]; }
+
+DateTime Executor::statementTime() {
+    if (statementTime_ == DateTime{}) {
+        timespec t{};
+        clock_gettime(CLOCK_REALTIME, &t);
+        tm local{};
+        localtime_r(&t.tv_sec, &local);
+        statementTime_ = DateTime::fromCivil(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+        statementTime_.tick =
+            (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) * 300 +
+            static_cast<int32_t>(t.tv_nsec / 3333334);
+    }
+    return statementTime_;
+}
+
+Value Executor::systemValue(const std::string& name) {
+    if (name == "ROWCOUNT") return Value(rowCount_);
+    if (name == "ERROR") return Value(lastError_);
+    if (name == "TRANCOUNT") return Value(transactions_);
+    if (name == "IDENTITY") return lastIdentity_;
+    if (name == "SCOPE_IDENTITY")
+        return lastIdentity_.isNull() ? Value() : Value(Decimal(lastIdentity_.asInt(), 0));
+    if (name == "HOST_NAME") return Value(hostName_);
+    if (name == "NESTLEVEL") return Value(depth_);
+    if (name == "SPID") return Value(static_cast<int64_t>(getpid() % 32768));
+    if (name == "DATEFIRST") return Value(7);
+    if (name == "FETCH_STATUS") return Value(-1);
+    if (name == "DB_ID") return Value(1);
+    if (name == "DB_NAME") {
+        std::string file = sqlite_->path().substr(sqlite_->path().find_last_of('/') + 1);
+        return Value(file.substr(0, file.find_last_of('.')));
+    }
+    if (name == "APP_NAME") return Value("Orvane Wagebook");
+    if (name == "VERSION") return Value("Orvane Wagebook embedded database");
+    if (name == "SERVERNAME") return Value("(embedded)");
+    if (name.ends_with("USER_NAME") || name.ends_with("SUSER_SNAME") || name == "SUSER_NAME" ||
+        name == "SYSTEM_USER" || name == "CURRENT_USER")
+        return Value(name == "USER_NAME" || name == "CURRENT_USER" ? "dbo" : "sa");
+    if (name == "XACT_STATE") return Value(transactions_ > 0 ? 1 : 0);
+    if (!caught_) return {};
+    if (name == "ERROR_NUMBER") return Value(caught_->number);
+    if (name == "ERROR_MESSAGE") return Value(std::string(caught_->what()));
+    if (name == "ERROR_SEVERITY") return Value(caught_->severity);
+    if (name == "ERROR_STATE") return Value(caught_->state);
+    if (name == "ERROR_LINE") return Value(caught_->line);
+    if (name == "ERROR_PROCEDURE")
+        return caught_->procedure.empty() ? Value() : Value(caught_->procedure);
+    return {};
+}
+
+std::vector<std::string> Executor::checkIntegrity() {
+    std::vector<std::string> problems;
+    SqliteStatement s = sqlite_->prepare("PRAGMA integrity_check(50)");
+    while (sqlite_->step(s.get())) {
+        const std::string line =
+            reinterpret_cast<const char*>(sqlite3_column_text(s.get(), 0));
+        if (line != "ok") problems.push_back("file: " + line);
+    }
+    catalog_.refresh();
+    for (const CatalogModulePtr& m : catalog_.modules()) {
+        try {
+            compileBatch(m->source);
+            if (m->kind == ModuleKind::Trigger && !catalog_.findTable(m->table))
+                problems.push_back("catalog: the trigger " + m->name + " stands on " + m->table +
+                                   ", which is gone");
+        } catch (const DbError& e) {
+            problems.push_back("catalog: the source of " + m->name + " does not parse: " + e.what());
+        }
+    }
+    SqliteStatement lost = sqlite_->prepare(
+        "SELECT tbl, name FROM tsql_constraint WHERE tbl NOT IN (SELECT lower(name) FROM "
+        "main.sqlite_master WHERE type = 'table')");
+    while (sqlite_->step(lost.get()))
+        problems.push_back(
+            "catalog: the constraint " +
+            std::string(reinterpret_cast<const char*>(sqlite3_column_text(lost.get(), 1))) +
+            " belongs to no table");
+    return problems;
+}
+
+}  // namespace owb::tsql

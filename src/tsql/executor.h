@@ -1,0 +1,177 @@
+// Runs batches: statements in order, control flow, variables, calls, errors and transactions.
+#pragma once
+
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "base/result_set.h"
+#include "tsql/catalog.h"
+#include "tsql/functions.h"
+#include "tsql/plan.h"
+
+namespace owb::tsql {
+
+// One activation of a batch or module.
+struct Frame {
+    std::shared_ptr<CompiledBatch> code;
+    std::vector<Value> variables;
+    const std::map<std::string, CatalogTablePtr>* pseudoTables = nullptr;
+    bool inFunction = false;
+    std::string procedure;  // name, for errors
+    Value returned;
+    Frame* caller = nullptr;
+};
+
+class Executor final : public FunctionHost {
+  public:
+    Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName, bool createStorage);
+    ~Executor() override;
+
+    BatchResult run(std::string_view batch);
+    void begin();
+    void commit();
+    void rollback();
+    void setCommandTimeout(int seconds);
+    void cancel();
+    std::vector<std::string> checkIntegrity();
+
+    // --- FunctionHost ---
+    Value callFunction(int id, int count, sqlite3_value** arguments) override;
+    Value liveVariable(int index) override;
+    Value systemValue(const std::string& name) override;
+    DateTime statementTime() override;
+    Value objectId(const std::string& name, const std::string& kind) override;
+    Value columnLength(const std::string& table, const std::string& column) override;
+    int64_t nextIdentity() override;
+    Value identityOf(const std::string& table) override;
+
+  private:
+    enum class Flow { Next, Break, Continue, Return };
+
+    // --- batches (executor.cpp) ---
+    std::shared_ptr<CompiledBatch> findOrCompile(std::string_view batch);
+    void checkAhead(Frame& frame, const std::vector<StatementPtr>& statements);
+    void runBatch(std::string_view batch);
+    Flow runStatements(Frame& frame, const std::vector<StatementPtr>& statements);
+    Flow runStatement(Frame& frame, const Statement& s);
+    Flow runControl(Frame& frame, const Statement& s);
+    Flow runTryCatch(Frame& frame, const Statement& s);
+    void noteError(const DbError& e);
+    void raiseError(Frame& frame, const Statement& s);
+    void throwStatement(Frame& frame, const Statement& s);
+
+    // --- statements on data (executor_data.cpp) ---
+    Plan& plan(Frame& frame, const void* key, const std::function<std::unique_ptr<Plan>(Planner&)>& make);
+    bool stillGood(Plan& plan);
+    BindContext bindContext(Frame& frame);
+    SqliteStatement acquire(Frame& frame, Plan& plan);
+    void bindParameters(sqlite3_stmt* statement, Frame& frame, const Plan& plan);
+    void runQuery(Frame& frame, const Statement& s);
+    void runInto(Frame& frame, Plan& plan);
+    void runWrite(Frame& frame, const Statement& s);
+    void runWithTriggers(Frame& frame, Plan& plan);
+    void insertExecuted(Frame& frame, const Statement& s);
+    void fireTriggers(Frame& frame, Plan& plan,
+                      const std::map<std::string, CatalogTablePtr>& pseudoTables);
+    Value evaluate(Frame& frame, const Expr& e, const SqlType* target = nullptr);
+    bool condition(Frame& frame, const Expr& e);
+    int64_t runPrepared(Frame& frame, Plan& plan, const std::string& sql);
+    [[noreturn]] void constraintFailure(const DbError& e, const CatalogTable& table,
+                                        StatementKind writes);
+    void loadIdentity(const CatalogTable& table);
+    void storeIdentity(const CatalogTable& table);
+    void assignVariable(Frame& frame, const std::string& name, Value value, int line);
+
+    // --- definitions (executor_definitions.cpp) ---
+    void createTable(const Statement& s);
+    void createTable(CatalogTable table, int line);
+    CatalogTable describeTable(const std::string& name, const std::vector<ColumnDefinition>& columns,
+                               const std::vector<ConstraintDefinition>& constraints);
+    std::string tableDdl(const CatalogTable& table, const std::string& sqlName);
+    void storeConstraints(const CatalogTable& table);
+    void createKeyIndex(const CatalogTable& table, const CatalogKey& key, bool unique);
+    void rebuildTable(const CatalogTable& before, CatalogTable after);
+    void alterTable(const Statement& s);
+    void addColumn(const CatalogTable& table, const ColumnDefinition& column, int line);
+    void addConstraint(const CatalogTable& table, const ConstraintDefinition& c, int line);
+    void dropConstraint(const CatalogTable& table, const std::string& name, int line);
+    void dropColumn(const CatalogTable& table, const std::string& name, int line);
+    void alterColumn(const CatalogTable& table, const ColumnDefinition& column, int line);
+    void createIndex(const Statement& s);
+    void drop(const Statement& s);
+    void createModule(Frame& frame, const Statement& s);
+    std::string checkText(const CatalogTable& table, const std::string& source);
+
+    // --- calls (executor_calls.cpp) ---
+    void execute(Frame& frame, const Statement& s);
+    void executeText(Frame& frame, const std::string& text);
+    void executeSql(Frame& frame, const Statement& s);
+    bool systemProcedure(Frame& frame, const Statement& s, const std::string& name);
+    Frame moduleFrame(CatalogModule& module);
+    CompiledBatch& moduleCode(CatalogModule& module);
+    void runScope(Frame& caller, Frame& callee);
+
+    // --- transactions ---
+    void beginTransaction();
+    void commitTransaction(int line);
+    void rollbackTransaction(int line);
+
+    std::unique_ptr<Sqlite> sqlite_;
+    Catalog catalog_;
+    std::string hostName_;
+    std::unordered_map<std::string, std::vector<std::shared_ptr<CompiledBatch>>> batches_;
+    size_t batchCount_ = 0;
+    std::string shape_;
+
+    struct FunctionSlot {
+        std::string name;
+        CatalogModulePtr module;
+        uint64_t version = 0;
+    };
+    std::vector<FunctionSlot> functions_;
+    std::unordered_map<std::string, Value> memo_;  // results of functions in this statement
+    std::string memoKey_;
+
+    Frame* frame_ = nullptr;  // the innermost one that runs
+    BatchResult* result_ = nullptr;
+    int depth_ = 0;          // of calls
+    int functionDepth_ = 0;  // of functions: nothing is written in there
+    int tryDepth_ = 0;
+    int commandTimeout_ = 600;
+    int transactions_ = 0;   // T-SQL's own level
+    bool inTransaction_ = false;  // for the system view
+    bool implicit_ = false;  // the batch runs in a transaction of its own
+    int64_t rowCount_ = 0;
+    int lastError_ = 0;
+    std::optional<DbError> caught_;  // in a CATCH block
+    Value lastIdentity_;
+    int64_t identityNext_ = 0, identityStep_ = 1;
+    bool identityUsed_ = false;
+    std::string identityInsert_;  // table of SET IDENTITY_INSERT ON
+    DateTime statementTime_;
+    int workTable_ = 0;
+};
+
+// Keeps the steps of one statement together: all of them or none.
+class Together {
+  public:
+    explicit Together(Sqlite& sqlite);
+    ~Together();
+    void done();
+
+  private:
+    Sqlite& sqlite_;
+    bool own_;  // a transaction of our own, otherwise a savepoint
+    bool finished_ = false;
+};
+
+// What an error ends: its statement alone, the scope (module or batch) it stands in, or the batch.
+enum class ErrorReach { Statement, Scope, Batch };
+ErrorReach reachOf(const DbError& e);
+
+}  // namespace owb::tsql

@@ -1,0 +1,453 @@
+// Queries and statements that write: plans, parameters, rows, triggers.
+#include <algorithm>
+
+#include "base/utf8.h"
+#include "tsql/executor.h"
+#include "tsql/types.h"
+
+namespace owb::tsql {
+
+BindContext Executor::bindContext(Frame& frame) {
+    BindContext context{catalog_};
+    context.literals = &frame.code->ast.literals;
+    context.variables = &frame.code->variables;
+    context.pseudoTables = frame.pseudoTables;
+    context.functionId = [this](const std::string& name) {
+        const std::string folded = foldName(name);
+        for (size_t i = 0; i < functions_.size(); ++i)
+            if (functions_[i].name == folded) return static_cast<int>(i);
+        functions_.push_back({folded, nullptr, 0});
+        return static_cast<int>(functions_.size() - 1);
+    };
+    context.definition = [this](CatalogModule& m) -> const ModuleDefinition& {
+        return *moduleCode(m).definition;
+    };
+    context.moduleLiterals = [this](CatalogModule& m) -> const std::vector<LiteralSlot>& {
+        return moduleCode(m).ast.literals;
+    };
+    return context;
+}
+
+bool Executor::stillGood(Plan& plan) {
+    if (plan.checkedVersion == catalog_.version()) return true;
+    for (const Dependency& d : plan.dependencies) {
+        if (d.module) {
+            const CatalogModulePtr m = catalog_.findModule(d.name);
+            if (!m || m->signature != d.signature) return false;
+        } else {
+            const CatalogTablePtr t = catalog_.findTable(d.name);
+            if (!t || t->signature != d.signature) return false;
+        }
+    }
+    plan.checkedVersion = catalog_.version();
+    return true;
+}
+
+Plan& Executor::plan(Frame& frame, const void* key,
+                     const std::function<std::unique_ptr<Plan>(Planner&)>& make) {
+    std::unique_ptr<Plan>& slot = frame.code->plans[key];
+    // A trigger's tables are new each time it fires.
+    if (slot && !frame.pseudoTables && stillGood(*slot)) return *slot;
+    BindContext context = bindContext(frame);
+    Planner planner(context);
+    std::unique_ptr<Plan> made = make(planner);
+    made->checkedVersion = catalog_.version();
+    slot = std::move(made);
+    return *slot;
+}
+
+void Executor::bindParameters(sqlite3_stmt* statement, Frame& frame, const Plan& plan) {
+    for (size_t i = 0; i < plan.parameters.size(); ++i) {
+        const PlanParameter& p = plan.parameters[i];
+        const Value& v = p.kind == PlanParameter::Literal
+                             ? frame.code->ast.literals[p.index].value
+                         : p.kind == PlanParameter::Variable ? frame.variables[p.index]
+                                                             : p.constant;
+        if (p.from == p.to || v.isNull())
+            bindValue(statement, static_cast<int>(i) + 1, v);
+        else
+            bindValue(statement, static_cast<int>(i) + 1, convertValue(v, p.from, p.to));
+    }
+}
+
+SqliteStatement Executor::acquire(Frame& frame, Plan& plan) {
+    SqliteStatement statement;
+    if (!plan.idle.empty()) {
+        statement = std::move(plan.idle.back());
+        plan.idle.pop_back();
+    } else {
+        if (plan.parameters.size() > 32000) throw makeDbError(8623);
+        statement = sqlite_->prepare(plan.sql);
+    }
+    bindParameters(statement.get(), frame, plan);
+    return statement;
+}
+
+namespace {
+
+// Gives a statement back to its plan, reset, however its run ended.
+class Lease {
+  public:
+    Lease(Plan& plan, SqliteStatement statement)
+        : plan_(plan), statement_(std::move(statement)) {}
+    ~Lease() {
+        sqlite3_reset(statement_.get());
+        plan_.idle.push_back(std::move(statement_));
+    }
+    sqlite3_stmt* get() const { return statement_.get(); }
+
+  private:
+    Plan& plan_;
+    SqliteStatement statement_;
+};
+
+}  // namespace
+
+Value Executor::evaluate(Frame& frame, const Expr& e, const SqlType* target) {
+    if (e.kind == ExprKind::Literal) {
+        const LiteralSlot& slot = frame.code->ast.literals[e.literal];
+        return target ? convertValue(slot.value, slot.type, *target) : slot.value;
+    }
+    if (e.kind == ExprKind::Null) return {};
+    if (e.kind == ExprKind::Variable) {
+        const int at = frame.code->findVariable(e.name.last());
+        if (at < 0) throw makeDbError(137, {e.name.last()}, e.line);
+        const Value& v = frame.variables[at];
+        return target ? convertValue(v, frame.code->variables[at].type, *target) : v;
+    }
+    Plan& p = plan(frame, &e, [&](Planner& planner) { return planner.value(e, target); });
+    Lease lease(p, acquire(frame, p));
+    sqlite_->step(lease.get());
+    return columnValue(lease.get(), 0, p.columns[0].type);
+}
+
+bool Executor::condition(Frame& frame, const Expr& e) {
+    Plan& p = plan(frame, &e, [&](Planner& planner) { return planner.condition(e); });
+    Lease lease(p, acquire(frame, p));
+    sqlite_->step(lease.get());
+    return sqlite3_column_int(lease.get(), 0) != 0;
+}
+
+void Executor::runQuery(Frame& frame, const Statement& s) {
+    Plan& p = plan(frame, &s, [&](Planner& planner) { return planner.query(*s.query); });
+    if (!p.into.empty()) return runInto(frame, p);
+    Lease lease(p, acquire(frame, p));
+    rowCount_ = 0;
+    if (!p.variables.empty()) {
+        while (sqlite_->step(lease.get())) {
+            ++rowCount_;
+            for (size_t i = 0; i < p.variables.size(); ++i)
+                frame.variables[p.variables[i]] =
+                    columnValue(lease.get(), static_cast<int>(i), p.columns[i].type);
+        }
+        return;
+    }
+    if (frame.inFunction)
+        throw DbError(444, 16, 2, s.line,
+                      "Select statements included within a function cannot return data to a "
+                      "client.");
+    ResultSet set;
+    set.columns = p.columns;
+    const auto width = static_cast<int>(p.columns.size());
+    while (sqlite_->step(lease.get())) {
+        ++set.rows;
+        for (int i = 0; i < width; ++i)
+            set.cells.push_back(columnValue(lease.get(), i, p.columns[i].type));
+    }
+    rowCount_ = static_cast<int64_t>(set.rows);
+    if (result_) result_->sets.push_back(std::move(set));
+}
+
+void Executor::runInto(Frame& frame, Plan& p) {
+    CatalogTable table;
+    table.name = p.into.last();
+    if (catalog_.findTable(table.name) || catalog_.findModule(table.name))
+        throw makeDbError(2714, {table.name});
+    for (const Column& c : p.columns) {
+        if (table.findColumn(c.name) >= 0) throw makeDbError(2705, {c.name, table.name});
+        CatalogColumn column;
+        column.name = c.name;
+        column.type = c.type;
+        column.nullable = c.nullable;
+        table.columns.push_back(std::move(column));
+    }
+    Together together(*sqlite_);
+    const std::string name = table.name;
+    createTable(std::move(table), 0);
+    SqliteStatement insert =
+        sqlite_->prepare("INSERT INTO " + catalog_.findTable(name)->sqlName + " " + p.sql);
+    bindParameters(insert.get(), frame, p);
+    try {
+        sqlite_->step(insert.get());
+    } catch (const DbError&) {
+        insert.reset();
+        if (CatalogTablePtr made = catalog_.findTable(name); made && made->temporary)
+            catalog_.forgetTemporary(*made);
+        catalog_.changed(name);
+        throw;
+    }
+    rowCount_ = sqlite3_changes64(sqlite_->handle());
+    insert.reset();
+    together.done();
+}
+
+void Executor::constraintFailure(const DbError& e, const CatalogTable& table,
+                                 StatementKind writes) {
+    const std::string text = e.what();
+    const std::string verb = writes == StatementKind::Insert ? "INSERT" : "UPDATE";
+    const size_t colon = text.find(": ");
+    const std::string rest = colon == std::string::npos ? "" : text.substr(colon + 2);
+    const std::string object = "dbo." + table.name;
+    if (text.starts_with("NOT NULL")) {
+        const std::string column = rest.substr(rest.find_last_of('.') + 1);
+        throw makeDbError(515, {column, object, verb});
+    }
+    if (text.starts_with("UNIQUE")) {
+        std::vector<std::string> columns;
+        size_t from = 0;
+        while (from < rest.size()) {
+            size_t end = rest.find(", ", from);
+            if (end == std::string::npos) end = rest.size();
+            const std::string one = rest.substr(from, end - from);
+            columns.push_back(one.substr(one.find_last_of('.') + 1));
+            from = end + 2;
+        }
+        const CatalogKey* key = table.keyOn(columns);
+        if (key && key->kind != CatalogKey::Index)
+            throw makeDbError(
+                2627, {key->kind == CatalogKey::Primary ? "PRIMARY KEY" : "UNIQUE KEY", key->name,
+                       object});
+        throw makeDbError(2601, {object, key ? key->name : ""});
+    }
+    if (text.starts_with("CHECK"))
+        throw makeDbError(547, {verb, "CHECK", rest, systemValue("DB_NAME").toText(), object});
+    throw e;
+}
+
+int64_t Executor::runPrepared(Frame& frame, Plan& p, const std::string& sql) {
+    SqliteStatement statement = sqlite_->prepare(sql);
+    bindParameters(statement.get(), frame, p);
+    sqlite_->step(statement.get());
+    return sqlite3_changes64(sqlite_->handle());
+}
+
+void Executor::runWrite(Frame& frame, const Statement& s) {
+    if (functionDepth_ > 0) throw makeDbError(443, {"INSERT"}, s.line);
+    if (s.kind == StatementKind::Truncate) {
+        CatalogTablePtr table = catalog_.findTable(s.target.last());
+        if (!table) throw makeDbError(4701, {s.target.last()}, s.line);
+        sqlite_->run("DELETE FROM " + table->sqlName);
+        if (table->identityColumn() >= 0 && !table->temporary)
+            sqlite_->run("UPDATE tsql_identity SET last = NULL WHERE tbl = " +
+                         sqliteText(foldName(table->name)));
+        rowCount_ = 0;
+        return;
+    }
+    if (s.kind == StatementKind::Insert && !s.query && !s.defaultValues)
+        return insertExecuted(frame, s);
+    Plan& p = plan(frame, &s, [&](Planner& planner) {
+        if (s.kind == StatementKind::Update) return planner.update(s);
+        if (s.kind == StatementKind::Delete) return planner.remove(s);
+        return planner.insert(s, foldName(s.target.last()) == identityInsert_);
+    });
+    const CatalogTablePtr target = p.target;
+    try {
+        if (!p.triggers.empty()) return runWithTriggers(frame, p);
+        if (p.givesIdentity || p.explicitIdentity) {
+            Together together(*sqlite_);
+            loadIdentity(*target);
+            rowCount_ = runPrepared(frame, p, p.sql);
+            storeIdentity(*target);
+            together.done();
+            return;
+        }
+        Lease lease(p, acquire(frame, p));
+        sqlite_->step(lease.get());
+        rowCount_ = sqlite3_changes64(sqlite_->handle());
+    } catch (const DbError& e) {
+        if (e.number != -2627) throw;
+        constraintFailure(e, *target, p.writes);
+    }
+}
+
+// INSERT ... EXEC: what the call gives back goes into the table.
+void Executor::insertExecuted(Frame& frame, const Statement& s) {
+    CatalogTablePtr table = catalog_.findTable(s.target.last());
+    if (!table) throw makeDbError(208, {s.target.text()}, s.line);
+    BatchResult rows;
+    BatchResult* const outer = result_;
+    result_ = &rows;
+    try {
+        execute(frame, *s.body[0]);
+    } catch (...) {
+        result_ = outer;
+        throw;
+    }
+    result_ = outer;
+    for (const DbError& e : rows.errors) noteError(e);
+    std::vector<int> columns;
+    for (const std::string& name : s.columns) {
+        columns.push_back(table->findColumn(name));
+        if (columns.back() < 0) throw makeDbError(207, {name}, s.line);
+    }
+    if (s.columns.empty())
+        for (size_t i = 0; i < table->columns.size(); ++i) columns.push_back(static_cast<int>(i));
+    std::string names, marks;
+    for (size_t i = 0; i < columns.size(); ++i) {
+        names += (i ? "," : "") + sqliteName(table->columns[columns[i]].name);
+        marks += i ? ",?" : "?";
+    }
+    Together together(*sqlite_);
+    SqliteStatement insert = sqlite_->prepare("INSERT INTO " + table->sqlName + "(" + names +
+                                              ") VALUES(" + marks + ")");
+    int64_t count = 0;
+    try {
+        for (const ResultSet& set : rows.sets) {
+            if (set.columns.size() != columns.size()) throw makeDbError(213, {}, s.line);
+            for (size_t r = 0; r < set.rows; ++r, ++count) {
+                for (size_t c = 0; c < columns.size(); ++c)
+                    bindValue(insert.get(), static_cast<int>(c) + 1,
+                              convertValue(set.at(r, c), set.columns[c].type,
+                                           table->columns[columns[c]].type));
+                sqlite_->step(insert.get());
+                sqlite3_reset(insert.get());
+            }
+        }
+    } catch (const DbError& e) {
+        insert.reset();
+        if (e.number != -2627) throw;
+        constraintFailure(e, *table, StatementKind::Insert);
+    }
+    insert.reset();
+    together.done();
+    rowCount_ = count;
+}
+
+// --- triggers ---
+
+void Executor::runWithTriggers(Frame& frame, Plan& p) {
+    const CatalogTable& table = *p.target;
+    const std::string number = std::to_string(++workTable_);
+    const std::string rows = "temp.\"rows~" + number + "\"";
+    const std::string deletedName = "temp.\"deleted~" + number + "\"";
+    const std::string insertedName = "temp.\"inserted~" + number + "\"";
+    Together together(*sqlite_);
+    sqlite_->run("CREATE TABLE " + deletedName + " AS SELECT * FROM " + table.sqlName +
+                 " WHERE 0; CREATE TABLE " + insertedName + " AS SELECT * FROM " + table.sqlName +
+                 " WHERE 0");
+    int64_t count = 0;
+    if (p.writes == StatementKind::Insert) {
+        const int64_t before =
+            sqlite_->number("SELECT max(rowid) FROM " + table.sqlName).value_or(0);
+        if (p.givesIdentity || p.explicitIdentity) loadIdentity(table);
+        count = runPrepared(frame, p, p.sql);
+        if (p.givesIdentity || p.explicitIdentity) storeIdentity(table);
+        sqlite_->run("INSERT INTO " + insertedName + " SELECT * FROM " + table.sqlName +
+                     " WHERE rowid > " + std::to_string(before));
+    } else {
+        // The rows and their new values first, then the old rows, the change, the new rows.
+        SqliteStatement collect = sqlite_->prepare(p.collectSql);
+        std::string columns = "rid";
+        for (int i = 1; i < sqlite3_column_count(collect.get()); ++i)
+            columns += ",c" + std::to_string(i - 1);
+        collect.reset();
+        sqlite_->run("CREATE TABLE " + rows + "(" + columns + ")");
+        runPrepared(frame, p, "INSERT INTO " + rows + " " + p.collectSql);
+        const std::string touched =
+            " SELECT * FROM " + table.sqlName + " WHERE rowid IN (SELECT rid FROM " + rows + ")";
+        sqlite_->run("INSERT INTO " + deletedName + touched);
+        std::string apply = p.applySql;
+        apply.replace(apply.find('%'), 1, rows);
+        sqlite_->run(apply);
+        count = sqlite3_changes64(sqlite_->handle());
+        if (p.writes == StatementKind::Update) sqlite_->run("INSERT INTO " + insertedName + touched);
+        sqlite_->run("DROP TABLE " + rows);
+    }
+    std::map<std::string, CatalogTablePtr> pseudo;
+    for (const bool inserted : {true, false}) {
+        auto t = std::make_shared<CatalogTable>(table);
+        t->name = inserted ? "inserted" : "deleted";
+        t->sqlName = inserted ? insertedName : deletedName;
+        t->temporary = true;
+        pseudo[t->name] = std::move(t);
+    }
+    fireTriggers(frame, p, pseudo);
+    sqlite_->run("DROP TABLE " + deletedName + "; DROP TABLE " + insertedName);
+    together.done();
+    rowCount_ = count;
+}
+
+void Executor::fireTriggers(Frame& frame, Plan& p,
+                            const std::map<std::string, CatalogTablePtr>& pseudoTables) {
+    for (const std::string& name : p.triggers) {
+        CatalogModulePtr module = catalog_.findModule(name);
+        if (!module) continue;
+        Frame body = moduleFrame(*module);
+        body.pseudoTables = &pseudoTables;
+        ++tryDepth_;  // an error in a trigger undoes the statement that fired it
+        try {
+            runScope(frame, body);
+        } catch (...) {
+            --tryDepth_;
+            body.code->plans.clear();
+            throw;
+        }
+        --tryDepth_;
+        body.code->plans.clear();  // made for these very tables
+    }
+}
+
+// --- identity ---
+
+void Executor::loadIdentity(const CatalogTable& table) {
+    identityStep_ = table.identityIncrement;
+    identityUsed_ = false;
+    identityNext_ = table.identitySeed;
+    std::optional<int64_t> last;
+    if (table.temporary) {
+        last = sqlite_->number("SELECT max(" +
+                               sqliteName(table.columns[table.identityColumn()].name) + ") FROM " +
+                               table.sqlName);
+    } else {
+        last = sqlite_->number("SELECT last FROM tsql_identity WHERE tbl = " +
+                               sqliteText(foldName(table.name)));
+    }
+    if (last) identityNext_ = *last + identityStep_;
+}
+
+int64_t Executor::nextIdentity() {
+    identityUsed_ = true;
+    const int64_t value = identityNext_;
+    identityNext_ += identityStep_;
+    return value;
+}
+
+void Executor::storeIdentity(const CatalogTable& table) {
+    const std::string column = sqliteName(table.columns[table.identityColumn()].name);
+    std::optional<int64_t> last;
+    if (identityUsed_) {
+        last = identityNext_ - identityStep_;
+        lastIdentity_ = Value(*last);
+    } else {
+        last = sqlite_->number(std::string("SELECT ") + (identityStep_ > 0 ? "max(" : "min(") +
+                               column + ") FROM " + table.sqlName);
+        if (last) lastIdentity_ = Value(*last);
+    }
+    if (!last || table.temporary) return;
+    sqlite_->run("UPDATE tsql_identity SET last = " + std::to_string(*last) + " WHERE tbl = " +
+                 sqliteText(foldName(table.name)));
+}
+
+Value Executor::identityOf(const std::string& name) {
+    const auto last = sqlite_->number("SELECT last FROM tsql_identity WHERE tbl = " +
+                                      sqliteText(foldName(name.substr(name.find_last_of('.') + 1))));
+    return last ? Value(Decimal(*last, 0)) : Value();
+}
+
+void Executor::assignVariable(Frame& frame, const std::string& name, Value value, int line) {
+    const int at = frame.code->findVariable(name);
+    if (at < 0) throw makeDbError(137, {name}, line);
+    frame.variables[at] = std::move(value);
+}
+
+}  // namespace owb::tsql

@@ -1,0 +1,190 @@
+#include "tsql/lowerer.h"
+
+#include "tsql/types.h"
+
+namespace owb::tsql {
+
+std::string Lowerer::parameter(PlanParameter p) {
+    parameters_.push_back(std::move(p));
+    return "?" + std::to_string(parameters_.size());
+}
+
+std::string Lowerer::expression(const BoundExpr& e) {
+    switch (e.kind) {
+        case BoundKind::Null: return "NULL";
+        case BoundKind::Literal: {
+            PlanParameter p;
+            p.kind = e.index < 0 ? PlanParameter::Constant : PlanParameter::Literal;
+            p.index = e.index;
+            p.constant = e.constant;
+            p.from = e.sourceType;
+            p.to = e.type;
+            return parameter(std::move(p));
+        }
+        case BoundKind::Variable: {
+            PlanParameter p;
+            p.kind = PlanParameter::Variable;
+            p.index = e.index;
+            p.from = e.sourceType;
+            p.to = e.type;
+            return parameter(std::move(p));
+        }
+        case BoundKind::LiveVariable: return "t_var(" + std::to_string(e.index) + ")";
+        case BoundKind::Column: return e.source->alias + "." + e.source->columns[e.column].sqlName;
+        case BoundKind::ScalarQuery: {
+            if (e.query->singleRow) return "(" + query(*e.query, false) + ")";
+            // More than one row is an error, which t_one raises.
+            return "(SELECT t_one(c0) FROM (" + query(*e.query, true) + "))";
+        }
+        case BoundKind::ExistsQuery:
+            return std::string(e.negated ? "NOT " : "") + "EXISTS(" + query(*e.query, false) + ")";
+        case BoundKind::InQuery: {
+            const BoundExpr& left = *e.args[0];
+            return "(" + expression(left) + (left.type.isText() ? " COLLATE TSQL" : "") +
+                   (e.negated ? " NOT IN (" : " IN (") + query(*e.query, false) + "))";
+        }
+        case BoundKind::Op: break;
+    }
+    std::string out;
+    const std::string& p = e.pattern;
+    for (size_t i = 0; i < p.size(); ++i) {
+        if (p[i] != '$') {
+            out += p[i];
+            continue;
+        }
+        if (p[i + 1] == '*') {  // the operands not named so far, comma separated
+            const size_t from = p.find("$0") < i ? 1 : 0;
+            for (size_t a = from; a < e.args.size(); ++a) {
+                if (a > from) out += ",";
+                out += expression(*e.args[a]);
+            }
+            ++i;
+            continue;
+        }
+        size_t n = 0;
+        size_t at = i + 1;
+        while (at < p.size() && p[at] >= '0' && p[at] <= '9') n = n * 10 + (p[at++] - '0');
+        if (at < p.size() && p[at] == ';') ++at;  // ends a number that a digit follows
+        out += expression(*e.args[n]);
+        i = at - 1;
+    }
+    return out;
+}
+
+std::string Lowerer::sourceText(const BoundSource& s) {
+    if (s.table) return s.table->sqlName + " AS " + s.alias;
+    return "(" + query(*s.query, true) + ") AS " + s.alias;
+}
+
+std::string Lowerer::fromItem(const BoundFrom& f) {
+    if (f.source) return sourceText(*f.source);
+    const char* word = " JOIN ";
+    switch (f.join) {
+        case JoinKind::Left: word = " LEFT JOIN "; break;
+        case JoinKind::Right: word = " RIGHT JOIN "; break;
+        case JoinKind::Full: word = " FULL JOIN "; break;
+        default: break;
+    }
+    const std::string left = fromItem(*f.left);
+    std::string right = fromItem(*f.right);
+    if (!f.right->source) right = "(" + right + ")";
+    return left + word + right + (f.on ? " ON " + expression(*f.on) : "");
+}
+
+std::string Lowerer::fromClause(const BoundQuery& q) {
+    std::string out;
+    for (const auto& f : q.from) {
+        if (!out.empty()) out += ", ";
+        // A RIGHT or FULL join beside a comma would otherwise take in what stands left of it.
+        const std::string item = fromItem(*f);
+        out += !f->source && q.from.size() > 1 ? "(" + item + ")" : item;
+    }
+    return out;
+}
+
+std::string Lowerer::orderBy(const BoundQuery& q) {
+    std::string out;
+    for (const BoundOrder& o : q.order) {
+        out += out.empty() ? " ORDER BY " : ", ";
+        const SqlType& type = o.expr ? o.expr->type : q.columns[o.ordinal].type;
+        out += o.expr ? expression(*o.expr) : std::to_string(o.ordinal + 1);
+        if (type.isText()) out += " COLLATE TSQL";
+        if (o.descending) out += " DESC";
+    }
+    return out;
+}
+
+std::string Lowerer::select(const BoundQuery& q, bool named) {
+    std::string out = q.distinct ? "SELECT DISTINCT " : "SELECT ";
+    for (size_t i = 0; i < q.items.size(); ++i) {
+        if (i) out += ", ";
+        const BoundExpr& e = *q.items[i].expr;
+        out += expression(e);
+        if (q.distinct && e.type.isText()) out += " COLLATE TSQL";
+        if (named) out += " AS c" + std::to_string(i);
+    }
+    if (!q.from.empty()) out += " FROM " + fromClause(q);
+    if (q.where) out += " WHERE " + expression(*q.where);
+    for (size_t i = 0; i < q.groupBy.size(); ++i) {
+        out += (i ? ", " : " GROUP BY ") + expression(*q.groupBy[i]);
+        if (q.groupBy[i]->type.isText()) out += " COLLATE TSQL";
+    }
+    if (q.having) out += " HAVING " + expression(*q.having);
+    return out;
+}
+
+std::string Lowerer::setOperand(const BoundQuery& q, bool named, bool right) {
+    const bool nested = q.left && right;
+    const bool limited = q.limit || !q.order.empty();
+    if (!nested && !limited) return query(q, named);
+    return "SELECT * FROM (" + query(q, named) + ")";
+}
+
+std::string Lowerer::query(const BoundQuery& q, bool named) {
+    std::string out;
+    switch (q.kind) {
+        case QueryBody::Select: out = select(q, named); break;
+        case QueryBody::Values: {
+            out = "VALUES ";
+            for (size_t r = 0; r < q.rows.size(); ++r) {
+                out += r ? ",(" : "(";
+                for (size_t c = 0; c < q.rows[r].size(); ++c)
+                    out += (c ? "," : "") + expression(*q.rows[r][c]);
+                out += ")";
+            }
+            return out;
+        }
+        default: {
+            const char* word = q.kind == QueryBody::Union      ? " UNION "
+                               : q.kind == QueryBody::UnionAll ? " UNION ALL "
+                               : q.kind == QueryBody::Except   ? " EXCEPT "
+                                                               : " INTERSECT ";
+            bool text = false;
+            for (const BoundColumn& c : q.columns) text |= c.type.isText();
+            if (text && q.kind != QueryBody::UnionAll) {
+                // The left operand's collation decides which texts are the same.
+                std::string collated = "SELECT ";
+                for (size_t i = 0; i < q.columns.size(); ++i) {
+                    if (i) collated += ", ";
+                    collated += "c" + std::to_string(i);
+                    if (q.columns[i].type.isText()) collated += " COLLATE TSQL AS c" + std::to_string(i);
+                }
+                out = collated + " FROM (" + query(*q.left, true) + ")";
+            } else {
+                out = setOperand(*q.left, named, false);
+            }
+            out += word + setOperand(*q.right, named, true);
+        }
+    }
+    out += orderBy(q);
+    if (q.withTies && q.limit) {
+        throw makeDbError(15281, {"TOP ... WITH TIES"});
+    }
+    if (q.limit) {
+        out += " LIMIT " + expression(*q.limit);
+        if (q.offset) out += " OFFSET " + expression(*q.offset);
+    }
+    return out;
+}
+
+}  // namespace owb::tsql

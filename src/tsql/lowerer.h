@@ -1,0 +1,39 @@
+// Writes a bound tree down as SQLite's SQL with numbered parameters.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tsql/bound.h"
+
+namespace owb::tsql {
+
+// Where the value of parameter ?n comes from when the plan runs.
+struct PlanParameter {
+    enum Kind : uint8_t { Literal, Variable, Constant } kind = Constant;
+    int index = 0;  // literal slot or variable
+    Value constant;
+    SqlType from, to;
+};
+
+class Lowerer {
+  public:
+    explicit Lowerer(std::vector<PlanParameter>& parameters) : parameters_(parameters) {}
+
+    std::string expression(const BoundExpr& e);
+    // `named`: output columns are called c0, c1 ...; `orderBy` false leaves the ordering out.
+    std::string query(const BoundQuery& q, bool named);
+    std::string fromClause(const BoundQuery& q);
+    std::string fromItem(const BoundFrom& f);
+    std::string sourceText(const BoundSource& s);
+
+  private:
+    std::string select(const BoundQuery& q, bool named);
+    std::string setOperand(const BoundQuery& q, bool named, bool right);
+    std::string orderBy(const BoundQuery& q);
+    std::string parameter(PlanParameter p);
+
+    std::vector<PlanParameter>& parameters_;
+};
+
+}  // namespace owb::tsql

@@ -1,0 +1,279 @@
+// Token handling, names and types: what all parts of the grammar share.
+#include "tsql/parser.h"
+
+#include "base/db_error.h"
+#include "base/utf8.h"
+
+namespace owb::tsql {
+
+namespace {
+
+bool sameWord(std::string_view text, std::string_view upper) {
+    return equalsIgnoreCaseAscii(text, upper);
+}
+
+struct TypeName {
+    const char* name;
+    SqlKind kind;
+};
+
+constexpr TypeName kTypes[] = {
+    {"bit", SqlKind::Bit},           {"tinyint", SqlKind::TinyInt},
+    {"smallint", SqlKind::SmallInt}, {"int", SqlKind::Int},
+    {"integer", SqlKind::Int},       {"bigint", SqlKind::BigInt},
+    {"numeric", SqlKind::Numeric},   {"decimal", SqlKind::Numeric},
+    {"dec", SqlKind::Numeric},       {"money", SqlKind::Numeric},
+    {"smallmoney", SqlKind::Numeric}, {"float", SqlKind::Float},
+    {"real", SqlKind::Float},        {"double", SqlKind::Float},
+    {"char", SqlKind::Char},         {"character", SqlKind::Char},
+    {"varchar", SqlKind::VarChar},   {"text", SqlKind::VarChar},
+    {"nchar", SqlKind::NChar},       {"nvarchar", SqlKind::NVarChar},
+    {"ntext", SqlKind::NVarChar},    {"sysname", SqlKind::NVarChar},
+    {"datetime", SqlKind::DateTime}, {"smalldatetime", SqlKind::DateTime},
+    {"datetime2", SqlKind::DateTime}, {"date", SqlKind::Date},
+};
+
+const TypeName* findType(std::string_view word) {
+    for (const TypeName& t : kTypes)
+        if (sameWord(word, t.name)) return &t;
+    return nullptr;
+}
+
+}  // namespace
+
+std::string Name::text() const {
+    std::string out;
+    for (const std::string& part : parts) {
+        if (!out.empty()) out += '.';
+        out += part;
+    }
+    return out;
+}
+
+LiteralSlot literalOf(const Token& token) {
+    LiteralSlot slot;
+    switch (token.kind) {
+        case TokenKind::Integer: {
+            std::string_view digits = token.text;
+            while (digits.size() > 1 && digits[0] == '0') digits.remove_prefix(1);
+            Decimal d;
+            try {
+                Decimal::parse(digits, d);
+            } catch (const DecimalOverflow&) {
+                throw makeDbError(103, {token.text}, static_cast<int>(token.line));
+            }
+            if (d.unscaled() <= INT32_MAX) {
+                slot.value = Value(static_cast<int64_t>(d.unscaled()));
+                slot.type = SqlType::of(SqlKind::Int);
+            } else {
+                slot.value = Value(d);
+                slot.type = SqlType::numeric(d.digits(), 0);
+            }
+            break;
+        }
+        case TokenKind::Decimal: {
+            Decimal d;
+            bool ok = false;
+            try {
+                ok = Decimal::parse(token.text, d);
+            } catch (const DecimalOverflow&) {
+            }
+            if (!ok) throw makeDbError(102, {token.text}, static_cast<int>(token.line));
+            slot.value = Value(d);
+            const int precision = std::max({d.digits(), d.scale(), 1});
+            slot.type = SqlType::numeric(precision, d.scale());
+            break;
+        }
+        case TokenKind::Float:
+            slot.value = Value(std::strtod(std::string(token.text).c_str(), nullptr));
+            slot.type = SqlType::of(SqlKind::Float);
+            break;
+        case TokenKind::NString:
+        case TokenKind::String: {
+            std::string text = unquoted(token);
+            const auto length = static_cast<int32_t>(utf8Length(text));
+            slot.value = Value(std::move(text));
+            slot.type = SqlType::text(
+                token.kind == TokenKind::NString ? SqlKind::NVarChar : SqlKind::VarChar,
+                length == 0 ? 1 : length > 8000 ? SqlType::kMax : length);
+            break;
+        }
+        default: break;
+    }
+    return slot;
+}
+
+Parser::Parser(std::string_view text, const std::vector<Token>& tokens)
+    : text_(text), tokens_(tokens), literalAt_(tokens.size(), -1) {
+    for (size_t i = 0; i < tokens.size(); ++i) {
+        if (!tokens[i].isLiteral()) continue;
+        literalAt_[i] = static_cast<int>(batch_.literals.size());
+        batch_.literals.push_back(literalOf(tokens[i]));
+        batch_.literals.back().fixed = true;  // until an expression takes it
+    }
+}
+
+Batch Parser::parseBatch() {
+    while (true) {
+        while (takeOperator(";")) {
+        }
+        if (peek().kind == TokenKind::End) return std::move(batch_);
+        batch_.statements.push_back(parseStatement());
+    }
+}
+
+ExprPtr Parser::parseSingleExpression(Batch& batch) {
+    ExprPtr e = parseExpression();
+    if (peek().kind != TokenKind::End) syntaxError();
+    batch = std::move(batch_);
+    return e;
+}
+
+const Token& Parser::peek(size_t ahead) const {
+    return tokens_[std::min(pos_ + ahead, tokens_.size() - 1)];
+}
+
+const Token& Parser::take() {
+    const Token& t = tokens_[pos_];
+    if (t.kind != TokenKind::End) ++pos_;
+    return t;
+}
+
+bool Parser::isWord(const char* word, size_t ahead) const {
+    const Token& t = peek(ahead);
+    return t.kind == TokenKind::Name && sameWord(t.text, word);
+}
+
+bool Parser::takeWord(const char* word) {
+    if (!isWord(word)) return false;
+    ++pos_;
+    return true;
+}
+
+void Parser::expectWord(const char* word) {
+    if (!takeWord(word)) syntaxError();
+}
+
+bool Parser::isOperator(const char* op, size_t ahead) const {
+    const Token& t = peek(ahead);
+    return t.kind == TokenKind::Operator && t.text == op;
+}
+
+bool Parser::takeOperator(const char* op) {
+    if (!isOperator(op)) return false;
+    ++pos_;
+    return true;
+}
+
+void Parser::expectOperator(const char* op) {
+    if (!takeOperator(op)) syntaxError();
+}
+
+void Parser::syntaxError() const {
+    // At the end of the text the last word is named, as the server does.
+    const bool atEnd = peek().kind == TokenKind::End;
+    const Token& t = atEnd && pos_ > 0 ? tokens_[pos_ - 1] : peek();
+    const bool keyword = t.kind == TokenKind::Name && isReservedWord(t.text);
+    const std::string word = keyword ? upperCase(t.text) : std::string(t.text.substr(0, 120));
+    DbError e = makeDbError(keyword ? 156 : 102, {word}, static_cast<int>(t.line));
+    e.column = t.column;
+    throw e;
+}
+
+bool Parser::isPlainName(size_t ahead) const {
+    const Token& t = peek(ahead);
+    return t.kind == TokenKind::QuotedName ||
+           (t.kind == TokenKind::Name && !isReservedWord(t.text));
+}
+
+std::string Parser::expectName() {
+    if (!isPlainName()) syntaxError();
+    std::string name = unquoted(take());
+    if (name.size() > 128 && utf8Length(name) > 128)
+        throw makeDbError(103, {name.substr(0, 120)}, static_cast<int>(peek().line));
+    return name;
+}
+
+Name Parser::parseName() {
+    Name name;
+    name.parts.push_back(expectName());
+    while (isOperator(".")) {
+        if (isOperator("*", 1)) break;  // "t.*"
+        take();
+        if (takeOperator(".")) name.parts.emplace_back();  // "db..t"
+        name.parts.push_back(expectName());
+        if (name.parts.size() > 4) syntaxError();
+    }
+    return name;
+}
+
+std::string Parser::textBetween(const Token& first, const Token& behind) const {
+    size_t end = behind.begin;
+    while (end > first.begin && (text_[end - 1] == ' ' || text_[end - 1] == '\n' ||
+                                 text_[end - 1] == '\r' || text_[end - 1] == '\t'))
+        --end;
+    return std::string(text_.substr(first.begin, end - first.begin));
+}
+
+int64_t Parser::expectInteger() {
+    if (peek().kind != TokenKind::Integer) syntaxError();
+    const Token& t = take();
+    int64_t value = 0;
+    for (char c : t.text) {
+        value = value * 10 + (c - '0');
+        if (value > INT32_MAX) throw makeDbError(102, {t.text}, static_cast<int>(t.line));
+    }
+    return value;
+}
+
+bool Parser::isTypeAhead() const {
+    const Token& t = peek();
+    return (t.kind == TokenKind::Name || t.kind == TokenKind::QuotedName) && findType(t.text);
+}
+
+SqlType Parser::parseType(int defaultLength) {
+    const Token& t = peek();
+    if (t.kind != TokenKind::Name && t.kind != TokenKind::QuotedName) syntaxError();
+    const TypeName* found = findType(t.text);
+    if (!found) {
+        DbError e = makeDbError(2715, {"1", t.text}, static_cast<int>(t.line));
+        e.column = t.column;
+        throw e;
+    }
+    const std::string word = lowerCase(t.text);
+    take();
+    if (word == "double") takeWord("precision");
+    if (word == "character" || word == "char") takeWord("varying");
+    SqlType type = SqlType::of(found->kind);
+    if (word == "money") return SqlType::numeric(19, 4);
+    if (word == "smallmoney") return SqlType::numeric(10, 4);
+    if (word == "sysname") return SqlType::text(SqlKind::NVarChar, 128);
+    if (word == "text" || word == "ntext") return SqlType::text(found->kind, SqlType::kMax);
+    if (type.kind == SqlKind::Numeric) type = SqlType::numeric(18, 0);
+    if (type.isText()) type.length = defaultLength;
+    if (!takeOperator("(")) return type;
+    if (type.isText() && takeWord("MAX")) {
+        type.length = SqlType::kMax;
+    } else {
+        const int64_t first = expectInteger();
+        int64_t second = 0;
+        if (takeOperator(",")) second = expectInteger();
+        if (type.kind == SqlKind::Numeric) {
+            if (first < 1 || first > 38)
+                throw makeDbError(2750, {"1", std::to_string(first)}, static_cast<int>(t.line));
+            if (second > first) throw makeDbError(102, {std::to_string(second)},
+                                                  static_cast<int>(t.line));
+            type = SqlType::numeric(static_cast<int>(first), static_cast<int>(second));
+        } else if (type.isText()) {
+            const int64_t limit = type.isUnicode() ? 4000 : 8000;
+            if (first < 1 || first > limit)
+                throw makeDbError(2717, {std::to_string(first), word, std::to_string(limit)},
+                                  static_cast<int>(t.line));
+            type.length = static_cast<int32_t>(first);
+        }
+    }
+    expectOperator(")");
+    return type;
+}
+
+}  // namespace owb::tsql

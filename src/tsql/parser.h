@@ -1,0 +1,122 @@
+// Turns the tokens of one batch into its syntax tree. Throws DbError with line and column.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "tsql/ast.h"
+#include "tsql/token.h"
+
+namespace owb::tsql {
+
+class Parser {
+  public:
+    Parser(std::string_view text, const std::vector<Token>& tokens);
+
+    Batch parseBatch();
+    // One expression alone, such as the stored text of a DEFAULT or CHECK.
+    ExprPtr parseSingleExpression(Batch& batch);
+
+  private:
+    // --- tokens ---
+    const Token& peek(size_t ahead = 0) const;
+    const Token& take();
+    bool isWord(const char* word, size_t ahead = 0) const;
+    bool takeWord(const char* word);
+    void expectWord(const char* word);
+    bool isOperator(const char* op, size_t ahead = 0) const;
+    bool takeOperator(const char* op);
+    void expectOperator(const char* op);
+    [[noreturn]] void syntaxError() const;
+    bool isPlainName(size_t ahead = 0) const;  // a name that is no reserved word
+    std::string expectName();
+    Name parseName();
+    std::string textBetween(const Token& first, const Token& behind) const;
+    int64_t expectInteger();
+    SqlType parseType(int defaultLength);
+    bool isTypeAhead() const;
+
+    // --- statements (parser_statements.cpp) ---
+    StatementPtr parseStatement();
+    StatementPtr parseStatementHere();
+    std::vector<StatementPtr> parseBody();  // one statement, or a block's content
+    StatementPtr newStatement(StatementKind kind);
+    StatementPtr parseInsert(std::vector<CommonTable> with);
+    StatementPtr parseUpdate(std::vector<CommonTable> with);
+    StatementPtr parseDelete(std::vector<CommonTable> with);
+    StatementPtr parseDeclare();
+    StatementPtr parseSet();
+    StatementPtr parseIf();
+    StatementPtr parseBegin();
+    StatementPtr parseExecute();
+    StatementPtr parseExecuteCall(StatementPtr statement);
+    StatementPtr parseRaiseError();
+    std::vector<StatementPtr> parseUntilEnd(const char* closing);
+    bool atStatementStart() const;
+    void skipOptionClause();
+
+    // --- definitions (parser_definitions.cpp) ---
+    StatementPtr parseCreate();
+    StatementPtr parseCreateTable();
+    StatementPtr parseCreateIndex(bool unique);
+    StatementPtr parseModule(size_t firstToken, bool alter, bool orAlter);
+    StatementPtr parseAlter();
+    StatementPtr parseAlterTable();
+    StatementPtr parseDrop();
+    void parseTableElements(std::vector<ColumnDefinition>& columns,
+                            std::vector<ConstraintDefinition>& constraints);
+    ColumnDefinition parseColumn(std::vector<ConstraintDefinition>& constraints);
+    bool parseColumnConstraint(ColumnDefinition& column,
+                               std::vector<ConstraintDefinition>& constraints);
+    ConstraintDefinition parseTableConstraint();
+    std::vector<std::string> parseColumnList();
+    std::string parseSourceExpression();
+    std::vector<Parameter> parseParameters(bool parenthesised);
+
+    // --- queries (parser_queries.cpp) ---
+    std::vector<CommonTable> parseWith();
+    QueryPtr parseQuery(std::vector<CommonTable> with = {});
+    std::unique_ptr<QueryBody> parseQueryBody();
+    std::unique_ptr<QueryBody> parseIntersect();
+    std::unique_ptr<QueryBody> parseQueryPrimary();
+    std::unique_ptr<QueryBody> parseSelect();
+    SelectItem parseSelectItem();
+    std::vector<OrderItem> parseOrderBy();
+    std::vector<TableRefPtr> parseFromList();
+    TableRefPtr parseJoined();
+    TableRefPtr parseTablePrimary();
+    void parseTableAlias(TableRef& table);
+    void skipTableHints();
+    ExprPtr parseTop(bool* percent, bool* withTies);
+
+    // --- expressions (parser_expressions.cpp) ---
+    ExprPtr parseExpression();
+    ExprPtr parseAnd();
+    ExprPtr parseNot();
+    ExprPtr parsePredicate();
+    ExprPtr parsePredicateTail(ExprPtr left);
+    ExprPtr parseAdditive();
+    ExprPtr parseMultiplicative();
+    ExprPtr parseUnary();
+    ExprPtr parsePrimary();
+    ExprPtr parseCase();
+    ExprPtr parseCast(bool convert, bool tryCast);
+    ExprPtr parseFunction(Name name);
+    ExprPtr parseLiteral();
+    ExprPtr binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr right);
+    void fixNextLiteral();
+
+    class Depth;
+
+    std::string_view text_;
+    const std::vector<Token>& tokens_;
+    std::vector<int> literalAt_;  // per token: its place in the literal table, -1 for others
+    size_t pos_ = 0;
+    int depth_ = 0;
+    Batch batch_;
+};
+
+// The value and type of a literal token; a leading minus is not part of it.
+LiteralSlot literalOf(const Token& token);
+
+}  // namespace owb::tsql

@@ -1,0 +1,349 @@
+// SELECT, its clauses and the tables in FROM.
+#include "base/db_error.h"
+#include "base/utf8.h"
+#include "tsql/parser.h"
+
+namespace owb::tsql {
+
+std::vector<CommonTable> Parser::parseWith() {
+    std::vector<CommonTable> tables;
+    if (!takeWord("WITH")) return tables;
+    do {
+        CommonTable table;
+        table.name = expectName();
+        if (isOperator("(")) table.columns = parseColumnList();
+        expectWord("AS");
+        expectOperator("(");
+        table.query = parseQuery();
+        expectOperator(")");
+        tables.push_back(std::move(table));
+    } while (takeOperator(","));
+    return tables;
+}
+
+QueryPtr Parser::parseQuery(std::vector<CommonTable> with) {
+    auto query = std::make_unique<Query>();
+    query->with = with.empty() ? parseWith() : std::move(with);
+    query->body = parseQueryBody();
+    if (isWord("ORDER")) query->orderBy = parseOrderBy();
+    if (!query->orderBy.empty() && takeWord("OFFSET")) {
+        query->offset = parseAdditive();
+        if (!takeWord("ROWS")) expectWord("ROW");
+        if (takeWord("FETCH")) {
+            if (!takeWord("NEXT")) expectWord("FIRST");
+            query->fetch = parseAdditive();
+            if (!takeWord("ROWS")) expectWord("ROW");
+            expectWord("ONLY");
+        }
+    }
+    skipOptionClause();
+    return query;
+}
+
+void Parser::skipOptionClause() {
+    if (!isWord("OPTION") || !isOperator("(", 1)) return;
+    take();
+    take();
+    int open = 1;
+    while (open > 0 && peek().kind != TokenKind::End) {
+        if (isOperator("(")) ++open;
+        if (isOperator(")")) --open;
+        take();
+    }
+}
+
+std::unique_ptr<QueryBody> Parser::parseQueryBody() {
+    auto left = parseIntersect();
+    while (isWord("UNION") || isWord("EXCEPT")) {
+        auto both = std::make_unique<QueryBody>();
+        both->line = static_cast<int>(peek().line);
+        if (takeWord("UNION"))
+            both->kind = takeWord("ALL") ? QueryBody::UnionAll : QueryBody::Union;
+        else {
+            take();
+            both->kind = QueryBody::Except;
+        }
+        both->left = std::move(left);
+        both->right = parseIntersect();
+        left = std::move(both);
+    }
+    return left;
+}
+
+std::unique_ptr<QueryBody> Parser::parseIntersect() {
+    auto left = parseQueryPrimary();
+    while (isWord("INTERSECT")) {
+        auto both = std::make_unique<QueryBody>();
+        both->line = static_cast<int>(take().line);
+        both->kind = QueryBody::Intersect;
+        both->left = std::move(left);
+        both->right = parseQueryPrimary();
+        left = std::move(both);
+    }
+    return left;
+}
+
+std::unique_ptr<QueryBody> Parser::parseQueryPrimary() {
+    if (takeOperator("(")) {
+        auto body = parseQueryBody();
+        expectOperator(")");
+        return body;
+    }
+    if (isWord("VALUES")) {
+        auto body = std::make_unique<QueryBody>();
+        body->kind = QueryBody::Values;
+        body->line = static_cast<int>(take().line);
+        do {
+            expectOperator("(");
+            std::vector<ExprPtr> row;
+            do row.push_back(parseExpression());
+            while (takeOperator(","));
+            expectOperator(")");
+            body->rows.push_back(std::move(row));
+        } while (takeOperator(","));
+        return body;
+    }
+    return parseSelect();
+}
+
+ExprPtr Parser::parseTop(bool* percent, bool* withTies) {
+    if (!takeWord("TOP")) return nullptr;
+    ExprPtr top;
+    if (takeOperator("(")) {
+        top = parseExpression();
+        expectOperator(")");
+    } else {
+        if (peek().kind != TokenKind::Integer && peek().kind != TokenKind::Decimal) syntaxError();
+        top = parseLiteral();
+    }
+    if (takeWord("PERCENT")) {
+        if (!percent) syntaxError();
+        *percent = true;
+    }
+    if (isWord("WITH") && isWord("TIES", 1)) {
+        if (!withTies) syntaxError();
+        take();
+        take();
+        *withTies = true;
+    }
+    return top;
+}
+
+std::unique_ptr<QueryBody> Parser::parseSelect() {
+    auto body = std::make_unique<QueryBody>();
+    body->line = static_cast<int>(peek().line);
+    expectWord("SELECT");
+    if (takeWord("DISTINCT")) body->distinct = true;
+    else takeWord("ALL");
+    body->top = parseTop(&body->topPercent, &body->withTies);
+    do body->items.push_back(parseSelectItem());
+    while (takeOperator(","));
+    if (takeWord("INTO")) body->into = parseName();
+    if (takeWord("FROM")) body->from = parseFromList();
+    if (takeWord("WHERE")) body->where = parseExpression();
+    if (isWord("GROUP") && isWord("BY", 1)) {
+        take();
+        take();
+        do body->groupBy.push_back(parseExpression());
+        while (takeOperator(","));
+    }
+    if (takeWord("HAVING")) body->having = parseExpression();
+    return body;
+}
+
+SelectItem Parser::parseSelectItem() {
+    SelectItem item;
+    item.line = static_cast<int>(peek().line);
+    if (takeOperator("*")) {
+        item.star = true;
+        return item;
+    }
+    // "t.*" and "dbo.t.*"
+    size_t ahead = 0;
+    while (isPlainName(ahead) && isOperator(".", ahead + 1)) {
+        ahead += 2;
+        if (!isOperator("*", ahead)) continue;
+        item.starOf = parseName();
+        take();
+        take();
+        item.star = true;
+        return item;
+    }
+    if (peek().kind == TokenKind::Variable && isOperator("=", 1)) {
+        item.variable = take().text;
+        take();
+        item.expr = parseExpression();
+        return item;
+    }
+    // "alias = expression"
+    if ((isPlainName() || peek().kind == TokenKind::String) && isOperator("=", 1)) {
+        item.alias = unquoted(take());
+        take();
+        item.expr = parseExpression();
+        return item;
+    }
+    item.expr = parseExpression();
+    if (takeWord("AS")) {
+        if (peek().kind == TokenKind::String || peek().kind == TokenKind::NString)
+            item.alias = unquoted(take());
+        else
+            item.alias = expectName();
+    } else if (isPlainName() && !atStatementStart()) {
+        item.alias = unquoted(take());
+    } else if (peek().kind == TokenKind::String) {
+        item.alias = unquoted(take());
+    }
+    return item;
+}
+
+std::vector<OrderItem> Parser::parseOrderBy() {
+    std::vector<OrderItem> items;
+    expectWord("ORDER");
+    expectWord("BY");
+    do {
+        OrderItem item;
+        item.expr = parseExpression();
+        if (takeWord("DESC")) item.descending = true;
+        else takeWord("ASC");
+        items.push_back(std::move(item));
+    } while (takeOperator(","));
+    return items;
+}
+
+std::vector<TableRefPtr> Parser::parseFromList() {
+    std::vector<TableRefPtr> tables;
+    do tables.push_back(parseJoined());
+    while (takeOperator(","));
+    return tables;
+}
+
+TableRefPtr Parser::parseJoined() {
+    TableRefPtr left = parseTablePrimary();
+    while (true) {
+        JoinKind kind;
+        bool condition = true;
+        if (isWord("JOIN")) {
+            take();
+            kind = JoinKind::Inner;
+        } else if (isWord("INNER")) {
+            take();
+            expectWord("JOIN");
+            kind = JoinKind::Inner;
+        } else if (isWord("CROSS")) {
+            take();
+            kind = JoinKind::Cross;
+            if (takeWord("APPLY")) kind = JoinKind::CrossApply;
+            else expectWord("JOIN");
+            condition = false;
+        } else if (isWord("OUTER") && isWord("APPLY", 1)) {
+            take();
+            take();
+            kind = JoinKind::OuterApply;
+            condition = false;
+        } else if ((isWord("LEFT") || isWord("RIGHT") || isWord("FULL")) &&
+                   (isWord("JOIN", 1) || isWord("OUTER", 1))) {
+            kind = isWord("LEFT")    ? JoinKind::Left
+                   : isWord("RIGHT") ? JoinKind::Right
+                                     : JoinKind::Full;
+            take();
+            takeWord("OUTER");
+            expectWord("JOIN");
+        } else {
+            return left;
+        }
+        auto join = std::make_unique<TableRef>();
+        join->kind = TableRef::Join;
+        join->line = static_cast<int>(peek().line);
+        join->join = kind;
+        join->left = std::move(left);
+        // "a JOIN b JOIN c ON .. ON .." nests on the right.
+        join->right = parseTablePrimary();
+        if (condition) {
+            if (!isWord("ON")) {
+                TableRefPtr inner = std::move(join->right);
+                while (!isWord("ON")) {
+                    // The right side is itself a join that still lacks its condition.
+                    auto nested = std::make_unique<TableRef>();
+                    nested->kind = TableRef::Join;
+                    nested->line = static_cast<int>(peek().line);
+                    if (takeWord("LEFT")) nested->join = JoinKind::Left;
+                    else if (takeWord("RIGHT")) nested->join = JoinKind::Right;
+                    else if (takeWord("FULL")) nested->join = JoinKind::Full;
+                    else takeWord("INNER");
+                    takeWord("OUTER");
+                    expectWord("JOIN");
+                    nested->left = std::move(inner);
+                    nested->right = parseTablePrimary();
+                    expectWord("ON");
+                    nested->on = parseExpression();
+                    inner = std::move(nested);
+                }
+                join->right = std::move(inner);
+            }
+            expectWord("ON");
+            join->on = parseExpression();
+        }
+        left = std::move(join);
+    }
+}
+
+TableRefPtr Parser::parseTablePrimary() {
+    auto table = std::make_unique<TableRef>();
+    table->line = static_cast<int>(peek().line);
+    if (takeOperator("(")) {
+        if (isWord("SELECT") || isWord("WITH") || isWord("VALUES") ||
+            (isOperator("(") && isWord("SELECT", 1))) {
+            table->kind = TableRef::Derived;
+            table->query = parseQuery();
+            expectOperator(")");
+            parseTableAlias(*table);
+            return table;
+        }
+        TableRefPtr inner = parseJoined();
+        expectOperator(")");
+        return inner;
+    }
+    if (peek().kind == TokenKind::Variable) {
+        table->kind = TableRef::Variable;
+        table->name.parts.push_back(std::string(take().text));
+        parseTableAlias(*table);
+        return table;
+    }
+    table->name = parseName();
+    if (isOperator("(") && !isWord("NOLOCK", 1)) {
+        table->kind = TableRef::Function;
+        take();
+        if (!isOperator(")")) {
+            do table->args.push_back(parseExpression());
+            while (takeOperator(","));
+        }
+        expectOperator(")");
+    }
+    skipTableHints();
+    parseTableAlias(*table);
+    skipTableHints();
+    return table;
+}
+
+void Parser::parseTableAlias(TableRef& table) {
+    if (takeWord("AS")) {
+        table.alias = expectName();
+    } else if (isPlainName() && !atStatementStart()) {
+        table.alias = unquoted(take());
+    }
+    if (!table.alias.empty() && table.kind != TableRef::Table && isOperator("(") &&
+        isPlainName(1))
+        table.columnAliases = parseColumnList();
+}
+
+// WITH (NOLOCK) and the like say nothing to a database that never reads uncommitted rows.
+void Parser::skipTableHints() {
+    const bool with = isWord("WITH") && isOperator("(", 1);
+    if (!with && !(isOperator("(") && isWord("NOLOCK", 1))) return;
+    if (with) take();
+    take();
+    while (!isOperator(")") && peek().kind != TokenKind::End) take();
+    expectOperator(")");
+}
+
+}  // namespace owb::tsql

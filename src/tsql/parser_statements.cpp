@@ -1,0 +1,420 @@
+// Statements that change data or steer the batch.
+#include "base/db_error.h"
+#include "base/utf8.h"
+#include "tsql/parser.h"
+
+namespace owb::tsql {
+
+namespace {
+
+constexpr const char* kStatementWords[] = {
+    "SELECT", "INSERT", "UPDATE",   "DELETE",   "WITH",      "DECLARE", "SET",    "IF",
+    "WHILE",  "BEGIN",  "RETURN",   "EXEC",     "EXECUTE",   "CREATE",  "ALTER",  "DROP",
+    "PRINT",  "COMMIT", "ROLLBACK", "TRUNCATE", "RAISERROR", "BREAK",   "CONTINUE", "USE",
+    "END",    "ELSE",   "THROW",    "GOTO",     "MERGE",     "WAITFOR"};
+
+}  // namespace
+
+bool Parser::atStatementStart() const {
+    if (peek().kind != TokenKind::Name) return false;
+    for (const char* word : kStatementWords)
+        if (isWord(word)) return true;
+    return false;
+}
+
+StatementPtr Parser::newStatement(StatementKind kind) {
+    auto s = std::make_unique<Statement>(kind, static_cast<int>(peek().line));
+    s->id = batch_.statementCount++;
+    return s;
+}
+
+StatementPtr Parser::parseStatement() {
+    if (++depth_ > 200) {
+        depth_ = 0;
+        throw makeDbError(8623, {}, static_cast<int>(peek().line));
+    }
+    StatementPtr s = parseStatementHere();
+    --depth_;
+    while (takeOperator(";")) {
+    }
+    switch (s->kind) {
+        case StatementKind::Query:
+        case StatementKind::Declare:
+        case StatementKind::Set:
+        case StatementKind::SetOption:
+        case StatementKind::If:
+        case StatementKind::While:
+        case StatementKind::Block:
+        case StatementKind::TryCatch:
+        case StatementKind::Return:
+        case StatementKind::Break:
+        case StatementKind::Continue:
+        case StatementKind::Print:
+        case StatementKind::RaiseError:
+        case StatementKind::Throw: break;
+        default: batch_.mayWrite = true;
+    }
+    return s;
+}
+
+StatementPtr Parser::parseStatementHere() {
+    if (isWord("WITH")) {
+        std::vector<CommonTable> with = parseWith();
+        if (isWord("INSERT")) return parseInsert(std::move(with));
+        if (isWord("UPDATE")) return parseUpdate(std::move(with));
+        if (isWord("DELETE")) return parseDelete(std::move(with));
+        StatementPtr s = newStatement(StatementKind::Query);
+        s->query = parseQuery(std::move(with));
+        if (!s->query->body->into.empty()) batch_.mayWrite = true;
+        return s;
+    }
+    if (isWord("SELECT") || isOperator("(")) {
+        StatementPtr s = newStatement(StatementKind::Query);
+        s->query = parseQuery();
+        const QueryBody* first = s->query->body.get();
+        while (first->left) first = first->left.get();
+        if (!first->into.empty()) batch_.mayWrite = true;
+        return s;
+    }
+    if (isWord("INSERT")) return parseInsert({});
+    if (isWord("UPDATE")) return parseUpdate({});
+    if (isWord("DELETE")) return parseDelete({});
+    if (isWord("TRUNCATE")) {
+        StatementPtr s = newStatement(StatementKind::Truncate);
+        take();
+        expectWord("TABLE");
+        s->target = parseName();
+        return s;
+    }
+    if (isWord("DECLARE")) return parseDeclare();
+    if (isWord("SET")) return parseSet();
+    if (isWord("IF")) return parseIf();
+    if (isWord("WHILE")) {
+        StatementPtr s = newStatement(StatementKind::While);
+        take();
+        s->condition = parseExpression();
+        s->body = parseBody();
+        return s;
+    }
+    if (isWord("BREAK") || isWord("CONTINUE")) {
+        StatementPtr s = newStatement(isWord("BREAK") ? StatementKind::Break
+                                                      : StatementKind::Continue);
+        take();
+        return s;
+    }
+    if (isWord("BEGIN")) return parseBegin();
+    if (isWord("RETURN")) {
+        StatementPtr s = newStatement(StatementKind::Return);
+        take();
+        if (!isOperator(";") && peek().kind != TokenKind::End && !atStatementStart())
+            s->value = parseExpression();
+        return s;
+    }
+    if (isWord("EXEC") || isWord("EXECUTE")) return parseExecute();
+    if (isWord("CREATE")) return parseCreate();
+    if (isWord("ALTER")) return parseAlter();
+    if (isWord("DROP")) return parseDrop();
+    if (isWord("PRINT")) {
+        StatementPtr s = newStatement(StatementKind::Print);
+        take();
+        s->value = parseExpression();
+        return s;
+    }
+    if (isWord("RAISERROR")) return parseRaiseError();
+    if (isWord("THROW")) {
+        StatementPtr s = newStatement(StatementKind::Throw);
+        take();
+        if (!isOperator(";") && peek().kind != TokenKind::End && !atStatementStart()) {
+            do {
+                Argument a;
+                a.value = parseAdditive();
+                s->arguments.push_back(std::move(a));
+            } while (takeOperator(","));
+            if (s->arguments.size() != 3) syntaxError();
+        }
+        return s;
+    }
+    if (isWord("COMMIT") || isWord("ROLLBACK")) {
+        StatementPtr s = newStatement(isWord("COMMIT") ? StatementKind::Commit
+                                                       : StatementKind::Rollback);
+        take();
+        if (!takeWord("TRANSACTION") && !takeWord("TRAN")) takeWord("WORK");
+        if (isPlainName() && !atStatementStart()) take();
+        return s;
+    }
+    // A procedure call may leave EXEC out when it begins the batch.
+    if (isPlainName() && batch_.statementCount == 0) {
+        StatementPtr s = newStatement(StatementKind::Execute);
+        return parseExecuteCall(std::move(s));
+    }
+    syntaxError();
+}
+
+std::vector<StatementPtr> Parser::parseBody() {
+    while (takeOperator(";")) {
+    }
+    std::vector<StatementPtr> body;
+    body.push_back(parseStatement());
+    return body;
+}
+
+StatementPtr Parser::parseInsert(std::vector<CommonTable> with) {
+    StatementPtr s = newStatement(StatementKind::Insert);
+    expectWord("INSERT");
+    s->top = parseTop(nullptr, nullptr);
+    takeWord("INTO");
+    if (peek().kind == TokenKind::Variable) s->target.parts.push_back(std::string(take().text));
+    else s->target = parseName();
+    skipTableHints();
+    if (isOperator("(") && !isWord("SELECT", 1) && !isWord("WITH", 1) && !isOperator("(", 1))
+        s->columns = parseColumnList();
+    if (takeWord("DEFAULT")) {
+        expectWord("VALUES");
+        s->defaultValues = true;
+        return s;
+    }
+    if (isWord("EXEC") || isWord("EXECUTE")) {
+        s->body.push_back(parseExecute());
+        return s;
+    }
+    s->query = parseQuery(std::move(with));
+    return s;
+}
+
+StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
+    StatementPtr s = newStatement(StatementKind::Update);
+    expectWord("UPDATE");
+    s->top = parseTop(nullptr, nullptr);
+    if (peek().kind == TokenKind::Variable) s->target.parts.push_back(std::string(take().text));
+    else s->target = parseName();
+    skipTableHints();
+    expectWord("SET");
+    do {
+        Assignment a;
+        a.line = static_cast<int>(peek().line);
+        if (peek().kind == TokenKind::Variable) {
+            a.variable = take().text;
+            expectOperator("=");
+            if (isPlainName() && isOperator("=", 1)) {
+                a.column = expectName();
+                take();
+            }
+            a.value = parseAdditive();
+        } else {
+            a.column = parseName().last();
+            if (isOperator("+=") || isOperator("-=") || isOperator("*=") || isOperator("/=") ||
+                isOperator("%="))
+                a.op = take().text.substr(0, 1);
+            else
+                expectOperator("=");
+            a.value = parseAdditive();
+        }
+        s->assignments.push_back(std::move(a));
+    } while (takeOperator(","));
+    if (takeWord("FROM")) s->from = parseFromList();
+    if (takeWord("WHERE")) s->condition = parseExpression();
+    skipOptionClause();
+    if (!with.empty()) {
+        s->query = std::make_unique<Query>();
+        s->query->with = std::move(with);
+    }
+    return s;
+}
+
+StatementPtr Parser::parseDelete(std::vector<CommonTable> with) {
+    StatementPtr s = newStatement(StatementKind::Delete);
+    expectWord("DELETE");
+    s->top = parseTop(nullptr, nullptr);
+    takeWord("FROM");
+    if (peek().kind == TokenKind::Variable) s->target.parts.push_back(std::string(take().text));
+    else s->target = parseName();
+    skipTableHints();
+    if (takeWord("FROM")) s->from = parseFromList();
+    if (takeWord("WHERE")) s->condition = parseExpression();
+    skipOptionClause();
+    if (!with.empty()) {
+        s->query = std::make_unique<Query>();
+        s->query->with = std::move(with);
+    }
+    return s;
+}
+
+StatementPtr Parser::parseDeclare() {
+    StatementPtr s = newStatement(StatementKind::Declare);
+    take();
+    do {
+        if (peek().kind != TokenKind::Variable) syntaxError();
+        VariableDeclaration v;
+        v.name = take().text;
+        takeWord("AS");
+        if (takeWord("TABLE")) {
+            v.isTable = true;
+            parseTableElements(v.tableColumns, v.tableConstraints);
+        } else {
+            v.type = parseType(1);
+            if (takeOperator("=")) v.initial = parseExpression();
+        }
+        s->variables.push_back(std::move(v));
+    } while (takeOperator(","));
+    return s;
+}
+
+StatementPtr Parser::parseSet() {
+    if (peek(1).kind == TokenKind::Variable) {
+        StatementPtr s = newStatement(StatementKind::Set);
+        take();
+        s->variable = take().text;
+        if (isOperator("+=") || isOperator("-=") || isOperator("*=") || isOperator("/=") ||
+            isOperator("%="))
+            s->op = take().text.substr(0, 1);
+        else
+            expectOperator("=");
+        s->value = parseExpression();
+        return s;
+    }
+    StatementPtr s = newStatement(StatementKind::SetOption);
+    take();
+    if (peek().kind != TokenKind::Name) syntaxError();
+    s->option = upperCase(take().text);
+    while (!isWord("ON") && !isWord("OFF") && peek().kind == TokenKind::Name && !atStatementStart())
+        s->option += " " + upperCase(take().text);
+    if (s->option == "DATEFIRST" || s->option == "LOCK_TIMEOUT" || s->option == "ROWCOUNT") {
+        take();
+        return s;
+    }
+    if (s->option.starts_with("DATEFORMAT") || s->option.starts_with("LANGUAGE")) return s;
+    if (s->option.starts_with("IDENTITY_INSERT")) {
+        const size_t space = s->option.find(' ');
+        if (space != std::string::npos) s->target.parts.push_back(s->option.substr(space + 1));
+        else s->target = parseName();
+        while (takeOperator(".")) s->target = parseName();
+        s->option = "IDENTITY_INSERT";
+    }
+    if (s->option.starts_with("TRANSACTION ISOLATION")) return s;
+    if (takeWord("ON")) s->on = true;
+    else if (!takeWord("OFF")) syntaxError();
+    return s;
+}
+
+StatementPtr Parser::parseIf() {
+    StatementPtr s = newStatement(StatementKind::If);
+    take();
+    s->condition = parseExpression();
+    s->body = parseBody();
+    while (isOperator(";")) take();
+    if (takeWord("ELSE")) s->otherwise = parseBody();
+    return s;
+}
+
+std::vector<StatementPtr> Parser::parseUntilEnd(const char* closing) {
+    std::vector<StatementPtr> statements;
+    while (true) {
+        while (takeOperator(";")) {
+        }
+        if (isWord("END") && (!closing || isWord(closing, 1))) {
+            take();
+            if (closing) take();
+            return statements;
+        }
+        if (peek().kind == TokenKind::End) syntaxError();
+        statements.push_back(parseStatement());
+    }
+}
+
+StatementPtr Parser::parseBegin() {
+    const bool transaction = isWord("TRANSACTION", 1) || isWord("TRAN", 1);
+    const bool tryBlock = isWord("TRY", 1);
+    StatementPtr s = newStatement(transaction ? StatementKind::BeginTransaction
+                                  : tryBlock  ? StatementKind::TryCatch
+                                              : StatementKind::Block);
+    take();
+    if (transaction) {
+        take();
+        if (isPlainName() && !atStatementStart()) take();
+        return s;
+    }
+    if (!tryBlock) {
+        s->body = parseUntilEnd(nullptr);
+        if (s->body.empty()) syntaxError();
+        return s;
+    }
+    take();
+    s->body = parseUntilEnd("TRY");
+    while (takeOperator(";")) {
+    }
+    expectWord("BEGIN");
+    expectWord("CATCH");
+    s->otherwise = parseUntilEnd("CATCH");
+    return s;
+}
+
+StatementPtr Parser::parseExecute() {
+    StatementPtr s = newStatement(StatementKind::Execute);
+    take();
+    if (isOperator("(")) {
+        s->kind = StatementKind::ExecuteText;
+        take();
+        s->value = parseExpression();
+        expectOperator(")");
+        return s;
+    }
+    if (peek().kind == TokenKind::Variable && isOperator("=", 1)) {
+        s->variable = take().text;
+        take();
+    }
+    return parseExecuteCall(std::move(s));
+}
+
+StatementPtr Parser::parseExecuteCall(StatementPtr s) {
+    s->target = parseName();
+    const auto argumentAhead = [&] {
+        return peek().isLiteral() || peek().kind == TokenKind::Variable || isOperator("-") ||
+               isOperator("+") || isWord("NULL") || isWord("DEFAULT") ||
+               (isPlainName() && !atStatementStart());
+    };
+    if (!argumentAhead()) return s;
+    do {
+        Argument a;
+        if (peek().kind == TokenKind::Variable && isOperator("=", 1)) {
+            a.name = take().text;
+            take();
+        }
+        if (!argumentAhead()) syntaxError();
+        if (isPlainName()) {  // a bare word is a text
+            auto text = std::make_unique<Expr>(ExprKind::Literal, static_cast<int>(peek().line));
+            LiteralSlot slot;
+            slot.value = Value(unquoted(take()));
+            slot.type = SqlType::text(SqlKind::VarChar, 8000);
+            text->literal = static_cast<int>(batch_.literals.size());
+            text->type = slot.type;
+            slot.fixed = true;
+            batch_.literals.push_back(std::move(slot));
+            a.value = std::move(text);
+        } else {
+            a.value = parseUnary();
+        }
+        if (takeWord("OUTPUT") || takeWord("OUT")) a.output = true;
+        s->arguments.push_back(std::move(a));
+    } while (takeOperator(","));
+    return s;
+}
+
+StatementPtr Parser::parseRaiseError() {
+    StatementPtr s = newStatement(StatementKind::RaiseError);
+    take();
+    const bool parenthesised = takeOperator("(");
+    do {
+        Argument a;
+        a.value = parseAdditive();
+        s->arguments.push_back(std::move(a));
+    } while (takeOperator(","));
+    if (parenthesised) expectOperator(")");
+    if (isWord("WITH")) {
+        take();
+        do take();
+        while (takeOperator(","));
+    }
+    return s;
+}
+
+}  // namespace owb::tsql

@@ -1,0 +1,76 @@
+// A statement made ready: SQLite's SQL, where its parameters come from, what it gives.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "base/result_set.h"
+#include "tsql/binder.h"
+#include "tsql/lowerer.h"
+#include "tsql/token.h"
+
+namespace owb::tsql {
+
+struct Plan {
+    std::string sql;
+    std::vector<PlanParameter> parameters;
+    std::vector<Column> columns;  // what comes back
+    std::vector<int> variables;   // assigned by the columns, when not empty
+
+    // --- statements that write ---
+    StatementKind writes = StatementKind::Query;  // Insert, Update or Delete
+    CatalogTablePtr target;
+    Name into;                          // SELECT ... INTO
+    std::vector<std::string> triggers;  // fired afterwards
+    // With triggers: the rows first ("rid", "c0"..), then the change from the table of rows.
+    std::string collectSql;
+    std::string applySql;  // "%" stands for the table of rows
+    bool givesIdentity = false;
+    bool explicitIdentity = false;
+
+    std::vector<Dependency> dependencies;
+    uint64_t checkedVersion = 0;
+    std::vector<SqliteStatement> idle;  // prepared, not running
+};
+
+// A batch or module body, parsed, with the plans of its statements.
+struct CompiledBatch {
+    std::string text;
+    std::vector<Token> tokens;
+    Batch ast;
+    std::vector<VariableInfo> variables;
+    std::unordered_map<const void*, std::unique_ptr<Plan>> plans;
+    const ModuleDefinition* definition = nullptr;
+    bool cacheable = true;
+    bool checked = false;  // its statements were bound once ahead of running
+    int running = 0;
+
+    int findVariable(const std::string& name) const;  // -1 when not declared
+};
+
+// Parses a batch and collects its variables. Throws DbError.
+std::shared_ptr<CompiledBatch> compileBatch(std::string text);
+
+// Makes plans. One planner serves one statement.
+class Planner {
+  public:
+    explicit Planner(BindContext& context) : context_(context) {}
+
+    std::unique_ptr<Plan> query(const Query& query);
+    std::unique_ptr<Plan> value(const Expr& e, const SqlType* target);
+    std::unique_ptr<Plan> condition(const Expr& e);
+    std::unique_ptr<Plan> insert(const Statement& s, bool explicitIdentityAllowed);
+    std::unique_ptr<Plan> update(const Statement& s);
+    std::unique_ptr<Plan> remove(const Statement& s);
+
+  private:
+    BoundPtr columnDefault(Binder& binder, const CatalogColumn& column);
+    bool readsTables(const BoundExpr& e) const;
+    void assigningQuery(BoundQuery& q, Plan& plan);
+
+    BindContext& context_;
+};
+
+}  // namespace owb::tsql

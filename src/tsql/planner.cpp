@@ -1,0 +1,413 @@
+#include <algorithm>
+
+#include "base/utf8.h"
+#include "tsql/parser.h"
+#include "tsql/plan.h"
+#include "tsql/types.h"
+
+namespace owb::tsql {
+
+namespace {
+
+void collectVariables(const std::vector<StatementPtr>& statements, CompiledBatch& code) {
+    for (const StatementPtr& s : statements) {
+        for (const VariableDeclaration& v : s->variables) {
+            if (v.isTable) continue;
+            if (code.findVariable(v.name) >= 0) throw makeDbError(134, {v.name}, s->line);
+            code.variables.push_back({v.name, v.type});
+        }
+        collectVariables(s->body, code);
+        collectVariables(s->otherwise, code);
+    }
+}
+
+bool containsLive(const BoundExpr& e) {
+    if (e.kind == BoundKind::LiveVariable) return true;
+    return std::any_of(e.args.begin(), e.args.end(),
+                       [](const BoundPtr& a) { return containsLive(*a); });
+}
+
+// Cuts the largest parts without live variables out of an expression: they become columns of the
+// inner query, and what is left is computed row by row over it.
+void extractSteady(BoundPtr& e, std::vector<BoundPtr>& inner) {
+    if (e->isConstant()) return;
+    if (!containsLive(*e)) {
+        auto ref = std::make_unique<BoundExpr>();
+        ref->pattern = "s.c" + std::to_string(inner.size());
+        ref->type = e->type;
+        ref->nullable = e->nullable;
+        inner.push_back(std::move(e));
+        e = std::move(ref);
+        return;
+    }
+    for (BoundPtr& a : e->args) extractSteady(a, inner);
+}
+
+}  // namespace
+
+int CompiledBatch::findVariable(const std::string& name) const {
+    const std::string folded = foldName(name);
+    for (size_t i = 0; i < variables.size(); ++i)
+        if (foldName(variables[i].name) == folded) return static_cast<int>(i);
+    return -1;
+}
+
+std::shared_ptr<CompiledBatch> compileBatch(std::string text) {
+    auto code = std::make_shared<CompiledBatch>();
+    code->text = std::move(text);
+    code->tokens = tokenize(code->text);
+    Parser parser(code->text, code->tokens);
+    code->ast = parser.parseBatch();
+    if (!code->ast.statements.empty() &&
+        code->ast.statements[0]->kind == StatementKind::CreateModule) {
+        code->definition = code->ast.statements[0]->module.get();
+        code->cacheable = false;
+        for (const Parameter& p : code->definition->parameters)
+            code->variables.push_back({p.name, p.type});
+        collectVariables(code->definition->body, *code);
+    } else {
+        collectVariables(code->ast.statements, *code);
+    }
+    return code;
+}
+
+// Whether computing the expression may read a table: by a subquery, or inside a function.
+bool Planner::readsTables(const BoundExpr& e) const {
+    if (e.query || e.userFunction) return true;
+    return std::any_of(e.args.begin(), e.args.end(),
+                       [&](const BoundPtr& a) { return readsTables(*a); });
+}
+
+std::unique_ptr<Plan> Planner::value(const Expr& e, const SqlType* target) {
+    auto plan = std::make_unique<Plan>();
+    Binder binder(context_);
+    BoundPtr v = binder.bindValue(e);
+    if (target) v = binder.convert(std::move(v), *target);
+    plan->columns.push_back({"", v->type, true});
+    plan->sql = "SELECT " + Lowerer(plan->parameters).expression(*v);
+    plan->dependencies = binder.dependencies();
+    return plan;
+}
+
+std::unique_ptr<Plan> Planner::condition(const Expr& e) {
+    auto plan = std::make_unique<Plan>();
+    Binder binder(context_);
+    BoundPtr v = binder.bindCondition(e);
+    plan->columns.push_back({"", SqlType::of(SqlKind::Int), true});
+    plan->sql = "SELECT " + Lowerer(plan->parameters).expression(*v);
+    plan->dependencies = binder.dependencies();
+    return plan;
+}
+
+std::unique_ptr<Plan> Planner::query(const Query& query) {
+    auto plan = std::make_unique<Plan>();
+    Binder binder(context_);
+    auto q = binder.bindQuery(query);
+    plan->dependencies = binder.dependencies();
+    for (const BoundColumn& c : q->columns) {
+        SqlType t = c.type.kind == SqlKind::Null ? SqlType::of(SqlKind::Int) : c.type;
+        plan->columns.push_back({c.name, t, c.nullable});
+    }
+    bool live = false;
+    for (const BoundItem& item : q->items) {
+        if (item.variable >= 0) plan->variables.push_back(item.variable);
+        live |= containsLive(*item.expr);
+    }
+    const QueryBody* first = query.body.get();
+    while (first->left) first = first->left.get();
+    if (!first->into.empty()) {
+        plan->into = first->into;
+        for (size_t i = 0; i < q->columns.size(); ++i)
+            if (q->columns[i].name.empty())
+                throw DbError(1038, 15, 5, first->line,
+                              "An object or column name is missing or empty. For SELECT INTO "
+                              "statements, verify each column has a name.");
+        // The new columns take their width from the literals: the plan serves only these.
+        if (context_.literals)
+            for (LiteralSlot& slot : *context_.literals)
+                if (slot.type.isText()) slot.fixed = true;
+        plan->sql = Lowerer(plan->parameters).query(*q, false);
+        return plan;
+    }
+    if (live) assigningQuery(*q, *plan);
+    else plan->sql = Lowerer(plan->parameters).query(*q, false);
+    return plan;
+}
+
+// SELECT @x = @x + column ...: every row must see what the row before assigned, in the order of
+// ORDER BY. The steady parts are computed and ordered first, then walked row by row.
+void Planner::assigningQuery(BoundQuery& q, Plan& plan) {
+    std::vector<BoundPtr> inner;
+    std::vector<BoundItem> outer;
+    for (BoundItem& item : q.items) {
+        extractSteady(item.expr, inner);
+        outer.push_back(std::move(item));
+    }
+    q.items.clear();
+    q.columns.clear();
+    if (inner.empty()) {
+        auto one = std::make_unique<BoundExpr>();
+        one->pattern = "1";
+        one->type = SqlType::of(SqlKind::Int);
+        inner.push_back(std::move(one));
+    }
+    for (size_t i = 0; i < inner.size(); ++i) {
+        q.columns.push_back({"", inner[i]->type, true, "c" + std::to_string(i)});
+        q.items.push_back({std::move(inner[i]), "", -1});
+    }
+    Lowerer lowerer(plan.parameters);
+    plan.sql = "WITH s AS MATERIALIZED (" + lowerer.query(q, true) + ") SELECT ";
+    for (size_t i = 0; i < outer.size(); ++i)
+        plan.sql += (i ? ", " : "") + lowerer.expression(*outer[i].expr);
+    plan.sql += " FROM s";
+}
+
+// --- writing ---
+
+BoundPtr Planner::columnDefault(Binder& binder, const CatalogColumn& column) {
+    if (column.defaultSource.empty()) return binder.null(column.type);
+    const std::vector<Token> tokens = tokenize(column.defaultSource);
+    Parser parser(column.defaultSource, tokens);
+    Batch batch;
+    ExprPtr e = parser.parseSingleExpression(batch);
+    // The literals of the default are constants here.
+    BindContext context = context_;
+    context.literals = &batch.literals;
+    context.variables = nullptr;
+    Binder inner(context);
+    BoundPtr value = inner.bindValue(*e);
+    std::function<void(BoundExpr&)> freeze = [&](BoundExpr& x) {
+        if (x.kind == BoundKind::Literal && x.index >= 0) {
+            x.constant = batch.literals[x.index].value;
+            x.index = -1;
+        }
+        for (BoundPtr& a : x.args) freeze(*a);
+    };
+    freeze(*value);
+    return value;
+}
+
+std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityAllowed) {
+    auto plan = std::make_unique<Plan>();
+    Binder binder(context_);
+    if (s.query) binder.pushWith(s.query->with);
+    CatalogTablePtr table = binder.findWritableTable(s.target, s.line);
+    if (table->system) throw makeDbError(4406, {s.target.last()}, s.line);
+    plan->target = table;
+    plan->writes = StatementKind::Insert;
+    const int identity = table->identityColumn();
+
+    std::vector<int> columns;
+    for (const std::string& name : s.columns) {
+        const int at = table->findColumn(name);
+        if (at < 0) throw makeDbError(207, {name}, s.line);
+        if (std::find(columns.begin(), columns.end(), at) != columns.end())
+            throw DbError(264, 16, 1, s.line,
+                          "The column name '" + name +
+                              "' is specified more than once in the SET clause or column list of "
+                              "an INSERT.");
+        columns.push_back(at);
+    }
+    if (s.columns.empty() && !s.defaultValues)
+        for (size_t i = 0; i < table->columns.size(); ++i)
+            if (static_cast<int>(i) != identity || explicitIdentityAllowed)
+                columns.push_back(static_cast<int>(i));
+    plan->explicitIdentity =
+        std::find(columns.begin(), columns.end(), identity) != columns.end() && identity >= 0;
+    if (plan->explicitIdentity && !explicitIdentityAllowed)
+        throw makeDbError(544, {table->name}, s.line);
+    plan->givesIdentity = identity >= 0 && !plan->explicitIdentity;
+
+    std::vector<int> omitted;
+    for (size_t i = 0; i < table->columns.size(); ++i)
+        if (std::find(columns.begin(), columns.end(), static_cast<int>(i)) == columns.end())
+            omitted.push_back(static_cast<int>(i));
+
+    Lowerer lowerer(plan->parameters);
+    std::string names, omittedValues;
+    std::vector<int> given;
+    for (int c : columns) names += (names.empty() ? "" : ",") + sqliteName(table->columns[c].name);
+    const auto omittedText = [&] {
+        std::string text;
+        for (int c : omitted) {
+            const CatalogColumn& column = table->columns[c];
+            if (c == identity && plan->givesIdentity) {
+                text += ",t_identity()";
+            } else if (!column.defaultSource.empty()) {
+                text += "," + lowerer.expression(
+                                  *binder.assign(columnDefault(binder, column), *table, column));
+            } else {
+                text += ",NULL";
+            }
+        }
+        return text;
+    };
+    std::string allNames = names;
+    for (int c : omitted)
+        allNames += (allNames.empty() ? "" : ",") + sqliteName(table->columns[c].name);
+
+    plan->sql = "INSERT INTO " + table->sqlName + "(" + allNames + ") ";
+    if (s.defaultValues) {
+        plan->sql += "VALUES(" + omittedText().substr(1) + ")";
+    } else if (s.query->body->kind == QueryBody::Values && s.query->orderBy.empty()) {
+        plan->sql += "VALUES";
+        bool firstRow = true;
+        for (const auto& row : s.query->body->rows) {
+            if (row.size() != columns.size()) {
+                if (s.columns.empty()) throw makeDbError(213, {}, s.line);
+                throw makeDbError(row.size() < columns.size() ? 109 : 110, {}, s.line);
+            }
+            plan->sql += firstRow ? "(" : ",(";
+            firstRow = false;
+            for (size_t i = 0; i < row.size(); ++i) {
+                const CatalogColumn& column = table->columns[columns[i]];
+                BoundPtr v = row[i]->kind == ExprKind::Default ? columnDefault(binder, column)
+                                                               : binder.bindValue(*row[i]);
+                plan->sql += (i ? "," : "") +
+                             lowerer.expression(*binder.assign(std::move(v), *table, column));
+            }
+            plan->sql += omittedText() + ")";
+        }
+    } else {
+        auto q = binder.bindQuery(*s.query);
+        if (q->columns.size() != columns.size()) {
+            if (s.columns.empty()) throw makeDbError(213, {}, s.line);
+            throw makeDbError(q->columns.size() < columns.size() ? 120 : 121, {}, s.line);
+        }
+        BoundSource source;
+        source.alias = "s";
+        source.columns = q->columns;
+        std::string select;
+        for (size_t i = 0; i < columns.size(); ++i) {
+            auto ref = std::make_unique<BoundExpr>();
+            ref->kind = BoundKind::Column;
+            ref->source = &source;
+            ref->column = static_cast<int>(i);
+            ref->type = q->columns[i].type;
+            select += (i ? "," : "") +
+                      lowerer.expression(*binder.assign(std::move(ref), *table,
+                                                        table->columns[columns[i]]));
+        }
+        select += omittedText();
+        plan->sql += "SELECT " + select + " FROM (" + lowerer.query(*q, true);
+        plan->sql += ") AS s WHERE true";
+    }
+    for (const std::string& name : table->triggers)
+        if (context_.catalog.findModule(name)->onInsert) plan->triggers.push_back(name);
+    plan->dependencies = binder.dependencies();
+    return plan;
+}
+
+std::unique_ptr<Plan> Planner::update(const Statement& s) {
+    auto plan = std::make_unique<Plan>();
+    plan->writes = StatementKind::Update;
+    Binder binder(context_);
+    Binder::Target target = binder.bindTarget(s);
+    const CatalogTable& table = *target.source->table;
+    plan->target = target.source->table;
+
+    std::vector<std::pair<std::string, BoundPtr>> sets;
+    bool snapshot = !target.implicit || s.top;
+    for (const Assignment& a : s.assignments) {
+        if (!a.variable.empty())
+            throw makeDbError(15281, {"UPDATE that sets a variable"}, a.line);
+        const int at = table.findColumn(a.column);
+        if (at < 0) throw makeDbError(207, {a.column}, a.line);
+        const CatalogColumn& column = table.columns[at];
+        if (column.identity) throw makeDbError(8102, {column.name}, a.line);
+        BoundPtr v;
+        if (a.value->kind == ExprKind::Default) {
+            v = columnDefault(binder, column);
+        } else {
+            v = binder.bindValue(*a.value);
+        }
+        if (!a.op.empty()) {
+            auto old = std::make_unique<BoundExpr>();
+            old->kind = BoundKind::Column;
+            old->source = target.source;
+            old->column = at;
+            old->type = column.type;
+            v = binder.arithmetic(a.op[0], std::move(old), std::move(v), a.line);
+        }
+        v = binder.assign(std::move(v), table, column);
+        // What reads the table while it is changed must see it as it was.
+        snapshot |= readsTables(*v);
+        sets.emplace_back(sqliteName(column.name), std::move(v));
+    }
+    // SQLite finds the rows before it changes any when the condition has a subquery, but not
+    // when it calls a function.
+    if (target.scope->where) snapshot |= target.scope->where->userFunction;
+    for (const std::string& name : table.triggers)
+        if (context_.catalog.findModule(name)->onUpdate) plan->triggers.push_back(name);
+
+    Lowerer lowerer(plan->parameters);
+    if (!snapshot && plan->triggers.empty()) {
+        plan->sql = "UPDATE " + table.sqlName + " AS " + target.source->alias + " SET ";
+        for (size_t i = 0; i < sets.size(); ++i)
+            plan->sql += (i ? ", " : "") + sets[i].first + " = " +
+                         lowerer.expression(*sets[i].second);
+        if (target.scope->where)
+            plan->sql += " WHERE " + lowerer.expression(*target.scope->where);
+    } else {
+        std::string inner = "SELECT " + target.source->alias + ".rowid AS rid";
+        std::string apply;
+        for (size_t i = 0; i < sets.size(); ++i) {
+            inner += ", " + lowerer.expression(*sets[i].second) + " AS c" + std::to_string(i);
+            apply += (i ? ", " : "") + sets[i].first + " = s.c" + std::to_string(i);
+        }
+        inner += " FROM " + lowerer.fromClause(*target.scope);
+        std::string where;
+        if (target.scope->where) where = lowerer.expression(*target.scope->where);
+        // A row that an outer join made up is no row of the target.
+        if (!target.implicit)
+            where = (where.empty() ? "" : where + " AND ") + target.source->alias +
+                    ".rowid IS NOT NULL";
+        if (!where.empty()) inner += " WHERE " + where;
+        if (s.top)
+            inner += " LIMIT " + lowerer.expression(*binder.convert(
+                                     binder.bindValue(*s.top), SqlType::of(SqlKind::BigInt)));
+        plan->collectSql = inner;
+        const std::string head = "UPDATE " + table.sqlName + " AS u SET " + apply + " FROM ";
+        plan->sql = head + "(" + inner + ") AS s WHERE u.rowid = s.rid";
+        plan->applySql = head + "% AS s WHERE u.rowid = s.rid";
+    }
+    plan->dependencies = binder.dependencies();
+    binder.closeTarget();
+    return plan;
+}
+
+std::unique_ptr<Plan> Planner::remove(const Statement& s) {
+    auto plan = std::make_unique<Plan>();
+    plan->writes = StatementKind::Delete;
+    Binder binder(context_);
+    Binder::Target target = binder.bindTarget(s);
+    const CatalogTable& table = *target.source->table;
+    plan->target = target.source->table;
+    for (const std::string& name : table.triggers)
+        if (context_.catalog.findModule(name)->onDelete) plan->triggers.push_back(name);
+
+    Lowerer lowerer(plan->parameters);
+    const bool plain = target.implicit && !s.top && plan->triggers.empty() &&
+                       !(target.scope->where && target.scope->where->userFunction);
+    if (plain) {
+        plan->sql = "DELETE FROM " + table.sqlName + " AS " + target.source->alias;
+        if (target.scope->where)
+            plan->sql += " WHERE " + lowerer.expression(*target.scope->where);
+    } else {
+        std::string inner = "SELECT " + target.source->alias + ".rowid AS rid FROM " +
+                            lowerer.fromClause(*target.scope);
+        if (target.scope->where)
+            inner += " WHERE " + lowerer.expression(*target.scope->where);
+        if (s.top)
+            inner += " LIMIT " + lowerer.expression(*binder.convert(
+                                     binder.bindValue(*s.top), SqlType::of(SqlKind::BigInt)));
+        plan->collectSql = inner;
+        plan->sql = "DELETE FROM " + table.sqlName + " WHERE rowid IN (" + inner + ")";
+        plan->applySql = "DELETE FROM " + table.sqlName + " WHERE rowid IN (SELECT rid FROM %)";
+    }
+    plan->dependencies = binder.dependencies();
+    binder.closeTarget();
+    return plan;
+}
+
+}  // namespace owb::tsql

@@ -1,0 +1,291 @@
+#include "tsql/sqlite.h"
+
+#include <sys/stat.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "base/utf8.h"
+
+namespace owb::tsql {
+
+namespace {
+
+constexpr int kApplicationId = 0x4F574231;  // "OWB1"
+constexpr int kFormat = 1;                  // counts up when the file's own tables change
+
+int collate(void*, int aLength, const void* a, int bLength, const void* b) {
+    return compareText({static_cast<const char*>(a), static_cast<size_t>(aLength)},
+                       {static_cast<const char*>(b), static_cast<size_t>(bLength)});
+}
+
+bool fileExists(const std::string& path) {
+    struct stat s;
+    return ::stat(path.c_str(), &s) == 0;
+}
+
+}  // namespace
+
+Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeconds)
+    : path_(path) {
+    const bool memory = path == ":memory:";
+    if (!memory && create && fileExists(path))
+        throw makeDbError(-3, {"The file " + path + " exists already."});
+    if (!memory && !create && !fileExists(path))
+        throw makeDbError(-3, {"There is no database file " + path + "."});
+    const int flags = readOnly ? SQLITE_OPEN_READONLY
+                               : SQLITE_OPEN_READWRITE | (create || memory ? SQLITE_OPEN_CREATE : 0);
+    const int rc = sqlite3_open_v2(path.c_str(), &db_, flags, nullptr);
+    if (rc != SQLITE_OK) {
+        const std::string reason = db_ ? sqlite3_errmsg(db_) : "out of memory";
+        sqlite3_close(db_);
+        db_ = nullptr;
+        throw makeDbError(-3, {"The database file " + path + " cannot be opened: " + reason + "."});
+    }
+    try {
+        sqlite3_extended_result_codes(db_, 1);
+        setBusySeconds(busySeconds);
+        sqlite3_create_collation_v2(db_, "TSQL", SQLITE_UTF8, nullptr, collate, nullptr);
+        sqlite3_progress_handler(db_, 20000, progress, this);
+        if (create || memory) {
+            run("PRAGMA application_id = " + std::to_string(kApplicationId) +
+                "; PRAGMA user_version = " + std::to_string(kFormat));
+        } else {
+            if (number("PRAGMA application_id") != kApplicationId)
+                throw makeDbError(-3, {"The file " + path +
+                                       " is no Orvane Wagebook database."});
+            const int64_t format = number("PRAGMA user_version").value_or(0);
+            if (format > kFormat)
+                throw makeDbError(-3, {"The database " + path +
+                                       " was made by a newer version of the program (format " +
+                                       std::to_string(format) + ", this program reads up to " +
+                                       std::to_string(kFormat) + ")."});
+        }
+        if (!readOnly) run("PRAGMA journal_mode = WAL");
+        // NORMAL with a write-ahead log: a killed process loses nothing that was committed, a
+        // power cut can lose the last commits but leaves the file sound.
+        run("PRAGMA synchronous = NORMAL; PRAGMA temp_store = MEMORY; PRAGMA cache_size = -65536;"
+            "PRAGMA case_sensitive_like = OFF; PRAGMA recursive_triggers = OFF");
+    } catch (const DbError& e) {
+        sqlite3_close(db_);
+        db_ = nullptr;
+        throw;
+    }
+}
+
+Sqlite::~Sqlite() { sqlite3_close_v2(db_); }
+
+SqliteStatement Sqlite::prepare(const std::string& sql) {
+    sqlite3_stmt* s = nullptr;
+    const int rc = sqlite3_prepare_v3(db_, sql.c_str(), static_cast<int>(sql.size()),
+                                      SQLITE_PREPARE_PERSISTENT, &s, nullptr);
+    if (rc != SQLITE_OK) fail(rc);
+    return SqliteStatement(s);
+}
+
+void Sqlite::run(const std::string& sql) {
+    const char* at = sql.c_str();
+    while (*at) {
+        sqlite3_stmt* s = nullptr;
+        const char* tail = nullptr;
+        const int rc = sqlite3_prepare_v2(db_, at, -1, &s, &tail);
+        if (rc != SQLITE_OK) fail(rc);
+        SqliteStatement statement(s);
+        at = tail;
+        if (!s) break;
+        while (step(s)) {
+        }
+    }
+}
+
+std::optional<int64_t> Sqlite::number(const std::string& sql) {
+    SqliteStatement s = prepare(sql);
+    if (!step(s.get()) || sqlite3_column_type(s.get(), 0) == SQLITE_NULL) return std::nullopt;
+    return sqlite3_column_int64(s.get(), 0);
+}
+
+bool Sqlite::step(sqlite3_stmt* statement) {
+    const int rc = sqlite3_step(statement);
+    if (rc == SQLITE_ROW) return true;
+    if (rc == SQLITE_DONE) return false;
+    fail(rc);
+}
+
+void Sqlite::fail(int rc) {
+    if (pending_) {
+        const DbError e = *pending_;
+        pending_.reset();
+        throw e;
+    }
+    const std::string text = sqlite3_errmsg(db_);
+    switch (rc & 0xFF) {
+        case SQLITE_INTERRUPT:
+            if (cancelled) {
+                cancelled = false;
+                throw makeDbError(-1);
+            }
+            throw makeDbError(-2, {std::to_string(seconds_)});
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED: throw makeDbError(1222);
+        case SQLITE_FULL: throw makeDbError(9002);
+        case SQLITE_READONLY:
+        case SQLITE_PERM: throw makeDbError(3906, {path_});
+        case SQLITE_NOTADB:
+            throw makeDbError(-3, {"The file " + path_ + " is no Orvane Wagebook database."});
+        case SQLITE_CORRUPT:
+            throw makeDbError(-3, {"The database file " + path_ + " is damaged: " + text + "."});
+        case SQLITE_NOMEM: throw makeDbError(8623);
+        case SQLITE_CONSTRAINT: {
+            // Told in full by whoever knows the table; see ConstraintFailure in the executor.
+            DbError e(-2627, 14, 1, 0, text);
+            throw e;
+        }
+        case SQLITE_TOOBIG: throw makeDbError(8152);
+        default:
+            if (text == "integer overflow") throw makeDbError(8115, {"expression", "bigint"});
+            throw makeDbError(-3, {"The database engine failed: " + text});
+    }
+}
+
+void Sqlite::setBusySeconds(int seconds) {
+    sqlite3_busy_timeout(db_, seconds <= 0 || seconds > 2000000 ? 2000000000 : seconds * 1000);
+}
+
+void Sqlite::startClock(int seconds) {
+    seconds_ = seconds;
+    if (seconds > 0)
+        deadline_ = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+    else
+        deadline_.reset();
+}
+
+void Sqlite::stopClock() { deadline_.reset(); }
+
+bool Sqlite::timeIsUp() const {
+    return deadline_ && std::chrono::steady_clock::now() >= *deadline_;
+}
+
+void Sqlite::checkClock() const {
+    if (cancelled) {
+        const_cast<Sqlite*>(this)->cancelled = false;
+        throw makeDbError(-1);
+    }
+    if (timeIsUp()) throw makeDbError(-2, {std::to_string(seconds_)});
+}
+
+int Sqlite::progress(void* self) {
+    const auto* s = static_cast<const Sqlite*>(self);
+    return s->cancelled || s->timeIsUp() ? 1 : 0;
+}
+
+// --- values ---
+
+namespace {
+
+// A wide number as 16 bytes, the sign bit flipped, most significant byte first.
+void packWide(int128 value, unsigned char* out) {
+    auto bits = static_cast<unsigned __int128>(value) ^ (static_cast<unsigned __int128>(1) << 127);
+    for (int i = 15; i >= 0; --i) {
+        out[i] = static_cast<unsigned char>(bits & 0xFF);
+        bits >>= 8;
+    }
+}
+
+int128 unpackWide(const unsigned char* in) {
+    unsigned __int128 bits = 0;
+    for (int i = 0; i < 16; ++i) bits = (bits << 8) | in[i];
+    return static_cast<int128>(bits ^ (static_cast<unsigned __int128>(1) << 127));
+}
+
+bool fits64(int128 v) { return v >= INT64_MIN && v <= INT64_MAX; }
+
+Value fromNumberOfDays(double days) { return Value(DateTime::fromDays(days)); }
+
+}  // namespace
+
+int128 wideNumber(sqlite3_value* value) {
+    if (sqlite3_value_type(value) == SQLITE_BLOB && sqlite3_value_bytes(value) == 16)
+        return unpackWide(static_cast<const unsigned char*>(sqlite3_value_blob(value)));
+    return sqlite3_value_int64(value);
+}
+
+void resultWide(sqlite3_context* context, int128 value) {
+    if (fits64(value)) {
+        sqlite3_result_int64(context, static_cast<int64_t>(value));
+    } else {
+        unsigned char bytes[16];
+        packWide(value, bytes);
+        sqlite3_result_blob(context, bytes, 16, SQLITE_TRANSIENT);
+    }
+}
+
+void bindValue(sqlite3_stmt* statement, int index, const Value& v) {
+    if (v.isNull()) {
+        sqlite3_bind_null(statement, index);
+    } else if (v.isInt()) {
+        sqlite3_bind_int64(statement, index, v.asInt());
+    } else if (v.isDouble()) {
+        sqlite3_bind_double(statement, index, v.asDouble());
+    } else if (v.isDecimal()) {
+        const int128 n = v.asDecimal().unscaled();
+        if (fits64(n)) {
+            sqlite3_bind_int64(statement, index, static_cast<int64_t>(n));
+        } else {
+            unsigned char bytes[16];
+            packWide(n, bytes);
+            sqlite3_bind_blob(statement, index, bytes, 16, SQLITE_TRANSIENT);
+        }
+    } else if (v.isText()) {
+        const std::string& s = v.asText();
+        sqlite3_bind_text64(statement, index, s.data(), s.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    } else if (v.asDate().hasTime()) {
+        sqlite3_bind_double(statement, index, v.asDate().toDays());
+    } else {
+        sqlite3_bind_int64(statement, index, v.asDate().day);
+    }
+}
+
+Value argumentValue(sqlite3_value* value, const SqlType& type) {
+    const int held = sqlite3_value_type(value);
+    if (held == SQLITE_NULL) return {};
+    if (type.isText() || held == SQLITE_TEXT) {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+        return Value(std::string(text ? text : "", sqlite3_value_bytes(value)));
+    }
+    if (type.kind == SqlKind::Numeric) return Value(Decimal(wideNumber(value), type.scale));
+    if (type.kind == SqlKind::Float) return Value(sqlite3_value_double(value));
+    if (type.isDate()) {
+        if (held == SQLITE_INTEGER)
+            return Value(DateTime{static_cast<int32_t>(sqlite3_value_int64(value)), 0});
+        return fromNumberOfDays(sqlite3_value_double(value));
+    }
+    if (held == SQLITE_FLOAT) return Value(sqlite3_value_double(value));
+    return Value(static_cast<int64_t>(sqlite3_value_int64(value)));
+}
+
+Value columnValue(sqlite3_stmt* statement, int index, const SqlType& type) {
+    const int held = sqlite3_column_type(statement, index);
+    if (held == SQLITE_NULL) return {};
+    if (held == SQLITE_INTEGER) {
+        const int64_t n = sqlite3_column_int64(statement, index);
+        if (type.kind == SqlKind::Numeric) return Value(Decimal(n, type.scale));
+        if (type.kind == SqlKind::Float) return Value(static_cast<double>(n));
+        if (type.isDate()) return Value(DateTime{static_cast<int32_t>(n), 0});
+        if (!type.isText()) return Value(n);
+    }
+    return argumentValue(sqlite3_column_value(statement, index), type);
+}
+
+void resultValue(sqlite3_context* context, const Value& v) {
+    if (v.isNull()) sqlite3_result_null(context);
+    else if (v.isInt()) sqlite3_result_int64(context, v.asInt());
+    else if (v.isDouble()) sqlite3_result_double(context, v.asDouble());
+    else if (v.isDecimal()) resultWide(context, v.asDecimal().unscaled());
+    else if (v.isText())
+        sqlite3_result_text64(context, v.asText().data(), v.asText().size(), SQLITE_TRANSIENT,
+                              SQLITE_UTF8);
+    else if (v.asDate().hasTime()) sqlite3_result_double(context, v.asDate().toDays());
+    else sqlite3_result_int64(context, v.asDate().day);
+}
+
+}  // namespace owb::tsql

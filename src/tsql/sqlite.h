@@ -1,0 +1,73 @@
+// The one place that talks to the SQLite library: opening, statements, errors.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/db_error.h"
+#include "base/sql_type.h"
+#include "base/value.h"
+
+namespace owb::tsql {
+
+struct StatementDeleter {
+    void operator()(sqlite3_stmt* s) const { sqlite3_finalize(s); }
+};
+using SqliteStatement = std::unique_ptr<sqlite3_stmt, StatementDeleter>;
+
+class Sqlite {
+  public:
+    // Throws DbError.
+    Sqlite(const std::string& path, bool create, bool readOnly, int busySeconds);
+    ~Sqlite();
+
+    sqlite3* handle() const { return db_; }
+    const std::string& path() const { return path_; }
+
+    SqliteStatement prepare(const std::string& sql);
+    void run(const std::string& sql);  // all statements of the text, rows thrown away
+    std::optional<int64_t> number(const std::string& sql);  // first cell
+
+    // Steps; true on a row. A failure throws: the error that one of our functions raised, or
+    // the one that SQLite's result code means.
+    bool step(sqlite3_stmt* statement);
+
+    // A function's error, kept until the statement that called it has failed.
+    void raise(const DbError& error) { pending_ = error; }
+    [[noreturn]] void fail(int resultCode);
+
+    // --- time-out and cancelling ---
+    void setBusySeconds(int seconds);
+    void startClock(int seconds);  // 0: no limit
+    void stopClock();
+    void checkClock() const;  // throws when time is up or the user cancelled
+    std::atomic<bool> cancelled{false};
+    bool timeIsUp() const;
+
+  private:
+    static int progress(void* self);
+
+    sqlite3* db_ = nullptr;
+    std::string path_;
+    std::optional<DbError> pending_;
+    std::optional<std::chrono::steady_clock::time_point> deadline_;
+    int seconds_ = 0;
+};
+
+// --- values between the two worlds (see types.h for how each type lies in SQLite) ---
+void bindValue(sqlite3_stmt* statement, int index, const Value& value);
+Value columnValue(sqlite3_stmt* statement, int index, const SqlType& type);
+Value argumentValue(sqlite3_value* value, const SqlType& type);
+void resultValue(sqlite3_context* context, const Value& value);
+// A scaled number out of INTEGER or wide BLOB, and back.
+int128 wideNumber(sqlite3_value* value);
+void resultWide(sqlite3_context* context, int128 value);
+
+}  // namespace owb::tsql

@@ -1,0 +1,43 @@
+// The type rules of T-SQL: precedence, results of operators, and how values convert.
+//
+// How a value of each type lies in SQLite: whole numbers and bit as INTEGER; numeric(p,s) as the
+// INTEGER value * 10^s, or as a 16-byte BLOB where that needs more than 64 bits; float as REAL;
+// text as TEXT; date and datetime as the day number since 1900-01-01, INTEGER without a time of
+// day and REAL with one.
+#pragma once
+
+#include <string>
+
+#include "base/sql_type.h"
+#include "base/value.h"
+
+namespace owb::tsql {
+
+// Largest precision whose scaled value always fits 64 bits.
+constexpr int kNarrowPrecision = 18;
+
+// One whole number that carries a type through SQL text and back.
+int64_t packType(const SqlType& type);
+SqlType unpackType(int64_t packed);
+
+// Decimal digits that a whole-number type can need: int 10.
+int digitsOf(const SqlType& type);
+// The numeric type that a whole-number type counts as beside a numeric.
+SqlType asNumeric(const SqlType& type);
+
+// The type that two operands of a comparison, of CASE or of UNION meet at.
+// Throws DbError 206 when there is none.
+SqlType commonType(const SqlType& a, const SqlType& b);
+
+// The result type of + - * / % on numbers and dates. Throws DbError 402 / 8117.
+SqlType arithmeticType(char op, const SqlType& a, const SqlType& b);
+
+// Converts a value, the way an implicit conversion (style -1), a CAST or a CONVERT with a style
+// does. Text is cut to the length of the target. Throws DbError 241, 245, 8114, 8115, 220, 529.
+Value convertValue(const Value& value, const SqlType& from, const SqlType& to, int style = -1);
+
+// datetime text by a CONVERT style (0, 1 to 14, 20, 21, 100 to 114, 120, 121, 126, 130).
+// Throws DbError 281-like for unknown styles.
+std::string dateByStyle(const DateTime& value, const SqlType& type, int style);
+
+}  // namespace owb::tsql
