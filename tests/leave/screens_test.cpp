@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+
+#include "leave/screens/frmConfiguring.h"
+#include "leave/screens/modLeaveProcess.h"
+#include "support/payroll.h"
+#include "support/screens.h"
+
+namespace owb {
+namespace {
+
+using test::Payroll;
+using test::TestFrontEnd;
+
+constexpr int32_t kJune = 2024 * 12 + 6;
+
+struct Marked : Payroll {
+    Marked() : Payroll(kJune, kJune) {
+        head({10, 2});
+        for (int id : {1, 2, 3}) {
+            employee(id, "2020-01-01", 10);
+            salary(id, 1, kJune, kJune);
+        }
+        reconcile();
+    }
+    std::string marked() {
+        return rows("SELECT EMPID FROM LEV_MONTHDET WHERE EDITMODEYN = 1 ORDER BY EMPID");
+    }
+    TestFrontEnd frontEnd{boxes};
+};
+
+TEST(ProcessLeave, WorksThroughAndWaitsForTheUser) {
+    Marked m;
+    m.session.gOpenedFromMenu = true;
+    modLeaveProcess screen(m.session, m.frontEnd);
+    std::vector<std::string> texts;
+    m.frontEnd.atRefresh = [&](Screen&) {
+        if (texts.empty() || texts.back() != screen.lblProgress.caption)
+            texts.push_back(screen.lblProgress.caption);
+        EXPECT_FALSE(screen.cmdClose.enabled);
+    };
+    bool asked = false;
+    m.frontEnd.atInput = [&](Screen&) {
+        asked = true;
+        EXPECT_EQ(screen.lblStatus.caption, "Process Completed");
+        EXPECT_FALSE(screen.cmdCancel.click());
+        EXPECT_TRUE(screen.cmdClose.click());
+    };
+    screen.showModal();
+    EXPECT_TRUE(asked);
+    EXPECT_EQ(screen.caption, " Process Leave");
+    EXPECT_EQ(m.marked(), "");
+    ASSERT_EQ(texts.size(), 1U + 31 + 3 + 3 + 1);
+    EXPECT_EQ(texts[0], "Initialising please wait....");
+    EXPECT_EQ(texts[31], "Initialising please wait....(DAY 31/31)  ");
+    EXPECT_EQ(texts[32], "Updating Leave and Over Time Details --1----- ");
+    EXPECT_EQ(texts[37], "Updating Pay Days and Present Days ---3-----");
+    EXPECT_EQ(texts[38], "Process Completed");
+}
+
+TEST(ProcessLeave, CancelsBetweenRowsAndLeavesTheRestMarked) {
+    Marked m;
+    m.session.gOpenedFromMenu = true;
+    modLeaveProcess screen(m.session, m.frontEnd);
+    m.frontEnd.atRefresh = [&](Screen&) {
+        if (screen.lblProgress.caption != "Updating Pay Days and Present Days ---2-----") return;
+        EXPECT_TRUE(screen.cmdCancel.click());
+    };
+    screen.showModal();
+    EXPECT_EQ(m.marked(), "3");
+
+    modLeaveProcess again(m.session, m.frontEnd);
+    m.frontEnd.atRefresh = nullptr;
+    again.showModal();
+    EXPECT_EQ(m.marked(), "") << "the next pass takes up the marks";
+}
+
+TEST(ProcessLeave, ClosesByItselfWhereNobodyWaits) {
+    struct Case {
+        const char* what;
+        bool fromMenu, autoClose;
+        size_t boxes;
+    };
+    for (const Case& c : {Case{"start-up", false, false, 0}, {"the full pass", true, true, 1}}) {
+        Marked m;
+        m.session.gOpenedFromMenu = c.fromMenu;
+        m.session.gFullPassAutoClose = c.autoClose;
+        m.frontEnd.atInput = [&](Screen&) { ADD_FAILURE() << c.what; };
+        modLeaveProcess(m.session, m.frontEnd).showModal();
+        ASSERT_EQ(m.boxes.shown.size(), c.boxes) << c.what;
+        for (const Box& box : m.boxes.shown) EXPECT_EQ(box.closesAfterSeconds, 1);
+    }
+}
+
+TEST(ProcessLeave, TellsAnErrorByNumberAndStaysUp) {
+    Marked m;
+    m.session.gOpenedFromMenu = true;
+    m.run("DROP TABLE ATT_OVERTIME");
+    bool asked = false;
+    m.frontEnd.atInput = [&](Screen&) { asked = true; };
+    modLeaveProcess(m.session, m.frontEnd).showModal();
+    EXPECT_TRUE(asked);
+    ASSERT_EQ(m.boxes.shown.size(), 1U);
+    EXPECT_EQ(m.boxes.shown[0].text, "208: Invalid object name 'ATT_OVERTIME'.");
+    EXPECT_EQ(m.boxes.shown[0].title, "");
+    EXPECT_EQ(m.marked(), "1 2 3");
+}
+
+TEST(Configuring, BringsTheLeaveTablesInStepWithTheMasters) {
+    Payroll p(kJune, kJune + 1);
+    TestFrontEnd frontEnd(p.boxes);
+    p.head({10, 2});
+    p.employee(1, "2020-01-01", 10);
+    p.version(1, 2, "2024-06-16", 10);
+    p.salary(1, 2, kJune, kJune);
+    p.run("DELETE FROM ATT_OPTSETTINGS WHERE ATTHEADID = 10");
+    p.run("UPDATE ATT_OPTSETTINGS SET HOLPRIORITY = 1 WHERE ATTHEADID = 0");
+    p.run("UPDATE MAS_MONTHYEAR SET CALCENDDATE = NULL");
+    p.run(
+        "INSERT INTO LEV_DETAILS (EMPID, EMPDETID, LEVID, LEAVEDATE, FIRSTHALFYN, SECONDHALFYN) "
+        "VALUES (1, 0, 1, '2024-06-03', 1, NULL), (1, NULL, 1, '2024-06-17', 1, 1), (9, 0, 1, "
+        "'2024-06-17', 1, 1), (1, 1, 0, '2024-06-04', 1, 1), (1, 1, 1, '2024-06-05', 0, 0)");
+    p.run(
+        "INSERT INTO LEV_OTDETAILS (EMPID, EMPDETID, OTDATE, OT1) VALUES (1, 0, '2024-06-20', 2), "
+        "(1, 2, '2024-06-21', 0), (9, NULL, '2024-06-20', 2)");
+    p.run("INSERT INTO LEV_ADJUSTMENT (EMPID, EMPDETID, LEVID, MONTHYEAR) VALUES (1, 1, 1, 24294)");
+    p.run(
+        "INSERT INTO LEV_SETTINGS (LEVID, ATTHEADID, MONTHYEAR, COTYPE, LOWERLIMITYN) VALUES (2, "
+        "10, "
+        "24294, 0, 1)");
+    std::vector<std::string> texts;
+    frontEnd.atRefresh = [&](Screen& screen) {
+        texts.push_back(screen.find("lblProgress")->text());
+    };
+    frontEnd.atInput = [&](Screen&) { ADD_FAILURE() << "it works by itself"; };
+    frmConfiguring(p.session, frontEnd).showModal();
+
+    EXPECT_EQ(p.boxes.shown.size(), 0U);
+    const std::vector<std::string> expected = {"Initializing Advanced Leave Management",
+                                               "Clearing Records ... ",
+                                               "Updating Null Values...",
+                                               "Updating Option settings...",
+                                               "Updating Month Dates...",
+                                               "Updating monthly records...",
+                                               "Filling default values ..."};
+    EXPECT_EQ(texts, expected);
+    EXPECT_EQ(p.rows("SELECT EMPDETID, DAY(LEAVEDATE), FIRSTHALFYN, SECONDHALFYN FROM LEV_DETAILS "
+                     "ORDER BY LEAVEDATE"),
+              "1,3,1,0 2,17,1,1")
+        << "versions repaired, what cannot be repaired or holds nothing gone";
+    EXPECT_EQ(p.rows("SELECT EMPID, EMPDETID, DAY(OTDATE) FROM LEV_OTDETAILS"), "1,2,20");
+    EXPECT_EQ(p.value("SELECT HOLPRIORITY FROM ATT_OPTSETTINGS WHERE ATTHEADID = 10"), "1");
+    EXPECT_EQ(p.value("SELECT CALCENDDATE FROM MAS_MONTHYEAR WHERE MONTHYEAR = 24294"),
+              "2024-06-30");
+    EXPECT_EQ(p.rows("SELECT EMPID, EMPDETID, MONTHYEAR, EDITMODEYN FROM LEV_MONTHDET"),
+              "1,2,24294,1");
+    EXPECT_EQ(p.rows("SELECT EMPID, EMPDETID, ATTHEADID, EDITMODEYN FROM ATT_DAYTODAY"),
+              "1,2,10,1");
+    EXPECT_EQ(p.value("SELECT ASONDATE FROM LEV_ADJUSTMENT"), "2024-06-15");
+    EXPECT_EQ(p.value("SELECT LOWERLIMITYN FROM LEV_SETTINGS WHERE LEVID = 2 AND ATTHEADID = 10"),
+              "0");
+    EXPECT_TRUE(p.session.gFeature.ADVLEAVEYN);
+}
+
+// A version whose head was changed in place keeps its hours under the new head.
+TEST(Configuring, GivesRegistersTheirVersionsHead) {
+    Marked m;
+    m.head({11, 2});
+    m.hours(1, 1, kJune, 5, "3");
+    m.run("UPDATE MAS_EMPLOYEEDET SET ATTHEADID = 11 WHERE EMPID = 1");
+    frmConfiguring(m.session, m.frontEnd).showModal();
+    EXPECT_EQ(m.rows("SELECT AD.ATTHEADID, AO.OTDAY05 FROM ATT_DAYTODAY AD, ATT_OVERTIME AO WHERE "
+                     "AD.ATTTRANNO = AO.ATTTRANNO AND EMPID = 1"),
+              "11,3.00");
+}
+
+}  // namespace
+}  // namespace owb
