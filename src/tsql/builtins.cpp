@@ -67,7 +67,8 @@ BoundPtr makeIsNull(Call& c) {
     SqlType type = a->type;
     if (type.isText() && a->kind == BoundKind::Literal) type.length = 8000;
     b = c.binder.convert(std::move(b), type);
-    BoundPtr r = c.op("ifnull($0,$1)", a->type, list(std::move(a), std::move(b)));
+    type = a->type;
+    BoundPtr r = c.op("ifnull($0,$1)", type, list(std::move(a), std::move(b)));
     r->nullable = nullable;
     return r;
 }
