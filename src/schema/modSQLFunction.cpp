@@ -75,6 +75,13 @@ class OwnTransaction {
     bool open_ = false;
 };
 
+std::string_view withoutSpace(std::string_view text) {
+    constexpr std::string_view space = " \t\r\n";
+    const size_t first = text.find_first_not_of(space);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(space) - first + 1);
+}
+
 void recreateView(Session& session, const std::string& file) {
     std::string text = objectText(file);
     constexpr std::string_view placeholder = "<prefix>";
@@ -173,12 +180,12 @@ std::vector<std::string> splitBatches(std::string_view script) {
         const size_t end = std::min(script.find('\n'), script.size());
         const std::string_view line = script.substr(0, end);
         script.remove_prefix(std::min(end + 1, script.size()));
-        if (equalsIgnoreCaseAscii(trim(line), "GO"))
+        if (equalsIgnoreCaseAscii(withoutSpace(line), "GO"))
             batches.emplace_back();
         else
             batches.back().append(line).append("\n");
     }
-    std::erase_if(batches, [](const std::string& batch) { return trim(batch).empty(); });
+    std::erase_if(batches, [](const std::string& batch) { return withoutSpace(batch).empty(); });
     return batches;
 }
 
