@@ -17,6 +17,7 @@ struct DbError : std::runtime_error {
     int state;
     int line;  // in the batch or routine, from 1; 0 when not known
     int column = 0;         // place of a syntax error in its line, from 1; 0 otherwise
+    bool endsBatch = false;  // whatever its number says: it was thrown
     std::string procedure;  // routine in which it happened; "" for the batch itself
 };
 

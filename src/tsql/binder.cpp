@@ -291,12 +291,7 @@ BoundPtr Binder::bindBinary(const Expr& e) {
     return left;
 }
 
-BoundPtr Binder::plus(BoundPtr a, BoundPtr b, int line) {
-    const bool text = (a->type.isText() || a->type.kind == SqlKind::Null) &&
-                      (b->type.isText() || b->type.kind == SqlKind::Null) &&
-                      (a->type.isText() || b->type.isText());
-    if (!text) return nullptr;
-    (void)line;
+BoundPtr Binder::plus(BoundPtr a, BoundPtr b) {
     SqlType type = commonType(a->type, b->type);
     const auto length = [](const BoundExpr& e) {
         return e.type.kind == SqlKind::Null ? 1 : e.type.length;
@@ -308,6 +303,14 @@ BoundPtr Binder::plus(BoundPtr a, BoundPtr b, int line) {
         type.length = std::min(limit, length(*a) + length(*b));
     type.kind = type.isUnicode() ? SqlKind::NVarChar : SqlKind::VarChar;
     return op("($0 || $1)", type, list(std::move(a), std::move(b)));
+}
+
+// A whole-number literal counts with its own digits, not with those of int.
+SqlType Binder::operandNumeric(const BoundExpr& e) const {
+    if (e.kind != BoundKind::Literal || e.type.kind != SqlKind::Int || !(e.type == e.sourceType))
+        return asNumeric(e.type);
+    const Value& v = e.index < 0 ? e.constant : (*context_.literals)[e.index].value;
+    return SqlType::numeric(v.isInt() ? Decimal::fromInt(v.asInt()).digits() : 10, 0);
 }
 
 BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
@@ -328,9 +331,9 @@ BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
         const bool text = (a->type.isText() || a->type.kind == SqlKind::Null) &&
                           (b->type.isText() || b->type.kind == SqlKind::Null) &&
                           (a->type.isText() || b->type.isText());
-        if (text) return plus(std::move(a), std::move(b), line);
+        if (text) return plus(std::move(a), std::move(b));
     }
-    const SqlType type = arithmeticType(o, a->type, b->type);
+    SqlType type = arithmeticType(o, a->type, b->type);
     if (type.isDate()) {
         // A text beside a date is a date; a number is a count of days.
         for (BoundPtr* x : {&a, &b})
@@ -361,7 +364,8 @@ BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
     for (BoundPtr* x : {&a, &b})
         if (!(*x)->type.isNumber())
             *x = convert(std::move(*x), asNumeric(x == &a ? b->type : a->type));
-    const SqlType ta = asNumeric(a->type), tb = asNumeric(b->type);
+    const SqlType ta = operandNumeric(*a), tb = operandNumeric(*b);
+    type = arithmeticType(o, ta, tb);
     const bool narrow = ta.precision <= kNarrowPrecision && tb.precision <= kNarrowPrecision;
     const auto scaled = [&](BoundPtr x, const SqlType& t) {
         x = convert(std::move(x), t);

@@ -127,7 +127,8 @@ class Binder {
     BoundPtr bindUserFunction(const Expr& e);
     BoundPtr bindIn(const Expr& e);
     BoundPtr scalarQuery(const Query& query, int line);
-    BoundPtr plus(BoundPtr a, BoundPtr b, int line);
+    BoundPtr plus(BoundPtr a, BoundPtr b);
+    SqlType operandNumeric(const BoundExpr& e) const;
 
     BindContext& context_;
     std::vector<Dependency> dependencies_;

@@ -520,6 +520,13 @@ BoundPtr Binder::bindFunction(const Expr& e) {
     const std::string name = upperCase(e.name.last());
     const bool qualified = e.name.parts.size() > 1;
     if (!qualified) {
+        if (name == "UPDATE" && e.args.size() == 1 && e.args[0]->kind == ExprKind::Column) {
+            BoundPtr p = op("t_system(" + sqliteText("UPDATED:" + foldName(e.args[0]->name.last())) +
+                                ")",
+                            kBit, {});
+            p->predicate = true;
+            return p;
+        }
         if (e.over) return bindWindow(e, name);
         if (isAggregateName(name)) return bindAggregate(e, name);
         // A branch that may never run must not fail beforehand.

@@ -59,7 +59,7 @@ SqlType typeOfDeclaration(std::string_view text) {
     bool max = false;
     if (open != std::string_view::npos) {
         const std::string inner(text.substr(open + 1));
-        max = inner.starts_with("MAX");
+        max = inner.starts_with("-1");
         if (!max) std::sscanf(inner.c_str(), "%d,%d", &first, &second);
     }
     static const std::pair<const char*, SqlKind> kinds[] = {

@@ -33,6 +33,7 @@ std::string ownHostName() {
 }  // namespace
 
 ErrorReach reachOf(const DbError& e) {
+    if (e.endsBatch) return ErrorReach::Batch;
     switch (e.number) {
         case 207:
         case 208:
@@ -256,6 +257,9 @@ BatchResult Executor::run(std::string_view batch) {
         runBatch(batch);
     } catch (const DbError& e) {
         noteError(e);
+        // A failed conversion undoes the open transaction with its batch.
+        if (transactions_ > 0 && e.number > 0 && reachOf(e) == ErrorReach::Batch && !e.endsBatch)
+            rollbackTransaction(0);
     }
     if (implicit_) {
         implicit_ = false;
@@ -556,13 +560,15 @@ void Executor::throwStatement(Frame& frame, const Statement& s) {
                           "block. Insert the THROW statement inside a CATCH block, or add error "
                           "parameters to the THROW statement.");
         DbError again = *caught_;
-        if (reachOf(again) == ErrorReach::Statement) again.severity = 20;
+        again.endsBatch = true;
         throw again;
     }
     const auto number = static_cast<int>(evaluate(frame, *s.arguments[0].value).toInt());
     const std::string text = evaluate(frame, *s.arguments[1].value).toText();
     const auto state = static_cast<int>(evaluate(frame, *s.arguments[2].value).toInt());
-    throw DbError(number, 16, state, s.line, text);
+    DbError error(number, 16, state, s.line, text);
+    error.endsBatch = true;
+    throw error;
 }
 
 // --- transactions ---
@@ -643,6 +649,9 @@ Value Executor::systemValue(const std::string& name) {
     if (name.ends_with("USER_NAME") || name.ends_with("SUSER_SNAME") || name == "SUSER_NAME" ||
         name == "SYSTEM_USER" || name == "CURRENT_USER")
         return Value(name == "USER_NAME" || name == "CURRENT_USER" ? "dbo" : "sa");
+    if (name.starts_with("UPDATED:"))
+        return Value(std::find(updatedColumns_.begin(), updatedColumns_.end(), name.substr(8)) !=
+                     updatedColumns_.end());
     if (name == "XACT_STATE") return Value(transactions_ > 0 ? 1 : 0);
     if (!caught_) return {};
     if (name == "ERROR_NUMBER") return Value(caught_->number);

@@ -75,6 +75,8 @@ class Executor final : public FunctionHost {
     void runInto(Frame& frame, Plan& plan);
     void runWrite(Frame& frame, const Statement& s);
     void runWithTriggers(Frame& frame, Plan& plan);
+    void replaceRows(Frame& frame, Plan& plan);
+    void collectRows(Frame& frame, Plan& plan, const std::string& rows);
     void insertExecuted(Frame& frame, const Statement& s);
     void fireTriggers(Frame& frame, Plan& plan,
                       const std::map<std::string, CatalogTablePtr>& pseudoTables);
@@ -155,6 +157,7 @@ class Executor final : public FunctionHost {
     std::string identityInsert_;  // table of SET IDENTITY_INSERT ON
     DateTime statementTime_;
     int workTable_ = 0;
+    std::vector<std::string> updatedColumns_;  // by the statement whose trigger runs
 };
 
 // Keeps the steps of one statement together: all of them or none.

@@ -132,14 +132,15 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
     Plan& p = plan(frame, &s, [&](Planner& planner) { return planner.query(*s.query); });
     if (!p.into.empty()) return runInto(frame, p);
     Lease lease(p, acquire(frame, p));
-    rowCount_ = 0;
     if (!p.variables.empty()) {
+        int64_t rows = 0;
         while (sqlite_->step(lease.get())) {
-            ++rowCount_;
+            ++rows;
             for (size_t i = 0; i < p.variables.size(); ++i)
                 frame.variables[p.variables[i]] =
                     columnValue(lease.get(), static_cast<int>(i), p.columns[i].type);
         }
+        rowCount_ = rows;
         return;
     }
     if (frame.inFunction)
@@ -213,6 +214,12 @@ void Executor::constraintFailure(const DbError& e, const CatalogTable& table,
             from = end + 2;
         }
         const CatalogKey* key = table.keyOn(columns);
+        if (rest.starts_with("index '")) {  // the one that keeps NULL single: T"name~null
+            const size_t from = rest.find_last_of('"') + 1;
+            const std::string name = rest.substr(from, rest.find_last_of('~') - from);
+            for (const CatalogKey& k : table.keys)
+                if (k.name == name) key = &k;
+        }
         if (key && key->kind != CatalogKey::Index)
             throw makeDbError(
                 2627, {key->kind == CatalogKey::Primary ? "PRIMARY KEY" : "UNIQUE KEY", key->name,
@@ -266,8 +273,55 @@ void Executor::runWrite(Frame& frame, const Statement& s) {
         rowCount_ = sqlite3_changes64(sqlite_->handle());
     } catch (const DbError& e) {
         if (e.number != -2627) throw;
+        // Keys may collide on the way to values that do not: judge the rows all together.
+        const bool unique = std::string_view(e.what()).starts_with("UNIQUE");
+        if (unique && p.writes == StatementKind::Update && !p.collectSql.empty())
+            return replaceRows(frame, p);
         constraintFailure(e, *target, p.writes);
     }
+}
+
+// An UPDATE of key columns as one step: the rows leave the table and come back changed.
+void Executor::replaceRows(Frame& frame, Plan& p) {
+    const CatalogTable& table = *p.target;
+    const std::string number = std::to_string(++workTable_);
+    const std::string rows = "temp.\"rows~" + number + "\"";
+    const std::string moved = "temp.\"moved~" + number + "\"";
+    Together together(*sqlite_);
+    collectRows(frame, p, rows);
+    const std::string touched = " WHERE rowid IN (SELECT rid FROM " + rows + ")";
+    sqlite_->run("CREATE TABLE " + moved + " AS SELECT rowid AS rid, * FROM " + table.sqlName +
+                 touched);
+    std::string names;
+    for (const CatalogColumn& c : table.columns) names += ", " + sqliteName(c.name);
+    std::string change = p.applySql;
+    change.replace(change.find(table.sqlName), table.sqlName.size(), moved);
+    change.replace(change.find('%'), 1, rows);
+    change.replace(change.rfind("u.rowid"), 7, "u.rid");
+    sqlite_->run(change);
+    const int64_t count = sqlite3_changes64(sqlite_->handle());
+    sqlite_->run("DELETE FROM " + table.sqlName + touched);
+    try {
+        sqlite_->run("INSERT INTO " + table.sqlName + "(rowid" + names + ") SELECT rid" + names +
+                     " FROM " + moved);
+    } catch (const DbError& e) {
+        if (e.number != -2627) throw;
+        constraintFailure(e, table, StatementKind::Update);
+    }
+    sqlite_->run("DROP TABLE " + rows + "; DROP TABLE " + moved);
+    together.done();
+    rowCount_ = count;
+}
+
+// Fills a table with the rows that the statement touches ("rid") and their new values ("c0"..).
+void Executor::collectRows(Frame& frame, Plan& p, const std::string& rows) {
+    SqliteStatement collect = sqlite_->prepare(p.collectSql);
+    std::string columns = "rid";
+    for (int i = 1; i < sqlite3_column_count(collect.get()); ++i)
+        columns += ",c" + std::to_string(i - 1);
+    collect.reset();
+    sqlite_->run("CREATE TABLE " + rows + "(" + columns + ")");
+    runPrepared(frame, p, "INSERT INTO " + rows + " " + p.collectSql);
 }
 
 // INSERT ... EXEC: what the call gives back goes into the table.
@@ -346,13 +400,7 @@ void Executor::runWithTriggers(Frame& frame, Plan& p) {
                      " WHERE rowid > " + std::to_string(before));
     } else {
         // The rows and their new values first, then the old rows, the change, the new rows.
-        SqliteStatement collect = sqlite_->prepare(p.collectSql);
-        std::string columns = "rid";
-        for (int i = 1; i < sqlite3_column_count(collect.get()); ++i)
-            columns += ",c" + std::to_string(i - 1);
-        collect.reset();
-        sqlite_->run("CREATE TABLE " + rows + "(" + columns + ")");
-        runPrepared(frame, p, "INSERT INTO " + rows + " " + p.collectSql);
+        collectRows(frame, p, rows);
         const std::string touched =
             " SELECT * FROM " + table.sqlName + " WHERE rowid IN (SELECT rid FROM " + rows + ")";
         sqlite_->run("INSERT INTO " + deletedName + touched);
@@ -371,7 +419,10 @@ void Executor::runWithTriggers(Frame& frame, Plan& p) {
         t->temporary = true;
         pseudo[t->name] = std::move(t);
     }
+    const std::vector<std::string> outer = std::move(updatedColumns_);
+    updatedColumns_ = p.assignedColumns;
     fireTriggers(frame, p, pseudo);
+    updatedColumns_ = outer;
     sqlite_->run("DROP TABLE " + deletedName + "; DROP TABLE " + insertedName);
     together.done();
     rowCount_ = count;

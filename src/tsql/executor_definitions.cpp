@@ -28,6 +28,12 @@ std::string generatedName(const char* kind, const std::string& table, size_t num
     return std::string(kind) + "__" + table.substr(0, 9) + "__" + suffix;
 }
 
+// SQLite's grammar wants a number where T-SQL says (MAX).
+std::string storedType(const SqlType& type) {
+    if (type.isText() && type.length == SqlType::kMax) return std::string(type.name()) + "(-1)";
+    return type.ddl();
+}
+
 std::string bareName(const std::string& sqlName) { return sqlName.substr(sqlName.find('.') + 1); }
 
 std::string schemaOf(const std::string& sqlName) { return sqlName.substr(0, sqlName.find('.') + 1); }
@@ -136,7 +142,7 @@ std::string Executor::tableDdl(const CatalogTable& table, const std::string& sql
     std::string ddl = "CREATE TABLE " + sqlName + "(";
     for (size_t i = 0; i < table.columns.size(); ++i) {
         const CatalogColumn& c = table.columns[i];
-        ddl += (i ? ", " : "") + sqliteName(c.name) + " " + c.type.ddl();
+        ddl += (i ? ", " : "") + sqliteName(c.name) + " " + storedType(c.type);
         if (c.type.isText()) ddl += " COLLATE TSQL";
         if (!c.nullable) ddl += " NOT NULL";
     }
@@ -162,6 +168,13 @@ void Executor::createKeyIndex(const CatalogTable& table, const CatalogKey& key, 
         if (e.number != -2627) throw;
         throw makeDbError(1505, {"dbo." + table.name, key.name});
     }
+    // One NULL counts as equal to another in a key, which SQLite does not think.
+    if (!unique || key.columns.size() != 1) return;
+    const CatalogColumn& column = table.columns[table.findColumn(key.columns[0])];
+    if (column.nullable)
+        sqlite_->run("CREATE UNIQUE INDEX " + index.substr(0, index.size() - 1) + "~null\" ON " +
+                     bareName(table.sqlName) + "((1)) WHERE " + sqliteName(column.name) +
+                     " IS NULL");
 }
 
 void Executor::storeConstraints(const CatalogTable& table) {
@@ -293,7 +306,7 @@ void Executor::addColumn(const CatalogTable& table, const ColumnDefinition& c, i
     if (notNull && c.defaultSource.empty() && !c.identity && !empty)
         throw makeDbError(4901, {c.name, table.name}, line);
     std::string ddl = "ALTER TABLE " + table.sqlName + " ADD COLUMN " + sqliteName(c.name) + " " +
-                      c.type.ddl();
+                      storedType(c.type);
     if (c.type.isText()) ddl += " COLLATE TSQL";
     // Existing rows take the default when the column may not be NULL, and NULL otherwise.
     std::string fill;
@@ -386,8 +399,10 @@ void Executor::dropConstraint(const CatalogTable& table, const std::string& name
     bool found = false, check = false;
     for (const CatalogKey& k : table.keys) {
         if (foldName(k.name) != folded || k.kind == CatalogKey::Index) continue;
-        sqlite_->run("DROP INDEX " + schemaOf(table.sqlName) +
-                     sqliteName(table.sqlName.substr(table.sqlName.find('"') + 1) + k.name));
+        const std::string index = table.sqlName.substr(table.sqlName.find('"') + 1) + k.name;
+        sqlite_->run("DROP INDEX " + schemaOf(table.sqlName) + sqliteName(index) +
+                     "; DROP INDEX IF EXISTS " + schemaOf(table.sqlName) +
+                     sqliteName(index + "~null"));
         found = true;
     }
     std::erase_if(after.keys, [&](const CatalogKey& k) { return foldName(k.name) == folded; });
@@ -598,6 +613,16 @@ void Executor::createModule(Frame& frame, const Statement& s) {
     sqlite_->step(insert.get());
     insert.reset();
     catalog_.modulesChanged(name);
+    if (m.kind == ModuleKind::Procedure || m.kind == ModuleKind::ScalarFunction) {
+        // Tables may come later; a variable that is not declared never will.
+        Frame body = moduleFrame(*catalog_.findModule(name));
+        try {
+            checkAhead(body, body.code->definition->body);
+        } catch (const DbError& e) {
+            if (e.number == 137) throw;
+        }
+        body.code->plans.clear();
+    }
 }
 
 }  // namespace owb::tsql

@@ -59,6 +59,11 @@ ExprPtr Parser::parsePredicate() {
         expectOperator(")");
         return e;
     }
+    if (isWord("UPDATE") && isOperator("(", 1)) {  // UPDATE(column), in a trigger
+        Name name;
+        name.parts.push_back(upperCase(take().text));
+        return parseFunction(std::move(name));
+    }
     return parsePredicateTail(parseAdditive());
 }
 

@@ -332,6 +332,10 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
         v = binder.assign(std::move(v), table, column);
         // What reads the table while it is changed must see it as it was.
         snapshot |= readsTables(*v);
+        plan->assignedColumns.push_back(foldName(column.name));
+        // Keys may collide on the way; see Executor::replaceRows.
+        for (const CatalogKey& k : table.keys)
+            for (const std::string& c : k.columns) snapshot |= foldName(c) == foldName(column.name);
         sets.emplace_back(sqliteName(column.name), std::move(v));
     }
     // SQLite finds the rows before it changes any when the condition has a subquery, but not
