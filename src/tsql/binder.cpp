@@ -466,26 +466,7 @@ BoundPtr Binder::bindPredicate(const Expr& e) {
             p->query = bindQuery(*e.query);
             return p;
         }
-        case ExprKind::Quantified: {
-            const bool in = e.any && e.compareOp == "=";
-            const bool notIn = !e.any && e.compareOp == "<>";
-            if (!in && !notIn)
-                throw makeDbError(15281, {"The comparison " + e.compareOp + (e.any ? " ANY" : " ALL")},
-                                  e.line);
-            Expr as(ExprKind::InQuery, e.line);
-            BoundPtr a = bindValue(*e.args[0]);
-            auto p = std::make_unique<BoundExpr>();
-            p->kind = BoundKind::InQuery;
-            p->predicate = true;
-            p->type = truth;
-            p->negated = notIn;
-            p->query = bindQuery(*e.query);
-            const SqlType type = commonType(a->type, p->query->columns[0].type);
-            a = convert(std::move(a), type);
-            convertOutputs(*p->query, {type});
-            p->args.push_back(std::move(a));
-            return p;
-        }
+        case ExprKind::Quantified: return bindQuantified(e);
         case ExprKind::Like: {
             std::vector<BoundPtr> args;
             for (const ExprPtr& a : e.args) {
@@ -500,6 +481,34 @@ BoundPtr Binder::bindPredicate(const Expr& e) {
         }
         default: throw makeDbError(102, {"?"}, e.line);
     }
+}
+
+// x op ANY (q): some row of q fits. x op ALL (q): no row is without fitting.
+BoundPtr Binder::bindQuantified(const Expr& e) {
+    auto rows = std::make_unique<BoundQuery>();
+    auto source = derivedSource(bindQuery(*e.query), "", {}, e.line);
+    if (source->columns.size() != 1) throw makeDbError(116, {}, e.line);
+    auto column = std::make_unique<BoundExpr>();
+    column->kind = BoundKind::Column;
+    column->source = source.get();
+    column->column = 0;
+    column->type = source->columns[0].type;
+    BoundPtr fits = compare(e.compareOp, bindValue(*e.args[0]), std::move(column));
+    const SqlType truth = SqlType::of(SqlKind::Bit);
+    rows->where = e.any ? std::move(fits) : op("($0 IS NOT 1)", truth, list(std::move(fits)));
+    rows->from.push_back(std::make_unique<BoundFrom>());
+    rows->from.back()->source = source.get();
+    rows->sources.push_back(std::move(source));
+    BoundItem one;
+    one.expr = op("1", SqlType::of(SqlKind::Int), {});
+    rows->items.push_back(std::move(one));
+    auto p = std::make_unique<BoundExpr>();
+    p->kind = BoundKind::ExistsQuery;
+    p->type = truth;
+    p->predicate = true;
+    p->negated = !e.any;
+    p->query = std::move(rows);
+    return p;
 }
 
 BoundPtr Binder::bindIn(const Expr& e) {

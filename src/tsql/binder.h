@@ -35,6 +35,14 @@ struct Dependency {
     uint64_t signature = 0;
 };
 
+// A call of a multi-statement table function in FROM: its arguments are constants of the
+// statement, its rows come into a temporary table first.
+struct TableCall {
+    std::string function;
+    std::vector<BoundPtr> arguments;
+    std::string sqlName;  // of the table
+};
+
 class Binder {
   public:
     explicit Binder(BindContext& context);
@@ -62,6 +70,8 @@ class Binder {
     BoundPtr assign(BoundPtr e, const CatalogTable& table, const CatalogColumn& column);
 
     const std::vector<Dependency>& dependencies() const { return dependencies_; }
+    // Multi-statement table functions that must fill their tables before the statement runs.
+    std::vector<TableCall> tableCalls;
     void dependOn(const CatalogTable& table);
 
     // --- used by the functions' table (builtins.cpp) ---
@@ -105,6 +115,7 @@ class Binder {
     std::unique_ptr<BoundFrom> addSource(BoundQuery& q, std::unique_ptr<BoundSource> source,
                                          int line);
     std::unique_ptr<BoundSource> bindNamedTable(const TableRef& ref);
+    std::unique_ptr<BoundQuery> bindRecursive(const CommonTable& common, int line);
     std::unique_ptr<BoundSource> bindView(CatalogModule& view, const std::string& exposed);
     std::unique_ptr<BoundSource> bindTableFunction(const TableRef& ref);
     std::unique_ptr<BoundSource> derivedSource(std::unique_ptr<BoundQuery> query,
@@ -126,6 +137,7 @@ class Binder {
     BoundPtr bindWindow(const Expr& e, const std::string& name);
     BoundPtr bindUserFunction(const Expr& e);
     BoundPtr bindIn(const Expr& e);
+    BoundPtr bindQuantified(const Expr& e);
     BoundPtr scalarQuery(const Query& query, int line);
     BoundPtr plus(BoundPtr a, BoundPtr b);
     SqlType operandNumeric(const BoundExpr& e) const;
@@ -134,6 +146,13 @@ class Binder {
     std::vector<Dependency> dependencies_;
     std::vector<std::unique_ptr<Scope>> scopes_;
     std::vector<const CommonTable*> with_;
+    // The recursive common table being bound: its own name inside its body stands for its rows.
+    struct Recursive {
+        std::string name;
+        std::string sqlName;
+        std::vector<BoundColumn> columns;
+    };
+    std::vector<Recursive> recursive_;
     int nextAlias_ = 0;
     int conditional_ = 0;  // depth in CASE and its like, where a conversion may never run
     int aggregateDepth_ = 0;

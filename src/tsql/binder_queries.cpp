@@ -161,6 +161,10 @@ void Binder::bindLimit(const QueryBody& body, const Query* query, BoundQuery& q)
         if (n && n->toInt() == 1 && !body.withTies) q.singleRow = true;
         q.limit = convert(bindValue(*body.top), big);
         q.withTies = body.withTies;
+        if (body.withTies && q.order.empty())
+            throw DbError(1062, 15, 1, body.line,
+                          "The TOP N WITH TIES clause is not allowed without a corresponding ORDER "
+                          "BY clause.");
     }
     if (query && query->offset) {
         q.offset = convert(bindValue(*query->offset), big);

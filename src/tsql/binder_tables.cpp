@@ -97,6 +97,16 @@ std::unique_ptr<BoundSource> Binder::bindNamedTable(const TableRef& ref) {
     const std::string exposed = ref.alias.empty() ? name : ref.alias;
     const std::string folded = foldName(name);
     if (ref.name.parts.size() == 1) {
+        for (size_t i = recursive_.size(); i-- > 0;) {
+            if (recursive_[i].name != folded) continue;
+            auto table = std::make_shared<CatalogTable>();
+            table->name = name;
+            table->sqlName = recursive_[i].sqlName;
+            table->system = true;
+            auto source = tableSource(table, exposed);
+            source->columns = recursive_[i].columns;
+            return source;
+        }
         for (size_t i = with_.size(); i-- > 0;) {
             const CommonTable& common = *with_[i];
             if (foldName(common.name) != folded) continue;
@@ -111,7 +121,7 @@ std::unique_ptr<BoundSource> Binder::bindNamedTable(const TableRef& ref) {
                 std::swap(with_, visible);
             };
             try {
-                inner = bindQuery(*common.query);
+                inner = bindRecursive(common, ref.line);
             } catch (...) {
                 restore();
                 throw;
@@ -139,6 +149,51 @@ std::unique_ptr<BoundSource> Binder::bindNamedTable(const TableRef& ref) {
     }
     // Gone or not there yet: the plan must not outlive the object's coming.
     throw makeDbError(208, {ref.name.text()}, ref.line);
+}
+
+namespace {
+
+bool namesTable(const TableRef& ref, const std::string& folded) {
+    if (ref.kind == TableRef::Join)
+        return namesTable(*ref.left, folded) || namesTable(*ref.right, folded);
+    return ref.kind == TableRef::Table && ref.name.parts.size() == 1 &&
+           foldName(ref.name.last()) == folded;
+}
+
+}  // namespace
+
+// The query of a common table; one that reads itself in the second half of a UNION ALL recurs.
+std::unique_ptr<BoundQuery> Binder::bindRecursive(const CommonTable& common, int line) {
+    const QueryBody& body = *common.query->body;
+    const std::string folded = foldName(common.name);
+    const bool recurs =
+        body.kind == QueryBody::UnionAll && body.right->kind == QueryBody::Select &&
+        std::any_of(body.right->from.begin(), body.right->from.end(),
+                    [&](const TableRefPtr& t) { return namesTable(*t, folded); });
+    if (!recurs) return bindQuery(*common.query);
+    auto q = std::make_unique<BoundQuery>();
+    q->kind = QueryBody::UnionAll;
+    q->recursiveName = "r" + std::to_string(nextAlias_++);
+    q->left = bindBody(*body.left, nullptr, nullptr);
+    q->columns = q->left->columns;
+    Recursive self{folded, q->recursiveName, q->columns};
+    for (size_t i = 0; i < self.columns.size(); ++i) {
+        if (i < common.columns.size()) self.columns[i].name = common.columns[i];
+        self.columns[i].sqlName = "c" + std::to_string(i);
+    }
+    recursive_.push_back(std::move(self));
+    try {
+        q->right = bindBody(*body.right, nullptr, nullptr);
+    } catch (...) {
+        recursive_.pop_back();
+        throw;
+    }
+    recursive_.pop_back();
+    if (q->right->columns.size() != q->columns.size()) throw makeDbError(205, {}, line);
+    std::vector<SqlType> types;
+    for (const BoundColumn& c : q->columns) types.push_back(c.type);
+    convertOutputs(*q->right, types);
+    return q;
 }
 
 std::unique_ptr<BoundSource> Binder::bindView(CatalogModule& view, const std::string& exposed) {
@@ -188,8 +243,6 @@ std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
     if (!module || (module->kind != ModuleKind::InlineFunction &&
                     module->kind != ModuleKind::TableFunction))
         throw makeDbError(208, {ref.name.text()}, ref.line);
-    if (module->kind == ModuleKind::TableFunction)
-        throw makeDbError(15281, {"The multi-statement table function " + module->name}, ref.line);
     dependencies_.push_back({module->name, true, module->signature});
     const ModuleDefinition& definition = context_.definition(*module);
     if (ref.args.size() > definition.parameters.size())
@@ -208,6 +261,32 @@ std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
             value = p.defaultValue ? bindValue(*p.defaultValue) : null(p.type);
         }
         arguments[foldName(p.name)] = convert(std::move(value), p.type);
+    }
+    if (module->kind == ModuleKind::TableFunction) {
+        TableCall call;
+        call.function = module->name;
+        call.sqlName = "temp.\"rows of " + foldName(module->name) + "~" +
+                       std::to_string(tableCalls.size()) + "\"";
+        for (const Parameter& p : definition.parameters) {
+            BoundPtr& value = arguments[foldName(p.name)];
+            if (!value->isConstant())
+                throw makeDbError(15281, {"A table function whose argument is no constant"},
+                                  ref.line);
+            call.arguments.push_back(std::move(value));
+        }
+        auto table = std::make_shared<CatalogTable>();
+        table->name = module->name;
+        table->sqlName = call.sqlName;
+        table->system = true;
+        for (const ColumnDefinition& c : definition.returnsColumns) {
+            CatalogColumn column;
+            column.name = c.name;
+            column.type = c.type;
+            column.nullable = c.nullable.value_or(true);
+            table->columns.push_back(std::move(column));
+        }
+        tableCalls.push_back(std::move(call));
+        return tableSource(table, ref.alias.empty() ? ref.name.last() : ref.alias);
     }
     const auto* parameters = parameters_;
     const auto outerStars = recordStars;

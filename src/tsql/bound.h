@@ -92,6 +92,7 @@ struct BoundQuery {
     bool withTies = false;
     bool grouped = false;     // GROUP BY or aggregates
     bool singleRow = false;   // at most one row by construction
+    std::string recursiveName;  // a recursive common table: left is its start, right its step
     BoundPtr limit, offset;
     std::vector<BoundItem> items;
     std::vector<std::unique_ptr<BoundSource>> sources;

@@ -83,8 +83,14 @@ class Executor final : public FunctionHost {
     Value evaluate(Frame& frame, const Expr& e, const SqlType* target = nullptr);
     bool condition(Frame& frame, const Expr& e);
     int64_t runPrepared(Frame& frame, Plan& plan, const std::string& sql);
+    const Value& parameterValue(Frame& frame, const PlanParameter& p);
+    void fillTables(Frame& frame, Plan& plan);
+    // `rows`: a WITH clause that names the rows on their way in "src"; "" when not known.
     [[noreturn]] void constraintFailure(const DbError& e, const CatalogTable& table,
-                                        StatementKind writes);
+                                        StatementKind writes, const std::string& rows = "",
+                                        Frame* frame = nullptr, Plan* p = nullptr);
+    std::string duplicateKey(const CatalogTable& table, const CatalogKey& key,
+                             const std::string& rows, Frame* frame, Plan* p);
     void loadIdentity(const CatalogTable& table);
     void storeIdentity(const CatalogTable& table);
     void assignVariable(Frame& frame, const std::string& name, Value value, int line);

@@ -56,13 +56,15 @@ Plan& Executor::plan(Frame& frame, const void* key,
     return *slot;
 }
 
+const Value& Executor::parameterValue(Frame& frame, const PlanParameter& p) {
+    if (p.kind == PlanParameter::Literal) return frame.code->ast.literals[p.index].value;
+    return p.kind == PlanParameter::Variable ? frame.variables[p.index] : p.constant;
+}
+
 void Executor::bindParameters(sqlite3_stmt* statement, Frame& frame, const Plan& plan) {
     for (size_t i = 0; i < plan.parameters.size(); ++i) {
         const PlanParameter& p = plan.parameters[i];
-        const Value& v = p.kind == PlanParameter::Literal
-                             ? frame.code->ast.literals[p.index].value
-                         : p.kind == PlanParameter::Variable ? frame.variables[p.index]
-                                                             : p.constant;
+        const Value& v = parameterValue(frame, p);
         if (p.from == p.to || v.isNull())
             bindValue(statement, static_cast<int>(i) + 1, v);
         else
@@ -70,7 +72,41 @@ void Executor::bindParameters(sqlite3_stmt* statement, Frame& frame, const Plan&
     }
 }
 
+// Runs the table functions of a statement: each leaves its rows in the table that the statement
+// reads.
+void Executor::fillTables(Frame& frame, Plan& plan) {
+    for (const Plan::TableFill& fill : plan.fills) {
+        CatalogModulePtr module = catalog_.findModule(fill.function);
+        if (!module) throw makeDbError(208, {fill.function});
+        Frame callee = moduleFrame(*module);
+        for (size_t i = 0; i < fill.arguments.size(); ++i) {
+            const PlanParameter& p = fill.arguments[i];
+            callee.variables[i] = convertValue(parameterValue(frame, p), p.from, p.to);
+        }
+        const ModuleDefinition& definition = *callee.code->definition;
+        CatalogTable table = describeTable(definition.returnsVariable, definition.returnsColumns, {});
+        // The variable's table belongs to the call, the rows stay for the statement.
+        table.sqlName = fill.sqlName;
+        sqlite_->run("DROP TABLE IF EXISTS " + fill.sqlName);
+        sqlite_->run(tableDdl(table, fill.sqlName));
+        std::map<std::string, CatalogTablePtr> pseudo;
+        table.temporary = true;
+        pseudo[foldName(table.name)] = std::make_shared<CatalogTable>(table);
+        callee.pseudoTables = &pseudo;
+        ++tryDepth_;  // an error in there is the statement's
+        try {
+            runScope(frame, callee);
+        } catch (...) {
+            --tryDepth_;
+            throw;
+        }
+        --tryDepth_;
+        callee.code->plans.clear();
+    }
+}
+
 SqliteStatement Executor::acquire(Frame& frame, Plan& plan) {
+    if (!plan.fills.empty()) fillTables(frame, plan);
     SqliteStatement statement;
     if (!plan.idle.empty()) {
         statement = std::move(plan.idle.back());
@@ -175,6 +211,7 @@ void Executor::runInto(Frame& frame, Plan& p) {
     Together together(*sqlite_);
     const std::string name = table.name;
     createTable(std::move(table), 0);
+    if (!p.fills.empty()) fillTables(frame, p);
     SqliteStatement insert =
         sqlite_->prepare("INSERT INTO " + catalog_.findTable(name)->sqlName + " " + p.sql);
     bindParameters(insert.get(), frame, p);
@@ -192,8 +229,42 @@ void Executor::runInto(Frame& frame, Plan& p) {
     together.done();
 }
 
+// The first key among the rows "src" that the table, or a row before it, holds already.
+std::string Executor::duplicateKey(const CatalogTable& table, const CatalogKey& key,
+                                   const std::string& rows, Frame* frame, Plan* p) {
+    std::string columns, match;
+    std::vector<SqlType> types;
+    for (const std::string& c : key.columns) {
+        const CatalogColumn& column = table.columns[table.findColumn(c)];
+        columns += (columns.empty() ? "" : ",") + sqliteName(column.name);
+        match += (match.empty() ? "" : " AND ") + sqliteName(column.name) + " IS ?" +
+                 std::to_string(types.size() + 1);
+        types.push_back(column.type);
+    }
+    SqliteStatement walk = sqlite_->prepare(rows + " SELECT " + columns + " FROM src");
+    if (frame && p) bindParameters(walk.get(), *frame, *p);
+    SqliteStatement held =
+        sqlite_->prepare("SELECT 1 FROM " + table.sqlName + " WHERE " + match);
+    std::vector<std::string> seen;
+    while (sqlite_->step(walk.get())) {
+        std::string text;
+        for (size_t i = 0; i < types.size(); ++i) {
+            const Value v = columnValue(walk.get(), static_cast<int>(i), types[i]);
+            bindValue(held.get(), static_cast<int>(i) + 1, v);
+            text += (i ? ", " : "") + (v.isNull() ? "<NULL>" : v.toText());
+        }
+        const bool there = sqlite_->step(held.get());
+        sqlite3_reset(held.get());
+        const std::string folded = foldText(text);
+        if (there || std::find(seen.begin(), seen.end(), folded) != seen.end()) return text;
+        if (seen.size() < 10000) seen.push_back(folded);
+    }
+    return "";
+}
+
 void Executor::constraintFailure(const DbError& e, const CatalogTable& table,
-                                 StatementKind writes) {
+                                 StatementKind writes, const std::string& rows, Frame* frame,
+                                 Plan* p) {
     const std::string text = e.what();
     const std::string verb = writes == StatementKind::Insert ? "INSERT" : "UPDATE";
     const size_t colon = text.find(": ");
@@ -220,11 +291,16 @@ void Executor::constraintFailure(const DbError& e, const CatalogTable& table,
             for (const CatalogKey& k : table.keys)
                 if (k.name == name) key = &k;
         }
+        std::string value;
+        if (key && !rows.empty()) {
+            const std::string text = duplicateKey(table, *key, rows, frame, p);
+            if (!text.empty()) value = " The duplicate key value is (" + text + ").";
+        }
         if (key && key->kind != CatalogKey::Index)
             throw makeDbError(
                 2627, {key->kind == CatalogKey::Primary ? "PRIMARY KEY" : "UNIQUE KEY", key->name,
-                       object});
-        throw makeDbError(2601, {object, key ? key->name : ""});
+                       object, value});
+        throw makeDbError(2601, {object, key ? key->name : "", value});
     }
     if (text.starts_with("CHECK"))
         throw makeDbError(547, {verb, "CHECK", rest, systemValue("DB_NAME").toText(), object});
@@ -232,6 +308,7 @@ void Executor::constraintFailure(const DbError& e, const CatalogTable& table,
 }
 
 int64_t Executor::runPrepared(Frame& frame, Plan& p, const std::string& sql) {
+    if (!p.fills.empty()) fillTables(frame, p);
     SqliteStatement statement = sqlite_->prepare(sql);
     bindParameters(statement.get(), frame, p);
     sqlite_->step(statement.get());
@@ -277,7 +354,14 @@ void Executor::runWrite(Frame& frame, const Statement& s) {
         const bool unique = std::string_view(e.what()).starts_with("UNIQUE");
         if (unique && p.writes == StatementKind::Update && !p.collectSql.empty())
             return replaceRows(frame, p);
-        constraintFailure(e, *target, p.writes);
+        std::string rows;
+        if (unique && p.writes == StatementKind::Insert && !p.givesIdentity) {
+            const size_t list = p.sql.find('(');
+            const size_t end = p.sql.find(") ", list);
+            rows = "WITH src" + p.sql.substr(list, end + 1 - list) + " AS (" +
+                   p.sql.substr(end + 2) + ")";
+        }
+        constraintFailure(e, *target, p.writes, rows, &frame, &p);
     }
 }
 
@@ -306,7 +390,8 @@ void Executor::replaceRows(Frame& frame, Plan& p) {
                      " FROM " + moved);
     } catch (const DbError& e) {
         if (e.number != -2627) throw;
-        constraintFailure(e, table, StatementKind::Update);
+        constraintFailure(e, table, StatementKind::Update,
+                          "WITH src AS (SELECT * FROM " + moved + ")");
     }
     sqlite_->run("DROP TABLE " + rows + "; DROP TABLE " + moved);
     together.done();

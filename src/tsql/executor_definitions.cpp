@@ -21,10 +21,10 @@ std::string joined(const std::vector<std::string>& parts, char separator) {
 }
 
 // A name for a constraint that the text gives none.
-std::string generatedName(const char* kind, const std::string& table, size_t number) {
+std::string generatedName(const char* kind, const std::string& table, const std::string& what) {
     char suffix[20];
     std::snprintf(suffix, sizeof suffix, "%08zX",
-                  std::hash<std::string>{}(foldName(table)) % 0xFFFFFFF + number);
+                  std::hash<std::string>{}(foldName(table + "." + what)) & 0xFFFFFFFF);
     return std::string(kind) + "__" + table.substr(0, 9) + "__" + suffix;
 }
 
@@ -32,6 +32,26 @@ std::string generatedName(const char* kind, const std::string& table, size_t num
 std::string storedType(const SqlType& type) {
     if (type.isText() && type.length == SqlType::kMax) return std::string(type.name()) + "(-1)";
     return type.ddl();
+}
+
+// A function changes nothing but its own variables.
+void forbidWrites(const std::vector<StatementPtr>& statements) {
+    for (const StatementPtr& s : statements) {
+        const char* verb = nullptr;
+        const bool table = !s->target.empty() && s->target.last()[0] != '@';
+        switch (s->kind) {
+            case StatementKind::Insert: verb = table ? "INSERT" : nullptr; break;
+            case StatementKind::Update: verb = table ? "UPDATE" : nullptr; break;
+            case StatementKind::Delete: verb = table ? "DELETE" : nullptr; break;
+            case StatementKind::ExecuteText: verb = "EXECUTE STRING"; break;
+            case StatementKind::CreateTable: verb = "CREATE TABLE"; break;
+            case StatementKind::Drop: verb = "DROP"; break;
+            default: break;
+        }
+        if (verb) throw makeDbError(443, {verb}, s->line);
+        forbidWrites(s->body);
+        forbidWrites(s->otherwise);
+    }
 }
 
 std::string bareName(const std::string& sqlName) { return sqlName.substr(sqlName.find('.') + 1); }
@@ -45,7 +65,6 @@ CatalogTable Executor::describeTable(const std::string& name,
                                      const std::vector<ConstraintDefinition>& constraints) {
     CatalogTable table;
     table.name = name;
-    size_t number = 0;
     for (const ColumnDefinition& c : columns) {
         if (table.findColumn(c.name) >= 0) throw makeDbError(2705, {c.name, name}, c.line);
         CatalogColumn column;
@@ -55,7 +74,7 @@ CatalogTable Executor::describeTable(const std::string& name,
         column.identity = c.identity;
         column.defaultSource = c.defaultSource;
         if (!c.defaultSource.empty())
-            column.defaultName = c.defaultName.empty() ? generatedName("DF", name, ++number)
+            column.defaultName = c.defaultName.empty() ? generatedName("DF", name, c.name)
                                                        : c.defaultName;
         if (c.identity) {
             table.identitySeed = c.seed;
@@ -77,22 +96,22 @@ CatalogTable Executor::describeTable(const std::string& name,
                             throw makeDbError(8111, {name}, c.line);
                     table.columns[at].nullable = false;
                 }
-                if (constraint.empty()) constraint = generatedName("PK", name, ++number);
+                if (constraint.empty()) constraint = generatedName("PK", name, "");
                 table.keys.push_back({constraint, c.columns, CatalogKey::Primary});
                 break;
             case ConstraintDefinition::Unique:
-                if (constraint.empty()) constraint = generatedName("UQ", name, ++number);
+                if (constraint.empty()) constraint = generatedName("UQ", name, joined(c.columns, ','));
                 table.keys.push_back({constraint, c.columns, CatalogKey::Unique});
                 break;
             case ConstraintDefinition::Check:
-                if (constraint.empty()) constraint = generatedName("CK", name, ++number);
+                if (constraint.empty()) constraint = generatedName("CK", name, c.source);
                 table.checks.push_back({constraint, c.source});
                 break;
             case ConstraintDefinition::Default: {
                 const int at = table.findColumn(c.columns[0]);
                 table.columns[at].defaultSource = c.source;
                 table.columns[at].defaultName =
-                    constraint.empty() ? generatedName("DF", name, ++number) : constraint;
+                    constraint.empty() ? generatedName("DF", name, c.columns[0]) : constraint;
                 break;
             }
             case ConstraintDefinition::ForeignKey:
@@ -164,17 +183,16 @@ void Executor::createKeyIndex(const CatalogTable& table, const CatalogKey& key, 
     try {
         sqlite_->run("CREATE " + std::string(unique ? "UNIQUE " : "") + "INDEX " + index + " ON " +
                      bareName(table.sqlName) + "(" + columns + ")");
+        // One NULL counts as equal to another in a key, which SQLite does not think.
+        const CatalogColumn& column = table.columns[table.findColumn(key.columns[0])];
+        if (unique && key.columns.size() == 1 && column.nullable)
+            sqlite_->run("CREATE UNIQUE INDEX " + index.substr(0, index.size() - 1) +
+                         "~null\" ON " + bareName(table.sqlName) + "((1)) WHERE " +
+                         sqliteName(column.name) + " IS NULL");
     } catch (const DbError& e) {
         if (e.number != -2627) throw;
         throw makeDbError(1505, {"dbo." + table.name, key.name});
     }
-    // One NULL counts as equal to another in a key, which SQLite does not think.
-    if (!unique || key.columns.size() != 1) return;
-    const CatalogColumn& column = table.columns[table.findColumn(key.columns[0])];
-    if (column.nullable)
-        sqlite_->run("CREATE UNIQUE INDEX " + index.substr(0, index.size() - 1) + "~null\" ON " +
-                     bareName(table.sqlName) + "((1)) WHERE " + sqliteName(column.name) +
-                     " IS NULL");
 }
 
 void Executor::storeConstraints(const CatalogTable& table) {
@@ -356,7 +374,7 @@ void Executor::addConstraint(const CatalogTable& table, const ConstraintDefiniti
             CatalogColumn& column = after.columns[after.findColumn(c.columns[0])];
             if (!column.defaultSource.empty()) throw makeDbError(1781, {}, line);
             column.defaultSource = c.source;
-            column.defaultName = c.name.empty() ? generatedName("DF", table.name, 77) : c.name;
+            column.defaultName = c.name.empty() ? generatedName("DF", table.name, c.columns[0]) : c.name;
             break;
         }
         case ConstraintDefinition::PrimaryKey:
@@ -369,7 +387,8 @@ void Executor::addConstraint(const CatalogTable& table, const ConstraintDefiniti
                 for (const std::string& column : c.columns)
                     if (table.columns[table.findColumn(column)].nullable)
                         throw makeDbError(8111, {table.name}, line);
-            CatalogKey key{c.name.empty() ? generatedName(primary ? "PK" : "UQ", table.name, 78)
+            CatalogKey key{c.name.empty() ? generatedName(primary ? "PK" : "UQ", table.name,
+                                                        primary ? "" : joined(c.columns, ','))
                                           : c.name,
                            c.columns, primary ? CatalogKey::Primary : CatalogKey::Unique};
             createKeyIndex(table, key, true);
@@ -378,7 +397,7 @@ void Executor::addConstraint(const CatalogTable& table, const ConstraintDefiniti
         }
         case ConstraintDefinition::Check: {
             after.checks.push_back(
-                {c.name.empty() ? generatedName("CK", table.name, 79) : c.name, c.source});
+                {c.name.empty() ? generatedName("CK", table.name, c.source) : c.name, c.source});
             rebuildTable(table, std::move(after));
             return;
         }
@@ -613,6 +632,8 @@ void Executor::createModule(Frame& frame, const Statement& s) {
     sqlite_->step(insert.get());
     insert.reset();
     catalog_.modulesChanged(name);
+    if (m.kind == ModuleKind::ScalarFunction || m.kind == ModuleKind::TableFunction)
+        forbidWrites(m.body);
     if (m.kind == ModuleKind::Procedure || m.kind == ModuleKind::ScalarFunction) {
         // Tables may come later; a variable that is not declared never will.
         Frame body = moduleFrame(*catalog_.findModule(name));

@@ -121,7 +121,17 @@ std::string Lowerer::select(const BoundQuery& q, bool named) {
         const BoundExpr& e = *q.items[i].expr;
         out += expression(e);
         if (q.distinct && e.type.isText()) out += " COLLATE TSQL";
-        if (named) out += " AS c" + std::to_string(i);
+        if (named || q.withTies) out += " AS c" + std::to_string(i);
+    }
+    if (q.withTies) {
+        out += ", rank() OVER (ORDER BY ";
+        for (size_t i = 0; i < q.order.size(); ++i) {
+            const BoundOrder& o = q.order[i];
+            const BoundExpr& e = o.expr ? *o.expr : *q.items[o.ordinal].expr;
+            out += (i ? ", " : "") + expression(e) + (e.type.isText() ? " COLLATE TSQL" : "") +
+                   (o.descending ? " DESC" : "");
+        }
+        out += ") AS place";
     }
     if (!q.from.empty()) out += " FROM " + fromClause(q);
     if (q.where) out += " WHERE " + expression(*q.where);
@@ -142,6 +152,14 @@ std::string Lowerer::setOperand(const BoundQuery& q, bool named, bool right) {
 
 std::string Lowerer::query(const BoundQuery& q, bool named) {
     std::string out;
+    if (!q.recursiveName.empty()) {
+        std::string names;
+        for (size_t i = 0; i < q.columns.size(); ++i)
+            names += (i ? ", c" : "c") + std::to_string(i);
+        return "WITH RECURSIVE " + q.recursiveName + "(" + names + ") AS (" +
+               setOperand(*q.left, true, false) + " UNION ALL " + setOperand(*q.right, true, true) +
+               ") SELECT " + names + " FROM " + q.recursiveName;
+    }
     switch (q.kind) {
         case QueryBody::Select: out = select(q, named); break;
         case QueryBody::Values: {
@@ -176,10 +194,14 @@ std::string Lowerer::query(const BoundQuery& q, bool named) {
             out += word + setOperand(*q.right, named, true);
         }
     }
-    out += orderBy(q);
-    if (q.withTies && q.limit) {
-        throw makeDbError(15281, {"TOP ... WITH TIES"});
+    if (q.withTies) {
+        std::string names;
+        for (size_t i = 0; i < q.items.size(); ++i)
+            names += (i ? ", c" : "c") + std::to_string(i);
+        return "SELECT " + names + " FROM (" + out + ") WHERE place <= " + expression(*q.limit) +
+               " ORDER BY place";
     }
+    out += orderBy(q);
     if (q.limit) {
         out += " LIMIT " + expression(*q.limit);
         if (q.offset) out += " OFFSET " + expression(*q.offset);

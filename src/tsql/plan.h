@@ -31,6 +31,13 @@ struct Plan {
     bool givesIdentity = false;
     bool explicitIdentity = false;
 
+    struct TableFill {
+        std::string function;
+        std::vector<PlanParameter> arguments;
+        std::string sqlName;
+    };
+    std::vector<TableFill> fills;  // before the statement runs
+
     std::vector<Dependency> dependencies;
     uint64_t checkedVersion = 0;
     std::vector<SqliteStatement> idle;  // prepared, not running
@@ -70,6 +77,7 @@ class Planner {
     BoundPtr columnDefault(Binder& binder, const CatalogColumn& column);
     bool readsTables(const BoundExpr& e) const;
     void assigningQuery(BoundQuery& q, Plan& plan);
+    void finish(Binder& binder, Plan& plan);
 
     BindContext& context_;
 };

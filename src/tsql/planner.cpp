@@ -78,6 +78,21 @@ bool Planner::readsTables(const BoundExpr& e) const {
                        [&](const BoundPtr& a) { return readsTables(*a); });
 }
 
+void Planner::finish(Binder& binder, Plan& plan) {
+    plan.dependencies = binder.dependencies();
+    for (TableCall& call : binder.tableCalls) {
+        Plan::TableFill fill;
+        fill.function = call.function;
+        fill.sqlName = call.sqlName;
+        Lowerer lowerer(fill.arguments);
+        for (const BoundPtr& a : call.arguments) {
+            if (a->kind == BoundKind::Null) fill.arguments.push_back({});
+            else lowerer.expression(*a);
+        }
+        plan.fills.push_back(std::move(fill));
+    }
+}
+
 std::unique_ptr<Plan> Planner::value(const Expr& e, const SqlType* target) {
     auto plan = std::make_unique<Plan>();
     Binder binder(context_);
@@ -85,7 +100,7 @@ std::unique_ptr<Plan> Planner::value(const Expr& e, const SqlType* target) {
     if (target) v = binder.convert(std::move(v), *target);
     plan->columns.push_back({"", v->type, true});
     plan->sql = "SELECT " + Lowerer(plan->parameters).expression(*v);
-    plan->dependencies = binder.dependencies();
+    finish(binder, *plan);
     return plan;
 }
 
@@ -95,7 +110,7 @@ std::unique_ptr<Plan> Planner::condition(const Expr& e) {
     BoundPtr v = binder.bindCondition(e);
     plan->columns.push_back({"", SqlType::of(SqlKind::Int), true});
     plan->sql = "SELECT " + Lowerer(plan->parameters).expression(*v);
-    plan->dependencies = binder.dependencies();
+    finish(binder, *plan);
     return plan;
 }
 
@@ -103,7 +118,7 @@ std::unique_ptr<Plan> Planner::query(const Query& query) {
     auto plan = std::make_unique<Plan>();
     Binder binder(context_);
     auto q = binder.bindQuery(query);
-    plan->dependencies = binder.dependencies();
+    finish(binder, *plan);
     for (const BoundColumn& c : q->columns) {
         SqlType t = c.type.kind == SqlKind::Null ? SqlType::of(SqlKind::Int) : c.type;
         plan->columns.push_back({c.name, t, c.nullable});
@@ -294,7 +309,7 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
     }
     for (const std::string& name : table->triggers)
         if (context_.catalog.findModule(name)->onInsert) plan->triggers.push_back(name);
-    plan->dependencies = binder.dependencies();
+    finish(binder, *plan);
     return plan;
 }
 
@@ -375,7 +390,7 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
         plan->sql = head + "(" + inner + ") AS s WHERE u.rowid = s.rid";
         plan->applySql = head + "% AS s WHERE u.rowid = s.rid";
     }
-    plan->dependencies = binder.dependencies();
+    finish(binder, *plan);
     binder.closeTarget();
     return plan;
 }
@@ -409,7 +424,7 @@ std::unique_ptr<Plan> Planner::remove(const Statement& s) {
         plan->sql = "DELETE FROM " + table.sqlName + " WHERE rowid IN (" + inner + ")";
         plan->applySql = "DELETE FROM " + table.sqlName + " WHERE rowid IN (SELECT rid FROM %)";
     }
-    plan->dependencies = binder.dependencies();
+    finish(binder, *plan);
     binder.closeTarget();
     return plan;
 }

@@ -137,7 +137,14 @@ Value fromText(const std::string& text, const SqlType& from, const SqlType& to, 
         const bool dayFirst = style == 3 || style == 4 || style == 5 || style == 103 ||
                               style == 104 || style == 105 || style == 131;
         const auto d = parseDate(t, dayFirst ? DateOrder::DayFirst : DateOrder::MonthFirst);
-        if (!d) textFailure(text, from, to);
+        if (!d) {
+            // A date in numbers alone that the calendar lacks is out of range; others are no dates.
+            if (t.find_first_not_of("0123456789/-. :") == std::string::npos &&
+                std::count_if(t.begin(), t.end(),
+                              [](char c) { return c == '/' || c == '-' || c == '.'; }) >= 2)
+                throw makeDbError(242, {from.isText() ? from.name() : "varchar", to.name()});
+            textFailure(text, from, to);
+        }
         if (d->day < DateTime::kMinDay && to.kind == SqlKind::DateTime)
             throw makeDbError(242, {from.isText() ? from.name() : "varchar", "datetime"});
         DateTime v = *d;
