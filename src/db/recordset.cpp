@@ -1,7 +1,5 @@
 #include "db/recordset.h"
 
-#include <numeric>
-
 #include "base/utf8.h"
 #include "db/client_error.h"
 #include "db/criteria.h"
@@ -32,6 +30,7 @@ void Recordset::Open(const std::string& sql, Connection& connection, CursorType,
     source_ = sql;
     lock_ = lock;
     added_.clear();
+    erased_.clear();
     tableColumns_.clear();
     edit_ = Edit::None;
     open_ = !result.sets.empty();
@@ -55,8 +54,9 @@ void Recordset::Requery() {
 }
 
 void Recordset::showAll() {
-    visible_.resize(set_.rows);
-    std::iota(visible_.begin(), visible_.end(), size_t{0});
+    visible_.clear();
+    for (size_t row = 0; row < set_.rows; ++row)
+        if (!erased_.count(row)) visible_.push_back(row);
     position_ = 0;
     before_ = deleted_ = false;
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "db/connection.h"
@@ -117,8 +118,9 @@ class Recordset {
     std::string source_;
     LockType lock_ = adLockReadOnly;
     ResultSet set_;
-    std::vector<size_t> visible_;  // rows of set_ that the filter lets through
-    size_t position_ = 0;          // index into visible_
+    std::vector<size_t> visible_;        // rows of set_ that the filter lets through
+    size_t position_ = 0;                // index into visible_
+    std::unordered_set<size_t> erased_;  // rows of set_ that were deleted here
     bool open_ = false;
     bool before_ = false;   // stands before the first row
     bool deleted_ = false;  // the current row was deleted; position_ is already the next one

@@ -226,6 +226,7 @@ void Recordset::Delete() {
     edit_ = Edit::None;
     if (connection_)
         runForOneRow("DELETE TOP (1) FROM " + tableName() + rowCondition(visible_[position_]));
+    erased_.insert(visible_[position_]);
     visible_.erase(visible_.begin() + static_cast<std::ptrdiff_t>(position_));
     deleted_ = true;
 }

@@ -190,8 +190,7 @@ TEST_F(RecordsetTest, OnlyTheTablesOwnColumnsAreWritten) {
                  {"SELECT A.id, A.name FROM t A, t B", adLockOptimistic, -2147467259},
                  {"SELECT A.id, A.name FROM t A INNER JOIN t B ON A.id = B.id", adLockOptimistic,
                   -2147467259},
-                 {"SELECT 1 AS id, 'x' AS name", adLockOptimistic, -2147467259},
-                 {"SELECT f, f AS name FROM t", adLockOptimistic, 3251}};
+                 {"SELECT 1 AS id, 'x' AS name", adLockOptimistic, -2147467259}};
     for (const auto& c : cases) {
         open(c.sql, c.lock);
         EXPECT_EQ(thrownNumber([&] {
@@ -292,7 +291,7 @@ TEST(UnconnectedRecordset, LivesInMemory) {
     EXPECT_EQ(rs.Fields("days").toText(), "0.33");
     rs.Delete();
     rs.Filter("");
-    EXPECT_EQ(rs.RecordCount(), 3u - 1u);
+    EXPECT_EQ(rs.RecordCount(), 2u);
 }
 
 }  // namespace
