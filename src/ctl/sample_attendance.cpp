@@ -16,10 +16,6 @@ std::string dayColumns(const std::string& stem) {
     return out;
 }
 
-std::string dateOrNull(const std::optional<DateTime>& date) {
-    return date ? sqlDate(*date) : "NULL";
-}
-
 // 830 -> "8.3", as the registers show a figure.
 std::string figureText(int hundredths) {
     std::string text = std::to_string(hundredths / 100);
@@ -89,8 +85,7 @@ void SampleAttendance::write(const SampleEmployee& employee) {
     leaves.restricted = 2;
     if (employee.joined < start_) {
         leaves.earned = chance.between(0, 30);
-        balances_.add(std::to_string(employee.id) + ", " + std::to_string(kEarned) + ", " +
-                      std::to_string(static_cast<int>(leaves.earned)));
+        balances_.add(employee.id, int{kEarned}, static_cast<int>(leaves.earned));
     }
     for (const SampleVersion& version : employee.versions) {
         const DateTime from = std::max(version.from, start_);
@@ -105,39 +100,28 @@ void SampleAttendance::write(const SampleEmployee& employee) {
 }
 
 void SampleAttendance::writeMaster(const SampleEmployee& e) {
-    const std::string id = std::to_string(e.id);
     std::string refNo = std::to_string(e.id);
     refNo = "SE" + std::string(refNo.size() < 5 ? 5 - refNo.size() : 0, '0') + refNo;
     std::optional<DateTime> resigned;
     if (e.left) resigned = e.left->plusDays(-30);
-    employees_.add(id + ", " + sqlText(e.name) + ", " + sqlText(refNo) + ", " + sqlDate(e.joined) +
-                   ", " + dateOrNull(e.left) + ", " + sqlDate(e.born) + ", " + sqlDate(e.joined) +
-                   ", " + sqlDate(e.born.plusMonths(58 * 12)) + ", " + dateOrNull(resigned) + ", " +
-                   sqlDate(e.joined.plusMonths(6)) + ", " + sqlDate(e.joined.plusMonths(6)) +
-                   (e.female ? ", 'Female'" : ", 'Male'") + (e.id % 40 == 39 ? ", 1" : ", 0") +
-                   ", 1, " + (e.basic <= 21000 ? "1" : "0") + ", 1");
-    int rateMonth = 0;
+    const DateTime retirement = e.born.plusMonths(58 * 12), confirmed = e.joined.plusMonths(6);
+    const bool held = e.id % 40 == 39, insured = e.basic <= 21000;
+    employees_.add(e.id, e.name, refNo, e.joined, e.left, e.born, e.joined, retirement, resigned,
+                   confirmed, confirmed, e.female ? "Female" : "Male", held, true, insured, true);
+    const int hra = e.basic * 2 / 5;
     for (const SampleVersion& v : e.versions) {
         // Each head has a department and a designation of the same number.
-        const std::string head = std::to_string(v.head), det = std::to_string(v.detId);
-        versions_.add(id + ", " + det + ", " + sqlDate(v.from) + ", " + dateOrNull(v.to) + ", " +
-                      head + ", " + std::to_string(v.branch) + ", 1, '" + head + "', '1', '" +
-                      head + "', '1', '1'");
+        versions_.add(e.id, v.detId, v.from, v.to, v.head, v.branch, 1, v.head, 1, v.head, 1, 1);
         const CivilDate c = std::max(v.from, start_).civil();
-        rateMonth = c.year * 12 + c.month;
-        const int hra = e.basic * 2 / 5;
-        rates_.add(std::to_string(e.id * 10 + v.detId) + ", " + id + ", " + det + ", " +
-                   std::to_string(rateMonth) + ", " + std::to_string(e.basic) + ", " +
-                   std::to_string(hra) + ", " + std::to_string(e.basic + hra));
+        rates_.add(e.id * 10 + v.detId, e.id, v.detId, c.year * 12 + c.month, e.basic, hra,
+                   e.basic + hra);
     }
 }
 
 void SampleAttendance::writeRotation(const SampleEmployee& e) {
     for (DateTime day = std::max(start_, e.joined); day <= e.lastDay(end_); day = day.plusDays(1)) {
         const OffHalves off = calendar_.weeklyOff(e.id, kSecurity, day);
-        if (off.any())
-            rotation_.add("0, " + std::to_string(e.id) + ", " + sqlDate(day) +
-                          (off.first ? ", 1" : ", 0") + (off.second ? ", 1" : ", 0"));
+        if (off.any()) rotation_.add(0, e.id, day, off.first, off.second);
     }
 }
 
@@ -158,10 +142,8 @@ void SampleAttendance::writeSlice(const Slice& slice, Leaves& leaves, Chance& ch
 
     // A leave day granted by hand, in the third month.
     if (slice.employee.id % 25 == 11 && slice.month == options_.fromMonth + 2)
-        adjustments_.add(
-            std::to_string(slice.employee.id) + ", " + std::to_string(slice.version.detId) + ", " +
-            std::to_string(slice.version.head) + ", " + std::to_string(kEarned) + ", " +
-            std::to_string(slice.month) + ", 1, 0, " + sqlDate(slice.to) + ", 'Long service'");
+        adjustments_.add(slice.employee.id, slice.version.detId, slice.version.head, int{kEarned},
+                         slice.month, 1, 0, slice.to, "Long service");
 }
 
 void SampleAttendance::startLeave(Leaves& leaves, Day& day, bool restrictedDay, Chance& chance) {
@@ -252,61 +234,62 @@ SampleAttendance::Day SampleAttendance::dayOf(const Slice& slice, const DateTime
 
 void SampleAttendance::writeSalary(const Slice& slice) {
     const SampleEmployee& e = slice.employee;
-    const std::string key = std::to_string(++salaryId_) + ", " + std::to_string(e.id) + ", " +
-                            std::to_string(slice.version.detId) + ", " +
-                            std::to_string(slice.month);
-    const int hra = e.basic * 2 / 5;
-    salaries_.add(key + ", " + std::to_string(e.basic + hra) + ", " + std::to_string(e.basic) +
-                  ", " + std::to_string(hra) + ", 1");
-    deductions_.add(key + ", " + std::to_string(std::min(e.basic, 15000) * 12 / 100));
+    const int hra = e.basic * 2 / 5, fund = std::min(e.basic, 15000) * 12 / 100;
+    ++salaryId_;
+    salaries_.add(salaryId_, e.id, slice.version.detId, slice.month, e.basic + hra, e.basic, hra,
+                  1);
+    deductions_.add(salaryId_, e.id, slice.version.detId, slice.month, fund);
 }
 
 void SampleAttendance::writeRegister(const Slice& slice, const std::vector<Day>& days) {
     const std::string present = slice.version.head == kWorkshop ? "" : "P";
-    std::string texts, figures;
     const int before = slice.from.day - firstDayOf(slice.month).day;
+    ++registerId_;
+    registers_.beginRow();
+    for (const int64_t key : {registerId_, int64_t{slice.employee.id}, int64_t{slice.version.detId},
+                              int64_t{slice.version.head}, int64_t{slice.month}, int64_t{1}})
+        registers_.cell(key);
+    overtime_.beginRow();
+    overtime_.cell(registerId_);
     for (int n = 0; n < 31; ++n) {
         const int at = n - before;
-        if (at < 0 || at >= static_cast<int>(days.size())) {
-            texts += ",NULL";
-            figures += ",NULL";
-            continue;
+        std::string text, figure = "0";
+        if (at >= 0 && at < static_cast<int>(days.size())) {
+            const Day& day = days[static_cast<size_t>(at)];
+            text = statusText(day.first, day.second, present);
+            if (day.hundredths) {
+                figure = figureText(day.hundredths);
+                text = figure + (text.empty() ? "" : " + " + text);
+            }
         }
-        const Day& day = days[static_cast<size_t>(at)];
-        std::string text = statusText(day.first, day.second, present);
-        if (day.hundredths) text = figureText(day.hundredths) + (text.empty() ? "" : " + " + text);
-        texts += ",'" + text + "'";
-        figures += day.hundredths ? "," + figureText(day.hundredths) : ",NULL";
+        registers_.cell(text);
+        overtime_.cell(figure);
     }
-    const std::string number = std::to_string(++registerId_);
-    registers_.add(number + "," + std::to_string(slice.employee.id) + "," +
-                   std::to_string(slice.version.detId) + "," + std::to_string(slice.version.head) +
-                   "," + std::to_string(slice.month) + ",1" + texts);
-    overtime_.add(number + figures);
+    registers_.endRow();
+    overtime_.endRow();
 }
 
 void SampleAttendance::writeLeave(const Slice& slice, const std::vector<Day>& days) {
-    const std::string owner =
-        std::to_string(slice.employee.id) + ", " + std::to_string(slice.version.detId) + ", ";
     std::map<int, int> halves;  // of the month, by leave, for heads that keep monthly figures
+    auto add = [&](int leave, const DateTime& date, bool first, bool second,
+                   const std::string& monthly) {
+        leave_.add(slice.employee.id, slice.version.detId, leave, date, first, second, monthly, "");
+    };
     for (size_t n = 0; n < days.size(); ++n) {
         const Day& day = days[n];
-        const std::string date = ", " + sqlDate(slice.from.plusDays(static_cast<int>(n)));
+        const DateTime date = slice.from.plusDays(static_cast<int>(n));
         if (slice.version.head == kSales) {
             if (day.first) ++halves[day.first];
             if (day.second) ++halves[day.second];
         } else if (day.first && day.first == day.second) {
-            leave_.add(owner + std::to_string(day.first) + date + ", 1, 1, NULL, ''");
+            add(day.first, date, true, true, "0");
         } else {
-            if (day.first)
-                leave_.add(owner + std::to_string(day.first) + date + ", 1, 0, NULL, ''");
-            if (day.second)
-                leave_.add(owner + std::to_string(day.second) + date + ", 0, 1, NULL, ''");
+            if (day.first) add(day.first, date, true, false, "0");
+            if (day.second) add(day.second, date, false, true, "0");
         }
     }
     for (const auto& [leave, count] : halves)
-        leave_.add(owner + std::to_string(leave) + ", " + sqlDate(slice.from) + ", 0, 0, " +
-                   std::to_string(count / 2) + (count % 2 ? ".5" : "") + ", ''");
+        add(leave, slice.from, false, false, std::to_string(count / 2) + (count % 2 ? ".5" : ""));
 }
 
 }  // namespace owb::ctl

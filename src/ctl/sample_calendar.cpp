@@ -164,26 +164,22 @@ void SampleCalendar::writeHolidays(Connection& connection) const {
                        "BRANCHID");
     RowWriter exceptions(connection, "ATT_HOLEX", "HOLIDAYID, ATTHEADID, BRANCHID");
     int id = 0;
-    auto add = [&](const DateTime& day, const char* name, bool national, const std::string& head,
-                   const std::string& branch) {
-        const bool general = head == "NULL" && branch == "NULL";
-        holidays.add(std::to_string(++id) + ", " + sqlDate(day) + ", " + sqlText(name) + ", " +
-                     (national ? "1, " : "0, ") + (general ? "1, " : "0, ") + head + ", " + branch);
+    auto add = [&](const DateTime& day, const char* name, bool national, std::optional<int> head,
+                   std::optional<int> branch) {
+        holidays.add(++id, day, name, national, !head && !branch, head, branch);
     };
     for (const Holiday& h : kGazetted) {
-        add(dateOf(h), h.name, h.national, "NULL", "NULL");
+        add(dateOf(h), h.name, h.national, std::nullopt, std::nullopt);
         // The gates stand open on Good Friday, and the south works on Holi.
         if (std::string_view(h.name) == "Good Friday")
-            exceptions.add(std::to_string(id) + ", " + std::to_string(kSecurity) + ", NULL");
-        if (std::string_view(h.name) == "Holi")
-            exceptions.add(std::to_string(id) + ", NULL, " + std::to_string(kBengaluru));
+            exceptions.add(id, int{kSecurity}, std::nullopt);
+        if (std::string_view(h.name) == "Holi") exceptions.add(id, std::nullopt, int{kBengaluru});
     }
     for (int year = 2024; year <= 2026; ++year) {
         for (const auto& h : kOfBranch)
-            add(DateTime::fromCivil(year, h.month, h.day), h.name, false, "NULL",
-                std::to_string(h.branch));
+            add(DateTime::fromCivil(year, h.month, h.day), h.name, false, std::nullopt, h.branch);
         add(DateTime::fromCivil(year, kWorkshopMonth, kWorkshopDay), "Vishwakarma Puja", false,
-            std::to_string(kWorkshop), "NULL");
+            int{kWorkshop}, std::nullopt);
     }
     holidays.flush();
     exceptions.flush();
@@ -192,14 +188,13 @@ void SampleCalendar::writeHolidays(Connection& connection) const {
                          "HOLIDAYID, HOLIDAYDATE, HOLIDAYDESC, HOLIDAYTYPE, ATTHEADID, BRANCHID, "
                          "RESTRICTYN");
     id = 0;
-    auto addRestricted = [&](const DateTime& day, const char* name, const char* branch) {
-        restricted.add(std::to_string(++id) + ", " + sqlDate(day) + ", " + sqlText(name) +
-                       ", 0, NULL, " + branch + ", 1");
+    auto addRestricted = [&](const DateTime& day, const char* name, std::optional<int> branch) {
+        restricted.add(++id, day, name, false, std::nullopt, branch, true);
     };
-    for (const Holiday& h : kRestricted) addRestricted(dateOf(h), h.name, "NULL");
+    for (const Holiday& h : kRestricted) addRestricted(dateOf(h), h.name, std::nullopt);
     for (const Holiday& h : kRegionalNewYear) {
-        addRestricted(dateOf(h), "Gudi Padwa", "1");
-        addRestricted(dateOf(h), "Ugadi", "2");
+        addRestricted(dateOf(h), "Gudi Padwa", int{kPune});
+        addRestricted(dateOf(h), "Ugadi", int{kBengaluru});
     }
     restricted.flush();
     connection.Execute(
@@ -213,29 +208,32 @@ void SampleCalendar::writeWeeklyOffs(Connection& connection) const {
         "EDITEDYN";
     RowWriter heads(connection, "LEV_WEEKLYHLD", "WHID, ATTHEADID, " + columns);
     RowWriter branches(connection, "LEV_WEEKLYHLDBRANCH", "WHID, BRANCHID, " + columns);
-    const std::string first = std::to_string(options_.fromMonth);
     int id = 0;
-    auto row = [&](RowWriter& table, int owner, int weekday) {
-        const int head = &table == &heads ? owner : 0;
-        std::string values = std::to_string(++id) + ", " + std::to_string(owner) + ", " + first +
-                             ", " + std::to_string(weekday);
+    auto row = [&](RowWriter& table, int owner, int head, int weekday) {
+        table.beginRow();
+        table.cell(++id);
+        table.cell(owner);
+        table.cell(options_.fromMonth);
+        table.cell(weekday);
         bool differs = false;
         for (int week = 1; week <= 5; ++week) {
-            const OffHalves off =
-                weekday == kSunday ? OffHalves{true, true} : saturdayOff(head, week);
-            const OffHalves company =
-                weekday == kSunday ? OffHalves{true, true} : saturdayOff(0, week);
-            differs |= off.first != company.first || off.second != company.second;
-            values += off.first ? ", 1" : ", 0";
-            values += off.second ? ", 1" : ", 0";
+            OffHalves off{true, true};
+            if (weekday == kSaturday) {
+                off = saturdayOff(head, week);
+                const OffHalves company = saturdayOff(0, week);
+                differs |= off.first != company.first || off.second != company.second;
+            }
+            table.cell(off.first);
+            table.cell(off.second);
         }
-        table.add(values + (differs ? ", 1" : ", 0"));
+        table.cell(differs);
+        table.endRow();
     };
     for (int head = 0; head <= kHeads; ++head)
-        for (const int weekday : {kSunday, kSaturday}) row(heads, head, weekday);
+        for (const int weekday : {kSunday, kSaturday}) row(heads, head, head, weekday);
     id = 0;
     for (const int branch : {kPune, kBengaluru})
-        for (const int weekday : {kSunday, kSaturday}) row(branches, branch, weekday);
+        for (const int weekday : {kSunday, kSaturday}) row(branches, branch, 0, weekday);
     heads.flush();
     branches.flush();
 
@@ -245,13 +243,11 @@ void SampleCalendar::writeWeeklyOffs(Connection& connection) const {
     const DateTime end = lastDayOf(options_.fromMonth + options_.months - 1);
     for (DateTime day = firstDayOf(options_.fromMonth); day <= end; day = day.plusDays(1)) {
         const OffHalves off = rotatingOff(0, day);
-        if (off.any())
-            rotation.add(std::to_string(kSecurity) + ", 0, " + sqlDate(day) +
-                         (off.first ? ", 1" : ", 0") + (off.second ? ", 1" : ", 0"));
+        if (off.any()) rotation.add(int{kSecurity}, 0, day, off.first, off.second);
         // Stock-taking on the last day of each quarter.
         const CivilDate c = day.civil();
         if (c.month % 3 == 0 && c.day == daysInMonth(c.year, c.month))
-            special.add(std::to_string(kPlant) + ", " + sqlDate(day));
+            special.add(int{kPlant}, day);
     }
     rotation.flush();
     special.flush();

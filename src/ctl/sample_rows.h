@@ -1,6 +1,9 @@
-// Rows on their way into one table: collected and sent as INSERT ... VALUES of many rows.
+// Rows on their way into one table: collected and sent as INSERT ... VALUES of many rows. Every
+// value is written as text, which the column's type converts: so all statements of a table have one
+// shape, and the server finds its plan again.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,13 +17,48 @@ class RowWriter {
     RowWriter(Connection& connection, const std::string& table, const std::string& columns)
         : connection_(connection), head_("INSERT INTO " + table + " (" + columns + ") VALUES ") {}
 
-    // One row's values as they stand between the brackets.
-    void add(std::string_view values) {
-        if (rows_ == kRowsPerStatement || text_.size() > kTextPerStatement) flush();
-        text_ += rows_++ == 0 ? "(" : ",(";
-        text_ += values;
-        text_ += ')';
+    // One whole row.
+    template <class... Values>
+    void add(const Values&... values) {
+        beginRow();
+        (cell(values), ...);
+        endRow();
     }
+
+    // A row cell by cell.
+    void beginRow() {
+        if (rows_ == kRowsPerStatement) flush();
+        text_ += rows_++ == 0 ? "(" : ",(";
+        first_ = true;
+    }
+    void cell(std::string_view text) {
+        separate();
+        text_ += '\'';
+        for (const char c : text) {
+            if (c == '\'') text_ += '\'';
+            text_ += c;
+        }
+        text_ += '\'';
+    }
+    void cell(const char* text) { cell(std::string_view(text)); }
+    void cell(const std::string& text) { cell(std::string_view(text)); }
+    void cell(int64_t number) { cell(std::to_string(number)); }
+    void cell(int number) { cell(std::to_string(number)); }
+    void cell(bool flag) { cell(std::string_view(flag ? "1" : "0")); }
+    void cell(const DateTime& date) { cell(isoText(date)); }
+    void cell(std::nullopt_t) {
+        separate();
+        text_ += "NULL";
+    }
+    template <class T>
+    void cell(const std::optional<T>& value) {
+        if (value)
+            cell(*value);
+        else
+            cell(std::nullopt);
+    }
+    void endRow() { text_ += ')'; }
+
     void flush() {
         if (rows_ == 0) return;
         connection_.Execute(head_ + text_);
@@ -29,21 +67,17 @@ class RowWriter {
     }
 
   private:
-    static constexpr int kRowsPerStatement = 200;  // a server takes up to 1000
-    static constexpr size_t kTextPerStatement = 100000;
+    static constexpr int kRowsPerStatement = 50;
+
+    void separate() {
+        if (!first_) text_ += ',';
+        first_ = false;
+    }
 
     Connection& connection_;
     std::string head_, text_;
     int rows_ = 0;
+    bool first_ = true;
 };
-
-inline std::string sqlText(std::string_view text) {
-    std::string out = "'";
-    for (const char c : text) out += c == '\'' ? std::string("''") : std::string(1, c);
-    return out + "'";
-}
-inline std::string sqlDate(const DateTime& date) {
-    return "'" + isoText(date) + "'";
-}
 
 }  // namespace owb::ctl

@@ -101,33 +101,66 @@ constexpr ScreenCommand kCommands[] = {
     {1521, "Delete", false},
 };
 
-// How one leave is given and carried; the columns of LEV_SETTINGS that are not 0 here.
+// How one leave is given and carried, in the codes of LEV_SETTINGS.
 struct LeaveRule {
     int leave;
-    const char* settings;  // AUTOALLOTYN to RNDTYPE
-    int allotType, allotOn;
-    const char* leaves;  // NOL; none: nothing is allotted
+    const char* number = nullptr;  // of leaves given (NOL); none: not given automatically
+    int allotType = 0, allotOn = 0, asPer = 0, allotFor = 0, allotRounding = 0, minDays = 0;
+    bool carried = false;
+    int lapseMonth = 0, lapseLimit = 0;  // what is above the limit lapses at that month's end
+    bool encashed = false;
+    int keptBalance = 0;  // is never encashed
+    int rounding = 0;     // of the balance
+    int availFrom = 0;    // 0 joining, 2 confirmation
 };
-constexpr const char* kSettingColumns =
-    "LEVID, ATTHEADID, MONTHYEAR, PRIORITY, EDITEDYN, MINDATETYPE, MINMONTH, MINDAYS, "
-    "MINAVAILDATETYPE, MINAVAILMONTH, MINAVAILDAYS, REMARKS, ALLOTTYPE, ALLOTON, AUTOALLOTYN, "
-    "ALLOTASPER, ALLOTFOR, ALLOTRNDTYPE, MINLEVDAYS, EXCLDOJYN, EXCLDOLYN, COYN, COTYPE, "
-    "LOWERLIMITYN, COLOWERLIMIT, UPPERLIMITYN, COLIMIT, LAPSEYN, LAPSENEGATIVE, LAPSEMONTH, "
-    "LAPSELIMIT, LEAVEENCASHYN, ENCASHMINBAL, RNDOFFYN, RNDTYPE";
-// From AUTOALLOTYN on.
+constexpr int kMonthly = 1, kYearly = 2;              // allotType
+constexpr int kCalendarYear = 1, kFinancialYear = 2;  // allotOn of yearly leave
 constexpr LeaveRule kLeaveRules[] = {
     // Credited by days worked, carried without end.
-    {kCompOff, "0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1", 0, 0, nullptr},
-    {kCompWork, "0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0", 0, 0, nullptr},
-    // One day a month; what is left in March lapses.
-    {kCasual, "1, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0, 1, 0, 3, 0, 0, 0, 1, 1", 1, 3, "1"},
+    {.leave = kCompOff, .carried = true, .rounding = 1},
+    {.leave = kCompWork},
+    // One day a month, whatever was worked; what is left in March lapses.
+    {.leave = kCasual,
+     .number = "1",
+     .allotType = kMonthly,
+     .allotOn = 3,
+     .carried = true,
+     .lapseMonth = 3,
+     .rounding = 1},
     // Seven days in April, pro rata for joiners; the rest lapses in March.
-    {kSick, "1, 0, 0, 5, 0, 0, 0, 1, 1, 0, 0, 0, 0, 1, 0, 3, 0, 0, 0, 1, 1", 2, 2, "7"},
+    {.leave = kSick,
+     .number = "7",
+     .allotType = kYearly,
+     .allotOn = kFinancialYear,
+     .allotRounding = 5,
+     .carried = true,
+     .lapseMonth = 3,
+     .rounding = 1},
     // One day for every 20 days present in the calendar year before (18.25 for 365), from 240 days
     // on, fractions of half a day and more as a day; 30 days are carried into January.
-    {kEarned, "1, 1, 2, 6, 240, 0, 0, 1, 1, 0, 0, 0, 0, 1, 0, 12, 30, 1, 15, 1, 1", 2, 1, "18.25"},
+    {.leave = kEarned,
+     .number = "18.25",
+     .allotType = kYearly,
+     .allotOn = kCalendarYear,
+     .asPer = 1,
+     .allotFor = 2,
+     .allotRounding = 6,
+     .minDays = 240,
+     .carried = true,
+     .lapseMonth = 12,
+     .lapseLimit = 30,
+     .encashed = true,
+     .keptBalance = 15,
+     .rounding = 1,
+     .availFrom = 2},
     // Two a year, not carried.
-    {kRestricted, "1, 0, 0, 4, 0, 0, 0, 1, 1, 0, 0, 0, 0, 1, 0, 12, 0, 0, 0, 0, 0", 2, 1, "2"},
+    {.leave = kRestricted,
+     .number = "2",
+     .allotType = kYearly,
+     .allotOn = kCalendarYear,
+     .allotRounding = 4,
+     .carried = true,
+     .lapseMonth = 12},
 };
 
 void writeMonths(Connection& connection, const SampleOptions& options) {
@@ -137,10 +170,9 @@ void writeMonths(Connection& connection, const SampleOptions& options) {
     RowWriter editedDays(connection, "SLC_ATTHEADNOD", "ATTHEADID, MONTHYEAR, NOD, REMARKS");
     for (int n = 0; n < options.months; ++n) {
         const int32_t key = options.fromMonth + n;
-        const char* locked = n < options.months - 2 ? ", 1, 1, 0" : ", 0, 0, 0";
-        months.add(std::to_string(key) + ", " + sqlDate(firstDayOf(key)) + ", " +
-                   sqlDate(lastDayOf(key)) + locked);
-        editedDays.add(std::to_string(kSales) + ", " + std::to_string(key) + ", 26, NULL");
+        const bool locked = n < options.months - 2;
+        months.add(key, firstDayOf(key), lastDayOf(key), locked, locked, false);
+        editedDays.add(int{kSales}, key, 26, std::nullopt);
     }
     months.flush();
     editedDays.flush();
@@ -152,35 +184,37 @@ void writeMonths(Connection& connection, const SampleOptions& options) {
 }
 
 void writeLeaveRules(Connection& connection, const SampleOptions& options) {
-    RowWriter settings(connection, "LEV_SETTINGS", kSettingColumns);
+    RowWriter settings(
+        connection, "LEV_SETTINGS",
+        "LEVID, ATTHEADID, MONTHYEAR, PRIORITY, EDITEDYN, MINDATETYPE, MINMONTH, MINDAYS, "
+        "MINAVAILDATETYPE, MINAVAILMONTH, MINAVAILDAYS, AUTOALLOTYN, ALLOTTYPE, ALLOTON, "
+        "ALLOTASPER, "
+        "ALLOTFOR, ALLOTRNDTYPE, MINLEVDAYS, EXCLDOJYN, EXCLDOLYN, COYN, COTYPE, LOWERLIMITYN, "
+        "COLOWERLIMIT, UPPERLIMITYN, COLIMIT, LAPSEYN, LAPSENEGATIVE, LAPSEMONTH, LAPSELIMIT, "
+        "LEAVEENCASHYN, ENCASHMINBAL, RNDOFFYN, RNDTYPE, REMARKS");
     RowWriter figures(connection, "LEV_ALLOTCONFIG",
                       "EFFFROM, LEVID, ATTHEADID, ALLOTTYPE, ALLOTON, PERIOD, NOL, FID, QUERYYN");
-    const std::string first = std::to_string(options.fromMonth);
     const int year = (options.fromMonth - 1) / 12;
     const int financialYear = (options.fromMonth - 1) % 12 + 1 < 4 ? year - 1 : year;
     for (int head = 0; head <= kHeads; ++head) {
-        for (const LeaveRule& rule : kLeaveRules) {
-            const std::string leave = std::to_string(rule.leave), owner = std::to_string(head);
-            // Earned leave may be taken from confirmation on.
-            const char* dates =
-                rule.leave == kEarned ? "0, 0, 0, 2, 0, 0, '', " : "0, 0, 0, 0, 0, 0, '', ";
-            const std::string kind =
-                std::to_string(rule.allotType) + ", " + std::to_string(rule.allotOn) + ", ";
-            settings.add(leave + ", " + owner + ", " + first + ", " + leave + ", 0, " + dates +
-                         kind + rule.settings);
-            if (head == 0 || !rule.leaves) continue;
+        for (const LeaveRule& r : kLeaveRules) {
+            settings.add(r.leave, head, options.fromMonth, r.leave, false, 0, 0, 0, r.availFrom, 0,
+                         0, r.number != nullptr, r.allotType, r.allotOn, r.asPer, r.allotFor,
+                         r.allotRounding, r.minDays, false, false, r.carried, r.carried, false, 0,
+                         false, 0, r.lapseMonth != 0, false, r.lapseMonth, r.lapseLimit, r.encashed,
+                         r.keptBalance, r.rounding != 0, r.rounding, "");
+            if (head == 0 || !r.number) continue;
             // The figures of yearly leaves start in a year, of the others in a month.
-            const std::string from = rule.allotType != 2 ? first
-                                     : rule.allotOn == 2 ? std::to_string(financialYear)
-                                                         : std::to_string(year);
-            figures.add(from + ", " + leave + ", " + owner + ", " + kind + "30, " + rule.leaves +
-                        ", 0, 0");
+            const int from = r.allotType != kYearly        ? options.fromMonth
+                             : r.allotOn == kFinancialYear ? financialYear
+                                                           : year;
+            figures.add(from, r.leave, head, r.allotType, r.allotOn, 30, r.number, 0, 0);
         }
     }
     // From the seventh month on the workshop earns casual leave faster.
     if (options.months > 6)
-        figures.add(std::to_string(options.fromMonth + 6) + ", " + std::to_string(kCasual) + ", " +
-                    std::to_string(kWorkshop) + ", 1, 3, 30, 1.25, 0, 0");
+        figures.add(options.fromMonth + 6, int{kCasual}, int{kWorkshop}, kMonthly, 3, 30, "1.25", 0,
+                    0);
     settings.flush();
     figures.flush();
 }
@@ -190,12 +224,10 @@ void writeRights(Connection& connection) {
     RowWriter grants(connection, "SEC_BUTPER", "BUTID, GROUPID, BUTALLOWYN");
     int id = 0;
     for (const ScreenCommand& command : kCommands) {
-        const std::string but = std::to_string(++id);
-        commands.add(but + ", " + std::to_string(command.form) + ", " +
-                     sqlText("*" + std::string(command.caption) + "*"));
-        grants.add(but + ", 1, 1");
-        grants.add(but + (command.clerkMay ? ", 2, 1" : ", 2, 0"));
-        grants.add(but + ", 3, 0");
+        commands.add(++id, command.form, "*" + std::string(command.caption) + "*");
+        grants.add(id, 1, true);
+        grants.add(id, 2, command.clerkMay);
+        grants.add(id, 3, false);
     }
     commands.flush();
     grants.flush();
