@@ -31,8 +31,9 @@ std::string textTable(const std::vector<std::vector<std::string>>& rows) {
         }
         out += std::string(trimRight(line)) + "\n";
         if (r > 0) continue;
-        for (size_t c = 0; c < columns; ++c) out += (c ? "  " : "") + std::string(width[c], '-');
-        out += "\n";
+        std::string rule;
+        for (size_t c = 0; c < columns; ++c) rule += (c ? "  " : "") + std::string(width[c], '-');
+        out += std::string(trimRight(rule)) + "\n";
     }
     return out;
 }
