@@ -247,7 +247,7 @@ void SampleCalendar::writeWeeklyOffs(Connection& connection) const {
         // Stock-taking on the last day of each quarter.
         const CivilDate c = day.civil();
         if (c.month % 3 == 0 && c.day == daysInMonth(c.year, c.month))
-            special.add(int{kPlant}, day);
+            special.add(int{kWorkshop}, day);
     }
     rotation.flush();
     special.flush();

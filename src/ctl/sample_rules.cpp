@@ -20,7 +20,7 @@ INSERT INTO MAS_ATTHEAD (ATTHEADID, ATTHEADNAME, ATTMENUNAME, ATTDESC, ATTNTIGHT
     FULLDAYDEDYN, NOATTSALAFFYN, HALFATTSALAFFYN, FULLATTSALAFFYN) VALUES
 (1, 'Office', 'Office', 'Leave register, days of the month', 1, 1, 2, 0, 0, 2, 0, 0, 0, 0, 0,
     0, 1.59, 2, 5.59, 4, 6, 10, 8, 10, 120, 0, 0, 0, 0, 0, 0, 0, 0),
-(2, 'Plant', 'Plant', 'Daily register, fixed 30 days', 1, 2, 1, 1, 0, 2, 1, 1, 1, 0, 0,
+(2, 'Plant', 'Plant', 'Daily register, fixed 30 days', 1, 2, 1, 1, 0, 2, 1, 0, 1, 0, 0,
     0, 1.59, 2, 5.59, 4, 6, 10, 8, 10, 120, 0, 0, 0, 0, 0, 0, 0, 0),
 (3, 'Workshop', 'Workshop', 'Hours per day, working days', 1, 3, 4, 1, 1, 2, 1, 1, 1, 0, 0,
     0, 1.59, 2, 5.59, 4, 6, 16, 8, 16, 15, 0, 0, 1, 0, 0, 1, 1, 0),
@@ -36,8 +36,8 @@ INSERT INTO ATT_OPTSETTINGS (ATTHEADID, EXCESSLEVYN, LOADDEFYN, DEFVAL, SPLOTYN,
     INDLEVSETYN, INDWHYN, COCWYN, COMMONYN, EDITEDYN) VALUES
 (0, 1, 0, 2, 0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 1, 1, 0, 0, 0),
 (1, 1, 0, 2, 0, 0, 0, 0, 1, 1, 0, 1, 1, 0, 1, 1, 0, 0, 1),
-(2, 1, 1, 0, 1, 1, 1, 1, 0, 0, 0, 1, 1, 0, 1, 1, 1, 0, 1),
-(3, 1, 0, 2, 1, 1, 0, 0, 1, 1, 0, 1, 1, 1, 1, 1, 1, 0, 1),
+(2, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 1, 1, 1, 0, 1),
+(3, 1, 0, 2, 1, 1, 1, 0, 1, 1, 0, 1, 1, 1, 1, 1, 1, 0, 1),
 (4, 1, 0, 2, 0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 1, 1, 0, 0, 0),
 (5, 1, 0, 2, 0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 1, 1, 0, 0, 0),
 (6, 1, 0, 2, 0, 0, 0, 0, 0, 0, 1, 1, 1, 0, 1, 1, 0, 0, 1)
