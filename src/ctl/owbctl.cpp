@@ -19,9 +19,10 @@ struct Entry {
     CLI::App* app = nullptr;
 };
 
-int help(const std::string& name, CLI::App& all, const std::vector<Entry>& entries, Streams& io) {
+int help(const std::string& name, const std::string& overview, const std::vector<Entry>& entries,
+         Streams& io) {
     if (name.empty()) {
-        io.out << all.help();
+        io.out << overview;
         return 0;
     }
     for (const Entry& e : entries) {
@@ -54,18 +55,18 @@ int runOwbctl(std::vector<std::string> arguments, Streams& io) {
     CLI::App* helpApp = all.add_subcommand("help", "Tell about a command");
     helpApp->add_option("COMMAND", helpName);
 
+    const std::string overview = all.help();
     std::reverse(arguments.begin(), arguments.end());
     try {
         all.parse(arguments);
     } catch (const CLI::CallForHelp&) {
-        const auto chosen = all.get_subcommands();
-        io.out << (chosen.empty() ? all : *chosen.front()).help();
+        io.out << all.help();  // of the command, when one was named
         return 0;
     } catch (const CLI::ParseError& e) {
         io.err << "error: " << e.what() << "\n";
         return 2;
     }
-    if (helpApp->parsed()) return help(helpName, all, entries, io);
+    if (helpApp->parsed()) return help(helpName, overview, entries, io);
     for (const Entry& e : entries) {
         if (!e.app->parsed()) continue;
         try {
