@@ -27,7 +27,7 @@ int help(const std::string& name, const std::string& overview, const std::vector
     }
     for (const Entry& e : entries) {
         if (name != e.command->name()) continue;
-        io.out << e.app->help();
+        io.out << e.app->help("owbctl");
         return 0;
     }
     io.err << "error: there is no command \"" << name << "\"; see owbctl help\n";
