@@ -30,11 +30,14 @@ struct Name {
 };
 
 // A literal of the batch. Its place in the batch's literal table lets one plan serve every batch
-// of the same shape; a literal that decided something in the plan is marked fixed.
+// of the same shape. A literal whose value decided something in the plan is fixed, one whose type
+// (digits, places) did is fixed in its type.
 struct LiteralSlot {
     Value value;
     SqlType type;
+    int digits = 0;  // of a whole number
     bool fixed = false;
+    bool typeFixed = false;
 };
 
 enum class ExprKind : uint8_t {

@@ -11,6 +11,13 @@ namespace owb::tsql {
 
 namespace {
 
+// The length of a text with literals in it is that of this run alone.
+bool hasTextLiteral(const BoundExpr& e) {
+    if (e.kind == BoundKind::Literal && e.index >= 0 && e.type.isText()) return true;
+    return std::any_of(e.args.begin(), e.args.end(),
+                       [](const BoundPtr& a) { return hasTextLiteral(*a); });
+}
+
 std::string powerText(int n) { return Decimal(powerOfTen(n), 0).toText(); }
 
 bool isWide(const SqlType& t) {
@@ -27,6 +34,7 @@ BoundPtr cloneBound(const BoundExpr& e) {
     c->type = e.type;
     c->nullable = e.nullable;
     c->userFunction = e.userFunction;
+    c->negated = e.negated;
     c->index = e.index;
     c->sourceType = e.sourceType;
     c->constant = e.constant;
@@ -46,7 +54,7 @@ bool sameBound(const BoundExpr& a, const BoundExpr& b, const std::vector<Literal
             const auto value = [&](const BoundExpr& e) -> const Value& {
                 return e.index < 0 ? e.constant : literals[e.index].value;
             };
-            return value(a) == value(b);
+            return a.negated == b.negated && value(a) == value(b);
         }
         case BoundKind::Variable:
         case BoundKind::LiveVariable: return a.index == b.index;
@@ -144,6 +152,8 @@ BoundPtr Binder::bind(const Expr& e) {
                 b->index = e.literal;
                 b->type = b->sourceType = slot.type;
                 b->nullable = false;
+                // Its places shape the plan, unless it goes straight into a column.
+                if (slot.type.kind == SqlKind::Numeric) slot.typeFixed = true;
                 return b;
             }
             case ExprKind::Null: return null();
@@ -158,6 +168,11 @@ BoundPtr Binder::bind(const Expr& e) {
                 if (a->type.isDate() || a->type.kind == SqlKind::Bit)
                     throw makeDbError(8117, {a->type.name(), e.op == "-" ? "minus" : "bitwise not"},
                                       e.line);
+                if (e.op == "-" && a->kind == BoundKind::Literal && a->index >= 0 &&
+                    a->type == a->sourceType && a->type.isNumber()) {
+                    a->negated = !a->negated;
+                    return a;
+                }
                 SqlType type = a->type;
                 if (e.op == "~") {
                     if (!type.isInteger())
@@ -309,6 +324,7 @@ BoundPtr Binder::plus(BoundPtr a, BoundPtr b) {
 SqlType Binder::operandNumeric(const BoundExpr& e) const {
     if (e.kind != BoundKind::Literal || e.type.kind != SqlKind::Int || !(e.type == e.sourceType))
         return asNumeric(e.type);
+    if (e.index >= 0) (*context_.literals)[e.index].typeFixed = true;
     const Value& v = e.index < 0 ? e.constant : (*context_.literals)[e.index].value;
     return SqlType::numeric(v.isInt() ? Decimal::fromInt(v.asInt()).digits() : 10, 0);
 }
@@ -638,7 +654,8 @@ BoundPtr Binder::convert(BoundPtr e, const SqlType& to, int style, bool tryCast)
             return as("(CAST($0 AS REAL) / " + powerText(from.scale) + ".0)");
         if (from.isText() && to.isText() && !to.isFixedText()) {
             const bool fits = to.length == SqlType::kMax ||
-                              (from.length != SqlType::kMax && from.length <= to.length);
+                              (from.length != SqlType::kMax && from.length <= to.length &&
+                               !hasTextLiteral(*e));
             return as(fits ? "$0" : "substr($0,1," + std::to_string(to.length) + ")");
         }
         if (from.kind == SqlKind::Date && to.kind == SqlKind::DateTime) return as("$0");
@@ -653,9 +670,15 @@ BoundPtr Binder::assign(BoundPtr e, const CatalogTable& table, const CatalogColu
     const bool mayNotFit =
         to.isText() && to.length != SqlType::kMax && from.kind != SqlKind::Null &&
         (from.isText() ? from.length == SqlType::kMax || from.length > to.length ||
-                             e->kind == BoundKind::Literal || to.isFixedText()
+                             to.isFixedText() || hasTextLiteral(*e)
                        : true);
-    if (!mayNotFit) return convert(std::move(e), to);
+    if (!mayNotFit) {
+        // The only numeric literals whose places do not shape the plan.
+        if (e->kind == BoundKind::Literal && e->index >= 0 && e->type == e->sourceType &&
+            to.isNumber())
+            (*context_.literals)[e->index].typeFixed = false;
+        return convert(std::move(e), to);
+    }
     SqlType wide = to;
     wide.kind = to.isUnicode() ? SqlKind::NVarChar : SqlKind::VarChar;
     wide.length = from.isText() ? SqlType::kMax : 8000;

@@ -58,7 +58,7 @@ struct BoundExpr {
     bool window = false;
     bool predicate = false;  // three-valued truth, no T-SQL value
     bool userFunction = false;
-    bool negated = false;  // ExistsQuery, InQuery
+    bool negated = false;  // ExistsQuery, InQuery; Literal: its value with the other sign
     int index = -1;
     SqlType sourceType;  // of a literal or variable before conversion to `type`
     Value constant;

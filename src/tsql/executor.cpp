@@ -123,17 +123,8 @@ std::shared_ptr<CompiledBatch> Executor::findOrCompile(std::string_view batch) {
     for (const Token& t : tokens) {
         if (t.isLiteral()) {
             literals.push_back(literalOf(t));
-            const SqlType& type = literals.back().type;
             shape_ += '\x01';
-            shape_ += static_cast<char>('a' + static_cast<int>(type.kind));
-            if (type.kind == SqlKind::Numeric) {
-                shape_ += static_cast<char>('0' + type.precision);
-                shape_ += static_cast<char>('0' + type.scale);
-            } else if (type.kind == SqlKind::Int) {
-                // A whole number beside a numeric counts with its own digits.
-                shape_ += static_cast<char>(
-                    '0' + Decimal::fromInt(literals.back().value.asInt()).digits());
-            }
+            shape_ += static_cast<char>('a' + static_cast<int>(literals.back().type.kind));
         } else {
             shape_ += batch.substr(t.begin, t.end - t.begin);
         }
@@ -143,12 +134,20 @@ std::shared_ptr<CompiledBatch> Executor::findOrCompile(std::string_view batch) {
     for (const auto& code : known) {
         if (code->running > 0 || code->ast.literals.size() < literals.size()) continue;
         bool fits = true;
-        for (size_t i = 0; i < literals.size() && fits; ++i)
-            fits = !code->ast.literals[i].fixed || code->ast.literals[i].value == literals[i].value;
+        for (size_t i = 0; i < literals.size() && fits; ++i) {
+            const LiteralSlot& held = code->ast.literals[i];
+            fits = (!held.fixed || held.value == literals[i].value) &&
+                   (!held.typeFixed ||
+                    (held.type == literals[i].type && held.digits == literals[i].digits));
+        }
         if (!fits) continue;
-        for (size_t i = 0; i < literals.size(); ++i)
-            if (!code->ast.literals[i].fixed)
-                code->ast.literals[i].value = std::move(literals[i].value);
+        for (size_t i = 0; i < literals.size(); ++i) {
+            LiteralSlot& held = code->ast.literals[i];
+            if (held.fixed) continue;
+            held.value = std::move(literals[i].value);
+            held.type = literals[i].type;
+            held.digits = literals[i].digits;
+        }
         return code;
     }
     if (batchCount_ >= kMostBatches) {

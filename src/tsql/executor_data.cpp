@@ -61,14 +61,30 @@ const Value& Executor::parameterValue(Frame& frame, const PlanParameter& p) {
     return p.kind == PlanParameter::Variable ? frame.variables[p.index] : p.constant;
 }
 
+namespace {
+
+Value negated(const Value& v) {
+    if (v.isInt()) return Value(-v.asInt());
+    if (v.isDecimal()) return Value(-v.asDecimal());
+    return Value(-v.asDouble());
+}
+
+}  // namespace
+
 void Executor::bindParameters(sqlite3_stmt* statement, Frame& frame, const Plan& plan) {
     for (size_t i = 0; i < plan.parameters.size(); ++i) {
         const PlanParameter& p = plan.parameters[i];
         const Value& v = parameterValue(frame, p);
-        if (p.from == p.to || v.isNull())
-            bindValue(statement, static_cast<int>(i) + 1, v);
+        const int at = static_cast<int>(i) + 1;
+        // The type of this run's literal: only its kind is sure to be that of the plan's making.
+        const SqlType& from =
+            p.kind == PlanParameter::Literal ? frame.code->ast.literals[p.index].type : p.from;
+        if (p.negated)
+            bindValue(statement, at, convertValue(negated(v), from, p.to));
+        else if (from == p.to || v.isNull() || (v.isText() && p.from == p.to))
+            bindValue(statement, at, v);
         else
-            bindValue(statement, static_cast<int>(i) + 1, convertValue(v, p.from, p.to));
+            bindValue(statement, at, convertValue(v, from, p.to));
     }
 }
 
@@ -81,7 +97,9 @@ void Executor::fillTables(Frame& frame, Plan& plan) {
         Frame callee = moduleFrame(*module);
         for (size_t i = 0; i < fill.arguments.size(); ++i) {
             const PlanParameter& p = fill.arguments[i];
-            callee.variables[i] = convertValue(parameterValue(frame, p), p.from, p.to);
+            const Value& v = parameterValue(frame, p);
+            callee.variables[i] =
+                convertValue(p.negated ? negated(v) : v, p.from, p.to);
         }
         const ModuleDefinition& definition = *callee.code->definition;
         CatalogTable table = describeTable(definition.returnsVariable, definition.returnsColumns, {});

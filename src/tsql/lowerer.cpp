@@ -1,5 +1,8 @@
 #include "tsql/lowerer.h"
 
+#include <algorithm>
+#include <set>
+
 #include "tsql/types.h"
 
 namespace owb::tsql {
@@ -19,6 +22,7 @@ std::string Lowerer::expression(const BoundExpr& e) {
             p.constant = e.constant;
             p.from = e.sourceType;
             p.to = e.type;
+            p.negated = e.negated;
             return parameter(std::move(p));
         }
         case BoundKind::Variable: {
@@ -69,6 +73,55 @@ std::string Lowerer::expression(const BoundExpr& e) {
         i = at - 1;
     }
     return out;
+}
+
+namespace {
+
+void ownSources(const BoundQuery& q, std::set<const BoundSource*>& own) {
+    for (const auto& s : q.sources) {
+        own.insert(s.get());
+        if (s->query) ownSources(*s->query, own);
+    }
+    if (q.left) ownSources(*q.left, own);
+    if (q.right) ownSources(*q.right, own);
+}
+
+bool reachesOut(const BoundExpr& e, const std::set<const BoundSource*>& own) {
+    if (e.kind == BoundKind::Column && !own.count(e.source)) return true;
+    if (e.query) return true;  // looked at no further
+    return std::any_of(e.args.begin(), e.args.end(),
+                       [&](const BoundPtr& a) { return reachesOut(*a, own); });
+}
+
+// A plain SELECT whose condition names columns of the query around it.
+bool isCorrelatedFilter(const BoundQuery& q) {
+    if (q.kind != QueryBody::Select || q.grouped || q.limit || q.from.empty() || !q.where ||
+        q.items[0].expr->window)
+        return false;
+    std::set<const BoundSource*> own;
+    ownSources(q, own);
+    return reachesOut(*q.where, own);
+}
+
+}  // namespace
+
+std::string Lowerer::filter(const BoundExpr& e) {
+    if (e.kind == BoundKind::Op && e.args.size() == 2 &&
+        (e.pattern == "($0 AND $1)" || e.pattern == "($0 OR $1)")) {
+        const std::string left = filter(*e.args[0]);
+        return "(" + left + (e.pattern[4] == 'A' ? " AND " : " OR ") + filter(*e.args[1]) + ")";
+    }
+    // IN over a query of this very row would gather the whole list for each row; asking whether
+    // the one value is in it lets an index answer.
+    if (e.kind == BoundKind::InQuery && !e.negated && isCorrelatedFilter(*e.query)) {
+        const BoundQuery& q = *e.query;
+        const BoundExpr& left = *e.args[0];
+        std::string text = "EXISTS(SELECT 1 FROM " + fromClause(q);
+        text += " WHERE " + expression(*q.items[0].expr) +
+                (left.type.isText() ? " COLLATE TSQL" : "") + " = " + expression(left);
+        return text + " AND " + filter(*q.where) + ")";
+    }
+    return expression(e);
 }
 
 std::string Lowerer::sourceText(const BoundSource& s) {
@@ -134,7 +187,7 @@ std::string Lowerer::select(const BoundQuery& q, bool named) {
         out += ") AS place";
     }
     if (!q.from.empty()) out += " FROM " + fromClause(q);
-    if (q.where) out += " WHERE " + expression(*q.where);
+    if (q.where) out += " WHERE " + filter(*q.where);
     for (size_t i = 0; i < q.groupBy.size(); ++i) {
         out += (i ? ", " : " GROUP BY ") + expression(*q.groupBy[i]);
         if (q.groupBy[i]->type.isText()) out += " COLLATE TSQL";

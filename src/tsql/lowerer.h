@@ -14,6 +14,7 @@ struct PlanParameter {
     int index = 0;  // literal slot or variable
     Value constant;
     SqlType from, to;
+    bool negated = false;
 };
 
 class Lowerer {
@@ -21,6 +22,8 @@ class Lowerer {
     explicit Lowerer(std::vector<PlanParameter>& parameters) : parameters_(parameters) {}
 
     std::string expression(const BoundExpr& e);
+    // A condition of which only the rows that fit count: unknown is as good as false.
+    std::string filter(const BoundExpr& e);
     // `named`: output columns are called c0, c1 ...; `orderBy` false leaves the ordering out.
     std::string query(const BoundQuery& q, bool named);
     std::string fromClause(const BoundQuery& q);

@@ -65,6 +65,7 @@ LiteralSlot literalOf(const Token& token) {
             if (d.unscaled() <= INT32_MAX) {
                 slot.value = Value(static_cast<int64_t>(d.unscaled()));
                 slot.type = SqlType::of(SqlKind::Int);
+                slot.digits = d.digits();
             } else {
                 slot.value = Value(d);
                 slot.type = SqlType::numeric(d.digits(), 0);

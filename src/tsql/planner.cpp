@@ -366,7 +366,7 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
             plan->sql += (i ? ", " : "") + sets[i].first + " = " +
                          lowerer.expression(*sets[i].second);
         if (target.scope->where)
-            plan->sql += " WHERE " + lowerer.expression(*target.scope->where);
+            plan->sql += " WHERE " + lowerer.filter(*target.scope->where);
     } else {
         std::string inner = "SELECT " + target.source->alias + ".rowid AS rid";
         std::string apply;
@@ -376,7 +376,7 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
         }
         inner += " FROM " + lowerer.fromClause(*target.scope);
         std::string where;
-        if (target.scope->where) where = lowerer.expression(*target.scope->where);
+        if (target.scope->where) where = lowerer.filter(*target.scope->where);
         // A row that an outer join made up is no row of the target.
         if (!target.implicit)
             where = (where.empty() ? "" : where + " AND ") + target.source->alias +
@@ -411,12 +411,12 @@ std::unique_ptr<Plan> Planner::remove(const Statement& s) {
     if (plain) {
         plan->sql = "DELETE FROM " + table.sqlName + " AS " + target.source->alias;
         if (target.scope->where)
-            plan->sql += " WHERE " + lowerer.expression(*target.scope->where);
+            plan->sql += " WHERE " + lowerer.filter(*target.scope->where);
     } else {
         std::string inner = "SELECT " + target.source->alias + ".rowid AS rid FROM " +
                             lowerer.fromClause(*target.scope);
         if (target.scope->where)
-            inner += " WHERE " + lowerer.expression(*target.scope->where);
+            inner += " WHERE " + lowerer.filter(*target.scope->where);
         if (s.top)
             inner += " LIMIT " + lowerer.expression(*binder.convert(
                                      binder.bindValue(*s.top), SqlType::of(SqlKind::BigInt)));
