@@ -142,6 +142,9 @@ void Sqlite::fail(int rc) {
         }
         case SQLITE_TOOBIG: throw makeDbError(8152);
         default:
+            if (text.starts_with("Expression tree is too large") ||
+                text.starts_with("parser stack overflow") || text.starts_with("at most "))
+                throw makeDbError(8623);
             if (text == "integer overflow") throw makeDbError(8115, {"expression", "bigint"});
             throw makeDbError(-3, {"The database engine failed: " + text});
     }
