@@ -90,6 +90,8 @@ bool clsNODNDPCalc::SetNODNDP(double& dblNODCalc, double& dblNOD, double& dblNDP
                 nod = calc;
             else if (fixedDays)
                 nod = std::min(spanDays, calc);
+            else if (span.dteFrom == month.dteFrom && span.dteTo == month.dteTo)
+                nod = calc;
             else
                 nod = spanDays - HolidaysOf(span, holidaysOutOfBase(basis));
         }

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "calendar/clsNODNDPCalc.h"
 #include "data/Session.h"
 #include "data/modCommon.h"
@@ -50,26 +48,37 @@ void clsNODNDPCalc::FnDblGetHolAndLeave(int32_t lngAttHeadId, const std::string&
         dblResult = LeavesOf(span, intGroup);
         return;
     }
+    const int32_t key = MonthOfDate(span.dteFrom);
     std::string strWeekly, strGeneral;
-    if (intMode != 3) ListHoliday(lngEmpId, lngAttHeadId, span.dteFrom, span.dteTo, 1, strWeekly);
+    if (intMode != 3)
+        strWeekly = ListWeekly(WeeklySourceOf(lngEmpId, lngAttHeadId, span.dteFrom, key),
+                               span.dteFrom, span.dteTo);
     if (intMode != 2) ListHoliday(lngEmpId, lngAttHeadId, span.dteFrom, span.dteTo, 2, strGeneral);
     const std::string strList = "," + strWeekly + "," + strGeneral + ",";
-    const int32_t key = MonthOfDate(span.dteFrom);
 
+    // A day is asked only for what can still change its count. HOLPRIORITY gives a day that is both
+    // to the general holiday; otherwise the weekly holiday has its part first.
+    const bool blnHolPriority = session_.gOpt.HOLPRIORITY;
     for (DateTime day = span.dteFrom; day <= span.dteTo; day = day.plusDays(1)) {
         if (!listed(strList, day)) continue;
-        bool blnFirst = false, blnSecond = false, blnGeneral = false;
-        const double weekly =
-            WeeklyValue(WeeklySourceOf(lngEmpId, lngAttHeadId, day, key), day, blnFirst, blnSecond);
-        FnBlnGenHoliday(lngAttHeadId, day, lngEmpId, blnGeneral);
-        // HOLPRIORITY gives a day that is both to the general holiday; otherwise the weekly
-        // holiday has its part first.
-        if (intMode == 1)
-            dblResult += std::max(weekly, blnGeneral ? 1.0 : 0.0);
-        else if (intMode == 2)
-            dblResult += session_.gOpt.HOLPRIORITY && blnGeneral ? 0 : weekly;
-        else if (blnGeneral)
-            dblResult += session_.gOpt.HOLPRIORITY ? 1 : 1 - weekly;
+        auto weekly = [&] {
+            bool blnFirst = false, blnSecond = false;
+            return WeeklyValue(WeeklySourceOf(lngEmpId, lngAttHeadId, day, key), day, blnFirst,
+                               blnSecond);
+        };
+        auto general = [&] {
+            bool blnResult = false;
+            FnBlnGenHoliday(lngAttHeadId, day, lngEmpId, blnResult);
+            return blnResult;
+        };
+        if (intMode == 1) {
+            const double value = weekly();
+            dblResult += value < 1 && general() ? 1 : value;
+        } else if (intMode == 2) {
+            if (!blnHolPriority || !general()) dblResult += weekly();
+        } else if (general()) {
+            dblResult += blnHolPriority ? 1 : 1 - weekly();
+        }
     }
 }
 
