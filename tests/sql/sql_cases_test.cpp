@@ -10,7 +10,8 @@
 // The line of dashes may go on with words: "any" (rows in any order), "typed" (the first line of
 // each set then gives "name type" of every column, name "-" for none) and, last, "error N N: text"
 // (the numbers of all errors in order, and the text of the first, each as far as given). Rows after
-// an error are those that the batch gave all the same; without any, none are compared. NULL stands for NULL, "" for an empty text.
+// an error are those that the batch gave all the same; without any, none are compared. NULL stands
+// for NULL, "" for an empty text.
 #include <gtest/gtest.h>
 
 #include <algorithm>
