@@ -1,5 +1,6 @@
 #include "leave/modLeaveFunctions.h"
 
+#include <algorithm>
 #include <memory>
 #include <set>
 
@@ -82,72 +83,96 @@ void MarkSalaryDirty(Session& session, int32_t lngMonthYear, bool blnOnlyThisMon
     session.gConn.Execute("UPDATE RMB_MASTER SET EDITMODEYN =1");
 }
 
-// Order of writes for one row: overtime of the days, salary marks, then the figures together with
-// the cleared mark. Overtime comes first because the row's own sums are made of it; for the same
-// reason it is written without marking the row again.
+namespace {
+
+// Order of writes: overtime of the days, salary marks, then the figures together with the cleared
+// mark. Overtime comes first because the row's own sums are made of it; for the same reason it is
+// written without marking the row again.
+void UpdateMonthRow(Session& session, Recordset& rs) {
+    const int64_t employee = rs.Fields("EMPID").toInt(), det = rs.Fields("EMPDETID").toInt();
+    const auto month = static_cast<int32_t>(rs.Fields("MONTHYEAR").toInt());
+    const std::string key = rowKey(employee, det, month);
+    // Another session may have done it meanwhile.
+    if (Recordset(session.gConn,
+                  "Select top 1 EMPID from LEV_MONTHDET Where EDITMODEYN=1 and " + key)
+            .IsEOF())
+        return;
+
+    const int64_t type = rs.Fields("ATTNTYPE").toInt();
+    if (type != 1) {
+        const int64_t attTranNo =
+            FnVarReadValue(session, "SELECT ATTTRANNO FROM ATT_DAYTODAY WHERE " + key, 0).toInt();
+        Recordset row(session.gConn, clsOTDetCalc::FnStrRegisterRow(attTranNo));
+        std::string days;
+        if (!row.IsEOF()) FnOtDetCalc(session).WriteDays(row, days);
+    }
+
+    const DateTime from = rs.Fields("FROMDATE").toDate(), to = rs.Fields("TODATE").toDate();
+    double calc = 0, nod = 0, ndp = 0;
+    bool workingDaysOnly = false, prorateAlt = false, prorate = true;
+    int basis = 0;
+    // A row whose days cannot be worked out keeps its mark; the reason has been shown.
+    if (!FnNodNdp(session).SetNODNDP(calc, nod, ndp, employee, det, month,
+                                     static_cast<int32_t>(rs.Fields("ATTHEADID").toInt()), from, to,
+                                     workingDaysOnly, prorateAlt, prorate, basis))
+        return;
+    std::string overtime;
+    if (type == 2 || type == 3) {
+        Recordset sums(session.gConn,
+                       "SELECT SUM(OT1) AS VALUE01, SUM(OT2) AS VALUE02, SUM(ADJHRS) AS VALUE03 "
+                       "FROM LEV_OTDETAILS WHERE EMPID = " +
+                           text(employee) + " AND EMPDETID = " + text(det) + " AND OTDATE >= '" +
+                           FnStrIsoDate(from) + "' AND OTDATE <= '" + FnStrIsoDate(to) + "'");
+        overtime = ",OT1=" + numberText(sums.Fields("VALUE01").toDouble()) +
+                   ",OT2=" + numberText(sums.Fields("VALUE02").toDouble()) +
+                   ",ADJHRS=" + numberText(sums.Fields("VALUE03").toDouble());
+    }
+    MarkSalaryDirty(session, month, true, employee);
+    session.gConn.Execute("UPDATE LEV_MONTHDET SET NODCalc=" + numberText(calc) +
+                          ",NOD=" + numberText(nod) + ",NDP=" + numberText(ndp) + overtime +
+                          ",EDITMODEYN=0  Where " + key);
+}
+
+}  // namespace
+
 void UpdateMonthDays(Session& session, Progress& frm) {
-    std::string filter;
+    std::string rows =
+        " FROM LEV_MONTHDET LM, MAS_EMPLOYEEDET MT, MAS_ATTHEAD MA, MAS_MONTHYEAR MM WHERE "
+        "LM.EMPID "
+        "= MT.EMPID AND MM.MONTHYEAR = LM.MONTHYEAR AND MA.ATTHEADID = MT.ATTHEADID AND "
+        "LM.EMPDETID "
+        "= MT.EMPDETID AND LM.EDITMODEYN = 1 AND ISNULL(MM.TDSPORTYN, 0) <> 1";
     if (!session.gEmpFilter.empty() && session.gEmpFilter != "0")
-        filter = " AND LM.EMPID IN (" + session.gEmpFilter + ")";
-    Recordset rs(
-        session.gConn,
-        "SELECT LM.*, MT.ATTHEADID, MA.ATTNTYPE, (CASE WHEN MT.EFFFROMDATE >= MM.CALCSTARTDATE "
-        "THEN "
-        "MT.EFFFROMDATE ELSE MM.CALCSTARTDATE END) AS FROMDATE, (CASE WHEN MT.EFFTODATE IS NULL "
-        "THEN MM.CALCENDDATE ELSE (CASE WHEN MT.EFFTODATE >= MM.CALCENDDATE THEN MM.CALCENDDATE "
-        "ELSE MT.EFFTODATE END) END) AS TODATE FROM LEV_MONTHDET LM, MAS_EMPLOYEEDET MT, "
-        "MAS_ATTHEAD "
-        "MA, MAS_MONTHYEAR MM WHERE LM.EMPID = MT.EMPID AND MM.MONTHYEAR = LM.MONTHYEAR AND "
-        "MA.ATTHEADID = MT.ATTHEADID AND LM.EMPDETID = MT.EMPDETID AND LM.EDITMODEYN = 1 AND "
-        "ISNULL(MM.TDSPORTYN, 0) <> 1" +
-            filter + " order by MT.EMPID");
-    for (; !rs.IsEOF() && !frm.cancelled(); rs.MoveNext()) {
-        const int64_t employee = rs.Fields("EMPID").toInt(), det = rs.Fields("EMPDETID").toInt();
-        const auto month = static_cast<int32_t>(rs.Fields("MONTHYEAR").toInt());
-        const std::string key = rowKey(employee, det, month);
-        frm.status("Updating Pay Days and Present Days ---" + text(employee) + "-----");
-        frm.step(rs.AbsolutePosition(), rs.RecordCount());
-        // Another session may have done it meanwhile.
-        if (Recordset(session.gConn,
-                      "Select top 1 EMPID from LEV_MONTHDET Where EDITMODEYN=1 and " + key)
-                .IsEOF())
-            continue;
+        rows += " AND LM.EMPID IN (" + session.gEmpFilter + ")";
+    Recordset employees(
+        session.gConn, "SELECT LM.EMPID, COUNT(*)" + rows + " GROUP BY LM.EMPID ORDER BY LM.EMPID");
+    size_t done = 0, total = 0;
+    for (; !employees.IsEOF(); employees.MoveNext())
+        total += static_cast<size_t>(employees.Fields(1).toInt());
 
-        const int64_t type = rs.Fields("ATTNTYPE").toInt();
-        if (type != 1) {
-            const int64_t register_ =
-                FnVarReadValue(session, "SELECT ATTTRANNO FROM ATT_DAYTODAY WHERE " + key, 0)
-                    .toInt();
-            Recordset row(session.gConn, clsOTDetCalc::FnStrRegisterRow(register_));
-            std::string days;
-            if (!row.IsEOF()) FnOtDetCalc(session).WriteDays(row, days);
+    // Rows are read for some hundred employees at a time, so that memory does not grow with the
+    // company.
+    constexpr size_t kEmployeesAtOnce = 200;
+    for (size_t at = 0; at < employees.RecordCount() && !frm.cancelled(); at += kEmployeesAtOnce) {
+        auto employeeAt = [&](size_t position) {
+            employees.setAbsolutePosition(std::min(position, employees.RecordCount()));
+            return text(employees.Fields(0).toInt());
+        };
+        const std::string block = " AND LM.EMPID BETWEEN " + employeeAt(at + 1) + " AND " +
+                                  employeeAt(at + kEmployeesAtOnce);
+        Recordset rs(session.gConn,
+                     "SELECT LM.*, MT.ATTHEADID, MA.ATTNTYPE, (CASE WHEN MT.EFFFROMDATE >= "
+                     "MM.CALCSTARTDATE THEN MT.EFFFROMDATE ELSE MM.CALCSTARTDATE END) AS FROMDATE, "
+                     "(CASE WHEN MT.EFFTODATE IS NULL THEN MM.CALCENDDATE ELSE (CASE WHEN "
+                     "MT.EFFTODATE >= MM.CALCENDDATE THEN MM.CALCENDDATE ELSE MT.EFFTODATE END) "
+                     "END) AS TODATE" +
+                         rows + block + " order by MT.EMPID");
+        for (; !rs.IsEOF() && !frm.cancelled(); rs.MoveNext()) {
+            frm.status("Updating Pay Days and Present Days ---" + text(rs.Fields("EMPID").toInt()) +
+                       "-----");
+            frm.step(++done, total);
+            UpdateMonthRow(session, rs);
         }
-
-        const DateTime from = rs.Fields("FROMDATE").toDate(), to = rs.Fields("TODATE").toDate();
-        double calc = 0, nod = 0, ndp = 0;
-        bool workingDaysOnly = false, prorateAlt = false, prorate = true;
-        int basis = 0;
-        // A row whose days cannot be worked out keeps its mark; the reason has been shown.
-        if (!FnNodNdp(session).SetNODNDP(calc, nod, ndp, employee, det, month,
-                                         static_cast<int32_t>(rs.Fields("ATTHEADID").toInt()), from,
-                                         to, workingDaysOnly, prorateAlt, prorate, basis))
-            continue;
-        std::string overtime;
-        if (type == 2 || type == 3) {
-            Recordset sums(
-                session.gConn,
-                "SELECT SUM(OT1) AS VALUE01, SUM(OT2) AS VALUE02, SUM(ADJHRS) AS VALUE03 "
-                "FROM LEV_OTDETAILS WHERE EMPID = " +
-                    text(employee) + " AND EMPDETID = " + text(det) + " AND OTDATE >= '" +
-                    FnStrIsoDate(from) + "' AND OTDATE <= '" + FnStrIsoDate(to) + "'");
-            overtime = ",OT1=" + numberText(sums.Fields("VALUE01").toDouble()) +
-                       ",OT2=" + numberText(sums.Fields("VALUE02").toDouble()) +
-                       ",ADJHRS=" + numberText(sums.Fields("VALUE03").toDouble());
-        }
-        MarkSalaryDirty(session, month, true, employee);
-        session.gConn.Execute("UPDATE LEV_MONTHDET SET NODCalc=" + numberText(calc) +
-                              ",NOD=" + numberText(nod) + ",NDP=" + numberText(ndp) + overtime +
-                              ",EDITMODEYN=0  Where " + key);
     }
 }
 
