@@ -15,12 +15,14 @@ company="$data/sample.owb"
 mkdir -p "$data"
 if [ ! -e "$company" ]; then
     echo "Making the sample company in $company"
-    build/release/src/owbctl sample "$company"
+    rm -f "$company.new"*
+    build/release/src/owbctl sample "$company.new"
+    mv "$company.new" "$company"
 fi
 
 # <ignored>:<server>:<database>:<user>:<password>; without user and password.
 link="$data/sample.owblink"
 printf 'OWB:(embedded):%s::\n' "$company" >"$link"
-build/release/src/OWBLeaveMgmt "1600#False#0#0#$link"
+build/release/src/OWBLeaveMgmt "1600#False#0#0#$link" </dev/null
 
 build/release/src/owbctl register "$company"
