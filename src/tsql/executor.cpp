@@ -419,8 +419,7 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
             break;
         }
         case StatementKind::SetOption:
-            if (s.option == "IDENTITY_INSERT")
-                identityInsert_ = s.on ? foldName(s.target.last()) : "";
+            setOption(s);
             break;
         case StatementKind::Execute:
         case StatementKind::ExecuteText:
@@ -516,6 +515,28 @@ Executor::Flow Executor::runTryCatch(Frame& frame, const Statement& s) {
         caught_ = outer;
         throw;
     }
+}
+
+// Options that change nothing here are taken; one that would change answers is refused.
+void Executor::setOption(const Statement& s) {
+    if (s.option == "IDENTITY_INSERT") {
+        identityInsert_ = s.on ? foldName(s.target.last()) : "";
+        return;
+    }
+    static constexpr const char* kAnyway[] = {"NOCOUNT", "QUOTED_IDENTIFIER", "ARITHABORT",
+                                              "NUMERIC_ROUNDABORT", "LOCK_TIMEOUT", "STATISTICS"};
+    static constexpr const char* kOnlyOn[] = {"ANSI_NULLS",    "ANSI_PADDING",
+                                              "ANSI_WARNINGS", "ANSI_NULL_DFLT_ON",
+                                              "ANSI_DEFAULTS", "CONCAT_NULL_YIELDS_NULL"};
+    for (const char* name : kAnyway)
+        if (s.option.starts_with(name)) return;
+    for (const char* name : kOnlyOn)
+        if (s.option == name && s.on) return;
+    if (s.option == "XACT_ABORT" && !s.on) return;
+    if (s.option == "DATEFORMAT MDY" || s.option.starts_with("LANGUAGE") ||
+        s.option.starts_with("TRANSACTION ISOLATION"))
+        return;
+    throw makeDbError(15281, {"SET " + s.option}, s.line);
 }
 
 void Executor::raiseError(Frame& frame, const Statement& s) {

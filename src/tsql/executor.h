@@ -62,6 +62,7 @@ class Executor final : public FunctionHost {
     Flow runControl(Frame& frame, const Statement& s);
     Flow runTryCatch(Frame& frame, const Statement& s);
     void noteError(const DbError& e);
+    void setOption(const Statement& s);
     void raiseError(Frame& frame, const Statement& s);
     void throwStatement(Frame& frame, const Statement& s);
 
