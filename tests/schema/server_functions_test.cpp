@@ -49,6 +49,9 @@ TEST(ServerFunctions, MonthsAndDates) {
                               {"dbo.FnDteGetFirstDate(24290)", "2024-02-01"},
                               {"dbo.FnDteGetLastDate(24290)", "2024-02-29"},
                               {"dbo.FnDteGetLastDate(24300)", "2024-12-31"},
+                              {"dbo.FnDteGetLastDate(0)", ""},
+                              {"dbo.FnDteGetFirstDate(21036)", ""},
+                              {"dbo.FnDteGetFirstDate(21037)", "1753-01-01"},
                               {"dbo.FnLngMonthYear('2024-02-10', '2024-02-12')", "24290"},
                               {"dbo.FnLngMonthYear('10/Dec/2013', '10/Dec/2013')", "24168"},
                           });

@@ -1,5 +1,5 @@
 -- First day of a salary month: CALCSTARTDATE where months start in mid-month, otherwise the 1st
--- (key 22801 is Jan/1900).
+-- (key 22801 is Jan/1900). NULL of a key before dates begin (21037 is Jan/1753), 0 among them.
 CREATE FUNCTION [dbo].FnDteGetFirstDate(@MonthYear int)
 RETURNS datetime
 WITH ENCRYPTION
@@ -7,5 +7,5 @@ AS
 BEGIN
     RETURN CASE WHEN EXISTS (SELECT * FROM MAS_OPTSETFEATURE WHERE CALCINMIDYN = 1)
         THEN (SELECT CALCSTARTDATE FROM MAS_MONTHYEAR WHERE MONTHYEAR = @MonthYear)
-        ELSE DATEADD(MONTH, @MonthYear - 22801, 0) END
+        WHEN @MonthYear > 21036 THEN DATEADD(MONTH, @MonthYear - 22801, 0) END
 END
