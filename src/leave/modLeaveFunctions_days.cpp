@@ -181,19 +181,22 @@ void UpdateDayDetails(Session& session, Progress& frm, bool blnAll, int64_t lngF
         session.gConn.Execute(rewriteDay(table, day));
     }
     for (; !rows.IsEOF() && !frm.cancelled(); rows.MoveNext()) {
-        const std::string row = text(rows.Fields("ATTTRANNO").toInt());
+        const int64_t attTranNo = rows.Fields("ATTTRANNO").toInt();
         frm.status("Updating Leave and Over Time Details --" + text(rows.Fields("EMPID").toInt()) +
                    "----- ");
         frm.step(rows.AbsolutePosition(), rows.RecordCount());
         // Another session may have done it meanwhile.
         if (Recordset(session.gConn,
-                      "select EMPID FROM ATT_DAYTODAY  where EDITMODEYN=1 and ATTTRANNO= " + row)
+                      "select EMPID FROM ATT_DAYTODAY  where EDITMODEYN=1 and ATTTRANNO= " +
+                          text(attTranNo))
                 .IsEOF())
             continue;
-        Recordset days(session.gConn, "SELECT * FROM " + table.name + " WHERE ATTTRANNO = " + row);
+        // The row as it stands now, not as the work table had it.
+        Recordset days(session.gConn, clsOTDetCalc::FnStrRegisterRow(attTranNo));
         std::string batch;
         FnOtDetCalc(session).UpdateOTDailyHourlyNew(days, batch, false);
-        session.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN=0 where ATTTRANNO= " + row);
+        session.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN=0 where ATTTRANNO= " +
+                              text(attTranNo));
     }
     session.gConn.Execute(table.drop);
 }
