@@ -108,8 +108,9 @@ void clsOTDetCalc::WriteDays(Recordset& rs, std::string& strQuery) {
     const std::string det = text(rs.Fields("EMPDETID").toInt());
     ComputeDays(rs, [&](DateTime dteDate, const Figures& f) {
         const std::string date = "'" + FnStrIsoDate(dteDate) + "'";
-        const std::string ot1 = numberText(f.OT1), ot2 = numberText(f.OT2),
-                          adj = numberText(f.ADJHRS);
+        // With the columns' two places always: texts that differ in digits alone share a plan.
+        const std::string ot1 = formatNumber(f.OT1, "0.00"), ot2 = formatNumber(f.OT2, "0.00"),
+                          adj = formatNumber(f.ADJHRS, "0.00");
         strQuery += " IF EXISTS(SELECT EMPID FROM LEV_OTDETAILS WHERE EMPID = " + id +
                     " AND EMPDETID = " + det + " AND OTDATE = " + date +
                     ") BEGIN UPDATE LEV_OTDETAILS SET OT1=" + ot1 + ",OT2=" + ot2 +
