@@ -88,12 +88,20 @@ std::string writeDefault(const WorkTable& table, Recordset& group, int day,
 }
 
 // One day of all rows in the work table: the hours, then " + ", then the leave status. "H" stays
-// where the cell holds it and nothing is entered; days outside the version's span are empty.
+// where the cell holds it and nothing is entered; days outside the version's span are empty. The
+// status function is asked only where there is leave at all; without any it gives the default.
 std::string rewriteDay(const WorkTable& table, int day) {
     const std::string nn = twoDigits(day), cell = "DAY" + nn, hours = "ISNULL(OTDAY" + nn + ",0)";
     const std::string date = "FIRSTDATE + " + text(day - 1);
     const std::string within =
         date + " BETWEEN  ISNULL(FROMDATE, FIRSTDATE)   AND  ISNULL(TODATE,LASTDATE)  ";
+    const std::string byDefault = "CASE WHEN ATTNTYPE = 2 THEN 'P' ELSE '' END";
+    const std::string status =
+        "CASE WHEN EXISTS (SELECT * FROM LEV_DETAILS LD WHERE LD.EMPID = TL.EMPID AND LD.LEAVEDATE "
+        "= "
+        "TL." +
+        date + ") THEN REPLACE([dbo].FnStrLeaveStatus(EMPID, " + date + ", " + byDefault +
+        "), '(1/2)', '½') ELSE " + byDefault + " END";
     return "UPDATE ATT_DAYTODAY SET " + cell + "=CASE WHEN " + within + " THEN (CASE WHEN " +
            hours + " <> 0 THEN CAST(CAST(OTDAY" + nn +
            " AS FLOAT) AS VARCHAR(20)) + CASE WHEN LEVSTATUS <> "
@@ -102,11 +110,10 @@ std::string rewriteDay(const WorkTable& table, int day) {
            " = 'H' AND LEVSTATUS = '' THEN 'H' ELSE '' "
            "END) + LEVSTATUS ELSE '' END FROM ATT_DAYTODAY AD, (SELECT ATTTRANNO, FIRSTDATE, "
            "LASTDATE, FROMDATE, TODATE, OTDAY" +
-           nn + ", REPLACE([dbo].FnStrLeaveStatus(EMPID, " + date +
-           ", CASE WHEN ATTNTYPE = 2 THEN 'P' ELSE '' END), '(1/2)', '½') AS LEVSTATUS FROM " +
-           table.name + ") AO WHERE AO.ATTTRANNO = AD.ATTTRANNO UPDATE ATT_OVERTIME SET OTDAY" +
-           nn + "= 0 WHERE ATTTRANNO IN (SELECT ATTTRANNO FROM " + table.name + " WHERE NOT (" +
-           within + "))";
+           nn + ", " + status + " AS LEVSTATUS FROM " + table.name +
+           " TL) AO WHERE AO.ATTTRANNO = AD.ATTTRANNO UPDATE ATT_OVERTIME SET OTDAY" + nn +
+           "= 0 WHERE ATTTRANNO IN (SELECT ATTTRANNO FROM " + table.name + " WHERE NOT (" + within +
+           "))";
 }
 
 }  // namespace
