@@ -351,7 +351,7 @@ Executor::Flow Executor::runStatements(Frame& frame, const std::vector<Statement
 Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
     sqlite_->checkClock();
     if (functionDepth_ == 0) {
-        memo_.clear();
+        if (!memo_.empty()) memo_ = {};  // clear() would keep, and wipe, a big one's buckets
         statementTime_ = {};
     }
     switch (s.kind) {

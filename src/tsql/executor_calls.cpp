@@ -263,7 +263,7 @@ Value Executor::callFunction(int id, int count, sqlite3_value** arguments) {
     frame_ = outer;
     rowCount_ = rows;
     lastError_ = error;
-    if (memo_.size() > 200000) memo_.clear();
+    if (memo_.size() > 200000) memo_ = {};
     memo_[std::move(key)] = frame.returned;
     return frame.returned;
 }
