@@ -33,8 +33,7 @@ class Payroll : public Company {
     void leaveKind(int id, const std::string& shortName, bool affectsSalary, bool leave = true);
     // halves: "FS" a full day, "F", "S", or a figure such as "2.5" for the month.
     void leave(int id, int det, int leaveId, const std::string& date, const std::string& halves);
-    // Halves of the five weeks: "FS.. F." and so on; see the text of LEV_WEEKLYHLD. One sign pair a
-    // week, "--" none: "FS FS FS FS FS".
+    // The halves off in each of the five weeks of a month: "FS -- F- -S FS".
     void weekly(int head, int weekday, const std::string& weeks, int32_t since = 0);
     void weeklyOfBranch(int branch, int weekday, const std::string& weeks, int32_t since = 0);
     void rotating(int head, int employee, const std::string& date, const std::string& halves);
