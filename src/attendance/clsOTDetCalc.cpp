@@ -35,13 +35,13 @@ std::string versionKey(Recordset& rs) {
 
 std::string clsOTDetCalc::FnStrRegisterRow(int64_t lngAttTranNo) {
     return "SELECT [dbo].FnDteGetFirstDate(AD.MONTHYEAR) AS FIRSTDATE, "
-           "[dbo].FnDteGetLastDate(AD.MONTHYEAR) AS LASTDATE, [dbo].FnDteFromDate(EMPID, EMPDETID, "
-           "MONTHYEAR) AS FROMDATE, [dbo].FnDteToDate(EMPID, EMPDETID, MONTHYEAR) AS TODATE, "
-           "AD.EMPID, AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, MA.OT1YN, MA.OT2YN, MA.ATTNTYPE, "
-           "AO.*, AT.FULLDAYOT2, AT.SPLOTYN, AT.WHOT2YN, AT.GHOT2YN, ISNULL(MA.CUTOFFHALFDAY,0) As "
-           "HALFDAYCUTOFF  FROM ATT_OVERTIME AO, ATT_DAYTODAY AD, MAS_ATTHEAD MA, ATT_OPTSETTINGS "
-           "AT WHERE AO.ATTTRANNO = AD.ATTTRANNO AND MA.ATTHEADID = AD.ATTHEADID AND AT.ATTHEADID "
-           "= AD.ATTHEADID AND AD.ATTTRANNO = " +
+           "[dbo].FnDteGetLastDate(AD.MONTHYEAR) AS LASTDATE, [dbo].FnDteFromDate(EMPID, "
+           "EMPDETID, MONTHYEAR) AS FROMDATE, [dbo].FnDteToDate(EMPID, EMPDETID, MONTHYEAR) AS "
+           "TODATE, AD.EMPID, AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, MA.OT1YN, MA.OT2YN, "
+           "MA.ATTNTYPE, AO.*, AT.FULLDAYOT2, AT.SPLOTYN, AT.WHOT2YN, AT.GHOT2YN, "
+           "ISNULL(MA.CUTOFFHALFDAY,0) As HALFDAYCUTOFF  FROM ATT_OVERTIME AO, ATT_DAYTODAY AD, "
+           "MAS_ATTHEAD MA, ATT_OPTSETTINGS AT WHERE AO.ATTTRANNO = AD.ATTTRANNO AND "
+           "MA.ATTHEADID = AD.ATTHEADID AND AT.ATTHEADID = AD.ATTHEADID AND AD.ATTTRANNO = " +
            text(lngAttTranNo);
 }
 
@@ -216,9 +216,8 @@ void clsOTDetCalc::HourlyOTDet(double dblHours, double& dblOT1, double& dblOT2, 
 void clsOTDetCalc::PortOTDetail(int64_t lngEmpId, int64_t lngEmpDetId, int32_t lngMonthYear) {
     const std::string id = text(lngEmpId), det = text(lngEmpDetId), month = text(lngMonthYear);
     Recordset hours(session_.gConn,
-                    "SELECT ISNULL(OT1, 0), ISNULL(OT2, 0) FROM LEV_MONTHDET WHERE "
-                    "EMPID = " +
-                        id + " AND EMPDETID=" + det + " AND MONTHYEAR=" + month);
+                    "SELECT ISNULL(OT1, 0), ISNULL(OT2, 0) FROM LEV_MONTHDET WHERE EMPID = " + id +
+                        " AND EMPDETID=" + det + " AND MONTHYEAR=" + month);
     if (hours.IsEOF()) return;
     const std::string structure =
         text(FnVarReadValue(session_,

@@ -168,8 +168,8 @@ double clsNODNDP::WeeklyHoliday(int32_t lngAttHeadId, DateTime dteDate) {
         {});
     if (!dated.isNull()) return dated.toDouble();
     return FirstValue(
-               "Select FIRSTHALF/2.0 + SECONDHALF/2.0 From ATT_WEEKLY AW, MAS_PULLDOWNVALUES "
-               "PD Where PD.REFID = 16 And PD.PDLISTNAME = AW.WEEKDAYNAME And PD.PDID = " +
+               "Select FIRSTHALF/2.0 + SECONDHALF/2.0 From ATT_WEEKLY AW, MAS_PULLDOWNVALUES PD "
+               "Where PD.REFID = 16 And PD.PDLISTNAME = AW.WEEKDAYNAME And PD.PDID = " +
                    std::to_string(dteDate.weekday()) + " And AW.ATTHEADID = " + head,
                0)
         .toDouble();
@@ -178,8 +178,8 @@ double clsNODNDP::WeeklyHoliday(int32_t lngAttHeadId, DateTime dteDate) {
 bool clsNODNDP::GeneralHoliday(int32_t lngAttHeadId, DateTime dteDate) {
     const std::string head = std::to_string(lngAttHeadId);
     return FirstValue(
-               "Select Count(HOLIDAYID) From ATT_HOLIDAY Where (ATTHEADID Is Null Or ATTHEADID "
-               "= 0 Or ATTHEADID = " +
+               "Select Count(HOLIDAYID) From ATT_HOLIDAY Where (ATTHEADID Is Null Or ATTHEADID = "
+               "0 Or ATTHEADID = " +
                    head +
                    ") And HOLIDAYID Not In (Select HOLIDAYID From ATT_HOLEX Where ATTHEADID = " +
                    head + ") And HOLIDAYDATE = " + quoted(dteDate),
@@ -202,8 +202,8 @@ void clsNODNDP::FnDblGetLeaveMnthly(int64_t lngEmpId, int64_t lngEmpDetId, int32
                                     int lngLevId, double& dblResult) {
     dblResult =
         FirstValue(
-            "Select LEVVALUE From ATT_MONTHLEV Where ATTSLNO = (Select Max(ATTSLNO) "
-            "From ATT_MONTH Where EMPID = " +
+            "Select LEVVALUE From ATT_MONTHLEV Where ATTSLNO = (Select Max(ATTSLNO) From "
+            "ATT_MONTH Where EMPID = " +
                 std::to_string(lngEmpId) + " And EMPDETID = " + std::to_string(lngEmpDetId) +
                 " And MONTHYEAR = " + std::to_string(lngMonthYear) +
                 ") And LEVID = " + std::to_string(lngLevId),

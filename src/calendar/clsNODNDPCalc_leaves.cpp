@@ -63,9 +63,8 @@ void clsNODNDPCalc::FnDblLeaveAvailed(int64_t lngEmpId, int lngLevId, DateTime d
     // A half that is not known was not taken.
     const std::string days =
         "SELECT SUM(CASE WHEN LEVMONTHLY = 0 OR LEVMONTHLY IS NULL THEN CONVERT(NUMERIC, (CASE "
-        "WHEN "
-        "ISNULL(FIRSTHALFYN,0) = 0 THEN 0 ELSE 1 END + CASE WHEN ISNULL(SECONDHALFYN,0) = 0 THEN 0 "
-        "ELSE 1 END))/ 2 ELSE LEVMONTHLY END) FROM LEV_DETAILS LD";
+        "WHEN ISNULL(FIRSTHALFYN,0) = 0 THEN 0 ELSE 1 END + CASE WHEN ISNULL(SECONDHALFYN,0) = 0 "
+        "THEN 0 ELSE 1 END))/ 2 ELSE LEVMONTHLY END) FROM LEV_DETAILS LD";
     const std::string taken = " LD.LEVID = " + lev;
     const std::string where =
         " AND LD.EMPID = " + emp + " AND LD.LEAVEDATE >= " + from + " AND LD.LEAVEDATE <= " + to;

@@ -64,8 +64,8 @@ void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHe
                             const std::string& strEmpIds, const std::string& strLevIds) {
     const std::string date = "'" + FnStrIsoDate(dteFrom) + "'";
     std::string sql =
-        "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE dbo.FnLngMonthYear(ALLOTFROM, ALLOTFROM) >= "
-        "dbo.FnLngMonthYear(" +
+        "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE dbo.FnLngMonthYear(ALLOTFROM, ALLOTFROM) "
+        ">= dbo.FnLngMonthYear(" +
         date + ", " + date + ")";
     if (!strEmpIds.empty()) sql += " AND EMPID IN (" + strEmpIds + ")";
     if (intAttHeadId != 0) sql += " AND ATTHEADID = " + text(intAttHeadId);
@@ -138,10 +138,8 @@ void UpdateMonthRow(Session& session, Recordset& rs) {
 void UpdateMonthDays(Session& session, Progress& frm) {
     std::string rows =
         " FROM LEV_MONTHDET LM, MAS_EMPLOYEEDET MT, MAS_ATTHEAD MA, MAS_MONTHYEAR MM WHERE "
-        "LM.EMPID "
-        "= MT.EMPID AND MM.MONTHYEAR = LM.MONTHYEAR AND MA.ATTHEADID = MT.ATTHEADID AND "
-        "LM.EMPDETID "
-        "= MT.EMPDETID AND LM.EDITMODEYN = 1 AND ISNULL(MM.TDSPORTYN, 0) <> 1";
+        "LM.EMPID = MT.EMPID AND MM.MONTHYEAR = LM.MONTHYEAR AND MA.ATTHEADID = MT.ATTHEADID AND "
+        "LM.EMPDETID = MT.EMPDETID AND LM.EDITMODEYN = 1 AND ISNULL(MM.TDSPORTYN, 0) <> 1";
     if (!session.gEmpFilter.empty() && session.gEmpFilter != "0")
         rows += " AND LM.EMPID IN (" + session.gEmpFilter + ")";
     Recordset employees(
@@ -162,10 +160,10 @@ void UpdateMonthDays(Session& session, Progress& frm) {
                                   employeeAt(at + kEmployeesAtOnce);
         Recordset rs(session.gConn,
                      "SELECT LM.*, MT.ATTHEADID, MA.ATTNTYPE, (CASE WHEN MT.EFFFROMDATE >= "
-                     "MM.CALCSTARTDATE THEN MT.EFFFROMDATE ELSE MM.CALCSTARTDATE END) AS FROMDATE, "
-                     "(CASE WHEN MT.EFFTODATE IS NULL THEN MM.CALCENDDATE ELSE (CASE WHEN "
-                     "MT.EFFTODATE >= MM.CALCENDDATE THEN MM.CALCENDDATE ELSE MT.EFFTODATE END) "
-                     "END) AS TODATE" +
+                     "MM.CALCSTARTDATE THEN MT.EFFFROMDATE ELSE MM.CALCSTARTDATE END) AS "
+                     "FROMDATE, (CASE WHEN MT.EFFTODATE IS NULL THEN MM.CALCENDDATE ELSE (CASE "
+                     "WHEN MT.EFFTODATE >= MM.CALCENDDATE THEN MM.CALCENDDATE ELSE MT.EFFTODATE "
+                     "END) END) AS TODATE" +
                          rows + block + " order by MT.EMPID");
         for (; !rs.IsEOF() && !frm.cancelled(); rs.MoveNext()) {
             frm.status("Updating Pay Days and Present Days ---" + text(rs.Fields("EMPID").toInt()) +

@@ -36,25 +36,19 @@ std::string emptyDays(const Session& session, int day) {
     const std::string date =
         "CAST ([dbo].FnDteGetFirstDate(AD.MONTHYEAR) AS DateTime) + " + text(day - 1);
     return " FROM ATT_DAYTODAY AD INNER JOIN ATT_OPTSETTINGS AO ON AD.ATTHEADID = AO.ATTHEADID "
-           "INNER "
-           "JOIN MAS_ATTHEAD MA ON MA.ATTHEADID = AD.ATTHEADID INNER JOIN ATT_OVERTIME OT ON "
-           "OT.ATTTRANNO = AD.ATTTRANNO WHERE AO.LOADDEFYN = 1 AND (DAY" +
+           "INNER JOIN MAS_ATTHEAD MA ON MA.ATTHEADID = AD.ATTHEADID INNER JOIN ATT_OVERTIME OT "
+           "ON OT.ATTTRANNO = AD.ATTTRANNO WHERE AO.LOADDEFYN = 1 AND (DAY" +
            nn + " = '0' OR DAY" + nn + " IS NULL OR DAY" + nn + " = '' OR (DAY" + nn +
            " = 'H' AND AD.EDITMODEYN = 1)) AND ISNULL(OT.OTDAY" + nn +
-           ",0) = 0 AND AD.MONTHYEAR "
-           "BETWEEN " +
-           text(session.gFeature.LVSTARTMNYEAR) +
+           ",0) = 0 AND AD.MONTHYEAR BETWEEN " + text(session.gFeature.LVSTARTMNYEAR) +
            " AND (SELECT MAX(MONTHYEAR) FROM SLC_SALARYCALC_E) AND [dbo].FnDteFromDate(AD.EMPID, "
            "AD.EMPDETID, AD.MONTHYEAR) <= " +
+           date + " AND [dbo].FnDteToDate(AD.EMPID, AD.EMPDETID, AD.MONTHYEAR) >= " + date +
+           " AND NOT EXISTS (SELECT * FROM LEV_DETAILS LD WHERE LD.EMPID = AD.EMPID AND "
+           "LD.LEAVEDATE = " +
            date +
-           " AND [dbo].FnDteToDate(AD.EMPID, AD.EMPDETID, "
-           "AD.MONTHYEAR) >= " +
-           date +
-           " AND NOT EXISTS (SELECT * FROM LEV_DETAILS LD WHERE LD.EMPID "
-           "= AD.EMPID AND LD.LEAVEDATE = " +
-           date +
-           " AND LD.LEVID <> 0 AND (LD.FIRSTHALFYN = 1 OR "
-           "LD.SECONDHALFYN = 1 OR LD.LEVMONTHLY <> 0))";
+           " AND LD.LEVID <> 0 AND (LD.FIRSTHALFYN = 1 OR LD.SECONDHALFYN = 1 OR LD.LEVMONTHLY "
+           "<> 0))";
 }
 
 // The default of one day for the rows of one head and month.
@@ -97,19 +91,16 @@ std::string rewriteDay(const WorkTable& table, int day) {
         date + " BETWEEN  ISNULL(FROMDATE, FIRSTDATE)   AND  ISNULL(TODATE,LASTDATE)  ";
     const std::string byDefault = "CASE WHEN ATTNTYPE = 2 THEN 'P' ELSE '' END";
     const std::string status =
-        "CASE WHEN EXISTS (SELECT * FROM LEV_DETAILS LD WHERE LD.EMPID = TL.EMPID AND LD.LEAVEDATE "
-        "= "
-        "TL." +
+        "CASE WHEN EXISTS (SELECT * FROM LEV_DETAILS LD WHERE LD.EMPID = TL.EMPID AND "
+        "LD.LEAVEDATE = TL." +
         date + ") THEN REPLACE([dbo].FnStrLeaveStatus(EMPID, " + date + ", " + byDefault +
         "), '(1/2)', '½') ELSE " + byDefault + " END";
     return "UPDATE ATT_DAYTODAY SET " + cell + "=CASE WHEN " + within + " THEN (CASE WHEN " +
            hours + " <> 0 THEN CAST(CAST(OTDAY" + nn +
-           " AS FLOAT) AS VARCHAR(20)) + CASE WHEN LEVSTATUS <> "
-           "'' THEN ' + ' ELSE '' END WHEN " +
+           " AS FLOAT) AS VARCHAR(20)) + CASE WHEN LEVSTATUS <> '' THEN ' + ' ELSE '' END WHEN " +
            cell +
-           " = 'H' AND LEVSTATUS = '' THEN 'H' ELSE '' "
-           "END) + LEVSTATUS ELSE '' END FROM ATT_DAYTODAY AD, (SELECT ATTTRANNO, FIRSTDATE, "
-           "LASTDATE, FROMDATE, TODATE, OTDAY" +
+           " = 'H' AND LEVSTATUS = '' THEN 'H' ELSE '' END) + LEVSTATUS ELSE '' END FROM "
+           "ATT_DAYTODAY AD, (SELECT ATTTRANNO, FIRSTDATE, LASTDATE, FROMDATE, TODATE, OTDAY" +
            nn + ", " + status + " AS LEVSTATUS FROM " + table.name +
            " TL) AO WHERE AO.ATTTRANNO = AD.ATTTRANNO UPDATE ATT_OVERTIME SET OTDAY" + nn +
            "= 0 WHERE ATTTRANNO IN (SELECT ATTTRANNO FROM " + table.name + " WHERE NOT (" + within +
@@ -169,15 +160,13 @@ void UpdateDayDetails(Session& session, Progress& frm, bool blnAll, int64_t lngF
         " SELECT [dbo].FnDteGetFirstDate(AD.MONTHYEAR) AS FIRSTDATE, "
         "[dbo].FnDteGetLastDate(AD.MONTHYEAR) AS LASTDATE, [dbo].FnDteFromDate(EMPID, EMPDETID, "
         "MONTHYEAR) AS FROMDATE, [dbo].FnDteToDate(EMPID, EMPDETID, MONTHYEAR) AS TODATE, "
-        "AD.EMPID, "
-        "AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, MA.OT1YN, MA.OT2YN, MA.ATTNTYPE, AO.*, "
-        "AT.FULLDAYOT2, AT.SPLOTYN, AT.WHOT2YN, AT.GHOT2YN, ISNULL(MA.CUTOFFHALFDAY,0) As "
+        "AD.EMPID, AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, MA.OT1YN, MA.OT2YN, MA.ATTNTYPE, "
+        "AO.*, AT.FULLDAYOT2, AT.SPLOTYN, AT.WHOT2YN, AT.GHOT2YN, ISNULL(MA.CUTOFFHALFDAY,0) As "
         "HALFDAYCUTOFF ,AD.EDITMODEYN INTO " +
         table.name +
         " FROM ATT_OVERTIME AO, ATT_DAYTODAY AD, MAS_ATTHEAD MA, ATT_OPTSETTINGS AT WHERE "
         "AO.ATTTRANNO = AD.ATTTRANNO AND MA.ATTHEADID = AD.ATTHEADID AND AT.ATTHEADID = "
-        "AD.ATTHEADID "
-        "AND AD.MONTHYEAR >= " +
+        "AD.ATTHEADID AND AD.MONTHYEAR >= " +
         text(session.gFeature.LVSTARTMNYEAR) + " AND AD.EDITMODEYN = 1" + filter);
     session.gConn.Execute("ALTER TABLE " + table.name + " ADD CONSTRAINT [PK_" + table.bare +
                           "] PRIMARY KEY (ATTTRANNO)");

@@ -174,8 +174,8 @@ TEST(Launch, DispatchesByMenuIdentifier) {
     for (const Case& c : {Case{1513, "Invalid form reference", ""},
                           {1602, "Invalid form reference", ""},
                           {1506,
-                           "Automatic Allotment Configuration (Monthly) is not available in "
-                           "this version.",
+                           "Automatic Allotment Configuration (Monthly) is not available in this "
+                           "version.",
                            ""},
                           {1508, "", "modLeaveProcess"},
                           {1600, "Process Completed", "modLeaveProcess"},
@@ -242,17 +242,15 @@ TEST(Launch, ReadsWhatTheCompanyIs) {
     Launch launch;
     launch.payroll.session.gConn.Open("Provider=OWBEmbedded;Data Source=" + launch.database);
     launch.payroll.run(
-        "INSERT INTO MAS_PULLDOWNVALUES (REFID, PDID, PDLISTNAME) VALUES (2001, 1, "
-        "'x'), (2001, 2, 'Student')");
+        "INSERT INTO MAS_PULLDOWNVALUES (REFID, PDID, PDLISTNAME) VALUES (2001, 1, 'x'), (2001, "
+        "2, 'Student')");
     launch.payroll.run(
-        "INSERT INTO ATT_DEFINITION (LEVID, LEVNAME, LEVSHORT) VALUES (9, 'Restricted', "
-        "'RH')");
+        "INSERT INTO ATT_DEFINITION (LEVID, LEVNAME, LEVSHORT) VALUES (9, 'Restricted', 'RH')");
     launch.payroll.run(
         "INSERT INTO ATT_RESTRICTHOLIDAY (HOLIDAYID, HOLIDAYDATE, RESTRICTYN) VALUES (1, "
         "'2024-06-03', 1)");
     launch.payroll.run(
-        "INSERT INTO SEC_USERLIST (USERID, USERNAME, READONLYYN) VALUES (2, 'O''Neil', "
-        "1)");
+        "INSERT INTO SEC_USERLIST (USERID, USERNAME, READONLYYN) VALUES (2, 'O''Neil', 1)");
     launch.payroll.run("UPDATE MAS_MONTHYEAR SET LOCKEDYN = 1");
     launch.payroll.session.gConn.Close();
     launch.settings.SaveSetting("Settings", "USER", "O'Neil");

@@ -87,8 +87,7 @@ TEST(SpecialOvertime, OlderFormGivesTheSameDays) {
     for (const int day : {2, 3, 8, 12}) overtime.hours(1, 1, kJune, day, "9.15");
     overtime.day(1);
     const std::string all =
-        "SELECT * FROM LEV_OTDETAILS WHERE OT1 <> 0 OR OT2 <> 0 OR ADJHRS <> 0 "
-        "ORDER BY OTDATE";
+        "SELECT * FROM LEV_OTDETAILS WHERE OT1 <> 0 OR OT2 <> 0 OR ADJHRS <> 0 ORDER BY OTDATE";
     const std::string expected = overtime.rows(all);
     overtime.run("DELETE FROM LEV_OTDETAILS");
     Recordset row(overtime.session.gConn, clsOTDetCalc::FnStrRegisterRow(1));
@@ -101,14 +100,13 @@ TEST(OvertimePort, CarriesTheMonthIntoTheSalaryDetail) {
     Overtime overtime(2);
     overtime.run("UPDATE LEV_MONTHDET SET OT1 = 4.5, OT2 = 2");
     overtime.run(
-        "INSERT INTO SLC_SALSTRUCTDET (STRUCTID, SALHEADROWID, PAYTYPEYN) VALUES (1, 100, "
-        "0)");
+        "INSERT INTO SLC_SALSTRUCTDET (STRUCTID, SALHEADROWID, PAYTYPEYN) VALUES (1, 100, 0)");
     overtime.run(
-        "INSERT INTO SLC_SALARYRATE_E (EMPID, EMPDETID, MONTHYEAR, OT1) VALUES (1, 1, "
-        "24290, 55)");
+        "INSERT INTO SLC_SALARYRATE_E (EMPID, EMPDETID, MONTHYEAR, OT1) VALUES (1, 1, 24290, "
+        "55)");
     const std::string rows =
-        "SELECT SLNO, EMPID, MONTHYEAR, STRUCTID, PAYTYPEYN, SALHEADROWID, UNIT, "
-        "RATE FROM SLC_COMPCALCDET";
+        "SELECT SLNO, EMPID, MONTHYEAR, STRUCTID, PAYTYPEYN, SALHEADROWID, UNIT, RATE FROM "
+        "SLC_COMPCALCDET";
     FnOtDetCalc(overtime.session).PortOTDetail(1, 1, kJune);
     EXPECT_EQ(overtime.rows(rows), "1,1,24294,1,0,100,4.5,55") << "only heads of the structure";
     overtime.run("UPDATE LEV_MONTHDET SET OT1 = 5");

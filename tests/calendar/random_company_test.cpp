@@ -50,8 +50,8 @@ class Drawn {
                 for (const Month& m : company_.months) {
                     Recordset rs(
                         payroll_.session.gConn,
-                        "SELECT NODCALC * 2, NOD * 2, NDP * 2, OT1 * 100, OT2 * 100, ADJHRS "
-                        "* 100, EDITMODEYN FROM LEV_MONTHDET WHERE EMPID = " +
+                        "SELECT NODCALC * 2, NOD * 2, NDP * 2, OT1 * 100, OT2 * 100, ADJHRS * "
+                        "100, EDITMODEYN FROM LEV_MONTHDET WHERE EMPID = " +
                             std::to_string(e.id) + " AND EMPDETID = " + std::to_string(v.id) +
                             " AND MONTHYEAR = " + std::to_string(m.key));
                     if (rs.IsEOF()) continue;

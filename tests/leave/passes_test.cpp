@@ -49,12 +49,12 @@ TEST(MonthRows, FollowTheSalaryRows) {
     EXPECT_EQ(p.rows("SELECT DISTINCT NODCALC + NOD + NDP + OT1 + OT2 + ADJHRS, EDITMODEYN FROM "
                      "LEV_MONTHDET"),
               "0.00,1");
-    EXPECT_EQ(p.rows("SELECT ATTTRANNO, EMPID, ATTHEADID, MONTHYEAR, DAY01, DAY31, EDITMODEYN FROM "
-                     "ATT_DAYTODAY ORDER BY ATTTRANNO"),
+    EXPECT_EQ(p.rows("SELECT ATTTRANNO, EMPID, ATTHEADID, MONTHYEAR, DAY01, DAY31, EDITMODEYN "
+                     "FROM ATT_DAYTODAY ORDER BY ATTTRANNO"),
               "8,1,10,24294,P,P,1 9,2,11,24294,0,0,1 10,1,10,24295,P,P,1 11,2,11,24295,0,0,1")
         << "daily and hourly heads, with their defaults, behind every number in use";
-    EXPECT_EQ(p.value("SELECT COUNT(*) FROM ATT_DAYTODAY AD, ATT_OVERTIME AO WHERE AD.ATTTRANNO = "
-                      "AO.ATTTRANNO AND OTDAY01 IS NULL"),
+    EXPECT_EQ(p.value("SELECT COUNT(*) FROM ATT_DAYTODAY AD, ATT_OVERTIME AO WHERE AD.ATTTRANNO "
+                      "= AO.ATTTRANNO AND OTDAY01 IS NULL"),
               "4");
 
     const std::string before = figures(p);
@@ -220,8 +220,9 @@ TEST(Defaults, FillDaysOnWhichNothingIsEntered) {
     p.reconcile();
     p.leave(1, 1, 5, "2024-06-30", "F");
     p.run(
-        "INSERT INTO LEV_ALLOTMENT (ALLOTID, EMPID, LEVID, ALLOTFROM, ALLOTTO, EDITMODEYN) VALUES "
-        "(1, 1, 5, '2024-06-01', '2024-06-28', 0), (2, 1, 5, '2024-06-29', '2024-06-30', 0)");
+        "INSERT INTO LEV_ALLOTMENT (ALLOTID, EMPID, LEVID, ALLOTFROM, ALLOTTO, EDITMODEYN) "
+        "VALUES (1, 1, 5, '2024-06-01', '2024-06-28', 0), (2, 1, 5, '2024-06-29', '2024-06-30', "
+        "0)");
     p.recalculate();
     EXPECT_EQ(p.rows("SELECT DAY28, DAY29, DAY30 FROM ATT_DAYTODAY ORDER BY EMPID"),
               ",LOP,½CL+½P ,8,8 ,P,P")
@@ -250,8 +251,8 @@ TEST(Marks, ReachTheRowsThatTheyName) {
         p.run(
             "INSERT INTO LEV_ALLOTMENT (ALLOTID, EMPID, ATTHEADID, LEVID, ALLOTFROM, ALLOTTO, "
             "EDITMODEYN) VALUES (1, 1, 10, 2, '2024-05-01', '2024-05-31', 0), (2, 1, 10, 5, "
-            "'2024-06-01', '2024-06-30', 0), (3, 1, 11, 2, '2024-06-01', '2024-06-30', 0), (4, 2, "
-            "10, 5, '2024-07-01', '2024-07-31', 0)");
+            "'2024-06-01', '2024-06-30', 0), (3, 1, 11, 2, '2024-06-01', '2024-06-30', 0), (4, "
+            "2, 10, 5, '2024-07-01', '2024-07-31', 0)");
     };
     auto marked = [&] {
         const std::string ids =
@@ -277,8 +278,7 @@ TEST(Marks, ReachTheRowsThatTheyName) {
 
     p.run(
         "INSERT INTO SLC_SALARYCALC_E (SALID, EMPID, EMPDETID, MONTHYEAR, EDITMODEYN) VALUES (1, "
-        "1, "
-        "1, 24293, 0), (2, 1, 1, 24294, 0), (3, 2, 1, 24295, 0)");
+        "1, 1, 24293, 0), (2, 1, 1, 24294, 0), (3, 2, 1, 24295, 0)");
     MarkSalaryDirty(s, kJune, true, 0);
     EXPECT_EQ(p.rows("SELECT SALID FROM SLC_SALARYCALC_E WHERE EDITMODEYN = 1"), "2");
     MarkSalaryDirty(s, kMay, false, 2);

@@ -120,13 +120,12 @@ TEST(Configuring, BringsTheLeaveTablesInStepWithTheMasters) {
         "VALUES (1, 0, 1, '2024-06-03', 1, NULL), (1, NULL, 1, '2024-06-17', 1, 1), (9, 0, 1, "
         "'2024-06-17', 1, 1), (1, 1, 0, '2024-06-04', 1, 1), (1, 1, 1, '2024-06-05', 0, 0)");
     p.run(
-        "INSERT INTO LEV_OTDETAILS (EMPID, EMPDETID, OTDATE, OT1) VALUES (1, 0, '2024-06-20', 2), "
-        "(1, 2, '2024-06-21', 0), (9, NULL, '2024-06-20', 2)");
+        "INSERT INTO LEV_OTDETAILS (EMPID, EMPDETID, OTDATE, OT1) VALUES (1, 0, '2024-06-20', "
+        "2), (1, 2, '2024-06-21', 0), (9, NULL, '2024-06-20', 2)");
     p.run("INSERT INTO LEV_ADJUSTMENT (EMPID, EMPDETID, LEVID, MONTHYEAR) VALUES (1, 1, 1, 24294)");
     p.run(
         "INSERT INTO LEV_SETTINGS (LEVID, ATTHEADID, MONTHYEAR, COTYPE, LOWERLIMITYN) VALUES (2, "
-        "10, "
-        "24294, 0, 1)");
+        "10, 24294, 0, 1)");
     std::vector<std::string> texts;
     frontEnd.atRefresh = [&](Screen& screen) {
         texts.push_back(screen.find("lblProgress")->text());
@@ -143,8 +142,8 @@ TEST(Configuring, BringsTheLeaveTablesInStepWithTheMasters) {
                                                "Updating monthly records...",
                                                "Filling default values ..."};
     EXPECT_EQ(texts, expected);
-    EXPECT_EQ(p.rows("SELECT EMPDETID, DAY(LEAVEDATE), FIRSTHALFYN, SECONDHALFYN FROM LEV_DETAILS "
-                     "ORDER BY LEAVEDATE"),
+    EXPECT_EQ(p.rows("SELECT EMPDETID, DAY(LEAVEDATE), FIRSTHALFYN, SECONDHALFYN FROM "
+                     "LEV_DETAILS ORDER BY LEAVEDATE"),
               "1,3,1,0 2,17,1,1")
         << "versions repaired, what cannot be repaired or holds nothing gone";
     EXPECT_EQ(p.rows("SELECT EMPID, EMPDETID, DAY(OTDATE) FROM LEV_OTDETAILS"), "1,2,20");
@@ -168,8 +167,8 @@ TEST(Configuring, GivesRegistersTheirVersionsHead) {
     m.hours(1, 1, kJune, 5, "3");
     m.run("UPDATE MAS_EMPLOYEEDET SET ATTHEADID = 11 WHERE EMPID = 1");
     frmConfiguring(m.session, m.frontEnd).showModal();
-    EXPECT_EQ(m.rows("SELECT AD.ATTHEADID, AO.OTDAY05 FROM ATT_DAYTODAY AD, ATT_OVERTIME AO WHERE "
-                     "AD.ATTTRANNO = AO.ATTTRANNO AND EMPID = 1"),
+    EXPECT_EQ(m.rows("SELECT AD.ATTHEADID, AO.OTDAY05 FROM ATT_DAYTODAY AD, ATT_OVERTIME AO "
+                     "WHERE AD.ATTTRANNO = AO.ATTTRANNO AND EMPID = 1"),
               "11,3.00");
 }
 

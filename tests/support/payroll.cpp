@@ -36,8 +36,8 @@ Payroll::Payroll(int32_t from, int32_t to) {
 
 void Payroll::head(const Head& h) {
     run("INSERT INTO MAS_ATTHEAD (ATTHEADID, ATTHEADNAME, ATTMENUNAME, ATTNTIGHTYN, ATTNTYPE, "
-        "ATTNDTODYN, OT1YN, OT2YN, NODFORCALC, MINHALFDAY, MAXHALFDAY, CUTOFFHALFDAY, MINFULLDAY, "
-        "MAXFULLDAY, CUTOFFFULLDAY, ATTUPPERLIMIT, OTHOURMIN) VALUES (" +
+        "ATTNDTODYN, OT1YN, OT2YN, NODFORCALC, MINHALFDAY, MAXHALFDAY, CUTOFFHALFDAY, "
+        "MINFULLDAY, MAXFULLDAY, CUTOFFFULLDAY, ATTUPPERLIMIT, OTHOURMIN) VALUES (" +
         text(h.id) + ", 'Head " + text(h.id) + "', 'Head " + text(h.id) + "', " +
         (h.tight ? "1" : "0") + ", " + text(h.type) + ", 1, 0, 0, " + text(h.basis) +
         ", 2, 5.99, 4, 6, 24, 8, 24, 0)");
@@ -58,16 +58,16 @@ void Payroll::employee(int id, const std::string& joined, int head, const std::s
     run("INSERT INTO MAS_EMPLOYEE (EMPID, EMPNAME, DOJ, SALCALCFROM, DOL) VALUES (" + text(id) +
         ", 'Employee " + text(id) + "', " + date(joined) + ", " + date(joined) + ", " + date(left) +
         ")");
-    run("INSERT INTO MAS_EMPLOYEEDET (EMPID, EMPDETID, EFFFROMDATE, ATTHEADID, BRANCHID, STRUCTID) "
-        "VALUES (" +
+    run("INSERT INTO MAS_EMPLOYEEDET (EMPID, EMPDETID, EFFFROMDATE, ATTHEADID, BRANCHID, "
+        "STRUCTID) VALUES (" +
         text(id) + ", 1, " + date(joined) + ", " + text(head) + ", " + text(branch) + ", 1)");
 }
 
 void Payroll::version(int id, int det, const std::string& from, int head, int branch) {
     run("UPDATE MAS_EMPLOYEEDET SET EFFTODATE = '" + dayBefore(from) +
         "' WHERE EMPID = " + text(id) + " AND EMPDETID = " + text(det - 1));
-    run("INSERT INTO MAS_EMPLOYEEDET (EMPID, EMPDETID, EFFFROMDATE, ATTHEADID, BRANCHID, STRUCTID) "
-        "VALUES (" +
+    run("INSERT INTO MAS_EMPLOYEEDET (EMPID, EMPDETID, EFFFROMDATE, ATTHEADID, BRANCHID, "
+        "STRUCTID) VALUES (" +
         text(id) + ", " + text(det) + ", '" + from + "', " + text(head) + ", " + text(branch) +
         ", 1)");
 }
@@ -108,8 +108,8 @@ void Payroll::weeklyRow(const std::string& table, const std::string& owner, int 
     std::string values;
     for (size_t week = 0; week < 5; ++week) values += ", " + flags(weeks.substr(week * 3, 2));
     run("INSERT INTO " + table +
-        ", EFFFROM, WEEKID, FH1YN, SH1YN, FH2YN, SH2YN, FH3YN, SH3YN, "
-        "FH4YN, SH4YN, FH5YN, SH5YN) VALUES (1, " +
+        ", EFFFROM, WEEKID, FH1YN, SH1YN, FH2YN, SH2YN, FH3YN, SH3YN, FH4YN, SH4YN, FH5YN, "
+        "SH5YN) VALUES (1, " +
         owner + ", " + text(since) + ", " + text(weekday) + values + ")");
 }
 

@@ -57,8 +57,8 @@ void frmConfiguring::LoadOptions() {
 
 void frmConfiguring::ClearRecords() {
     if (FnBlnRecordExists(session_,
-                          "SELECT ATTHEADID FROM MAS_ATTHEAD WHERE (ATTNTYPE = 2 OR "
-                          "ATTNTYPE = 3)"))
+                          "SELECT ATTHEADID FROM MAS_ATTHEAD WHERE (ATTNTYPE = 2 OR ATTNTYPE = "
+                          "3)"))
         TidyAttendanceRows(session_);
     for (const auto& [table, date] :
          {std::pair<std::string, std::string>{"LEV_DETAILS", "LEAVEDATE"},
@@ -89,13 +89,13 @@ void frmConfiguring::UpdateOptionSettings() {
         "HOLPRIORITY, ROTWHYN, AUTOALLOTYN, LEVPRIORITYYN, AFFECTSALYN, INDLEVSETYN, INDWHYN, "
         "COCWYN, COMMONYN, EDITEDYN";
     session_.gConn.Execute(
-        "IF NOT EXISTS (SELECT * FROM ATT_OPTSETTINGS WHERE ATTHEADID = 0) "
-        "INSERT INTO ATT_OPTSETTINGS(ATTHEADID, " +
+        "IF NOT EXISTS (SELECT * FROM ATT_OPTSETTINGS WHERE ATTHEADID = 0) INSERT INTO "
+        "ATT_OPTSETTINGS(ATTHEADID, " +
         columns + ") VALUES(0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0)");
     session_.gConn.Execute(
         "INSERT INTO ATT_OPTSETTINGS(ATTHEADID, " + columns + ") (SELECT MA.ATTHEADID, " + columns +
-        " FROM MAS_ATTHEAD MA, ATT_OPTSETTINGS AO WHERE AO.ATTHEADID = 0 AND NOT "
-        "EXISTS (SELECT * FROM ATT_OPTSETTINGS WHERE ATTHEADID = MA.ATTHEADID))");
+        " FROM MAS_ATTHEAD MA, ATT_OPTSETTINGS AO WHERE AO.ATTHEADID = 0 AND NOT EXISTS (SELECT "
+        "* FROM ATT_OPTSETTINGS WHERE ATTHEADID = MA.ATTHEADID))");
 }
 
 void frmConfiguring::UpdateMonthDates() {
