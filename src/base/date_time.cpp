@@ -11,17 +11,23 @@ namespace owb {
 
 namespace {
 
-constexpr std::array<const char*, 12> kMonths = {
-    "January", "February", "March",     "April",   "May",      "June",
-    "July",    "August",   "September", "October", "November", "December"};
+constexpr std::array<const char*, 12> kMonths = {"January",   "February", "March",    "April",
+                                                 "May",       "June",     "July",     "August",
+                                                 "September", "October",  "November", "December"};
 constexpr std::array<const char*, 12> kShortMonths = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 constexpr std::array<const char*, 7> kWeekdays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                   "Thursday", "Friday", "Saturday"};
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isLetter(char c) { return lower(c) >= 'a' && lower(c) <= 'z'; }
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool isLetter(char c) {
+    return lower(c) >= 'a' && lower(c) <= 'z';
+}
 
 // 1 to 12 for "jan", "Janu...", "september"; 0 otherwise.
 int monthOfName(std::string_view word) {
@@ -99,16 +105,24 @@ int fullYear(int year, int digits) {
 
 }  // namespace
 
-bool isLeapYear(int year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
+bool isLeapYear(int year) {
+    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
 
 int daysInMonth(int year, int month) {
     constexpr std::array<int, 12> days = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     return month == 2 && isLeapYear(year) ? 29 : days[month - 1];
 }
 
-const char* monthAbbreviation(int month) { return kShortMonths.at(month - 1); }
-const char* monthFullName(int month) { return kMonths.at(month - 1); }
-const char* weekdayName(int weekday) { return kWeekdays.at(weekday - 1); }
+const char* monthAbbreviation(int month) {
+    return kShortMonths.at(month - 1);
+}
+const char* monthFullName(int month) {
+    return kMonths.at(month - 1);
+}
+const char* weekdayName(int weekday) {
+    return kWeekdays.at(weekday - 1);
+}
 
 // Day numbers by counting from 0000-03-01 in 400-year eras (the proleptic Gregorian calendar).
 int32_t DateTime::dayNumber(int year, int month, int day) {
@@ -124,8 +138,7 @@ CivilDate DateTime::civil() const {
     const int z = day + 693901;
     const int era = (z >= 0 ? z : z - 146096) / 146097;
     const int dayOfEra = z - era * 146097;
-    const int yearOfEra =
-        (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+    const int yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
     const int dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
     const int shifted = (5 * dayOfYear + 2) / 153;
     const int month = shifted < 10 ? shifted + 3 : shifted - 9;
@@ -295,23 +308,34 @@ std::string dateText(const DateTime& value, std::string_view pattern) {
         while (i + run < pattern.size() && lower(pattern[i + run]) == letter) ++run;
         switch (letter) {
             case 'd':
-                if (run <= 2) number(c.day, static_cast<int>(run));
-                else out += std::string(weekdayName(value.weekday())).substr(0, run == 3 ? 3 : 99);
+                if (run <= 2)
+                    number(c.day, static_cast<int>(run));
+                else
+                    out += std::string(weekdayName(value.weekday())).substr(0, run == 3 ? 3 : 99);
                 break;
             case 'm':
                 // "mm" behind hours is minutes: HH:mm
                 if (run <= 2 && pattern[i] == 'm' && i >= 3 && lower(pattern[i - 2]) == 'h')
                     number(ms / 60000 % 60, static_cast<int>(run));
-                else if (run <= 2) number(c.month, static_cast<int>(run));
-                else out += run == 3 ? monthAbbreviation(c.month) : monthFullName(c.month);
+                else if (run <= 2)
+                    number(c.month, static_cast<int>(run));
+                else
+                    out += run == 3 ? monthAbbreviation(c.month) : monthFullName(c.month);
                 break;
             case 'y':
-                if (run <= 2) number(c.year % 100, 2);
-                else number(c.year, 4);
+                if (run <= 2)
+                    number(c.year % 100, 2);
+                else
+                    number(c.year, 4);
                 break;
-            case 'h': number(ms / 3600000, static_cast<int>(run)); break;
-            case 's': number(ms / 1000 % 60, static_cast<int>(run)); break;
-            default: out += pattern.substr(i, run);
+            case 'h':
+                number(ms / 3600000, static_cast<int>(run));
+                break;
+            case 's':
+                number(ms / 1000 % 60, static_cast<int>(run));
+                break;
+            default:
+                out += pattern.substr(i, run);
         }
         i += run;
     }

@@ -23,7 +23,9 @@ struct DateTime {
     int32_t day = 0;   // days since 1900-01-01
     int32_t tick = 0;  // 1/300 s since midnight
 
-    static DateTime fromCivil(int year, int month, int day) { return {dayNumber(year, month, day)}; }
+    static DateTime fromCivil(int year, int month, int day) {
+        return {dayNumber(year, month, day)};
+    }
     static int32_t dayNumber(int year, int month, int day);
     // Days with a fraction, rounded to the nearest tick.
     static DateTime fromDays(double days);

@@ -15,10 +15,10 @@ struct DbError : std::runtime_error {
     int number;    // SQL Server's number; negative for the client's own
     int severity;  // 11 to 16: the statement's or the batch's; 20 and above: the connection's
     int state;
-    int line;  // in the batch or routine, from 1; 0 when not known
-    int column = 0;         // place of a syntax error in its line, from 1; 0 otherwise
+    int line;                // in the batch or routine, from 1; 0 when not known
+    int column = 0;          // place of a syntax error in its line, from 1; 0 otherwise
     bool endsBatch = false;  // whatever its number says: it was thrown
-    std::string procedure;  // routine in which it happened; "" for the batch itself
+    std::string procedure;   // routine in which it happened; "" for the batch itself
 };
 
 // Builds the error of that number from the table; each "%" of its text takes the next argument.

@@ -11,7 +11,9 @@ namespace {
 
 constexpr int kMaxDigits = 38;
 
-int128 absolute(int128 v) { return v < 0 ? -v : v; }
+int128 absolute(int128 v) {
+    return v < 0 ? -v : v;
+}
 
 int128 limit() {
     static const int128 value = powerOfTen(kMaxDigits);

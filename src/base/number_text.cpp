@@ -33,8 +33,8 @@ double textToNumber(std::string_view text) {
         }
     }
     if (!digits) return 0;
-    if (at < text.size() && (text[at] == 'e' || text[at] == 'E' || text[at] == 'd' ||
-                             text[at] == 'D')) {
+    if (at < text.size() &&
+        (text[at] == 'e' || text[at] == 'E' || text[at] == 'd' || text[at] == 'D')) {
         size_t e = at + 1;
         if (e < text.size() && (text[e] == '-' || text[e] == '+')) ++e;
         size_t digitsFrom = e;
@@ -91,9 +91,9 @@ std::string formatNumber(double value, std::string_view format) {
     Decimal d;
     if (!exactDecimal(value, d)) return numberText(value);
     const Decimal rounded = d.rescaled(static_cast<int>(placesFormat.size()));
-    std::string digits = Decimal(rounded.negative() ? -rounded.unscaled() : rounded.unscaled(),
-                                 rounded.scale())
-                             .toText();
+    std::string digits =
+        Decimal(rounded.negative() ? -rounded.unscaled() : rounded.unscaled(), rounded.scale())
+            .toText();
     std::string whole = digits.substr(0, digits.find('.'));
     std::string places = placesFormat.empty() ? "" : digits.substr(digits.find('.') + 1);
     while (places.size() > placesMinimum && places.back() == '0') places.pop_back();

@@ -4,20 +4,34 @@ namespace owb {
 
 const char* SqlType::name() const {
     switch (kind) {
-        case SqlKind::Null: return "int";  // an untyped NULL column becomes int
-        case SqlKind::Bit: return "bit";
-        case SqlKind::TinyInt: return "tinyint";
-        case SqlKind::SmallInt: return "smallint";
-        case SqlKind::Int: return "int";
-        case SqlKind::BigInt: return "bigint";
-        case SqlKind::Numeric: return "numeric";
-        case SqlKind::Float: return "float";
-        case SqlKind::Char: return "char";
-        case SqlKind::VarChar: return "varchar";
-        case SqlKind::NChar: return "nchar";
-        case SqlKind::NVarChar: return "nvarchar";
-        case SqlKind::Date: return "date";
-        case SqlKind::DateTime: return "datetime";
+        case SqlKind::Null:
+            return "int";  // an untyped NULL column becomes int
+        case SqlKind::Bit:
+            return "bit";
+        case SqlKind::TinyInt:
+            return "tinyint";
+        case SqlKind::SmallInt:
+            return "smallint";
+        case SqlKind::Int:
+            return "int";
+        case SqlKind::BigInt:
+            return "bigint";
+        case SqlKind::Numeric:
+            return "numeric";
+        case SqlKind::Float:
+            return "float";
+        case SqlKind::Char:
+            return "char";
+        case SqlKind::VarChar:
+            return "varchar";
+        case SqlKind::NChar:
+            return "nchar";
+        case SqlKind::NVarChar:
+            return "nvarchar";
+        case SqlKind::Date:
+            return "date";
+        case SqlKind::DateTime:
+            return "datetime";
     }
     return "";
 }

@@ -10,9 +10,9 @@ namespace {
 
 // Code points of the bytes 0x80 to 0x9F of code page 1252; 0 where it has none.
 constexpr std::array<char16_t, 32> kAnsiUpper = {
-    0x20AC, 0, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0, 0x017D, 0, 0, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0, 0x017E, 0x0178};
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
 char32_t foldCodePoint(char32_t c) {
     if (c < 0x80) return c >= 'A' && c <= 'Z' ? c + 32 : c;
@@ -36,7 +36,7 @@ char32_t nextCodePoint(std::string_view text, size_t& at) {
         ++at;
         return first;
     }
-    const int extra = first >= 0xF0 && first < 0xF5 ? 3
+    const int extra = first >= 0xF0 && first < 0xF5   ? 3
                       : first >= 0xE0 && first < 0xF0 ? 2
                       : first >= 0xC2 && first < 0xE0 ? 1
                                                       : 0;
@@ -107,7 +107,9 @@ std::string upperCase(std::string_view text) {
     });
 }
 
-std::string lowerCase(std::string_view text) { return mapped(text, foldCodePoint); }
+std::string lowerCase(std::string_view text) {
+    return mapped(text, foldCodePoint);
+}
 
 std::string_view trimRight(std::string_view text) {
     while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
@@ -123,7 +125,9 @@ std::string trim(std::string_view text) {
 bool equalsIgnoreCaseAscii(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;
     for (size_t i = 0; i < a.size(); ++i) {
-        const auto low = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+        const auto low = [](char c) {
+            return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+        };
         if (low(a[i]) != low(b[i])) return false;
     }
     return true;
@@ -142,7 +146,9 @@ int compareText(std::string_view a, std::string_view b) {
     return j < b.size() ? -1 : 0;
 }
 
-std::string foldText(std::string_view text) { return mapped(trimRight(text), foldCodePoint); }
+std::string foldText(std::string_view text) {
+    return mapped(trimRight(text), foldCodePoint);
+}
 
 int ansiByte(char32_t c) {
     if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) return static_cast<int>(c);

@@ -6,12 +6,18 @@ namespace owb {
 
 double Value::toDouble() const {
     switch (v_.index()) {
-        case 1: return static_cast<double>(asInt());
-        case 2: return asDouble();
-        case 3: return asDecimal().toDouble();
-        case 4: return textToNumber(asText());
-        case 5: return asDate().toDays();
-        default: return 0;
+        case 1:
+            return static_cast<double>(asInt());
+        case 2:
+            return asDouble();
+        case 3:
+            return asDecimal().toDouble();
+        case 4:
+            return textToNumber(asText());
+        case 5:
+            return asDate().toDays();
+        default:
+            return 0;
     }
 }
 
@@ -31,12 +37,18 @@ DateTime Value::toDate() const {
 
 std::string Value::toText() const {
     switch (v_.index()) {
-        case 1: return std::to_string(asInt());
-        case 2: return numberText(asDouble());
-        case 3: return asDecimal().toText();
-        case 4: return asText();
-        case 5: return isoText(asDate());
-        default: return "";
+        case 1:
+            return std::to_string(asInt());
+        case 2:
+            return numberText(asDouble());
+        case 3:
+            return asDecimal().toText();
+        case 4:
+            return asText();
+        case 5:
+            return isoText(asDate());
+        default:
+            return "";
     }
 }
 

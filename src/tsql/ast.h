@@ -47,24 +47,24 @@ enum class ExprKind : uint8_t {
     Star,      // only inside COUNT(*)
     Variable,  // name "@x"
     SystemVariable,
-    Unary,      // op, args[0]
-    Binary,     // op, args[0], args[1]: + - * / % & | ^
-    Compare,    // op, args[0], args[1]
+    Unary,    // op, args[0]
+    Binary,   // op, args[0], args[1]: + - * / % & | ^
+    Compare,  // op, args[0], args[1]
     And,
     Or,
     Not,
-    IsNull,    // negated: IS NOT NULL
-    Between,   // args[0] between args[1] and args[2]
-    InList,    // args[0] in args[1..]
-    InQuery,   // args[0] in query
-    Exists,    // query
+    IsNull,      // negated: IS NOT NULL
+    Between,     // args[0] between args[1] and args[2]
+    InList,      // args[0] in args[1..]
+    InQuery,     // args[0] in query
+    Exists,      // query
     Quantified,  // args[0] op ANY|ALL (query)
-    Like,      // args[0] like args[1] [escape args[2]]
-    Case,      // simple: hasOperand, args[0] the operand; then when, then, ..., [else]
-    Function,  // name(args), distinct, over
-    Cast,      // CAST / CONVERT / TRY_: args[0], type, [args[1] style]
-    Subquery,  // query
-    Default,   // the word DEFAULT as a value or argument
+    Like,        // args[0] like args[1] [escape args[2]]
+    Case,        // simple: hasOperand, args[0] the operand; then when, then, ..., [else]
+    Function,    // name(args), distinct, over
+    Cast,        // CAST / CONVERT / TRY_: args[0], type, [args[1] style]
+    Subquery,    // query
+    Default,     // the word DEFAULT as a value or argument
 };
 
 struct OrderItem {
@@ -234,7 +234,14 @@ struct AlterAction {
     std::string name;
 };
 
-enum class ModuleKind : uint8_t { View, ScalarFunction, InlineFunction, TableFunction, Procedure, Trigger };
+enum class ModuleKind : uint8_t {
+    View,
+    ScalarFunction,
+    InlineFunction,
+    TableFunction,
+    Procedure,
+    Trigger
+};
 
 struct Parameter {
     std::string name;  // "@p"
@@ -248,8 +255,8 @@ struct ModuleDefinition {
     ModuleKind kind = ModuleKind::View;
     Name name;
     std::vector<Parameter> parameters;
-    SqlType returns;                       // scalar function
-    std::string returnsVariable;           // "@t" of a multi-statement table function
+    SqlType returns;              // scalar function
+    std::string returnsVariable;  // "@t" of a multi-statement table function
     std::vector<ColumnDefinition> returnsColumns;
     std::vector<std::string> viewColumns;  // written column list of a view
     QueryPtr query;                        // view, inline function
@@ -263,35 +270,35 @@ struct Statement {
     int line = 0;
     int id = 0;  // unique within its batch: where its plans are kept
 
-    QueryPtr query;                      // Query; source of an Insert
-    Name target;                         // table of Insert, Update, Delete, DDL; procedure
-    std::vector<std::string> columns;    // Insert, CreateIndex
-    bool defaultValues = false;          // Insert
+    QueryPtr query;                       // Query; source of an Insert
+    Name target;                          // table of Insert, Update, Delete, DDL; procedure
+    std::vector<std::string> columns;     // Insert, CreateIndex
+    bool defaultValues = false;           // Insert
     std::vector<Assignment> assignments;  // Update
-    std::vector<TableRefPtr> from;       // Update, Delete
-    ExprPtr condition;                   // If, While; WHERE of Update and Delete
+    std::vector<TableRefPtr> from;        // Update, Delete
+    ExprPtr condition;                    // If, While; WHERE of Update and Delete
     ExprPtr top;
-    std::vector<StatementPtr> body;      // Block, If (then), While, TryCatch (try)
-    std::vector<StatementPtr> otherwise;  // If (else), TryCatch (catch)
-    std::vector<VariableDeclaration> variables;  // Declare
-    std::string variable;                // Set; return code of Execute
-    std::string op;                      // Set: "" or the operator of "+="
-    ExprPtr value;                       // Set, Return, Print, ExecuteText
-    std::vector<Argument> arguments;     // Execute, RaiseError, Throw
-    std::vector<ColumnDefinition> tableColumns;       // CreateTable
-    std::vector<ConstraintDefinition> constraints;    // CreateTable
-    std::vector<AlterAction> actions;    // AlterTable
-    std::unique_ptr<ModuleDefinition> module;  // CreateModule
-    bool alter = false;                  // ALTER PROCEDURE and the like
+    std::vector<StatementPtr> body;                 // Block, If (then), While, TryCatch (try)
+    std::vector<StatementPtr> otherwise;            // If (else), TryCatch (catch)
+    std::vector<VariableDeclaration> variables;     // Declare
+    std::string variable;                           // Set; return code of Execute
+    std::string op;                                 // Set: "" or the operator of "+="
+    ExprPtr value;                                  // Set, Return, Print, ExecuteText
+    std::vector<Argument> arguments;                // Execute, RaiseError, Throw
+    std::vector<ColumnDefinition> tableColumns;     // CreateTable
+    std::vector<ConstraintDefinition> constraints;  // CreateTable
+    std::vector<AlterAction> actions;               // AlterTable
+    std::unique_ptr<ModuleDefinition> module;       // CreateModule
+    bool alter = false;                             // ALTER PROCEDURE and the like
     bool orAlter = false;
-    std::string moduleSource;            // CreateModule: the text as written
-    std::string dropKind;                // Drop: "TABLE", "VIEW", ...
-    std::vector<Name> names;             // Drop
-    bool ifExists = false;               // Drop
-    bool unique = false;                 // CreateIndex
-    std::string indexName;               // CreateIndex, Drop INDEX
-    std::string option;                  // SetOption: "NOCOUNT"
-    bool on = false;                     // SetOption
+    std::string moduleSource;  // CreateModule: the text as written
+    std::string dropKind;      // Drop: "TABLE", "VIEW", ...
+    std::vector<Name> names;   // Drop
+    bool ifExists = false;     // Drop
+    bool unique = false;       // CreateIndex
+    std::string indexName;     // CreateIndex, Drop INDEX
+    std::string option;        // SetOption: "NOCOUNT"
+    bool on = false;           // SetOption
 
     Statement(StatementKind k, int line) : kind(k), line(line) {}
 };

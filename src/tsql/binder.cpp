@@ -18,7 +18,9 @@ bool hasTextLiteral(const BoundExpr& e) {
                        [](const BoundPtr& a) { return hasTextLiteral(*a); });
 }
 
-std::string powerText(int n) { return Decimal(powerOfTen(n), 0).toText(); }
+std::string powerText(int n) {
+    return Decimal(powerOfTen(n), 0).toText();
+}
 
 bool isWide(const SqlType& t) {
     return t.kind == SqlKind::Numeric && t.precision > kNarrowPrecision;
@@ -57,11 +59,16 @@ bool sameBound(const BoundExpr& a, const BoundExpr& b, const std::vector<Literal
             return a.negated == b.negated && value(a) == value(b);
         }
         case BoundKind::Variable:
-        case BoundKind::LiveVariable: return a.index == b.index;
-        case BoundKind::Null: return true;
-        case BoundKind::Column: return a.source == b.source && a.column == b.column;
-        case BoundKind::Op: break;
-        default: return false;
+        case BoundKind::LiveVariable:
+            return a.index == b.index;
+        case BoundKind::Null:
+            return true;
+        case BoundKind::Column:
+            return a.source == b.source && a.column == b.column;
+        case BoundKind::Op:
+            break;
+        default:
+            return false;
     }
     if (a.pattern != b.pattern || a.args.size() != b.args.size()) return false;
     for (size_t i = 0; i < a.args.size(); ++i)
@@ -156,11 +163,16 @@ BoundPtr Binder::bind(const Expr& e) {
                 if (slot.type.kind == SqlKind::Numeric) slot.typeFixed = true;
                 return b;
             }
-            case ExprKind::Null: return null();
-            case ExprKind::Column: return bindColumn(e);
-            case ExprKind::Star: throw makeDbError(102, {"*"}, e.line);
-            case ExprKind::Variable: return bindVariable(e);
-            case ExprKind::SystemVariable: return bindSystemVariable(e);
+            case ExprKind::Null:
+                return null();
+            case ExprKind::Column:
+                return bindColumn(e);
+            case ExprKind::Star:
+                throw makeDbError(102, {"*"}, e.line);
+            case ExprKind::Variable:
+                return bindVariable(e);
+            case ExprKind::SystemVariable:
+                return bindSystemVariable(e);
             case ExprKind::Unary: {
                 BoundPtr a = bindValue(*e.args[0]);
                 if (a->type.kind == SqlKind::Null) a = convert(std::move(a), kInt);
@@ -175,8 +187,7 @@ BoundPtr Binder::bind(const Expr& e) {
                 }
                 SqlType type = a->type;
                 if (e.op == "~") {
-                    if (!type.isInteger())
-                        throw makeDbError(8117, {type.name(), "'~'"}, e.line);
+                    if (!type.isInteger()) throw makeDbError(8117, {type.name(), "'~'"}, e.line);
                     return op(type.kind == SqlKind::TinyInt ? "(255 & ~$0)" : "(~$0)", type,
                               list(std::move(a)));
                 }
@@ -184,27 +195,33 @@ BoundPtr Binder::bind(const Expr& e) {
                 if (isWide(type)) return op("t_neg($0)", type, list(std::move(a)));
                 return op("(-$0)", type, list(std::move(a)));
             }
-            case ExprKind::Binary: return bindBinary(e);
-            case ExprKind::Case: return bindCase(e);
-            case ExprKind::Function: return bindFunction(e);
+            case ExprKind::Binary:
+                return bindBinary(e);
+            case ExprKind::Case:
+                return bindCase(e);
+            case ExprKind::Function:
+                return bindFunction(e);
             case ExprKind::Cast: {
                 int style = -1;
                 if (e.args.size() > 1) {
                     const Value* v = fixedLiteral(*e.args[1]);
-                    if (!v) throw makeDbError(15281, {"A CONVERT style that is no constant"}, e.line);
+                    if (!v)
+                        throw makeDbError(15281, {"A CONVERT style that is no constant"}, e.line);
                     style = static_cast<int>(v->toInt());
                 }
                 BoundPtr a = bindValue(*e.args[0]);
                 const SqlType from = a->type;
-                if (!(from == e.type) &&
-                    ((from.kind == SqlKind::Date && e.type.isNumber()) ||
-                     (from.isNumber() && e.type.kind == SqlKind::Date)))
+                if (!(from == e.type) && ((from.kind == SqlKind::Date && e.type.isNumber()) ||
+                                          (from.isNumber() && e.type.kind == SqlKind::Date)))
                     throw makeDbError(529, {from.name(), e.type.name()}, e.line);
                 return convert(std::move(a), e.type, style, e.tryCast);
             }
-            case ExprKind::Subquery: return scalarQuery(*e.query, e.line);
-            case ExprKind::Default: throw makeDbError(156, {"DEFAULT"}, e.line);
-            default: return bindPredicate(e);
+            case ExprKind::Subquery:
+                return scalarQuery(*e.query, e.line);
+            case ExprKind::Default:
+                throw makeDbError(156, {"DEFAULT"}, e.line);
+            default:
+                return bindPredicate(e);
         }
     } catch (DbError& error) {
         if (error.line == 0) error.line = e.line;
@@ -277,9 +294,9 @@ BoundPtr Binder::bindSystemVariable(const Expr& e) {
     static const struct {
         const char* name;
         SqlKind kind;
-    } known[] = {{"@@ROWCOUNT", SqlKind::Int},   {"@@ERROR", SqlKind::Int},
-                 {"@@TRANCOUNT", SqlKind::Int},  {"@@FETCH_STATUS", SqlKind::Int},
-                 {"@@NESTLEVEL", SqlKind::Int},  {"@@SPID", SqlKind::Int},
+    } known[] = {{"@@ROWCOUNT", SqlKind::Int},    {"@@ERROR", SqlKind::Int},
+                 {"@@TRANCOUNT", SqlKind::Int},   {"@@FETCH_STATUS", SqlKind::Int},
+                 {"@@NESTLEVEL", SqlKind::Int},   {"@@SPID", SqlKind::Int},
                  {"@@IDENTITY", SqlKind::BigInt}, {"@@DATEFIRST", SqlKind::TinyInt}};
     for (const auto& k : known)
         if (name == k.name)
@@ -339,8 +356,7 @@ BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
                 *x = convert(std::move(*x), kInt);
             }
         const SqlType type = commonType(a->type, b->type);
-        if (o == '^')
-            return op("(($0 | $1) - ($0 & $1))", type, list(std::move(a), std::move(b)));
+        if (o == '^') return op("(($0 | $1) - ($0 & $1))", type, list(std::move(a), std::move(b)));
         return op(std::string("($0 ") + o + " $1)", type, list(std::move(a), std::move(b)));
     }
     if (o == '+') {
@@ -353,7 +369,8 @@ BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
     if (type.isDate()) {
         // A text beside a date is a date; a number is a count of days.
         for (BoundPtr* x : {&a, &b})
-            if (!(*x)->type.isNumber()) *x = convert(std::move(*x), type);
+            if (!(*x)->type.isNumber())
+                *x = convert(std::move(*x), type);
             else if ((*x)->type.kind == SqlKind::Numeric)
                 *x = convert(std::move(*x), SqlType::of(SqlKind::Float));
         return op(std::string("t_date($0 ") + o + " $1)", type, list(std::move(a), std::move(b)));
@@ -450,7 +467,8 @@ BoundPtr Binder::bindPredicate(const Expr& e) {
                                  list(std::move(left), bindCondition(*(*it)->args[1])));
             return left;
         }
-        case ExprKind::Not: return predicate("(NOT $0)", list(bindCondition(*e.args[0])));
+        case ExprKind::Not:
+            return predicate("(NOT $0)", list(bindCondition(*e.args[0])));
         case ExprKind::Compare: {
             BoundPtr a = bindValue(*e.args[0]);
             return compare(e.op, std::move(a), bindValue(*e.args[1]));
@@ -465,15 +483,15 @@ BoundPtr Binder::bindPredicate(const Expr& e) {
             // One common type lets SQLite's own BETWEEN use an index; bounds of another kind
             // compare each in their own type.
             const SqlType type = unify({&a, &low, &high});
-            std::string pattern = type.isText() ? "($0 COLLATE TSQL BETWEEN $1 AND $2)"
-                                  : isWide(type)
-                                      ? "(t_ncmp($0,$1) >= 0 AND t_ncmp($0,$2) <= 0)"
-                                      : "($0 BETWEEN $1 AND $2)";
+            std::string pattern = type.isText()  ? "($0 COLLATE TSQL BETWEEN $1 AND $2)"
+                                  : isWide(type) ? "(t_ncmp($0,$1) >= 0 AND t_ncmp($0,$2) <= 0)"
+                                                 : "($0 BETWEEN $1 AND $2)";
             if (e.negated) pattern = "(NOT " + pattern + ")";
             return predicate(pattern, list(std::move(a), std::move(low), std::move(high)));
         }
         case ExprKind::InList:
-        case ExprKind::InQuery: return bindIn(e);
+        case ExprKind::InQuery:
+            return bindIn(e);
         case ExprKind::Exists: {
             auto p = std::make_unique<BoundExpr>();
             p->kind = BoundKind::ExistsQuery;
@@ -482,7 +500,8 @@ BoundPtr Binder::bindPredicate(const Expr& e) {
             p->query = bindQuery(*e.query);
             return p;
         }
-        case ExprKind::Quantified: return bindQuantified(e);
+        case ExprKind::Quantified:
+            return bindQuantified(e);
         case ExprKind::Like: {
             std::vector<BoundPtr> args;
             for (const ExprPtr& a : e.args) {
@@ -495,7 +514,8 @@ BoundPtr Binder::bindPredicate(const Expr& e) {
             if (e.negated) pattern = "(NOT " + pattern + ")";
             return predicate(pattern, std::move(args));
         }
-        default: throw makeDbError(102, {"?"}, e.line);
+        default:
+            throw makeDbError(102, {"?"}, e.line);
     }
 }
 
@@ -644,18 +664,17 @@ BoundPtr Binder::convert(BoundPtr e, const SqlType& to, int style, bool tryCast)
         if (from.kind == SqlKind::Numeric && to.kind == SqlKind::Numeric && !isWide(from) &&
             !isWide(to) && to.scale >= from.scale &&
             to.precision - to.scale >= from.precision - from.scale)
-            return as(to.scale == from.scale
-                          ? "$0"
-                          : "($0 * " + powerText(to.scale - from.scale) + ")");
+            return as(to.scale == from.scale ? "$0"
+                                             : "($0 * " + powerText(to.scale - from.scale) + ")");
         if (from.kind == SqlKind::Numeric && isWide(from) && isWide(to) && to.scale == from.scale &&
             to.precision >= from.precision)
             return as("$0");
         if (from.kind == SqlKind::Numeric && to.kind == SqlKind::Float && !isWide(from))
             return as("(CAST($0 AS REAL) / " + powerText(from.scale) + ".0)");
         if (from.isText() && to.isText() && !to.isFixedText()) {
-            const bool fits = to.length == SqlType::kMax ||
-                              (from.length != SqlType::kMax && from.length <= to.length &&
-                               !hasTextLiteral(*e));
+            const bool fits =
+                to.length == SqlType::kMax ||
+                (from.length != SqlType::kMax && from.length <= to.length && !hasTextLiteral(*e));
             return as(fits ? "$0" : "substr($0,1," + std::to_string(to.length) + ")");
         }
         if (from.kind == SqlKind::Date && to.kind == SqlKind::DateTime) return as("$0");
@@ -684,9 +703,8 @@ BoundPtr Binder::assign(BoundPtr e, const CatalogTable& table, const CatalogColu
     wide.length = from.isText() ? SqlType::kMax : 8000;
     const bool nullable = e->nullable;
     e = convert(std::move(e), wide);
-    BoundPtr r = op("t_fit($0," + std::to_string(to.length) + "," +
-                        (to.isFixedText() ? "1" : "0") + "," + sqliteText(table.name) + "," +
-                        sqliteText(column.name) + ")",
+    BoundPtr r = op("t_fit($0," + std::to_string(to.length) + "," + (to.isFixedText() ? "1" : "0") +
+                        "," + sqliteText(table.name) + "," + sqliteText(column.name) + ")",
                     to, list(std::move(e)));
     r->nullable = nullable;
     return r;

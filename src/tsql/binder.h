@@ -19,7 +19,7 @@ struct VariableInfo {
 // What a statement is bound in.
 struct BindContext {
     Catalog& catalog;
-    std::vector<LiteralSlot>* literals = nullptr;    // of the batch; null: constants only
+    std::vector<LiteralSlot>* literals = nullptr;  // of the batch; null: constants only
     const std::vector<VariableInfo>* variables = nullptr;
     const std::map<std::string, CatalogTablePtr>* pseudoTables = nullptr;  // inserted, deleted
     std::function<int(const std::string&)> functionId;  // number of a scalar function
@@ -95,8 +95,7 @@ class Binder {
 
     // queries (binder_queries.cpp)
     std::unique_ptr<BoundQuery> bindBody(const QueryBody& body,
-                                         const std::vector<OrderItem>* orderBy,
-                                         const Query* query);
+                                         const std::vector<OrderItem>* orderBy, const Query* query);
     std::unique_ptr<BoundQuery> bindSelect(const QueryBody& body,
                                            const std::vector<OrderItem>* orderBy,
                                            const Query* query);
@@ -157,7 +156,7 @@ class Binder {
     int conditional_ = 0;  // depth in CASE and its like, where a conversion may never run
     int aggregateDepth_ = 0;
     int viewDepth_ = 0;
-    const std::map<std::string, BoundPtr>* parameters_ = nullptr;  // of an inlined function
+    const std::map<std::string, BoundPtr>* parameters_ = nullptr;        // of an inlined function
     const std::vector<std::vector<std::string>>* fixedStars_ = nullptr;  // of the view being bound
     size_t nextStar_ = 0;
     std::vector<int> assignedVariables_;  // of the SELECT being bound

@@ -20,7 +20,9 @@ struct ScopeGuard {
 
 namespace {
 
-bool isOrdinal(const Expr& e) { return e.kind == ExprKind::Literal; }
+bool isOrdinal(const Expr& e) {
+    return e.kind == ExprKind::Literal;
+}
 
 }  // namespace
 
@@ -270,8 +272,7 @@ void Binder::bindOrder(const std::vector<OrderItem>& orderBy, const QueryBody& b
             for (size_t i = 0; i < q.items.size(); ++i) {
                 if (foldName(q.items[i].name) != foldName(item.expr->name.last())) continue;
                 if (order.ordinal >= 0 &&
-                    !sameBound(*q.items[i].expr, *q.items[order.ordinal].expr,
-                               *context_.literals))
+                    !sameBound(*q.items[i].expr, *q.items[order.ordinal].expr, *context_.literals))
                     throw makeDbError(209, {item.expr->name.last()}, item.expr->line);
                 if (order.ordinal < 0) order.ordinal = static_cast<int>(i);
             }
@@ -281,8 +282,10 @@ void Binder::bindOrder(const std::vector<OrderItem>& orderBy, const QueryBody& b
             for (size_t i = 0; i < q.items.size() && order.ordinal < 0; ++i)
                 if (sameBound(*order.expr, *q.items[i].expr, *context_.literals))
                     order.ordinal = static_cast<int>(i);
-            if (order.ordinal >= 0) order.expr.reset();
-            else if (q.distinct) throw makeDbError(145, {}, body.line);
+            if (order.ordinal >= 0)
+                order.expr.reset();
+            else if (q.distinct)
+                throw makeDbError(145, {}, body.line);
         }
         q.order.push_back(std::move(order));
     }
@@ -323,8 +326,7 @@ CatalogTablePtr Binder::findWritableTable(const Name& name, int line) {
     }
     CatalogTablePtr table = context_.catalog.findTable(name.last());
     if (!table) {
-        if (context_.catalog.findModule(name.last()))
-            throw makeDbError(4406, {name.last()}, line);
+        if (context_.catalog.findModule(name.last())) throw makeDbError(4406, {name.last()}, line);
         throw makeDbError(208, {name.text()}, line);
     }
     dependOn(*table);

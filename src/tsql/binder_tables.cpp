@@ -27,8 +27,10 @@ std::unique_ptr<BoundFrom> Binder::addSource(BoundQuery& q, std::unique_ptr<Boun
 std::unique_ptr<BoundFrom> Binder::bindFrom(const TableRef& ref, BoundQuery& q) {
     switch (ref.kind) {
         case TableRef::Table:
-        case TableRef::Variable: return addSource(q, bindNamedTable(ref), ref.line);
-        case TableRef::Function: return addSource(q, bindTableFunction(ref), ref.line);
+        case TableRef::Variable:
+            return addSource(q, bindNamedTable(ref), ref.line);
+        case TableRef::Function:
+            return addSource(q, bindTableFunction(ref), ref.line);
         case TableRef::Derived: {
             // The body of a derived table does not see its neighbours in FROM.
             std::vector<BoundSource*> hidden;
@@ -41,11 +43,12 @@ std::unique_ptr<BoundFrom> Binder::bindFrom(const TableRef& ref, BoundQuery& q) 
                 throw;
             }
             hidden.swap(scopes_.back()->sources);
-            return addSource(q, derivedSource(std::move(inner), ref.alias, ref.columnAliases,
-                                              ref.line),
-                             ref.line);
+            return addSource(
+                q, derivedSource(std::move(inner), ref.alias, ref.columnAliases, ref.line),
+                ref.line);
         }
-        case TableRef::Join: break;
+        case TableRef::Join:
+            break;
     }
     if (ref.join == JoinKind::CrossApply || ref.join == JoinKind::OuterApply)
         throw makeDbError(15281, {"APPLY"}, ref.line);
@@ -166,10 +169,9 @@ bool namesTable(const TableRef& ref, const std::string& folded) {
 std::unique_ptr<BoundQuery> Binder::bindRecursive(const CommonTable& common, int line) {
     const QueryBody& body = *common.query->body;
     const std::string folded = foldName(common.name);
-    const bool recurs =
-        body.kind == QueryBody::UnionAll && body.right->kind == QueryBody::Select &&
-        std::any_of(body.right->from.begin(), body.right->from.end(),
-                    [&](const TableRefPtr& t) { return namesTable(*t, folded); });
+    const bool recurs = body.kind == QueryBody::UnionAll && body.right->kind == QueryBody::Select &&
+                        std::any_of(body.right->from.begin(), body.right->from.end(),
+                                    [&](const TableRefPtr& t) { return namesTable(*t, folded); });
     if (!recurs) return bindQuery(*common.query);
     auto q = std::make_unique<BoundQuery>();
     q->kind = QueryBody::UnionAll;
@@ -240,8 +242,8 @@ std::unique_ptr<BoundSource> Binder::bindView(CatalogModule& view, const std::st
 
 std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
     CatalogModulePtr module = context_.catalog.findModule(ref.name.last());
-    if (!module || (module->kind != ModuleKind::InlineFunction &&
-                    module->kind != ModuleKind::TableFunction))
+    if (!module ||
+        (module->kind != ModuleKind::InlineFunction && module->kind != ModuleKind::TableFunction))
         throw makeDbError(208, {ref.name.text()}, ref.line);
     dependencies_.push_back({module->name, true, module->signature});
     const ModuleDefinition& definition = context_.definition(*module);
@@ -257,7 +259,8 @@ std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
             if (i >= ref.args.size())
                 throw DbError(313, 16, 3, ref.line,
                               "An insufficient number of arguments were supplied for the procedure "
-                              "or function " + ref.name.text() + ".");
+                              "or function " +
+                                  ref.name.text() + ".");
             value = p.defaultValue ? bindValue(*p.defaultValue) : null(p.type);
         }
         arguments[foldName(p.name)] = convert(std::move(value), p.type);

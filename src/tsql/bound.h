@@ -90,8 +90,8 @@ struct BoundQuery {
     QueryBody::Kind kind = QueryBody::Select;
     bool distinct = false;
     bool withTies = false;
-    bool grouped = false;     // GROUP BY or aggregates
-    bool singleRow = false;   // at most one row by construction
+    bool grouped = false;       // GROUP BY or aggregates
+    bool singleRow = false;     // at most one row by construction
     std::string recursiveName;  // a recursive common table: left is its start, right its step
     BoundPtr limit, offset;
     std::vector<BoundItem> items;

@@ -121,8 +121,7 @@ BoundPtr makeLen(Call& c) {
         const SqlType type = c.args[0]->type;
         BoundPtr a = c.take(0);
         if (!type.isText()) throw makeDbError(15281, {"DATALENGTH of a value that is no text"});
-        return c.op(type.isUnicode() ? "(2 * length($0))" : "length($0)", kInt,
-                    list(std::move(a)));
+        return c.op(type.isUnicode() ? "(2 * length($0))" : "length($0)", kInt, list(std::move(a)));
     }
     return c.op("length(rtrim($0,' '))", kInt, list(c.text(0)));
 }
@@ -137,14 +136,12 @@ BoundPtr makeLeftRight(Call& c) {
 BoundPtr makeSubstring(Call& c) {
     BoundPtr a = c.text(0);
     const SqlType t = widened(a->type, a->type.length);
-    return c.op("t_substring($0,$1,$2)", t,
-                list(std::move(a), c.take(1, kInt), c.take(2, kInt)));
+    return c.op("t_substring($0,$1,$2)", t, list(std::move(a), c.take(1, kInt), c.take(2, kInt)));
 }
 
 BoundPtr makeCharIndex(Call& c) {
     if (c.args.size() == 3)
-        return c.op("t_charindex($0,$1,$2)", kInt,
-                    list(c.text(0), c.text(1), c.take(2, kInt)));
+        return c.op("t_charindex($0,$1,$2)", kInt, list(c.text(0), c.text(1), c.take(2, kInt)));
     return c.op("t_charindex($0,$1,1)", kInt, list(c.text(0), c.text(1)));
 }
 
@@ -232,7 +229,9 @@ BoundPtr numberArgument(Call& c, size_t i) {
     return c.take(i);
 }
 
-std::string code(const SqlType& t) { return std::to_string(packType(t)); }
+std::string code(const SqlType& t) {
+    return std::to_string(packType(t));
+}
 
 BoundPtr makeAbs(Call& c) {
     BoundPtr a = numberArgument(c, 0);
@@ -292,15 +291,23 @@ BoundPtr makeMath(Call& c) {
 // The unit that a date-part word names, as the functions' first argument; "" when unknown.
 std::string datePart(const std::string& word) {
     static const std::unordered_map<std::string, std::string> parts = {
-        {"YEAR", "year"},      {"YY", "year"},       {"YYYY", "year"},    {"QUARTER", "quarter"},
-        {"QQ", "quarter"},     {"Q", "quarter"},     {"MONTH", "month"},  {"MM", "month"},
-        {"M", "month"},        {"DAYOFYEAR", "dayofyear"}, {"DY", "dayofyear"}, {"Y", "dayofyear"},
-        {"DAY", "day"},        {"DD", "day"},        {"D", "day"},        {"WEEK", "week"},
-        {"WK", "week"},        {"WW", "week"},       {"WEEKDAY", "weekday"}, {"DW", "weekday"},
-        {"W", "weekday"},      {"HOUR", "hour"},     {"HH", "hour"},      {"MINUTE", "minute"},
-        {"MI", "minute"},      {"N", "minute"},      {"SECOND", "second"}, {"SS", "second"},
-        {"S", "second"},       {"MILLISECOND", "millisecond"}, {"MS", "millisecond"},
-        {"ISO_WEEK", "isoweek"}, {"ISOWK", "isoweek"}, {"ISOWW", "isoweek"}};
+        {"YEAR", "year"},       {"YY", "year"},
+        {"YYYY", "year"},       {"QUARTER", "quarter"},
+        {"QQ", "quarter"},      {"Q", "quarter"},
+        {"MONTH", "month"},     {"MM", "month"},
+        {"M", "month"},         {"DAYOFYEAR", "dayofyear"},
+        {"DY", "dayofyear"},    {"Y", "dayofyear"},
+        {"DAY", "day"},         {"DD", "day"},
+        {"D", "day"},           {"WEEK", "week"},
+        {"WK", "week"},         {"WW", "week"},
+        {"WEEKDAY", "weekday"}, {"DW", "weekday"},
+        {"W", "weekday"},       {"HOUR", "hour"},
+        {"HH", "hour"},         {"MINUTE", "minute"},
+        {"MI", "minute"},       {"N", "minute"},
+        {"SECOND", "second"},   {"SS", "second"},
+        {"S", "second"},        {"MILLISECOND", "millisecond"},
+        {"MS", "millisecond"},  {"ISO_WEEK", "isoweek"},
+        {"ISOWK", "isoweek"},   {"ISOWW", "isoweek"}};
     const auto found = parts.find(upperCase(word));
     return found == parts.end() ? "" : found->second;
 }
@@ -349,7 +356,9 @@ BoundPtr makeDay(Call& c) {
     return c.op("t_datepart('" + part + "',$0)", kInt, list(std::move(d)));
 }
 
-BoundPtr makeNow(Call& c) { return c.op("t_now()", kDateTime, {}); }
+BoundPtr makeNow(Call& c) {
+    return c.op("t_now()", kDateTime, {});
+}
 
 BoundPtr makeEoMonth(Call& c) {
     BoundPtr n = c.args.size() > 1 ? c.take(1, kInt) : c.binder.constant(Value(0), kInt);
@@ -376,8 +385,7 @@ BoundPtr makeSession(Call& c) {
 }
 
 BoundPtr makeObjectId(Call& c) {
-    if (c.args.size() == 2)
-        return c.op("t_objectid($0,$1)", kInt, list(c.text(0), c.text(1)));
+    if (c.args.size() == 2) return c.op("t_objectid($0,$1)", kInt, list(c.text(0), c.text(1)));
     return c.op("t_objectid($0,NULL)", kInt, list(c.text(0)));
 }
 
@@ -504,8 +512,8 @@ BoundPtr bindBuiltin(Binder& binder, const Expr& call, const std::string& name) 
     if (n < b.minimum || n > b.maximum) {
         if (b.minimum == b.maximum)
             throw makeDbError(174, {lowerCase(name), std::to_string(b.minimum)}, call.line);
-        throw makeDbError(189, {lowerCase(name), std::to_string(b.minimum),
-                                std::to_string(b.maximum)},
+        throw makeDbError(189,
+                          {lowerCase(name), std::to_string(b.minimum), std::to_string(b.maximum)},
                           call.line);
     }
     Call c{binder, call, name, {}};
@@ -521,17 +529,17 @@ BoundPtr Binder::bindFunction(const Expr& e) {
     const bool qualified = e.name.parts.size() > 1;
     if (!qualified) {
         if (name == "UPDATE" && e.args.size() == 1 && e.args[0]->kind == ExprKind::Column) {
-            BoundPtr p = op("t_system(" + sqliteText("UPDATED:" + foldName(e.args[0]->name.last())) +
-                                ")",
-                            kBit, {});
+            BoundPtr p =
+                op("t_system(" + sqliteText("UPDATED:" + foldName(e.args[0]->name.last())) + ")",
+                   kBit, {});
             p->predicate = true;
             return p;
         }
         if (e.over) return bindWindow(e, name);
         if (isAggregateName(name)) return bindAggregate(e, name);
         // A branch that may never run must not fail beforehand.
-        const bool choice = name == "ISNULL" || name == "COALESCE" || name == "IIF" ||
-                            name == "NULLIF";
+        const bool choice =
+            name == "ISNULL" || name == "COALESCE" || name == "IIF" || name == "NULLIF";
         if (choice) ++conditional_;
         BoundPtr b;
         try {
@@ -594,9 +602,9 @@ BoundPtr Binder::bindAggregate(const Expr& e, const std::string& name) {
                 else if (t.kind == SqlKind::Float || t.kind == SqlKind::BigInt)
                     r = op(sum, t, list(std::move(a)));
                 else
-                    r = op("t_int(" + sum + "," + std::to_string(static_cast<int>(SqlKind::Int)) +
-                               ")",
-                           kInt, list(std::move(a)));
+                    r = op(
+                        "t_int(" + sum + "," + std::to_string(static_cast<int>(SqlKind::Int)) + ")",
+                        kInt, list(std::move(a)));
             } else if (t.kind == SqlKind::Numeric) {
                 const int scale = std::max<int>(t.scale, 6);
                 r = op("t_num('/'," + sum + "," + std::to_string(t.scale) + "," + count + ",0," +
@@ -621,8 +629,7 @@ BoundPtr Binder::bindWindow(const Expr& e, const std::string& name) {
         if (!e.args.empty()) throw makeDbError(174, {lowerCase(name), "0"}, e.line);
         if (e.over->orderBy.empty())
             throw DbError(4112, 15, 1, e.line,
-                          "The function '" + name +
-                              "' must have an OVER clause with ORDER BY.");
+                          "The function '" + name + "' must have an OVER clause with ORDER BY.");
         call = op(lowerCase(name) + "()", kBigInt, {});
     } else if (isAggregateName(name)) {
         call = bindAggregate(e, name);
@@ -665,15 +672,15 @@ BoundPtr Binder::bindUserFunction(const Expr& e) {
     if (e.args.size() < definition.parameters.size())
         throw DbError(313, 16, 3, e.line,
                       "An insufficient number of arguments were supplied for the procedure or "
-                      "function " + e.name.text() + ".");
+                      "function " +
+                          e.name.text() + ".");
     std::string pattern = "t_udf(" + std::to_string(context_.functionId(module->name));
     Args args;
     for (size_t i = 0; i < e.args.size(); ++i) {
         const Parameter& p = definition.parameters[i];
         BoundPtr value;
         if (e.args[i]->kind == ExprKind::Default) {
-            if (!p.defaultValue)
-                throw makeDbError(201, {e.name.last(), p.name}, e.line);
+            if (!p.defaultValue) throw makeDbError(201, {e.name.last(), p.name}, e.line);
             const auto* literals = &context_.moduleLiterals(*module);
             if (p.defaultValue->kind == ExprKind::Literal)
                 value = constant((*literals)[p.defaultValue->literal].value,

@@ -50,7 +50,9 @@ std::string sqliteName(std::string_view name) {
     return out + "\"";
 }
 
-std::string foldName(std::string_view name) { return lowerCase(name); }
+std::string foldName(std::string_view name) {
+    return lowerCase(name);
+}
 
 SqlType typeOfDeclaration(std::string_view text) {
     const size_t open = text.find('(');
@@ -63,11 +65,11 @@ SqlType typeOfDeclaration(std::string_view text) {
         if (!max) std::sscanf(inner.c_str(), "%d,%d", &first, &second);
     }
     static const std::pair<const char*, SqlKind> kinds[] = {
-        {"bit", SqlKind::Bit},         {"tinyint", SqlKind::TinyInt},
+        {"bit", SqlKind::Bit},           {"tinyint", SqlKind::TinyInt},
         {"smallint", SqlKind::SmallInt}, {"int", SqlKind::Int},
-        {"bigint", SqlKind::BigInt},   {"numeric", SqlKind::Numeric},
-        {"float", SqlKind::Float},     {"char", SqlKind::Char},
-        {"varchar", SqlKind::VarChar}, {"nchar", SqlKind::NChar},
+        {"bigint", SqlKind::BigInt},     {"numeric", SqlKind::Numeric},
+        {"float", SqlKind::Float},       {"char", SqlKind::Char},
+        {"varchar", SqlKind::VarChar},   {"nchar", SqlKind::NChar},
         {"nvarchar", SqlKind::NVarChar}, {"date", SqlKind::Date},
         {"datetime", SqlKind::DateTime}};
     for (const auto& [name, kind] : kinds) {
@@ -169,10 +171,9 @@ void Catalog::rolledBack() {
         for (auto it = scope.begin(); it != scope.end();) {
             const std::string& sqlName = it->second->sqlName;  // temp."x"
             const std::string bare = sqlName.substr(6, sqlName.size() - 7);
-            const bool there = sqlite_
-                                   .number("SELECT 1 FROM sqlite_temp_master WHERE name = " +
-                                           sqliteText(bare))
-                                   .has_value();
+            const bool there =
+                sqlite_.number("SELECT 1 FROM sqlite_temp_master WHERE name = " + sqliteText(bare))
+                    .has_value();
             it = there ? std::next(it) : scope.erase(it);
         }
     }
@@ -245,8 +246,8 @@ CatalogTablePtr Catalog::load(const std::string& name) {
     if (sqlite_.step(identity.get())) {
         table->identitySeed = sqlite3_column_int64(identity.get(), 0);
         table->identityIncrement = sqlite3_column_int64(identity.get(), 1);
-        SqliteStatement which = sqlite_.prepare(
-            "SELECT columns FROM tsql_constraint WHERE tbl = ?1 AND kind = 'N'");
+        SqliteStatement which =
+            sqlite_.prepare("SELECT columns FROM tsql_constraint WHERE tbl = ?1 AND kind = 'N'");
         bindValue(which.get(), 1, Value(folded));
         if (sqlite_.step(which.get())) {
             const int at = table->findColumn(columnText(which.get(), 0));
@@ -318,7 +319,9 @@ std::vector<std::string> Catalog::tableNames() {
     return names;
 }
 
-void Catalog::openScope() { scopes_.emplace_back(); }
+void Catalog::openScope() {
+    scopes_.emplace_back();
+}
 
 void Catalog::closeScope() {
     for (const auto& [name, table] : scopes_.back())

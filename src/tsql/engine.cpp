@@ -11,8 +11,8 @@ std::unique_ptr<Engine> Engine::open(const std::string& path, const OpenOptions&
     // than the statements.
     mallopt(M_TRIM_THRESHOLD, 64 << 20);
     mallopt(M_TOP_PAD, 4 << 20);
-    auto sqlite = std::make_unique<Sqlite>(path, options.create, options.readOnly,
-                                           options.busySeconds);
+    auto sqlite =
+        std::make_unique<Sqlite>(path, options.create, options.readOnly, options.busySeconds);
     const bool fresh = options.create || path == ":memory:";
     auto executor = std::make_unique<Executor>(std::move(sqlite), options.hostName, fresh);
     return std::unique_ptr<Engine>(new Engine(std::move(executor)));
@@ -21,12 +21,26 @@ std::unique_ptr<Engine> Engine::open(const std::string& path, const OpenOptions&
 Engine::Engine(std::unique_ptr<Executor> executor) : executor_(std::move(executor)) {}
 Engine::~Engine() = default;
 
-BatchResult Engine::run(std::string_view batch) { return executor_->run(batch); }
-void Engine::begin() { executor_->begin(); }
-void Engine::commit() { executor_->commit(); }
-void Engine::rollback() { executor_->rollback(); }
-void Engine::setCommandTimeout(int seconds) { executor_->setCommandTimeout(seconds); }
-void Engine::cancel() { executor_->cancel(); }
-std::vector<std::string> Engine::checkIntegrity() { return executor_->checkIntegrity(); }
+BatchResult Engine::run(std::string_view batch) {
+    return executor_->run(batch);
+}
+void Engine::begin() {
+    executor_->begin();
+}
+void Engine::commit() {
+    executor_->commit();
+}
+void Engine::rollback() {
+    executor_->rollback();
+}
+void Engine::setCommandTimeout(int seconds) {
+    executor_->setCommandTimeout(seconds);
+}
+void Engine::cancel() {
+    executor_->cancel();
+}
+std::vector<std::string> Engine::checkIntegrity() {
+    return executor_->checkIntegrity();
+}
 
 }  // namespace owb::tsql

@@ -18,10 +18,10 @@
 namespace owb::tsql {
 
 struct OpenOptions {
-    bool create = false;      // make the file; an existing one is refused
+    bool create = false;  // make the file; an existing one is refused
     bool readOnly = false;
-    int busySeconds = 600;    // how long a lock of another process is waited for
-    std::string hostName;     // what HOST_NAME() gives; "" asks the system
+    int busySeconds = 600;  // how long a lock of another process is waited for
+    std::string hostName;   // what HOST_NAME() gives; "" asks the system
 };
 
 class Executor;

@@ -47,7 +47,8 @@ ErrorReach reachOf(const DbError& e) {
         case 8127:
         case 2714:
         case 206:
-        case 15281: return ErrorReach::Scope;
+        case 15281:
+            return ErrorReach::Scope;
         case 241:
         case 242:
         case 244:
@@ -57,8 +58,10 @@ ErrorReach reachOf(const DbError& e) {
         case 217:
         case 1222:
         case 9002:
-        case 3906: return ErrorReach::Batch;
-        default: break;
+        case 3906:
+            return ErrorReach::Batch;
+        default:
+            break;
     }
     if (e.number < 0 || e.severity >= 20) return ErrorReach::Batch;
     if (e.severity == 15) return ErrorReach::Scope;  // found while binding
@@ -195,7 +198,8 @@ void Executor::checkAhead(Frame& frame, const std::vector<StatementPtr>& stateme
                     plan(frame, s->condition.get(),
                          [&](Planner& p) { return p.condition(*s->condition); });
                     break;
-                default: break;
+                default:
+                    break;
             }
         } catch (const DbError& e) {
             if (e.number != 208 && e.number != 544) throw;
@@ -225,7 +229,8 @@ bool changesSchema(const std::vector<StatementPtr>& statements) {
                 while (first->left) first = first->left.get();
                 return !first->into.empty();
             }
-            default: return changesSchema(s->body) || changesSchema(s->otherwise);
+            default:
+                return changesSchema(s->body) || changesSchema(s->otherwise);
         }
     });
 }
@@ -361,16 +366,22 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
         case StatementKind::Break:
         case StatementKind::Continue:
         case StatementKind::Return:
-        case StatementKind::TryCatch: return runControl(frame, s);
-        default: break;
+        case StatementKind::TryCatch:
+            return runControl(frame, s);
+        default:
+            break;
     }
     bool keepsError = false;
     switch (s.kind) {
-        case StatementKind::Query: runQuery(frame, s); break;
+        case StatementKind::Query:
+            runQuery(frame, s);
+            break;
         case StatementKind::Insert:
         case StatementKind::Update:
         case StatementKind::Delete:
-        case StatementKind::Truncate: runWrite(frame, s); break;
+        case StatementKind::Truncate:
+            runWrite(frame, s);
+            break;
         case StatementKind::Declare:
             for (const VariableDeclaration& v : s.variables) {
                 if (v.isTable) {
@@ -426,15 +437,29 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
             execute(frame, s);
             keepsError = true;
             break;
-        case StatementKind::CreateTable: createTable(s); break;
-        case StatementKind::AlterTable: alterTable(s); break;
-        case StatementKind::CreateIndex: createIndex(s); break;
-        case StatementKind::Drop: drop(s); break;
+        case StatementKind::CreateTable:
+            createTable(s);
+            break;
+        case StatementKind::AlterTable:
+            alterTable(s);
+            break;
+        case StatementKind::CreateIndex:
+            createIndex(s);
+            break;
+        case StatementKind::Drop:
+            drop(s);
+            break;
         case StatementKind::CreateModule:
             throw makeDbError(111, {"CREATE"}, s.line);
-        case StatementKind::BeginTransaction: beginTransaction(); break;
-        case StatementKind::Commit: commitTransaction(s.line); break;
-        case StatementKind::Rollback: rollbackTransaction(s.line); break;
+        case StatementKind::BeginTransaction:
+            beginTransaction();
+            break;
+        case StatementKind::Commit:
+            commitTransaction(s.line);
+            break;
+        case StatementKind::Rollback:
+            rollbackTransaction(s.line);
+            break;
         case StatementKind::Print: {
             const SqlType text = SqlType::text(SqlKind::NVarChar, 4000);
             const Value v = evaluate(frame, *s.value, &text);
@@ -445,8 +470,11 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
         case StatementKind::RaiseError:
             raiseError(frame, s);
             break;
-        case StatementKind::Throw: throwStatement(frame, s); break;
-        default: break;
+        case StatementKind::Throw:
+            throwStatement(frame, s);
+            break;
+        default:
+            break;
     }
     if (!keepsError) lastError_ = 0;
     return Flow::Next;
@@ -468,11 +496,16 @@ Executor::Flow Executor::runControl(Frame& frame, const Statement& s) {
                 if (flow == Flow::Return) return flow;
             }
             return Flow::Next;
-        case StatementKind::Block: return runStatements(frame, s.body);
-        case StatementKind::Break: return Flow::Break;
-        case StatementKind::Continue: return Flow::Continue;
-        case StatementKind::TryCatch: return runTryCatch(frame, s);
-        default: break;
+        case StatementKind::Block:
+            return runStatements(frame, s.body);
+        case StatementKind::Break:
+            return Flow::Break;
+        case StatementKind::Continue:
+            return Flow::Continue;
+        case StatementKind::TryCatch:
+            return runTryCatch(frame, s);
+        default:
+            break;
     }
     // RETURN
     if (s.value) {
@@ -523,8 +556,9 @@ void Executor::setOption(const Statement& s) {
         identityInsert_ = s.on ? foldName(s.target.last()) : "";
         return;
     }
-    static constexpr const char* kAnyway[] = {"NOCOUNT", "QUOTED_IDENTIFIER", "ARITHABORT",
-                                              "NUMERIC_ROUNDABORT", "LOCK_TIMEOUT", "STATISTICS"};
+    static constexpr const char* kAnyway[] = {"NOCOUNT",      "QUOTED_IDENTIFIER",
+                                              "ARITHABORT",   "NUMERIC_ROUNDABORT",
+                                              "LOCK_TIMEOUT", "STATISTICS"};
     static constexpr const char* kOnlyOn[] = {"ANSI_NULLS",    "ANSI_PADDING",
                                               "ANSI_WARNINGS", "ANSI_NULL_DFLT_ON",
                                               "ANSI_DEFAULTS", "CONCAT_NULL_YIELDS_NULL"};
@@ -554,14 +588,17 @@ void Executor::raiseError(Frame& frame, const Statement& s) {
                 continue;
             }
             const char kind = format[++i];
-            if (kind == '%') text += '%';
+            if (kind == '%')
+                text += '%';
             else if (next < s.arguments.size())
                 text += evaluate(frame, *s.arguments[next++].value).toText();
-            else text += "(null)";
+            else
+                text += "(null)";
         }
     } else {
-        text = "Error " + message.toText() + ", severity " + std::to_string(severity) +
-               ", state " + std::to_string(state) + " was raised, but no message with that error "
+        text = "Error " + message.toText() + ", severity " + std::to_string(severity) + ", state " +
+               std::to_string(state) +
+               " was raised, but no message with that error "
                "number was found in sys.messages.";
     }
     if (severity <= 10) {
@@ -598,8 +635,12 @@ void Executor::begin() {
     beginTransaction();
 }
 
-void Executor::commit() { commitTransaction(0); }
-void Executor::rollback() { rollbackTransaction(0); }
+void Executor::commit() {
+    commitTransaction(0);
+}
+void Executor::rollback() {
+    rollbackTransaction(0);
+}
 
 void Executor::beginTransaction() {
     if (transactions_ == 0) {
@@ -630,7 +671,9 @@ void Executor::rollbackTransaction(int line) {
 
 // --- what functions ask ---
 
-Value Executor::liveVariable(int index) { return frame_->variables[index]; }
+Value Executor::liveVariable(int index) {
+    return frame_->variables[index];
+}
 
 DateTime Executor::statementTime() {
     if (statementTime_ == DateTime{}) {
@@ -639,9 +682,8 @@ DateTime Executor::statementTime() {
         tm local{};
         localtime_r(&t.tv_sec, &local);
         statementTime_ = DateTime::fromCivil(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
-        statementTime_.tick =
-            (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) * 300 +
-            static_cast<int32_t>(t.tv_nsec / 3333334);
+        statementTime_.tick = (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) * 300 +
+                              static_cast<int32_t>(t.tv_nsec / 3333334);
     }
     return statementTime_;
 }
@@ -688,8 +730,7 @@ std::vector<std::string> Executor::checkIntegrity() {
     std::vector<std::string> problems;
     SqliteStatement s = sqlite_->prepare("PRAGMA integrity_check(50)");
     while (sqlite_->step(s.get())) {
-        const std::string line =
-            reinterpret_cast<const char*>(sqlite3_column_text(s.get(), 0));
+        const std::string line = reinterpret_cast<const char*>(sqlite3_column_text(s.get(), 0));
         if (line != "ok") problems.push_back("file: " + line);
     }
     catalog_.refresh();
@@ -700,7 +741,8 @@ std::vector<std::string> Executor::checkIntegrity() {
                 problems.push_back("catalog: the trigger " + m->name + " stands on " + m->table +
                                    ", which is gone");
         } catch (const DbError& e) {
-            problems.push_back("catalog: the source of " + m->name + " does not parse: " + e.what());
+            problems.push_back("catalog: the source of " + m->name +
+                               " does not parse: " + e.what());
         }
     }
     SqliteStatement lost = sqlite_->prepare(

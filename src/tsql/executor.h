@@ -67,7 +67,8 @@ class Executor final : public FunctionHost {
     void throwStatement(Frame& frame, const Statement& s);
 
     // --- statements on data (executor_data.cpp) ---
-    Plan& plan(Frame& frame, const void* key, const std::function<std::unique_ptr<Plan>(Planner&)>& make);
+    Plan& plan(Frame& frame, const void* key,
+               const std::function<std::unique_ptr<Plan>(Planner&)>& make);
     bool stillGood(Plan& plan);
     BindContext bindContext(Frame& frame);
     SqliteStatement acquire(Frame& frame, Plan& plan);
@@ -99,7 +100,8 @@ class Executor final : public FunctionHost {
     // --- definitions (executor_definitions.cpp) ---
     void createTable(const Statement& s);
     void createTable(CatalogTable table, int line);
-    CatalogTable describeTable(const std::string& name, const std::vector<ColumnDefinition>& columns,
+    CatalogTable describeTable(const std::string& name,
+                               const std::vector<ColumnDefinition>& columns,
                                const std::vector<ConstraintDefinition>& constraints);
     std::string tableDdl(const CatalogTable& table, const std::string& sqlName);
     void storeConstraints(const CatalogTable& table);
@@ -152,9 +154,9 @@ class Executor final : public FunctionHost {
     int functionDepth_ = 0;  // of functions: nothing is written in there
     int tryDepth_ = 0;
     int commandTimeout_ = 600;
-    int transactions_ = 0;   // T-SQL's own level
+    int transactions_ = 0;        // T-SQL's own level
     bool inTransaction_ = false;  // for the system view
-    bool implicit_ = false;  // the batch runs in a transaction of its own
+    bool implicit_ = false;       // the batch runs in a transaction of its own
     int64_t rowCount_ = 0;
     int lastError_ = 0;
     std::optional<DbError> caught_;  // in a CATCH block

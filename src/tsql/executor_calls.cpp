@@ -48,8 +48,8 @@ void Executor::runScope(Frame& caller, Frame& callee) {
     Frame* const outer = frame_;
     frame_ = &callee;
     catalog_.openScope();
-    const auto& statements = callee.code->definition ? callee.code->definition->body
-                                                     : callee.code->ast.statements;
+    const auto& statements =
+        callee.code->definition ? callee.code->definition->body : callee.code->ast.statements;
     ++callee.code->running;
     const auto leave = [&] {
         --callee.code->running;
@@ -107,7 +107,8 @@ void Executor::execute(Frame& frame, const Statement& s) {
         size_t at = position++;
         if (!a.name.empty()) {
             at = 0;
-            while (at < parameters.size() && foldName(parameters[at].name) != foldName(a.name)) ++at;
+            while (at < parameters.size() && foldName(parameters[at].name) != foldName(a.name))
+                ++at;
             if (at == parameters.size()) throw makeDbError(8145, {a.name, module->name}, s.line);
         }
         const Parameter& p = parameters[at];
@@ -165,7 +166,8 @@ void Executor::executeSql(Frame& frame, const Statement& s) {
         size_t at = i - 2;
         if (!a.name.empty()) {
             at = 0;
-            while (at < parameters.size() && foldName(parameters[at].name) != foldName(a.name)) ++at;
+            while (at < parameters.size() && foldName(parameters[at].name) != foldName(a.name))
+                ++at;
         }
         if (at >= parameters.size()) throw makeDbError(8144, {"sp_executesql"}, s.line);
         callee.variables[at] = evaluate(frame, *a.value, &parameters[at].type);
@@ -189,8 +191,9 @@ bool Executor::systemProcedure(Frame& frame, const Statement& s, const std::stri
         CatalogModulePtr module = catalog_.findModule(object.substr(object.find_last_of('.') + 1));
         if (!module)
             throw DbError(15009, 16, 1, s.line,
-                          "The object '" + object + "' does not exist in database or is invalid "
-                          "for this operation.");
+                          "The object '" + object +
+                              "' does not exist in database or is invalid "
+                              "for this operation.");
         ResultSet set;
         set.columns.push_back({"Text", SqlType::text(SqlKind::NVarChar, 4000), true});
         std::string line;
@@ -298,13 +301,21 @@ Value Executor::columnLength(const std::string& table, const std::string& column
     const SqlType& type = t->columns[at].type;
     switch (type.kind) {
         case SqlKind::Bit:
-        case SqlKind::TinyInt: return Value(1);
-        case SqlKind::SmallInt: return Value(2);
-        case SqlKind::Int: return Value(4);
-        case SqlKind::Date: return Value(3);
+        case SqlKind::TinyInt:
+            return Value(1);
+        case SqlKind::SmallInt:
+            return Value(2);
+        case SqlKind::Int:
+            return Value(4);
+        case SqlKind::Date:
+            return Value(3);
         case SqlKind::Numeric:
-            return Value(type.precision <= 9 ? 5 : type.precision <= 19 ? 9 : type.precision <= 28 ? 13 : 17);
-        default: break;
+            return Value(type.precision <= 9    ? 5
+                         : type.precision <= 19 ? 9
+                         : type.precision <= 28 ? 13
+                                                : 17);
+        default:
+            break;
     }
     if (type.isText()) return Value(type.length * (type.isUnicode() && type.length > 0 ? 2 : 1));
     return Value(8);

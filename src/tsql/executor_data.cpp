@@ -98,11 +98,11 @@ void Executor::fillTables(Frame& frame, Plan& plan) {
         for (size_t i = 0; i < fill.arguments.size(); ++i) {
             const PlanParameter& p = fill.arguments[i];
             const Value& v = parameterValue(frame, p);
-            callee.variables[i] =
-                convertValue(p.negated ? negated(v) : v, p.from, p.to);
+            callee.variables[i] = convertValue(p.negated ? negated(v) : v, p.from, p.to);
         }
         const ModuleDefinition& definition = *callee.code->definition;
-        CatalogTable table = describeTable(definition.returnsVariable, definition.returnsColumns, {});
+        CatalogTable table =
+            describeTable(definition.returnsVariable, definition.returnsColumns, {});
         // The variable's table belongs to the call, the rows stay for the statement.
         table.sqlName = fill.sqlName;
         sqlite_->run("DROP TABLE IF EXISTS " + fill.sqlName);
@@ -142,8 +142,7 @@ namespace {
 // Gives a statement back to its plan, reset, however its run ended.
 class Lease {
   public:
-    Lease(Plan& plan, SqliteStatement statement)
-        : plan_(plan), statement_(std::move(statement)) {}
+    Lease(Plan& plan, SqliteStatement statement) : plan_(plan), statement_(std::move(statement)) {}
     ~Lease() {
         sqlite3_reset(statement_.get());
         plan_.idle.push_back(std::move(statement_));
@@ -261,8 +260,7 @@ std::string Executor::duplicateKey(const CatalogTable& table, const CatalogKey& 
     }
     SqliteStatement walk = sqlite_->prepare(rows + " SELECT " + columns + " FROM src");
     if (frame && p) bindParameters(walk.get(), *frame, *p);
-    SqliteStatement held =
-        sqlite_->prepare("SELECT 1 FROM " + table.sqlName + " WHERE " + match);
+    SqliteStatement held = sqlite_->prepare("SELECT 1 FROM " + table.sqlName + " WHERE " + match);
     std::vector<std::string> seen;
     while (sqlite_->step(walk.get())) {
         std::string text;
@@ -280,9 +278,8 @@ std::string Executor::duplicateKey(const CatalogTable& table, const CatalogKey& 
     return "";
 }
 
-void Executor::constraintFailure(const DbError& e, const CatalogTable& table,
-                                 StatementKind writes, const std::string& rows, Frame* frame,
-                                 Plan* p) {
+void Executor::constraintFailure(const DbError& e, const CatalogTable& table, StatementKind writes,
+                                 const std::string& rows, Frame* frame, Plan* p) {
     const std::string text = e.what();
     const std::string verb = writes == StatementKind::Insert ? "INSERT" : "UPDATE";
     const size_t colon = text.find(": ");
@@ -455,8 +452,8 @@ void Executor::insertExecuted(Frame& frame, const Statement& s) {
         marks += i ? ",?" : "?";
     }
     Together together(*sqlite_);
-    SqliteStatement insert = sqlite_->prepare("INSERT INTO " + table->sqlName + "(" + names +
-                                              ") VALUES(" + marks + ")");
+    SqliteStatement insert =
+        sqlite_->prepare("INSERT INTO " + table->sqlName + "(" + names + ") VALUES(" + marks + ")");
     int64_t count = 0;
     try {
         for (const ResultSet& set : rows.sets) {
@@ -511,7 +508,8 @@ void Executor::runWithTriggers(Frame& frame, Plan& p) {
         apply.replace(apply.find('%'), 1, rows);
         sqlite_->run(apply);
         count = sqlite3_changes64(sqlite_->handle());
-        if (p.writes == StatementKind::Update) sqlite_->run("INSERT INTO " + insertedName + touched);
+        if (p.writes == StatementKind::Update)
+            sqlite_->run("INSERT INTO " + insertedName + touched);
         sqlite_->run("DROP TABLE " + rows);
     }
     std::map<std::string, CatalogTablePtr> pseudo;
@@ -559,9 +557,9 @@ void Executor::loadIdentity(const CatalogTable& table) {
     identityNext_ = table.identitySeed;
     std::optional<int64_t> last;
     if (table.temporary) {
-        last = sqlite_->number("SELECT max(" +
-                               sqliteName(table.columns[table.identityColumn()].name) + ") FROM " +
-                               table.sqlName);
+        last =
+            sqlite_->number("SELECT max(" + sqliteName(table.columns[table.identityColumn()].name) +
+                            ") FROM " + table.sqlName);
     } else {
         last = sqlite_->number("SELECT last FROM tsql_identity WHERE tbl = " +
                                sqliteText(foldName(table.name)));
@@ -588,13 +586,14 @@ void Executor::storeIdentity(const CatalogTable& table) {
         if (last) lastIdentity_ = Value(*last);
     }
     if (!last || table.temporary) return;
-    sqlite_->run("UPDATE tsql_identity SET last = " + std::to_string(*last) + " WHERE tbl = " +
-                 sqliteText(foldName(table.name)));
+    sqlite_->run("UPDATE tsql_identity SET last = " + std::to_string(*last) +
+                 " WHERE tbl = " + sqliteText(foldName(table.name)));
 }
 
 Value Executor::identityOf(const std::string& name) {
-    const auto last = sqlite_->number("SELECT last FROM tsql_identity WHERE tbl = " +
-                                      sqliteText(foldName(name.substr(name.find_last_of('.') + 1))));
+    const auto last =
+        sqlite_->number("SELECT last FROM tsql_identity WHERE tbl = " +
+                        sqliteText(foldName(name.substr(name.find_last_of('.') + 1))));
     return last ? Value(Decimal(*last, 0)) : Value();
 }
 

@@ -40,13 +40,26 @@ void forbidWrites(const std::vector<StatementPtr>& statements) {
         const char* verb = nullptr;
         const bool table = !s->target.empty() && s->target.last()[0] != '@';
         switch (s->kind) {
-            case StatementKind::Insert: verb = table ? "INSERT" : nullptr; break;
-            case StatementKind::Update: verb = table ? "UPDATE" : nullptr; break;
-            case StatementKind::Delete: verb = table ? "DELETE" : nullptr; break;
-            case StatementKind::ExecuteText: verb = "EXECUTE STRING"; break;
-            case StatementKind::CreateTable: verb = "CREATE TABLE"; break;
-            case StatementKind::Drop: verb = "DROP"; break;
-            default: break;
+            case StatementKind::Insert:
+                verb = table ? "INSERT" : nullptr;
+                break;
+            case StatementKind::Update:
+                verb = table ? "UPDATE" : nullptr;
+                break;
+            case StatementKind::Delete:
+                verb = table ? "DELETE" : nullptr;
+                break;
+            case StatementKind::ExecuteText:
+                verb = "EXECUTE STRING";
+                break;
+            case StatementKind::CreateTable:
+                verb = "CREATE TABLE";
+                break;
+            case StatementKind::Drop:
+                verb = "DROP";
+                break;
+            default:
+                break;
         }
         if (verb) throw makeDbError(443, {verb}, s->line);
         forbidWrites(s->body);
@@ -54,9 +67,13 @@ void forbidWrites(const std::vector<StatementPtr>& statements) {
     }
 }
 
-std::string bareName(const std::string& sqlName) { return sqlName.substr(sqlName.find('.') + 1); }
+std::string bareName(const std::string& sqlName) {
+    return sqlName.substr(sqlName.find('.') + 1);
+}
 
-std::string schemaOf(const std::string& sqlName) { return sqlName.substr(0, sqlName.find('.') + 1); }
+std::string schemaOf(const std::string& sqlName) {
+    return sqlName.substr(0, sqlName.find('.') + 1);
+}
 
 }  // namespace
 
@@ -74,8 +91,8 @@ CatalogTable Executor::describeTable(const std::string& name,
         column.identity = c.identity;
         column.defaultSource = c.defaultSource;
         if (!c.defaultSource.empty())
-            column.defaultName = c.defaultName.empty() ? generatedName("DF", name, c.name)
-                                                       : c.defaultName;
+            column.defaultName =
+                c.defaultName.empty() ? generatedName("DF", name, c.name) : c.defaultName;
         if (c.identity) {
             table.identitySeed = c.seed;
             table.identityIncrement = c.increment;
@@ -100,7 +117,8 @@ CatalogTable Executor::describeTable(const std::string& name,
                 table.keys.push_back({constraint, c.columns, CatalogKey::Primary});
                 break;
             case ConstraintDefinition::Unique:
-                if (constraint.empty()) constraint = generatedName("UQ", name, joined(c.columns, ','));
+                if (constraint.empty())
+                    constraint = generatedName("UQ", name, joined(c.columns, ','));
                 table.keys.push_back({constraint, c.columns, CatalogKey::Unique});
                 break;
             case ConstraintDefinition::Check:
@@ -140,13 +158,16 @@ std::string Executor::checkText(const CatalogTable& table, const std::string& so
             e.pattern = sqliteName(table.columns[e.column].name);
         }
         if (e.kind == BoundKind::Literal) {
-            const Value v =
-                convertValue(code->ast.literals[e.index].value, e.sourceType, e.type);
+            const Value v = convertValue(code->ast.literals[e.index].value, e.sourceType, e.type);
             e.kind = BoundKind::Op;
-            if (v.isText()) e.pattern = sqliteText(v.asText());
-            else if (v.isDecimal()) e.pattern = Decimal(v.asDecimal().unscaled(), 0).toText();
-            else if (v.isDate()) e.pattern = std::to_string(v.asDate().day);
-            else e.pattern = v.toText();
+            if (v.isText())
+                e.pattern = sqliteText(v.asText());
+            else if (v.isDecimal())
+                e.pattern = Decimal(v.asDecimal().unscaled(), 0).toText();
+            else if (v.isDate())
+                e.pattern = std::to_string(v.asDate().day);
+            else
+                e.pattern = v.toText();
             if (e.pattern.find('$') != std::string::npos)
                 throw makeDbError(15281, {"\"$\" in a CHECK constraint"});
         }
@@ -211,7 +232,10 @@ void Executor::storeConstraints(const CatalogTable& table) {
         sqlite3_reset(insert.get());
     };
     for (const CatalogKey& k : table.keys)
-        add(k.name, k.kind == CatalogKey::Primary ? "P" : k.kind == CatalogKey::Unique ? "U" : "I",
+        add(k.name,
+            k.kind == CatalogKey::Primary  ? "P"
+            : k.kind == CatalogKey::Unique ? "U"
+                                           : "I",
             joined(k.columns, '\x1f'), "");
     for (const CatalogCheck& c : table.checks) add(c.name, "C", "", c.source);
     for (const CatalogColumn& c : table.columns)
@@ -251,8 +275,7 @@ void Executor::createTable(CatalogTable table, int line) {
 
 // SQLite cannot change a column's type or a check in place: the table is made anew under its name.
 void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
-    if (before.temporary)
-        throw makeDbError(15281, {"This ALTER TABLE on a temporary table"});
+    if (before.temporary) throw makeDbError(15281, {"This ALTER TABLE on a temporary table"});
     const std::string fresh = "main." + sqliteName("tsql_rebuilt");
     std::string names, values;
     for (const CatalogColumn& c : after.columns) {
@@ -261,19 +284,19 @@ void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
         names += (names.empty() ? "" : ", ") + sqliteName(c.name);
         const SqlType& from = before.columns[at].type;
         values += values.empty() ? "" : ", ";
-        values += from == c.type ? sqliteName(c.name)
-                                 : "t_cv(" + sqliteName(c.name) + "," +
-                                       std::to_string(packType(from)) + "," +
-                                       std::to_string(packType(c.type)) + ",-1)";
+        values += from == c.type
+                      ? sqliteName(c.name)
+                      : "t_cv(" + sqliteName(c.name) + "," + std::to_string(packType(from)) + "," +
+                            std::to_string(packType(c.type)) + ",-1)";
     }
     // Plain indexes stand only in SQLite's own schema.
     std::vector<std::string> indexes;
     SqliteStatement find = sqlite_->prepare(
         "SELECT sql FROM main.sqlite_master WHERE type = 'index' AND sql IS NOT NULL AND "
-        "tbl_name = " + sqliteText(before.name) + " COLLATE NOCASE");
+        "tbl_name = " +
+        sqliteText(before.name) + " COLLATE NOCASE");
     while (sqlite_->step(find.get()))
-        indexes.emplace_back(
-            reinterpret_cast<const char*>(sqlite3_column_text(find.get(), 0)));
+        indexes.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(find.get(), 0)));
     find.reset();
     Together together(*sqlite_);
     sqlite_->run(tableDdl(after, fresh));
@@ -300,11 +323,21 @@ void Executor::alterTable(const Statement& s) {
         if (!table) throw makeDbError(4902, {s.target.last()}, s.line);
         const CatalogTable& t = *table;
         switch (action.kind) {
-            case AlterAction::AddColumn: addColumn(t, action.column, s.line); break;
-            case AlterAction::AddConstraint: addConstraint(t, action.constraint, s.line); break;
-            case AlterAction::DropColumn: dropColumn(t, action.name, s.line); break;
-            case AlterAction::DropConstraint: dropConstraint(t, action.name, s.line); break;
-            case AlterAction::AlterColumn: alterColumn(t, action.column, s.line); break;
+            case AlterAction::AddColumn:
+                addColumn(t, action.column, s.line);
+                break;
+            case AlterAction::AddConstraint:
+                addConstraint(t, action.constraint, s.line);
+                break;
+            case AlterAction::DropColumn:
+                dropColumn(t, action.name, s.line);
+                break;
+            case AlterAction::DropConstraint:
+                dropConstraint(t, action.name, s.line);
+                break;
+            case AlterAction::AlterColumn:
+                alterColumn(t, action.column, s.line);
+                break;
         }
     }
     together.done();
@@ -332,12 +365,16 @@ void Executor::addColumn(const CatalogTable& table, const ColumnDefinition& c, i
         auto code = compileBatch("SELECT " + c.defaultSource);
         Frame frame;
         frame.code = code;
-        const Value v = evaluate(frame, *code->ast.statements[0]->query->body->items[0].expr,
-                                 &c.type);
-        if (v.isText()) fill = sqliteText(v.asText());
-        else if (v.isDecimal()) fill = Decimal(v.asDecimal().unscaled(), 0).toText();
-        else if (v.isDate()) fill = std::to_string(v.asDate().toDays());
-        else fill = v.isNull() ? "NULL" : v.toText();
+        const Value v =
+            evaluate(frame, *code->ast.statements[0]->query->body->items[0].expr, &c.type);
+        if (v.isText())
+            fill = sqliteText(v.asText());
+        else if (v.isDecimal())
+            fill = Decimal(v.asDecimal().unscaled(), 0).toText();
+        else if (v.isDate())
+            fill = std::to_string(v.asDate().toDays());
+        else
+            fill = v.isNull() ? "NULL" : v.toText();
         ddl += " NOT NULL DEFAULT " + fill;
     } else if (notNull) {
         // Empty table: SQLite still wants a default beside NOT NULL.
@@ -364,8 +401,8 @@ void Executor::addConstraint(const CatalogTable& table, const ConstraintDefiniti
             return foldName(k.name) == foldName(c.name);
         });
         for (const CatalogColumn& column : table.columns)
-            taken |= !column.defaultName.empty() &&
-                     foldName(column.defaultName) == foldName(c.name);
+            taken |=
+                !column.defaultName.empty() && foldName(column.defaultName) == foldName(c.name);
         if (taken) throw makeDbError(2714, {c.name}, line);
     }
     CatalogTable after = table;
@@ -374,7 +411,8 @@ void Executor::addConstraint(const CatalogTable& table, const ConstraintDefiniti
             CatalogColumn& column = after.columns[after.findColumn(c.columns[0])];
             if (!column.defaultSource.empty()) throw makeDbError(1781, {}, line);
             column.defaultSource = c.source;
-            column.defaultName = c.name.empty() ? generatedName("DF", table.name, c.columns[0]) : c.name;
+            column.defaultName =
+                c.name.empty() ? generatedName("DF", table.name, c.columns[0]) : c.name;
             break;
         }
         case ConstraintDefinition::PrimaryKey:
@@ -388,7 +426,7 @@ void Executor::addConstraint(const CatalogTable& table, const ConstraintDefiniti
                     if (table.columns[table.findColumn(column)].nullable)
                         throw makeDbError(8111, {table.name}, line);
             CatalogKey key{c.name.empty() ? generatedName(primary ? "PK" : "UQ", table.name,
-                                                        primary ? "" : joined(c.columns, ','))
+                                                          primary ? "" : joined(c.columns, ','))
                                           : c.name,
                            c.columns, primary ? CatalogKey::Primary : CatalogKey::Unique};
             createKeyIndex(table, key, true);
@@ -484,16 +522,18 @@ void Executor::createIndex(const Statement& s) {
     CatalogKey key{s.indexName, s.columns, CatalogKey::Index};
     const std::string index = table->sqlName.substr(table->sqlName.find('"') + 1) + key.name;
     if (sqlite_->number("SELECT 1 FROM " + schemaOf(table->sqlName) +
-                        "sqlite_master WHERE type = 'index' AND name = " + sqliteText(index.substr(0)) +
-                        " COLLATE NOCASE"))
+                        "sqlite_master WHERE type = 'index' AND name = " +
+                        sqliteText(index.substr(0)) + " COLLATE NOCASE"))
         throw makeDbError(1913, {s.indexName, table->name}, s.line);
     Together together(*sqlite_);
     createKeyIndex(*table, key, s.unique);
     if (s.unique) {
         CatalogTable after = *table;
         after.keys.push_back(std::move(key));
-        if (table->temporary) catalog_.replaceTemporary(std::move(after));
-        else storeConstraints(after);
+        if (table->temporary)
+            catalog_.replaceTemporary(std::move(after));
+        else
+            storeConstraints(after);
     }
     together.done();
     catalog_.changed(table->name);
@@ -510,14 +550,14 @@ void Executor::drop(const Statement& s) {
             if (!table) throw makeDbError(3701, {"index", name.text()}, s.line);
             for (const CatalogKey& k : table->keys)
                 if (foldName(k.name) == foldName(object) && k.kind != CatalogKey::Index)
-                    throw makeDbError(3723, {name.text(), k.kind == CatalogKey::Primary
-                                                              ? "PRIMARY KEY"
-                                                              : "UNIQUE KEY"},
-                                      s.line);
+                    throw makeDbError(
+                        3723,
+                        {name.text(), k.kind == CatalogKey::Primary ? "PRIMARY KEY" : "UNIQUE KEY"},
+                        s.line);
             try {
-                sqlite_->run("DROP INDEX " + schemaOf(table->sqlName) +
-                             sqliteName(table->sqlName.substr(table->sqlName.find('"') + 1) +
-                                        object));
+                sqlite_->run(
+                    "DROP INDEX " + schemaOf(table->sqlName) +
+                    sqliteName(table->sqlName.substr(table->sqlName.find('"') + 1) + object));
             } catch (const DbError&) {
                 if (s.ifExists) continue;
                 throw makeDbError(3701, {"index", tableName + "." + object}, s.line);
@@ -557,18 +597,24 @@ void Executor::drop(const Statement& s) {
         bool right = false;
         if (module) {
             switch (module->kind) {
-                case ModuleKind::View: right = s.dropKind == "VIEW"; break;
-                case ModuleKind::Procedure: right = s.dropKind == "PROCEDURE"; break;
-                case ModuleKind::Trigger: right = s.dropKind == "TRIGGER"; break;
-                default: right = s.dropKind == "FUNCTION";
+                case ModuleKind::View:
+                    right = s.dropKind == "VIEW";
+                    break;
+                case ModuleKind::Procedure:
+                    right = s.dropKind == "PROCEDURE";
+                    break;
+                case ModuleKind::Trigger:
+                    right = s.dropKind == "TRIGGER";
+                    break;
+                default:
+                    right = s.dropKind == "FUNCTION";
             }
         }
         if (!right) {
             if (s.ifExists && !module) continue;
             throw makeDbError(3701, {kind, object}, s.line);
         }
-        SqliteStatement erase =
-            sqlite_->prepare("DELETE FROM tsql_module WHERE name = ?1");
+        SqliteStatement erase = sqlite_->prepare("DELETE FROM tsql_module WHERE name = ?1");
         bindValue(erase.get(), 1, Value(module->name));
         sqlite_->step(erase.get());
         erase.reset();

@@ -45,8 +45,7 @@ void hostTrampoline(sqlite3_context* context, int count, sqlite3_value** argumen
 }
 
 void registerHostFunction(Sqlite& sqlite, FunctionHost& host, const char* name, int count,
-                          Value (*body)(FunctionHost&, int, sqlite3_value**),
-                          bool deterministic) {
+                          Value (*body)(FunctionHost&, int, sqlite3_value**), bool deterministic) {
     auto* h = new HostCall{&sqlite, &host, body};
     sqlite3_create_function_v2(
         sqlite.handle(), name, count, SQLITE_UTF8 | (deterministic ? SQLITE_DETERMINISTIC : 0), h,
@@ -56,8 +55,8 @@ void registerHostFunction(Sqlite& sqlite, FunctionHost& host, const char* name, 
 void convertFunction(sqlite3_context* context, int, sqlite3_value** a) {
     const SqlType from = unpackType(sqlite3_value_int64(a[1]));
     const SqlType to = unpackType(sqlite3_value_int64(a[2]));
-    resultValue(context, convertValue(argumentValue(a[0], from), from, to,
-                                      sqlite3_value_int(a[3])));
+    resultValue(context,
+                convertValue(argumentValue(a[0], from), from, to, sqlite3_value_int(a[3])));
 }
 
 void tryConvertFunction(sqlite3_context* context, int n, sqlite3_value** a) {
@@ -79,8 +78,8 @@ void fitFunction(sqlite3_context* context, int, sqlite3_value** a) {
         if (length > limit) {
             const std::string_view kept = trimRight(text);
             if (utf8Length(kept) > limit)
-                throw makeDbError(2628, {argumentText(a[3]), argumentText(a[4]),
-                                         utf8Substr(text, 0, limit)});
+                throw makeDbError(
+                    2628, {argumentText(a[3]), argumentText(a[4]), utf8Substr(text, 0, limit)});
             resultText(context, utf8Substr(text, 0, limit));
             return;
         }
@@ -187,8 +186,7 @@ void registerFunctions(Sqlite& sqlite, FunctionHost& host) {
         sqlite, host, "t_collength", 2,
         [](FunctionHost& h, int n, sqlite3_value** a) {
             if (anyNull(n, a)) return Value();
-            return h.columnLength(std::string(argumentText(a[0])),
-                                  std::string(argumentText(a[1])));
+            return h.columnLength(std::string(argumentText(a[0])), std::string(argumentText(a[1])));
         },
         false);
     registerHostFunction(

@@ -11,7 +11,9 @@ namespace {
 
 const SqlType kDateTime = SqlType::of(SqlKind::DateTime);
 
-DateTime dateOf(sqlite3_value* v) { return argumentValue(v, kDateTime).asDate(); }
+DateTime dateOf(sqlite3_value* v) {
+    return argumentValue(v, kDateTime).asDate();
+}
 
 void requireRange(int64_t day) {
     if (day < DateTime::kMinDay || day > DateTime::kMaxDay) throw makeDbError(517, {"datetime"});
@@ -41,17 +43,26 @@ void dateAdd(sqlite3_context* c, int, sqlite3_value** a) {
         if (std::llabs(months) > 12 * 10000) throw makeDbError(517, {"datetime"});
         d = d.plusMonths(static_cast<int>(months));
     };
-    if (part == "year") addMonths(n * 12);
-    else if (part == "quarter") addMonths(n * 3);
-    else if (part == "month") addMonths(n);
+    if (part == "year")
+        addMonths(n * 12);
+    else if (part == "quarter")
+        addMonths(n * 3);
+    else if (part == "month")
+        addMonths(n);
     else {
         int64_t ticks = 0;
-        if (part == "week") ticks = n * 7 * DateTime::kTicksPerDay;
-        else if (part == "hour") ticks = n * 3600 * 300;
-        else if (part == "minute") ticks = n * 60 * 300;
-        else if (part == "second") ticks = n * 300;
-        else if (part == "millisecond") ticks = std::llround(static_cast<double>(n) * 0.3);
-        else ticks = n * DateTime::kTicksPerDay;
+        if (part == "week")
+            ticks = n * 7 * DateTime::kTicksPerDay;
+        else if (part == "hour")
+            ticks = n * 3600 * 300;
+        else if (part == "minute")
+            ticks = n * 60 * 300;
+        else if (part == "second")
+            ticks = n * 300;
+        else if (part == "millisecond")
+            ticks = std::llround(static_cast<double>(n) * 0.3);
+        else
+            ticks = n * DateTime::kTicksPerDay;
         int64_t total = static_cast<int64_t>(d.day) * DateTime::kTicksPerDay + d.tick + ticks;
         int64_t day = total / DateTime::kTicksPerDay, tick = total % DateTime::kTicksPerDay;
         if (tick < 0) {
@@ -65,7 +76,7 @@ void dateAdd(sqlite3_context* c, int, sqlite3_value** a) {
     resultValue(c, Value(d));
 }
 
-int64_t weekNumber(int32_t day) {  // weeks from Sunday to Saturday
+int64_t weekNumber(int32_t day) {                               // weeks from Sunday to Saturday
     const int64_t sinceSunday = static_cast<int64_t>(day) + 1;  // 1899-12-31 was a Sunday
     return sinceSunday >= 0 ? sinceSunday / 7 : (sinceSunday - 6) / 7;
 }
@@ -80,16 +91,24 @@ void dateDiff(sqlite3_context* c, int, sqlite3_value** a) {
         return days * (DateTime::kTicksPerDay / ticks) + y.tick / ticks - x.tick / ticks;
     };
     int64_t r = 0;
-    if (part == "year") r = cy.year - cx.year;
-    else if (part == "quarter") r = (cy.year - cx.year) * 4 + (cy.month - 1) / 3 - (cx.month - 1) / 3;
-    else if (part == "month") r = (cy.year - cx.year) * 12 + cy.month - cx.month;
-    else if (part == "week") r = weekNumber(y.day) - weekNumber(x.day);
-    else if (part == "hour") r = boundaries(3600 * 300);
-    else if (part == "minute") r = boundaries(60 * 300);
-    else if (part == "second") r = boundaries(300);
+    if (part == "year")
+        r = cy.year - cx.year;
+    else if (part == "quarter")
+        r = (cy.year - cx.year) * 4 + (cy.month - 1) / 3 - (cx.month - 1) / 3;
+    else if (part == "month")
+        r = (cy.year - cx.year) * 12 + cy.month - cx.month;
+    else if (part == "week")
+        r = weekNumber(y.day) - weekNumber(x.day);
+    else if (part == "hour")
+        r = boundaries(3600 * 300);
+    else if (part == "minute")
+        r = boundaries(60 * 300);
+    else if (part == "second")
+        r = boundaries(300);
     else if (part == "millisecond")
         r = days * 86400000 + y.milliseconds() - x.milliseconds();
-    else r = days;
+    else
+        r = days;
     if (r > INT32_MAX || r < INT32_MIN)
         throw DbError(535, 16, 1, 0,
                       "The datediff function resulted in an overflow. The number of dateparts "
@@ -117,8 +136,8 @@ int partOf(std::string_view part, const DateTime& d) {
     if (part == "month") return c.month;
     if (part == "dayofyear") return dayOfYear(d);
     if (part == "week")
-        return static_cast<int>(weekNumber(d.day) -
-                                weekNumber(DateTime::dayNumber(c.year, 1, 1))) + 1;
+        return static_cast<int>(weekNumber(d.day) - weekNumber(DateTime::dayNumber(c.year, 1, 1))) +
+               1;
     if (part == "isoweek") return isoWeek(d);
     if (part == "weekday") return d.weekday();
     if (part == "hour") return ms / 3600000;

@@ -29,9 +29,15 @@ void bigArithmetic(sqlite3_context* context, int, sqlite3_value** a) {
     int64_t r = 0;
     bool overflow = false;
     switch (argumentText(a[0])[0]) {
-        case '+': overflow = __builtin_add_overflow(x, y, &r); break;
-        case '-': overflow = __builtin_sub_overflow(x, y, &r); break;
-        default: overflow = __builtin_mul_overflow(x, y, &r); break;
+        case '+':
+            overflow = __builtin_add_overflow(x, y, &r);
+            break;
+        case '-':
+            overflow = __builtin_sub_overflow(x, y, &r);
+            break;
+        default:
+            overflow = __builtin_mul_overflow(x, y, &r);
+            break;
     }
     if (overflow) throw makeDbError(8115, {"expression", "bigint"});
     sqlite3_result_int64(context, r);
@@ -66,9 +72,15 @@ void numericArithmetic(sqlite3_context* context, int, sqlite3_value** a) {
     const int scale = sqlite3_value_int(a[5]);
     Decimal r;
     switch (argumentText(a[0])[0]) {
-        case '+': r = Decimal::add(x, y); break;
-        case '-': r = Decimal::add(x, -y); break;
-        case '*': r = Decimal(multiplyChecked(x.unscaled(), y.unscaled()), x.scale() + y.scale()); break;
+        case '+':
+            r = Decimal::add(x, y);
+            break;
+        case '-':
+            r = Decimal::add(x, -y);
+            break;
+        case '*':
+            r = Decimal(multiplyChecked(x.unscaled(), y.unscaled()), x.scale() + y.scale());
+            break;
         case '/':
             if (y.unscaled() == 0) throw makeDbError(8134);
             r = Decimal::divide(x, y, scale);
@@ -161,22 +173,38 @@ void mathFunction(sqlite3_context* context, int n, sqlite3_value** a) {
     const double y = n > 2 ? sqlite3_value_double(a[2]) : 0;
     constexpr double kPi = 3.14159265358979323846;
     double r = 0;
-    if (name == "POWER") r = std::pow(x, y);
-    else if (name == "SQRT") r = std::sqrt(x);
-    else if (name == "SQUARE") r = x * x;
-    else if (name == "EXP") r = std::exp(x);
-    else if (name == "LOG") r = n > 2 ? std::log(x) / std::log(y) : std::log(x);
-    else if (name == "LOG10") r = std::log10(x);
-    else if (name == "SIN") r = std::sin(x);
-    else if (name == "COS") r = std::cos(x);
-    else if (name == "TAN") r = std::tan(x);
-    else if (name == "ASIN") r = std::asin(x);
-    else if (name == "ACOS") r = std::acos(x);
-    else if (name == "ATAN") r = std::atan(x);
-    else if (name == "ATN2") r = std::atan2(x, y);
-    else if (name == "PI") r = kPi;
-    else if (name == "RADIANS") r = x * kPi / 180;
-    else if (name == "DEGREES") r = x * 180 / kPi;
+    if (name == "POWER")
+        r = std::pow(x, y);
+    else if (name == "SQRT")
+        r = std::sqrt(x);
+    else if (name == "SQUARE")
+        r = x * x;
+    else if (name == "EXP")
+        r = std::exp(x);
+    else if (name == "LOG")
+        r = n > 2 ? std::log(x) / std::log(y) : std::log(x);
+    else if (name == "LOG10")
+        r = std::log10(x);
+    else if (name == "SIN")
+        r = std::sin(x);
+    else if (name == "COS")
+        r = std::cos(x);
+    else if (name == "TAN")
+        r = std::tan(x);
+    else if (name == "ASIN")
+        r = std::asin(x);
+    else if (name == "ACOS")
+        r = std::acos(x);
+    else if (name == "ATAN")
+        r = std::atan(x);
+    else if (name == "ATN2")
+        r = std::atan2(x, y);
+    else if (name == "PI")
+        r = kPi;
+    else if (name == "RADIANS")
+        r = x * kPi / 180;
+    else if (name == "DEGREES")
+        r = x * 180 / kPi;
     if (std::isnan(r))
         throw DbError(3623, 16, 1, 0, "An invalid floating point operation occurred.");
     if (std::isinf(r)) throw makeDbError(8115, {"expression", "float"});
@@ -203,9 +231,12 @@ void wideStep(sqlite3_context* context, int, sqlite3_value** a) {
     auto* s = static_cast<WideState*>(sqlite3_aggregate_context(context, sizeof(WideState)));
     if (!s) return;
     const int128 v = wideNumber(a[0]);
-    if (s->rows++ == 0) s->set(v);
-    else if (kOp == '+') s->set(s->value() + v);
-    else if (kOp == '<' ? v < s->value() : v > s->value()) s->set(v);
+    if (s->rows++ == 0)
+        s->set(v);
+    else if (kOp == '+')
+        s->set(s->value() + v);
+    else if (kOp == '<' ? v < s->value() : v > s->value())
+        s->set(v);
 }
 
 void wideFinal(sqlite3_context* context) {

@@ -23,7 +23,9 @@ std::string encoded(std::u32string_view text) {
     return out;
 }
 
-std::u32string foldedText(std::string_view text) { return decoded(lowerCase(text)); }
+std::u32string foldedText(std::string_view text) {
+    return decoded(lowerCase(text));
+}
 
 void upper(sqlite3_context* c, int, sqlite3_value** a) {
     if (anyNull(1, a)) return sqlite3_result_null(c);
@@ -158,8 +160,8 @@ void character(sqlite3_context* c, int, sqlite3_value** a) {
     const int64_t code = sqlite3_value_int64(a[0]);
     if (code < 0 || code > (kUnicode ? 65535 : 255) || code == 0) return sqlite3_result_null(c);
     std::string out;
-    appendCodePoint(out, kUnicode ? static_cast<char32_t>(code)
-                                  : ansiCodePoint(static_cast<uint8_t>(code)));
+    appendCodePoint(
+        out, kUnicode ? static_cast<char32_t>(code) : ansiCodePoint(static_cast<uint8_t>(code)));
     resultText(c, out);
 }
 
@@ -247,8 +249,7 @@ void patIndex(sqlite3_context* c, int, sqlite3_value** a) {
     std::u32string pattern = foldedText(argumentText(a[0]));
     const std::u32string text = foldedText(argumentText(a[1]));
     const bool open = !pattern.empty() && pattern.front() == U'%';
-    if (!open)
-        return sqlite3_result_int(c, matchHere(pattern, text, 0) ? 1 : 0);
+    if (!open) return sqlite3_result_int(c, matchHere(pattern, text, 0) ? 1 : 0);
     const std::u32string rest = pattern.substr(1);
     for (size_t i = 0; i <= text.size(); ++i)
         if (matchHere(rest, std::u32string_view(text).substr(i), 0))

@@ -14,7 +14,8 @@ std::string Lowerer::parameter(PlanParameter p) {
 
 std::string Lowerer::expression(const BoundExpr& e) {
     switch (e.kind) {
-        case BoundKind::Null: return "NULL";
+        case BoundKind::Null:
+            return "NULL";
         case BoundKind::Literal: {
             PlanParameter p;
             p.kind = e.index < 0 ? PlanParameter::Constant : PlanParameter::Literal;
@@ -33,8 +34,10 @@ std::string Lowerer::expression(const BoundExpr& e) {
             p.to = e.type;
             return parameter(std::move(p));
         }
-        case BoundKind::LiveVariable: return "t_var(" + std::to_string(e.index) + ")";
-        case BoundKind::Column: return e.source->alias + "." + e.source->columns[e.column].sqlName;
+        case BoundKind::LiveVariable:
+            return "t_var(" + std::to_string(e.index) + ")";
+        case BoundKind::Column:
+            return e.source->alias + "." + e.source->columns[e.column].sqlName;
         case BoundKind::ScalarQuery: {
             if (e.query->singleRow) return "(" + query(*e.query, false) + ")";
             // More than one row is an error, which t_one raises.
@@ -47,7 +50,8 @@ std::string Lowerer::expression(const BoundExpr& e) {
             return "(" + expression(left) + (left.type.isText() ? " COLLATE TSQL" : "") +
                    (e.negated ? " NOT IN (" : " IN (") + query(*e.query, false) + "))";
         }
-        case BoundKind::Op: break;
+        case BoundKind::Op:
+            break;
     }
     std::string out;
     const std::string& p = e.pattern;
@@ -133,10 +137,17 @@ std::string Lowerer::fromItem(const BoundFrom& f) {
     if (f.source) return sourceText(*f.source);
     const char* word = " JOIN ";
     switch (f.join) {
-        case JoinKind::Left: word = " LEFT JOIN "; break;
-        case JoinKind::Right: word = " RIGHT JOIN "; break;
-        case JoinKind::Full: word = " FULL JOIN "; break;
-        default: break;
+        case JoinKind::Left:
+            word = " LEFT JOIN ";
+            break;
+        case JoinKind::Right:
+            word = " RIGHT JOIN ";
+            break;
+        case JoinKind::Full:
+            word = " FULL JOIN ";
+            break;
+        default:
+            break;
     }
     const std::string left = fromItem(*f.left);
     std::string right = fromItem(*f.right);
@@ -214,7 +225,9 @@ std::string Lowerer::query(const BoundQuery& q, bool named) {
                ") SELECT " + names + " FROM " + q.recursiveName;
     }
     switch (q.kind) {
-        case QueryBody::Select: out = select(q, named); break;
+        case QueryBody::Select:
+            out = select(q, named);
+            break;
         case QueryBody::Values: {
             out = "VALUES ";
             for (size_t r = 0; r < q.rows.size(); ++r) {
@@ -238,7 +251,8 @@ std::string Lowerer::query(const BoundQuery& q, bool named) {
                 for (size_t i = 0; i < q.columns.size(); ++i) {
                     if (i) collated += ", ";
                     collated += "c" + std::to_string(i);
-                    if (q.columns[i].type.isText()) collated += " COLLATE TSQL AS c" + std::to_string(i);
+                    if (q.columns[i].type.isText())
+                        collated += " COLLATE TSQL AS c" + std::to_string(i);
                 }
                 out = collated + " FROM (" + query(*q.left, true) + ")";
             } else {
@@ -249,8 +263,7 @@ std::string Lowerer::query(const BoundQuery& q, bool named) {
     }
     if (q.withTies) {
         std::string names;
-        for (size_t i = 0; i < q.items.size(); ++i)
-            names += (i ? ", c" : "c") + std::to_string(i);
+        for (size_t i = 0; i < q.items.size(); ++i) names += (i ? ", c" : "c") + std::to_string(i);
         return "SELECT " + names + " FROM (" + out + ") WHERE place <= " + expression(*q.limit) +
                " ORDER BY place";
     }

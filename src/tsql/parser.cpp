@@ -18,19 +18,32 @@ struct TypeName {
 };
 
 constexpr TypeName kTypes[] = {
-    {"bit", SqlKind::Bit},           {"tinyint", SqlKind::TinyInt},
-    {"smallint", SqlKind::SmallInt}, {"int", SqlKind::Int},
-    {"integer", SqlKind::Int},       {"bigint", SqlKind::BigInt},
-    {"numeric", SqlKind::Numeric},   {"decimal", SqlKind::Numeric},
-    {"dec", SqlKind::Numeric},       {"money", SqlKind::Numeric},
-    {"smallmoney", SqlKind::Numeric}, {"float", SqlKind::Float},
-    {"real", SqlKind::Float},        {"double", SqlKind::Float},
-    {"char", SqlKind::Char},         {"character", SqlKind::Char},
-    {"varchar", SqlKind::VarChar},   {"text", SqlKind::VarChar},
-    {"nchar", SqlKind::NChar},       {"nvarchar", SqlKind::NVarChar},
-    {"ntext", SqlKind::NVarChar},    {"sysname", SqlKind::NVarChar},
-    {"datetime", SqlKind::DateTime}, {"smalldatetime", SqlKind::DateTime},
-    {"datetime2", SqlKind::DateTime}, {"date", SqlKind::Date},
+    {"bit", SqlKind::Bit},
+    {"tinyint", SqlKind::TinyInt},
+    {"smallint", SqlKind::SmallInt},
+    {"int", SqlKind::Int},
+    {"integer", SqlKind::Int},
+    {"bigint", SqlKind::BigInt},
+    {"numeric", SqlKind::Numeric},
+    {"decimal", SqlKind::Numeric},
+    {"dec", SqlKind::Numeric},
+    {"money", SqlKind::Numeric},
+    {"smallmoney", SqlKind::Numeric},
+    {"float", SqlKind::Float},
+    {"real", SqlKind::Float},
+    {"double", SqlKind::Float},
+    {"char", SqlKind::Char},
+    {"character", SqlKind::Char},
+    {"varchar", SqlKind::VarChar},
+    {"text", SqlKind::VarChar},
+    {"nchar", SqlKind::NChar},
+    {"nvarchar", SqlKind::NVarChar},
+    {"ntext", SqlKind::NVarChar},
+    {"sysname", SqlKind::NVarChar},
+    {"datetime", SqlKind::DateTime},
+    {"smalldatetime", SqlKind::DateTime},
+    {"datetime2", SqlKind::DateTime},
+    {"date", SqlKind::Date},
 };
 
 const TypeName* findType(std::string_view word) {
@@ -96,10 +109,13 @@ LiteralSlot literalOf(const Token& token) {
             slot.value = Value(std::move(text));
             slot.type = SqlType::text(
                 token.kind == TokenKind::NString ? SqlKind::NVarChar : SqlKind::VarChar,
-                length == 0 ? 1 : length > 8000 ? SqlType::kMax : length);
+                length == 0     ? 1
+                : length > 8000 ? SqlType::kMax
+                                : length);
             break;
         }
-        default: break;
+        default:
+            break;
     }
     return slot;
 }
@@ -262,8 +278,8 @@ SqlType Parser::parseType(int defaultLength) {
         if (type.kind == SqlKind::Numeric) {
             if (first < 1 || first > 38)
                 throw makeDbError(2750, {"1", std::to_string(first)}, static_cast<int>(t.line));
-            if (second > first) throw makeDbError(102, {std::to_string(second)},
-                                                  static_cast<int>(t.line));
+            if (second > first)
+                throw makeDbError(102, {std::to_string(second)}, static_cast<int>(t.line));
             type = SqlType::numeric(static_cast<int>(first), static_cast<int>(second));
         } else if (type.isText()) {
             const int64_t limit = type.isUnicode() ? 4000 : 8000;

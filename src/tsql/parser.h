@@ -104,7 +104,7 @@ class Parser {
     ExprPtr parseFunction(Name name);
     ExprPtr parseLiteral();
     ExprPtr binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr right);
-    void fixNextLiteral();
+    void countLink(int& links) const;
 
     class Depth;
 

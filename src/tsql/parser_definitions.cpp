@@ -270,10 +270,14 @@ StatementPtr Parser::parseModule(size_t firstToken, bool alter, bool orAlter) {
         skipWithOptions();
         if (!takeWord("AFTER")) expectWord("FOR");
         do {
-            if (takeWord("INSERT")) m.onInsert = true;
-            else if (takeWord("UPDATE")) m.onUpdate = true;
-            else if (takeWord("DELETE")) m.onDelete = true;
-            else syntaxError();
+            if (takeWord("INSERT"))
+                m.onInsert = true;
+            else if (takeWord("UPDATE"))
+                m.onUpdate = true;
+            else if (takeWord("DELETE"))
+                m.onDelete = true;
+            else
+                syntaxError();
         } while (takeOperator(","));
         expectWord("AS");
     } else {
@@ -310,8 +314,8 @@ StatementPtr Parser::parseAlterTable() {
         const bool parenthesised = takeOperator("(");
         do {
             AlterAction action;
-            if (isWord("CONSTRAINT") || isWord("PRIMARY") || isWord("UNIQUE") ||
-                isWord("CHECK") || isWord("FOREIGN") || isWord("DEFAULT")) {
+            if (isWord("CONSTRAINT") || isWord("PRIMARY") || isWord("UNIQUE") || isWord("CHECK") ||
+                isWord("FOREIGN") || isWord("DEFAULT")) {
                 action.kind = AlterAction::AddConstraint;
                 action.constraint = parseTableConstraint();
                 s->actions.push_back(std::move(action));
@@ -333,8 +337,8 @@ StatementPtr Parser::parseAlterTable() {
     } else if (takeWord("DROP")) {
         do {
             AlterAction action;
-            action.kind = takeWord("COLUMN") ? AlterAction::DropColumn
-                                             : AlterAction::DropConstraint;
+            action.kind =
+                takeWord("COLUMN") ? AlterAction::DropColumn : AlterAction::DropConstraint;
             if (action.kind == AlterAction::DropConstraint) takeWord("CONSTRAINT");
             action.name = expectName();
             s->actions.push_back(std::move(action));
@@ -358,8 +362,8 @@ StatementPtr Parser::parseDrop() {
     if (peek().kind != TokenKind::Name) syntaxError();
     s->dropKind = upperCase(take().text);
     if (s->dropKind == "PROC") s->dropKind = "PROCEDURE";
-    static constexpr const char* kKinds[] = {"TABLE", "VIEW", "FUNCTION", "PROCEDURE", "TRIGGER",
-                                             "INDEX"};
+    static constexpr const char* kKinds[] = {"TABLE",     "VIEW",    "FUNCTION",
+                                             "PROCEDURE", "TRIGGER", "INDEX"};
     bool known = false;
     for (const char* k : kKinds) known |= s->dropKind == k;
     if (!known) {

@@ -20,6 +20,11 @@ class Parser::Depth {
     Parser& p_;
 };
 
+// A chain of operators leans to the left, as deep as it is long.
+void Parser::countLink(int& links) const {
+    if (++links > 1000) throw makeDbError(8623, {}, static_cast<int>(peek().line));
+}
+
 ExprPtr Parser::binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr right) {
     auto e = std::make_unique<Expr>(kind, left->line);
     e->op = std::move(op);
@@ -31,13 +36,15 @@ ExprPtr Parser::binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr righ
 ExprPtr Parser::parseExpression() {
     Depth depth(*this);
     ExprPtr left = parseAnd();
-    while (takeWord("OR")) left = binary(ExprKind::Or, "OR", std::move(left), parseAnd());
+    for (int links = 0; takeWord("OR"); countLink(links))
+        left = binary(ExprKind::Or, "OR", std::move(left), parseAnd());
     return left;
 }
 
 ExprPtr Parser::parseAnd() {
     ExprPtr left = parseNot();
-    while (takeWord("AND")) left = binary(ExprKind::And, "AND", std::move(left), parseNot());
+    for (int links = 0; takeWord("AND"); countLink(links))
+        left = binary(ExprKind::And, "AND", std::move(left), parseNot());
     return left;
 }
 
@@ -76,8 +83,8 @@ ExprPtr Parser::parsePredicateTail(ExprPtr left) {
         e->args.push_back(std::move(left));
         return e;
     }
-    const bool negated = isWord("NOT") && (isWord("BETWEEN", 1) || isWord("IN", 1) ||
-                                           isWord("LIKE", 1));
+    const bool negated =
+        isWord("NOT") && (isWord("BETWEEN", 1) || isWord("IN", 1) || isWord("LIKE", 1));
     if (negated) take();
     if (takeWord("BETWEEN")) {
         auto e = std::make_unique<Expr>(ExprKind::Between, line);
@@ -120,8 +127,10 @@ ExprPtr Parser::parsePredicateTail(ExprPtr left) {
         op = take().text;
     } else if (isOperator("<") || isOperator(">")) {
         op = take().text;
-        if (op == "<" && isOperator(">")) op += take().text;
-        else if (isOperator("=")) op += take().text;
+        if (op == "<" && isOperator(">"))
+            op += take().text;
+        else if (isOperator("="))
+            op += take().text;
     }
     if (op.empty()) return left;
     if (op == "!=") op = "<>";
@@ -146,19 +155,23 @@ ExprPtr Parser::parsePredicateTail(ExprPtr left) {
 ExprPtr Parser::parseAdditive() {
     Depth depth(*this);
     ExprPtr left = parseMultiplicative();
+    int links = 0;
     while (isOperator("+") || isOperator("-") || isOperator("&") || isOperator("|") ||
            isOperator("^")) {
         std::string op(take().text);
         left = binary(ExprKind::Binary, op, std::move(left), parseMultiplicative());
+        countLink(links);
     }
     return left;
 }
 
 ExprPtr Parser::parseMultiplicative() {
     ExprPtr left = parseUnary();
+    int links = 0;
     while (isOperator("*") || isOperator("/") || isOperator("%")) {
         std::string op(take().text);
         left = binary(ExprKind::Binary, op, std::move(left), parseUnary());
+        countLink(links);
     }
     return left;
 }
@@ -196,8 +209,8 @@ ExprPtr Parser::parsePrimary() {
     if (t.kind == TokenKind::Variable) {
         take();
         const bool system = t.text.size() > 2 && t.text[1] == '@';
-        auto e = std::make_unique<Expr>(
-            system ? ExprKind::SystemVariable : ExprKind::Variable, line);
+        auto e =
+            std::make_unique<Expr>(system ? ExprKind::SystemVariable : ExprKind::Variable, line);
         e->name.parts.push_back(std::string(t.text));
         return e;
     }
@@ -308,8 +321,10 @@ ExprPtr Parser::parseFunction(Name name) {
         e->args.push_back(std::move(part));
         expectOperator(",");
     }
-    if (takeWord("DISTINCT")) e->distinct = true;
-    else takeWord("ALL");
+    if (takeWord("DISTINCT"))
+        e->distinct = true;
+    else
+        takeWord("ALL");
     if (!isOperator(")")) {
         do e->args.push_back(parseExpression());
         while (takeOperator(","));

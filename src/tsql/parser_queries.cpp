@@ -133,8 +133,10 @@ std::unique_ptr<QueryBody> Parser::parseSelect() {
     auto body = std::make_unique<QueryBody>();
     body->line = static_cast<int>(peek().line);
     expectWord("SELECT");
-    if (takeWord("DISTINCT")) body->distinct = true;
-    else takeWord("ALL");
+    if (takeWord("DISTINCT"))
+        body->distinct = true;
+    else
+        takeWord("ALL");
     body->top = parseTop(&body->topPercent, &body->withTies);
     do body->items.push_back(parseSelectItem());
     while (takeOperator(","));
@@ -203,8 +205,10 @@ std::vector<OrderItem> Parser::parseOrderBy() {
     do {
         OrderItem item;
         item.expr = parseExpression();
-        if (takeWord("DESC")) item.descending = true;
-        else takeWord("ASC");
+        if (takeWord("DESC"))
+            item.descending = true;
+        else
+            takeWord("ASC");
         items.push_back(std::move(item));
     } while (takeOperator(","));
     return items;
@@ -232,8 +236,10 @@ TableRefPtr Parser::parseJoined() {
         } else if (isWord("CROSS")) {
             take();
             kind = JoinKind::Cross;
-            if (takeWord("APPLY")) kind = JoinKind::CrossApply;
-            else expectWord("JOIN");
+            if (takeWord("APPLY"))
+                kind = JoinKind::CrossApply;
+            else
+                expectWord("JOIN");
             condition = false;
         } else if (isWord("OUTER") && isWord("APPLY", 1)) {
             take();
@@ -266,10 +272,14 @@ TableRefPtr Parser::parseJoined() {
                     auto nested = std::make_unique<TableRef>();
                     nested->kind = TableRef::Join;
                     nested->line = static_cast<int>(peek().line);
-                    if (takeWord("LEFT")) nested->join = JoinKind::Left;
-                    else if (takeWord("RIGHT")) nested->join = JoinKind::Right;
-                    else if (takeWord("FULL")) nested->join = JoinKind::Full;
-                    else takeWord("INNER");
+                    if (takeWord("LEFT"))
+                        nested->join = JoinKind::Left;
+                    else if (takeWord("RIGHT"))
+                        nested->join = JoinKind::Right;
+                    else if (takeWord("FULL"))
+                        nested->join = JoinKind::Full;
+                    else
+                        takeWord("INNER");
                     takeWord("OUTER");
                     expectWord("JOIN");
                     nested->left = std::move(inner);
@@ -331,8 +341,7 @@ void Parser::parseTableAlias(TableRef& table) {
     } else if (isPlainName() && !atStatementStart()) {
         table.alias = unquoted(take());
     }
-    if (!table.alias.empty() && table.kind != TableRef::Table && isOperator("(") &&
-        isPlainName(1))
+    if (!table.alias.empty() && table.kind != TableRef::Table && isOperator("(") && isPlainName(1))
         table.columnAliases = parseColumnList();
 }
 

@@ -8,8 +8,8 @@ namespace owb::tsql {
 namespace {
 
 constexpr const char* kStatementWords[] = {
-    "SELECT", "INSERT", "UPDATE",   "DELETE",   "WITH",      "DECLARE", "SET",    "IF",
-    "WHILE",  "BEGIN",  "RETURN",   "EXEC",     "EXECUTE",   "CREATE",  "ALTER",  "DROP",
+    "SELECT", "INSERT", "UPDATE",   "DELETE",   "WITH",      "DECLARE", "SET",      "IF",
+    "WHILE",  "BEGIN",  "RETURN",   "EXEC",     "EXECUTE",   "CREATE",  "ALTER",    "DROP",
     "PRINT",  "COMMIT", "ROLLBACK", "TRUNCATE", "RAISERROR", "BREAK",   "CONTINUE", "USE",
     "END",    "ELSE",   "THROW",    "GOTO",     "MERGE",     "WAITFOR"};
 
@@ -51,8 +51,10 @@ StatementPtr Parser::parseStatement() {
         case StatementKind::Continue:
         case StatementKind::Print:
         case StatementKind::RaiseError:
-        case StatementKind::Throw: break;
-        default: batch_.mayWrite = true;
+        case StatementKind::Throw:
+            break;
+        default:
+            batch_.mayWrite = true;
     }
     return s;
 }
@@ -97,8 +99,8 @@ StatementPtr Parser::parseStatementHere() {
         return s;
     }
     if (isWord("BREAK") || isWord("CONTINUE")) {
-        StatementPtr s = newStatement(isWord("BREAK") ? StatementKind::Break
-                                                      : StatementKind::Continue);
+        StatementPtr s =
+            newStatement(isWord("BREAK") ? StatementKind::Break : StatementKind::Continue);
         take();
         return s;
     }
@@ -135,8 +137,8 @@ StatementPtr Parser::parseStatementHere() {
         return s;
     }
     if (isWord("COMMIT") || isWord("ROLLBACK")) {
-        StatementPtr s = newStatement(isWord("COMMIT") ? StatementKind::Commit
-                                                       : StatementKind::Rollback);
+        StatementPtr s =
+            newStatement(isWord("COMMIT") ? StatementKind::Commit : StatementKind::Rollback);
         take();
         if (!takeWord("TRANSACTION") && !takeWord("TRAN")) takeWord("WORK");
         if (isPlainName() && !atStatementStart()) take();
@@ -163,8 +165,10 @@ StatementPtr Parser::parseInsert(std::vector<CommonTable> with) {
     expectWord("INSERT");
     s->top = parseTop(nullptr, nullptr);
     takeWord("INTO");
-    if (peek().kind == TokenKind::Variable) s->target.parts.push_back(std::string(take().text));
-    else s->target = parseName();
+    if (peek().kind == TokenKind::Variable)
+        s->target.parts.push_back(std::string(take().text));
+    else
+        s->target = parseName();
     skipTableHints();
     if (isOperator("(") && !isWord("SELECT", 1) && !isWord("WITH", 1) && !isOperator("(", 1))
         s->columns = parseColumnList();
@@ -185,8 +189,10 @@ StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
     StatementPtr s = newStatement(StatementKind::Update);
     expectWord("UPDATE");
     s->top = parseTop(nullptr, nullptr);
-    if (peek().kind == TokenKind::Variable) s->target.parts.push_back(std::string(take().text));
-    else s->target = parseName();
+    if (peek().kind == TokenKind::Variable)
+        s->target.parts.push_back(std::string(take().text));
+    else
+        s->target = parseName();
     skipTableHints();
     expectWord("SET");
     do {
@@ -226,8 +232,10 @@ StatementPtr Parser::parseDelete(std::vector<CommonTable> with) {
     expectWord("DELETE");
     s->top = parseTop(nullptr, nullptr);
     takeWord("FROM");
-    if (peek().kind == TokenKind::Variable) s->target.parts.push_back(std::string(take().text));
-    else s->target = parseName();
+    if (peek().kind == TokenKind::Variable)
+        s->target.parts.push_back(std::string(take().text));
+    else
+        s->target = parseName();
     skipTableHints();
     if (takeWord("FROM")) s->from = parseFromList();
     if (takeWord("WHERE")) s->condition = parseExpression();
@@ -285,14 +293,18 @@ StatementPtr Parser::parseSet() {
     if (s->option.starts_with("DATEFORMAT") || s->option.starts_with("LANGUAGE")) return s;
     if (s->option.starts_with("IDENTITY_INSERT")) {
         const size_t space = s->option.find(' ');
-        if (space != std::string::npos) s->target.parts.push_back(s->option.substr(space + 1));
-        else s->target = parseName();
+        if (space != std::string::npos)
+            s->target.parts.push_back(s->option.substr(space + 1));
+        else
+            s->target = parseName();
         while (takeOperator(".")) s->target = parseName();
         s->option = "IDENTITY_INSERT";
     }
     if (s->option.starts_with("TRANSACTION ISOLATION")) return s;
-    if (takeWord("ON")) s->on = true;
-    else if (!takeWord("OFF")) syntaxError();
+    if (takeWord("ON"))
+        s->on = true;
+    else if (!takeWord("OFF"))
+        syntaxError();
     return s;
 }
 

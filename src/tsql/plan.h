@@ -26,7 +26,7 @@ struct Plan {
     std::vector<std::string> triggers;  // fired afterwards
     // With triggers: the rows first ("rid", "c0"..), then the change from the table of rows.
     std::string collectSql;
-    std::string applySql;  // "%" stands for the table of rows
+    std::string applySql;                      // "%" stands for the table of rows
     std::vector<std::string> assignedColumns;  // of an Update, folded
     bool givesIdentity = false;
     bool explicitIdentity = false;

@@ -86,8 +86,10 @@ void Planner::finish(Binder& binder, Plan& plan) {
         fill.sqlName = call.sqlName;
         Lowerer lowerer(fill.arguments);
         for (const BoundPtr& a : call.arguments) {
-            if (a->kind == BoundKind::Null) fill.arguments.push_back({});
-            else lowerer.expression(*a);
+            if (a->kind == BoundKind::Null)
+                fill.arguments.push_back({});
+            else
+                lowerer.expression(*a);
         }
         plan.fills.push_back(std::move(fill));
     }
@@ -144,8 +146,10 @@ std::unique_ptr<Plan> Planner::query(const Query& query) {
         plan->sql = Lowerer(plan->parameters).query(*q, false);
         return plan;
     }
-    if (live) assigningQuery(*q, *plan);
-    else plan->sql = Lowerer(plan->parameters).query(*q, false);
+    if (live)
+        assigningQuery(*q, *plan);
+    else
+        plan->sql = Lowerer(plan->parameters).query(*q, false);
     return plan;
 }
 
@@ -299,9 +303,8 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
             ref->source = &source;
             ref->column = static_cast<int>(i);
             ref->type = q->columns[i].type;
-            select += (i ? "," : "") +
-                      lowerer.expression(*binder.assign(std::move(ref), *table,
-                                                        table->columns[columns[i]]));
+            select += (i ? "," : "") + lowerer.expression(*binder.assign(
+                                           std::move(ref), *table, table->columns[columns[i]]));
         }
         select += omittedText();
         plan->sql += "SELECT " + select + " FROM (" + lowerer.query(*q, true);
@@ -324,8 +327,7 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
     std::vector<std::pair<std::string, BoundPtr>> sets;
     bool snapshot = !target.implicit || s.top;
     for (const Assignment& a : s.assignments) {
-        if (!a.variable.empty())
-            throw makeDbError(15281, {"UPDATE that sets a variable"}, a.line);
+        if (!a.variable.empty()) throw makeDbError(15281, {"UPDATE that sets a variable"}, a.line);
         const int at = table.findColumn(a.column);
         if (at < 0) throw makeDbError(207, {a.column}, a.line);
         const CatalogColumn& column = table.columns[at];
@@ -363,10 +365,9 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
     if (!snapshot && plan->triggers.empty()) {
         plan->sql = "UPDATE " + table.sqlName + " AS " + target.source->alias + " SET ";
         for (size_t i = 0; i < sets.size(); ++i)
-            plan->sql += (i ? ", " : "") + sets[i].first + " = " +
-                         lowerer.expression(*sets[i].second);
-        if (target.scope->where)
-            plan->sql += " WHERE " + lowerer.filter(*target.scope->where);
+            plan->sql +=
+                (i ? ", " : "") + sets[i].first + " = " + lowerer.expression(*sets[i].second);
+        if (target.scope->where) plan->sql += " WHERE " + lowerer.filter(*target.scope->where);
     } else {
         std::string inner = "SELECT " + target.source->alias + ".rowid AS rid";
         std::string apply;
@@ -383,8 +384,8 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
                     ".rowid IS NOT NULL";
         if (!where.empty()) inner += " WHERE " + where;
         if (s.top)
-            inner += " LIMIT " + lowerer.expression(*binder.convert(
-                                     binder.bindValue(*s.top), SqlType::of(SqlKind::BigInt)));
+            inner += " LIMIT " + lowerer.expression(*binder.convert(binder.bindValue(*s.top),
+                                                                    SqlType::of(SqlKind::BigInt)));
         plan->collectSql = inner;
         const std::string head = "UPDATE " + table.sqlName + " AS u SET " + apply + " FROM ";
         plan->sql = head + "(" + inner + ") AS s WHERE u.rowid = s.rid";
@@ -410,16 +411,14 @@ std::unique_ptr<Plan> Planner::remove(const Statement& s) {
                        !(target.scope->where && target.scope->where->userFunction);
     if (plain) {
         plan->sql = "DELETE FROM " + table.sqlName + " AS " + target.source->alias;
-        if (target.scope->where)
-            plan->sql += " WHERE " + lowerer.filter(*target.scope->where);
+        if (target.scope->where) plan->sql += " WHERE " + lowerer.filter(*target.scope->where);
     } else {
         std::string inner = "SELECT " + target.source->alias + ".rowid AS rid FROM " +
                             lowerer.fromClause(*target.scope);
-        if (target.scope->where)
-            inner += " WHERE " + lowerer.filter(*target.scope->where);
+        if (target.scope->where) inner += " WHERE " + lowerer.filter(*target.scope->where);
         if (s.top)
-            inner += " LIMIT " + lowerer.expression(*binder.convert(
-                                     binder.bindValue(*s.top), SqlType::of(SqlKind::BigInt)));
+            inner += " LIMIT " + lowerer.expression(*binder.convert(binder.bindValue(*s.top),
+                                                                    SqlType::of(SqlKind::BigInt)));
         plan->collectSql = inner;
         plan->sql = "DELETE FROM " + table.sqlName + " WHERE rowid IN (" + inner + ")";
         plan->applySql = "DELETE FROM " + table.sqlName + " WHERE rowid IN (SELECT rid FROM %)";

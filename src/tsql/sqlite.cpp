@@ -26,15 +26,15 @@ bool fileExists(const std::string& path) {
 
 }  // namespace
 
-Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeconds)
-    : path_(path) {
+Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeconds) : path_(path) {
     const bool memory = path == ":memory:";
     if (!memory && create && fileExists(path))
         throw makeDbError(-3, {"The file " + path + " exists already."});
     if (!memory && !create && !fileExists(path))
         throw makeDbError(-3, {"There is no database file " + path + "."});
-    const int flags = readOnly ? SQLITE_OPEN_READONLY
-                               : SQLITE_OPEN_READWRITE | (create || memory ? SQLITE_OPEN_CREATE : 0);
+    const int flags = readOnly
+                          ? SQLITE_OPEN_READONLY
+                          : SQLITE_OPEN_READWRITE | (create || memory ? SQLITE_OPEN_CREATE : 0);
     const int rc = sqlite3_open_v2(path.c_str(), &db_, flags, nullptr);
     if (rc != SQLITE_OK) {
         const std::string reason = db_ ? sqlite3_errmsg(db_) : "out of memory";
@@ -52,8 +52,7 @@ Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeco
                 "; PRAGMA user_version = " + std::to_string(kFormat));
         } else {
             if (number("PRAGMA application_id") != kApplicationId)
-                throw makeDbError(-3, {"The file " + path +
-                                       " is no Orvane Wagebook database."});
+                throw makeDbError(-3, {"The file " + path + " is no Orvane Wagebook database."});
             const int64_t format = number("PRAGMA user_version").value_or(0);
             if (format > kFormat)
                 throw makeDbError(-3, {"The database " + path +
@@ -73,7 +72,9 @@ Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeco
     }
 }
 
-Sqlite::~Sqlite() { sqlite3_close_v2(db_); }
+Sqlite::~Sqlite() {
+    sqlite3_close_v2(db_);
+}
 
 SqliteStatement Sqlite::prepare(const std::string& sql) {
     sqlite3_stmt* s = nullptr;
@@ -126,21 +127,26 @@ void Sqlite::fail(int rc) {
             }
             throw makeDbError(-2, {std::to_string(seconds_)});
         case SQLITE_BUSY:
-        case SQLITE_LOCKED: throw makeDbError(1222);
-        case SQLITE_FULL: throw makeDbError(9002);
+        case SQLITE_LOCKED:
+            throw makeDbError(1222);
+        case SQLITE_FULL:
+            throw makeDbError(9002);
         case SQLITE_READONLY:
-        case SQLITE_PERM: throw makeDbError(3906, {path_});
+        case SQLITE_PERM:
+            throw makeDbError(3906, {path_});
         case SQLITE_NOTADB:
             throw makeDbError(-3, {"The file " + path_ + " is no Orvane Wagebook database."});
         case SQLITE_CORRUPT:
             throw makeDbError(-3, {"The database file " + path_ + " is damaged: " + text + "."});
-        case SQLITE_NOMEM: throw makeDbError(8623);
+        case SQLITE_NOMEM:
+            throw makeDbError(8623);
         case SQLITE_CONSTRAINT: {
             // Told in full by whoever knows the table; see ConstraintFailure in the executor.
             DbError e(-2627, 14, 1, 0, text);
             throw e;
         }
-        case SQLITE_TOOBIG: throw makeDbError(8152);
+        case SQLITE_TOOBIG:
+            throw makeDbError(8152);
         default:
             if (text.starts_with("Expression tree is too large") ||
                 text.starts_with("parser stack overflow") || text.starts_with("at most "))
@@ -162,7 +168,9 @@ void Sqlite::startClock(int seconds) {
         deadline_.reset();
 }
 
-void Sqlite::stopClock() { deadline_.reset(); }
+void Sqlite::stopClock() {
+    deadline_.reset();
+}
 
 bool Sqlite::timeIsUp() const {
     return deadline_ && std::chrono::steady_clock::now() >= *deadline_;
@@ -200,9 +208,13 @@ int128 unpackWide(const unsigned char* in) {
     return static_cast<int128>(bits ^ (static_cast<unsigned __int128>(1) << 127));
 }
 
-bool fits64(int128 v) { return v >= INT64_MIN && v <= INT64_MAX; }
+bool fits64(int128 v) {
+    return v >= INT64_MIN && v <= INT64_MAX;
+}
 
-Value fromNumberOfDays(double days) { return Value(DateTime::fromDays(days)); }
+Value fromNumberOfDays(double days) {
+    return Value(DateTime::fromDays(days));
+}
 
 }  // namespace
 
@@ -280,15 +292,21 @@ Value columnValue(sqlite3_stmt* statement, int index, const SqlType& type) {
 }
 
 void resultValue(sqlite3_context* context, const Value& v) {
-    if (v.isNull()) sqlite3_result_null(context);
-    else if (v.isInt()) sqlite3_result_int64(context, v.asInt());
-    else if (v.isDouble()) sqlite3_result_double(context, v.asDouble());
-    else if (v.isDecimal()) resultWide(context, v.asDecimal().unscaled());
+    if (v.isNull())
+        sqlite3_result_null(context);
+    else if (v.isInt())
+        sqlite3_result_int64(context, v.asInt());
+    else if (v.isDouble())
+        sqlite3_result_double(context, v.asDouble());
+    else if (v.isDecimal())
+        resultWide(context, v.asDecimal().unscaled());
     else if (v.isText())
         sqlite3_result_text64(context, v.asText().data(), v.asText().size(), SQLITE_TRANSIENT,
                               SQLITE_UTF8);
-    else if (v.asDate().hasTime()) sqlite3_result_double(context, v.asDate().toDays());
-    else sqlite3_result_int64(context, v.asDate().day);
+    else if (v.asDate().hasTime())
+        sqlite3_result_double(context, v.asDate().toDays());
+    else
+        sqlite3_result_int64(context, v.asDate().day);
 }
 
 }  // namespace owb::tsql

@@ -25,7 +25,9 @@ struct View {
     std::function<void(Source&, Rows&)> fill;
 };
 
-SqlType name128() { return SqlType::text(SqlKind::NVarChar, 128); }
+SqlType name128() {
+    return SqlType::text(SqlKind::NVarChar, 128);
+}
 
 CatalogColumn column(const char* name, SqlType type) {
     CatalogColumn c;
@@ -40,12 +42,18 @@ int64_t idOf(const std::string& name) {
 
 const char* codeOf(ModuleKind kind) {
     switch (kind) {
-        case ModuleKind::View: return "V ";
-        case ModuleKind::Procedure: return "P ";
-        case ModuleKind::Trigger: return "TR";
-        case ModuleKind::ScalarFunction: return "FN";
-        case ModuleKind::InlineFunction: return "IF";
-        case ModuleKind::TableFunction: return "TF";
+        case ModuleKind::View:
+            return "V ";
+        case ModuleKind::Procedure:
+            return "P ";
+        case ModuleKind::Trigger:
+            return "TR";
+        case ModuleKind::ScalarFunction:
+            return "FN";
+        case ModuleKind::InlineFunction:
+            return "IF";
+        case ModuleKind::TableFunction:
+            return "TF";
     }
     return "";
 }
@@ -87,8 +95,8 @@ void fillObjects(Source& s, Rows& rows) {
 
 void fillTables(Source& s, Rows& rows) {
     for (const std::string& name : s.catalog.tableNames())
-        rows.push_back({Value(name), Value(idOf(name)), Value(1), Value(0), Value("U "),
-                        Value("USER_TABLE")});
+        rows.push_back(
+            {Value(name), Value(idOf(name)), Value(1), Value(0), Value("U "), Value("USER_TABLE")});
 }
 
 void fillModules(Source& s, Rows& rows, const std::function<bool(ModuleKind)>& wanted) {
@@ -105,13 +113,20 @@ Value characterLength(const SqlType& t) {
 
 Value numericPrecision(const SqlType& t) {
     switch (t.kind) {
-        case SqlKind::TinyInt: return Value(3);
-        case SqlKind::SmallInt: return Value(5);
-        case SqlKind::Int: return Value(10);
-        case SqlKind::BigInt: return Value(19);
-        case SqlKind::Numeric: return Value(static_cast<int64_t>(t.precision));
-        case SqlKind::Float: return Value(53);
-        default: return {};
+        case SqlKind::TinyInt:
+            return Value(3);
+        case SqlKind::SmallInt:
+            return Value(5);
+        case SqlKind::Int:
+            return Value(10);
+        case SqlKind::BigInt:
+            return Value(19);
+        case SqlKind::Numeric:
+            return Value(static_cast<int64_t>(t.precision));
+        case SqlKind::Float:
+            return Value(53);
+        default:
+            return {};
     }
 }
 
@@ -145,8 +160,8 @@ void fillSysColumns(Source& s, Rows& rows) {
             rows.push_back({Value(idOf(name)), Value(c.name), Value(static_cast<int64_t>(i + 1)),
                             Value(static_cast<int64_t>(c.type.length)),
                             Value(static_cast<int64_t>(c.type.precision)),
-                            Value(static_cast<int64_t>(c.type.scale)),
-                            Value(c.nullable ? 1 : 0), Value(c.identity ? 1 : 0),
+                            Value(static_cast<int64_t>(c.type.scale)), Value(c.nullable ? 1 : 0),
+                            Value(c.identity ? 1 : 0),
                             Value(c.defaultName.empty() ? int64_t(0) : idOf(c.defaultName))});
         }
     }
@@ -157,9 +172,9 @@ const std::vector<View>& views() {
         const SqlType integer = SqlType::of(SqlKind::Int);
         const SqlType code = SqlType::text(SqlKind::Char, 2);
         const std::vector<CatalogColumn> object = {
-            column("name", name128()),     column("object_id", integer),
-            column("schema_id", integer),  column("parent_object_id", integer),
-            column("type", code),          column("type_desc", name128())};
+            column("name", name128()),    column("object_id", integer),
+            column("schema_id", integer), column("parent_object_id", integer),
+            column("type", code),         column("type_desc", name128())};
         std::vector<View> v;
         v.push_back({"sys", "objects", object, fillObjects});
         v.push_back({"sys", "tables", object, fillTables});
@@ -172,14 +187,14 @@ const std::vector<View>& views() {
         v.push_back({"sys", "triggers", object, [](Source& s, Rows& r) {
                          fillModules(s, r, [](ModuleKind k) { return k == ModuleKind::Trigger; });
                      }});
-        v.push_back({"sys",
-                     "columns",
-                     {column("object_id", integer), column("name", name128()),
-                      column("column_id", integer), column("max_length", integer),
-                      column("precision", integer), column("scale", integer),
-                      column("is_nullable", integer), column("is_identity", integer),
-                      column("default_object_id", integer)},
-                     fillSysColumns});
+        v.push_back(
+            {"sys",
+             "columns",
+             {column("object_id", integer), column("name", name128()), column("column_id", integer),
+              column("max_length", integer), column("precision", integer), column("scale", integer),
+              column("is_nullable", integer), column("is_identity", integer),
+              column("default_object_id", integer)},
+             fillSysColumns});
         v.push_back({"sys",
                      "sql_modules",
                      {column("object_id", integer),
@@ -198,8 +213,8 @@ const std::vector<View>& views() {
                              const CatalogTablePtr t = s.catalog.findTable(name);
                              for (size_t i = 0; t && i < t->columns.size(); ++i)
                                  if (const CatalogColumn& c = t->columns[i]; !c.defaultName.empty())
-                                     rows.push_back({Value(c.defaultName), Value(idOf(c.defaultName)),
-                                                     Value(idOf(name)),
+                                     rows.push_back({Value(c.defaultName),
+                                                     Value(idOf(c.defaultName)), Value(idOf(name)),
                                                      Value(static_cast<int64_t>(i + 1)),
                                                      Value(c.defaultSource)});
                          }
@@ -207,7 +222,9 @@ const std::vector<View>& views() {
         v.push_back({"sys",
                      "databases",
                      {column("name", name128()), column("database_id", integer)},
-                     [](Source&, Rows& rows) { rows.push_back({Value("main"), Value(1)}); }});
+                     [](Source&, Rows& rows) {
+                         rows.push_back({Value("main"), Value(1)});
+                     }});
         v.push_back({"sys",
                      "dm_tran_database_transactions",
                      {column("transaction_id", integer), column("database_id", integer)},
@@ -230,12 +247,12 @@ const std::vector<View>& views() {
                       column("TABLE_NAME", name128()), column("TABLE_TYPE", name128())},
                      [](Source& s, Rows& rows) {
                          for (const std::string& name : s.catalog.tableNames())
-                             rows.push_back({Value("main"), Value("dbo"), Value(name),
-                                             Value("BASE TABLE")});
+                             rows.push_back(
+                                 {Value("main"), Value("dbo"), Value(name), Value("BASE TABLE")});
                          for (const CatalogModulePtr& m : s.catalog.modules())
                              if (m->kind == ModuleKind::View)
-                                 rows.push_back({Value("main"), Value("dbo"), Value(m->name),
-                                                 Value("VIEW")});
+                                 rows.push_back(
+                                     {Value("main"), Value("dbo"), Value(m->name), Value("VIEW")});
                      }});
         v.push_back({"information_schema",
                      "routines",
@@ -363,7 +380,9 @@ const sqlite3_module& moduleMethods() {
     return methods;
 }
 
-std::string vtabName(const View& v) { return std::string("t_") + v.schema + "_" + v.name; }
+std::string vtabName(const View& v) {
+    return std::string("t_") + v.schema + "_" + v.name;
+}
 
 }  // namespace
 

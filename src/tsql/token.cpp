@@ -10,31 +10,35 @@ namespace owb::tsql {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 bool isNameStart(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '#' ||
            static_cast<unsigned char>(c) >= 0x80;
 }
 
-bool isNamePart(char c) { return isNameStart(c) || isDigit(c) || c == '$' || c == '@'; }
+bool isNamePart(char c) {
+    return isNameStart(c) || isDigit(c) || c == '$' || c == '@';
+}
 
 // Sorted, upper case.
 constexpr std::array kReserved = {
-    "ADD",       "ALL",       "ALTER",     "AND",        "ANY",       "AS",        "ASC",
-    "BEGIN",     "BETWEEN",   "BREAK",     "BY",         "CASE",      "CHECK",     "COALESCE",
-    "COLLATE",   "COLUMN",    "COMMIT",    "CONSTRAINT", "CONTINUE",  "CONVERT",   "CREATE",
-    "CROSS",     "DECLARE",   "DEFAULT",   "DELETE",     "DESC",      "DISTINCT",  "DROP",
-    "ELSE",      "END",       "EXCEPT",    "EXEC",       "EXECUTE",   "EXISTS",    "FOR",
-    "FOREIGN",   "FROM",      "FULL",      "FUNCTION",   "GOTO",      "GROUP",     "HAVING",
-    "IDENTITY",  "IF",        "IN",        "INDEX",      "INNER",     "INSERT",    "INTERSECT",
-    "INTO",      "IS",        "JOIN",      "KEY",        "LEFT",      "LIKE",      "MERGE",
-    "NOT",       "NULL",      "NULLIF",    "ON",         "OPTION",    "OR",        "ORDER",
-    "OUTER",     "OVER",      "PERCENT",   "PRIMARY",    "PRINT",     "PROC",      "PROCEDURE",
-    "RAISERROR", "REFERENCES", "RETURN",   "RIGHT",      "ROLLBACK",  "SELECT",    "SET",
-    "TABLE",     "THEN",      "TO",        "TOP",        "TRAN",      "TRANSACTION", "TRIGGER",
-    "TRUNCATE",  "UNION",     "UNIQUE",    "UPDATE",     "USE",       "VALUES",    "VIEW",
-    "WAITFOR",   "WHEN",      "WHERE",     "WHILE",      "WITH"};
+    "ADD",       "ALL",        "ALTER",   "AND",        "ANY",      "AS",          "ASC",
+    "BEGIN",     "BETWEEN",    "BREAK",   "BY",         "CASE",     "CHECK",       "COALESCE",
+    "COLLATE",   "COLUMN",     "COMMIT",  "CONSTRAINT", "CONTINUE", "CONVERT",     "CREATE",
+    "CROSS",     "DECLARE",    "DEFAULT", "DELETE",     "DESC",     "DISTINCT",    "DROP",
+    "ELSE",      "END",        "EXCEPT",  "EXEC",       "EXECUTE",  "EXISTS",      "FOR",
+    "FOREIGN",   "FROM",       "FULL",    "FUNCTION",   "GOTO",     "GROUP",       "HAVING",
+    "IDENTITY",  "IF",         "IN",      "INDEX",      "INNER",    "INSERT",      "INTERSECT",
+    "INTO",      "IS",         "JOIN",    "KEY",        "LEFT",     "LIKE",        "MERGE",
+    "NOT",       "NULL",       "NULLIF",  "ON",         "OPTION",   "OR",          "ORDER",
+    "OUTER",     "OVER",       "PERCENT", "PRIMARY",    "PRINT",    "PROC",        "PROCEDURE",
+    "RAISERROR", "REFERENCES", "RETURN",  "RIGHT",      "ROLLBACK", "SELECT",      "SET",
+    "TABLE",     "THEN",       "TO",      "TOP",        "TRAN",     "TRANSACTION", "TRIGGER",
+    "TRUNCATE",  "UNION",      "UNIQUE",  "UPDATE",     "USE",      "VALUES",      "VIEW",
+    "WAITFOR",   "WHEN",       "WHERE",   "WHILE",      "WITH"};
 
 class Reader {
   public:
@@ -213,7 +217,9 @@ class Reader {
 
 }  // namespace
 
-std::vector<Token> tokenize(std::string_view batch) { return Reader(batch).all(); }
+std::vector<Token> tokenize(std::string_view batch) {
+    return Reader(batch).all();
+}
 
 std::string unquoted(const Token& token) {
     char close = 0;

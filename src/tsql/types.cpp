@@ -14,20 +14,34 @@ namespace {
 
 int precedenceOf(SqlKind kind) {
     switch (kind) {
-        case SqlKind::Null: return 0;
-        case SqlKind::Char: return 1;
-        case SqlKind::VarChar: return 2;
-        case SqlKind::NChar: return 3;
-        case SqlKind::NVarChar: return 4;
-        case SqlKind::Bit: return 5;
-        case SqlKind::TinyInt: return 6;
-        case SqlKind::SmallInt: return 7;
-        case SqlKind::Int: return 8;
-        case SqlKind::BigInt: return 9;
-        case SqlKind::Numeric: return 10;
-        case SqlKind::Float: return 11;
-        case SqlKind::Date: return 12;
-        case SqlKind::DateTime: return 13;
+        case SqlKind::Null:
+            return 0;
+        case SqlKind::Char:
+            return 1;
+        case SqlKind::VarChar:
+            return 2;
+        case SqlKind::NChar:
+            return 3;
+        case SqlKind::NVarChar:
+            return 4;
+        case SqlKind::Bit:
+            return 5;
+        case SqlKind::TinyInt:
+            return 6;
+        case SqlKind::SmallInt:
+            return 7;
+        case SqlKind::Int:
+            return 8;
+        case SqlKind::BigInt:
+            return 9;
+        case SqlKind::Numeric:
+            return 10;
+        case SqlKind::Float:
+            return 11;
+        case SqlKind::Date:
+            return 12;
+        case SqlKind::DateTime:
+            return 13;
     }
     return 0;
 }
@@ -53,10 +67,14 @@ struct IntRange {
 
 IntRange rangeOf(SqlKind kind) {
     switch (kind) {
-        case SqlKind::TinyInt: return {0, 255};
-        case SqlKind::SmallInt: return {-32768, 32767};
-        case SqlKind::Int: return {INT32_MIN, INT32_MAX};
-        default: return {INT64_MIN, INT64_MAX};
+        case SqlKind::TinyInt:
+            return {0, 255};
+        case SqlKind::SmallInt:
+            return {-32768, 32767};
+        case SqlKind::Int:
+            return {INT32_MIN, INT32_MAX};
+        default:
+            return {INT64_MIN, INT64_MAX};
     }
 }
 
@@ -73,11 +91,11 @@ Value toWhole(int128 v, const SqlType& from, const SqlType& to) {
     if (v < range.low || v > range.high) {
         if (from.isInteger() && (to.kind == SqlKind::TinyInt || to.kind == SqlKind::SmallInt))
             throw makeDbError(220, {to.name(), Decimal(v, 0).toText()});
-        throw makeDbError(8115, {from.isInteger() || from.kind == SqlKind::Float ||
-                                         from.kind == SqlKind::Numeric
-                                     ? std::string("expression")
-                                     : std::string(from.name()),
-                                 to.name()});
+        throw makeDbError(
+            8115, {from.isInteger() || from.kind == SqlKind::Float || from.kind == SqlKind::Numeric
+                       ? std::string("expression")
+                       : std::string(from.name()),
+                   to.name()});
     }
     return Value(static_cast<int64_t>(v));
 }
@@ -169,12 +187,13 @@ Value fromText(const std::string& text, const SqlType& from, const SqlType& to, 
         const IntRange range = rangeOf(to.kind);
         if (to.kind != SqlKind::Bit && (v < range.low || v > range.high)) {
             if (to.kind == SqlKind::Int || to.kind == SqlKind::BigInt)
-                throw makeDbError(to.kind == SqlKind::Int ? 248 : 8115,
-                                  to.kind == SqlKind::Int
-                                      ? std::initializer_list<std::string_view>{"varchar", text}
-                                      : std::initializer_list<std::string_view>{"expression",
-                                                                                "bigint"});
-            throw makeDbError(244, {"varchar", text, to.kind == SqlKind::TinyInt ? "INT1" : "INT2"});
+                throw makeDbError(
+                    to.kind == SqlKind::Int ? 248 : 8115,
+                    to.kind == SqlKind::Int
+                        ? std::initializer_list<std::string_view>{"varchar", text}
+                        : std::initializer_list<std::string_view>{"expression", "bigint"});
+            throw makeDbError(244,
+                              {"varchar", text, to.kind == SqlKind::TinyInt ? "INT1" : "INT2"});
         }
         return toWhole(v, from, to);
     }
@@ -202,8 +221,7 @@ Value fromText(const std::string& text, const SqlType& from, const SqlType& to, 
 
 int64_t packType(const SqlType& t) {
     return static_cast<int64_t>(t.kind) | (static_cast<int64_t>(t.precision) << 8) |
-           (static_cast<int64_t>(t.scale) << 16) |
-           (static_cast<int64_t>(t.length + 1) << 24);
+           (static_cast<int64_t>(t.scale) << 16) | (static_cast<int64_t>(t.length + 1) << 24);
 }
 
 SqlType unpackType(int64_t p) {
@@ -217,12 +235,18 @@ SqlType unpackType(int64_t p) {
 
 int digitsOf(const SqlType& type) {
     switch (type.kind) {
-        case SqlKind::Bit: return 1;
-        case SqlKind::TinyInt: return 3;
-        case SqlKind::SmallInt: return 5;
-        case SqlKind::BigInt: return 19;
-        case SqlKind::Numeric: return type.precision;
-        default: return 10;
+        case SqlKind::Bit:
+            return 1;
+        case SqlKind::TinyInt:
+            return 3;
+        case SqlKind::SmallInt:
+            return 5;
+        case SqlKind::BigInt:
+            return 19;
+        case SqlKind::Numeric:
+            return type.precision;
+        default:
+            return 10;
     }
 }
 
@@ -272,7 +296,11 @@ SqlType arithmeticType(char op, const SqlType& a, const SqlType& b) {
         }
         return SqlType::of(SqlKind::DateTime);
     }
-    if (a.isText() && b.isText()) throw makeDbError(8117, {messageName(a), op == '-' ? "subtract" : op == '*' ? "multiply" : op == '/' ? "divide" : "modulo"});
+    if (a.isText() && b.isText())
+        throw makeDbError(8117, {messageName(a), op == '-'   ? "subtract"
+                                                 : op == '*' ? "multiply"
+                                                 : op == '/' ? "divide"
+                                                             : "modulo"});
     if (a.kind == SqlKind::Bit && b.kind == SqlKind::Bit) return invalid();
     // NULL and text take the other side's type.
     const SqlType x = a.isNumber() ? a : b;
@@ -291,14 +319,15 @@ SqlType arithmeticType(char op, const SqlType& a, const SqlType& b) {
             const int scale = std::max(s1, s2);
             return cappedNumeric(std::max(p1 - s1, p2 - s2) + scale + 1, scale, scale);
         }
-        case '*': return cappedNumeric(p1 + p2 + 1, s1 + s2, 6);
+        case '*':
+            return cappedNumeric(p1 + p2 + 1, s1 + s2, 6);
         case '/': {
             const int scale = std::max(6, s1 + p2 + 1);
             return cappedNumeric(p1 - s1 + s2 + scale, scale, 6);
         }
         default:
-            return SqlType::numeric(
-                std::min(38, std::min(p1 - s1, p2 - s2) + std::max(s1, s2)), std::max(s1, s2));
+            return SqlType::numeric(std::min(38, std::min(p1 - s1, p2 - s2) + std::max(s1, s2)),
+                                    std::max(s1, s2));
     }
 }
 
@@ -377,39 +406,61 @@ std::string dateByStyle(const DateTime& value, const SqlType& type, int style) {
             if (dateOnly && style == 0) return out("%04d-%02d-%02d", c.year, c.month, c.day);
             if (dateOnly) return out("%s %2d %04d", month, c.day, c.year);
             return out("%s %2d %04d %2d:%02d%s", month, c.day, c.year, hour12, minute, half);
-        case 1: return out("%02d/%02d/%02d", c.month, c.day, yy);
-        case 101: return out("%02d/%02d/%04d", c.month, c.day, c.year);
-        case 2: return out("%02d.%02d.%02d", yy, c.month, c.day);
-        case 102: return out("%04d.%02d.%02d", c.year, c.month, c.day);
-        case 3: return out("%02d/%02d/%02d", c.day, c.month, yy);
-        case 103: return out("%02d/%02d/%04d", c.day, c.month, c.year);
-        case 4: return out("%02d.%02d.%02d", c.day, c.month, yy);
-        case 104: return out("%02d.%02d.%04d", c.day, c.month, c.year);
-        case 5: return out("%02d-%02d-%02d", c.day, c.month, yy);
-        case 105: return out("%02d-%02d-%04d", c.day, c.month, c.year);
-        case 6: return out("%02d %s %02d", c.day, month, yy);
-        case 106: return out("%02d %s %04d", c.day, month, c.year);
-        case 7: return out("%s %02d, %02d", month, c.day, yy);
-        case 107: return out("%s %02d, %04d", month, c.day, c.year);
+        case 1:
+            return out("%02d/%02d/%02d", c.month, c.day, yy);
+        case 101:
+            return out("%02d/%02d/%04d", c.month, c.day, c.year);
+        case 2:
+            return out("%02d.%02d.%02d", yy, c.month, c.day);
+        case 102:
+            return out("%04d.%02d.%02d", c.year, c.month, c.day);
+        case 3:
+            return out("%02d/%02d/%02d", c.day, c.month, yy);
+        case 103:
+            return out("%02d/%02d/%04d", c.day, c.month, c.year);
+        case 4:
+            return out("%02d.%02d.%02d", c.day, c.month, yy);
+        case 104:
+            return out("%02d.%02d.%04d", c.day, c.month, c.year);
+        case 5:
+            return out("%02d-%02d-%02d", c.day, c.month, yy);
+        case 105:
+            return out("%02d-%02d-%04d", c.day, c.month, c.year);
+        case 6:
+            return out("%02d %s %02d", c.day, month, yy);
+        case 106:
+            return out("%02d %s %04d", c.day, month, c.year);
+        case 7:
+            return out("%s %02d, %02d", month, c.day, yy);
+        case 107:
+            return out("%s %02d, %04d", month, c.day, c.year);
         case 8:
         case 24:
-        case 108: return out("%02d:%02d:%02d", hour, minute, second);
+        case 108:
+            return out("%02d:%02d:%02d", hour, minute, second);
         case 9:
         case 109:
             return out("%s %2d %04d %2d:%02d:%02d:%03d%s", month, c.day, c.year, hour12, minute,
                        second, milli, half);
-        case 10: return out("%02d-%02d-%02d", c.month, c.day, yy);
-        case 110: return out("%02d-%02d-%04d", c.month, c.day, c.year);
-        case 11: return out("%02d/%02d/%02d", yy, c.month, c.day);
-        case 111: return out("%04d/%02d/%02d", c.year, c.month, c.day);
-        case 12: return out("%02d%02d%02d", yy, c.month, c.day);
-        case 112: return out("%04d%02d%02d", c.year, c.month, c.day);
+        case 10:
+            return out("%02d-%02d-%02d", c.month, c.day, yy);
+        case 110:
+            return out("%02d-%02d-%04d", c.month, c.day, c.year);
+        case 11:
+            return out("%02d/%02d/%02d", yy, c.month, c.day);
+        case 111:
+            return out("%04d/%02d/%02d", c.year, c.month, c.day);
+        case 12:
+            return out("%02d%02d%02d", yy, c.month, c.day);
+        case 112:
+            return out("%04d%02d%02d", c.year, c.month, c.day);
         case 13:
         case 113:
             return out("%02d %s %04d %02d:%02d:%02d:%03d", c.day, month, c.year, hour, minute,
                        second, milli);
         case 14:
-        case 114: return out("%02d:%02d:%02d:%03d", hour, minute, second, milli);
+        case 114:
+            return out("%02d:%02d:%02d:%03d", hour, minute, second, milli);
         case 20:
         case 120:
             if (dateOnly) return out("%04d-%02d-%02d", c.year, c.month, c.day);
@@ -421,7 +472,8 @@ std::string dateByStyle(const DateTime& value, const SqlType& type, int style) {
             if (dateOnly) return out("%04d-%02d-%02d", c.year, c.month, c.day);
             return out("%04d-%02d-%02d %02d:%02d:%02d.%03d", c.year, c.month, c.day, hour, minute,
                        second, milli);
-        case 23: return out("%04d-%02d-%02d", c.year, c.month, c.day);
+        case 23:
+            return out("%04d-%02d-%02d", c.year, c.month, c.day);
         case 126:
         case 127:
             if (dateOnly) return out("%04d-%02d-%02d", c.year, c.month, c.day);

@@ -49,14 +49,15 @@ TEST(Processes, TwoWriteAtOnce) {
             auto engine = Engine::open(path, {});
             for (int n = 0; n < kSteps; ++n) {
                 const std::string row = std::to_string(who) + "," + std::to_string(n);
-                const BatchResult r = engine->run("INSERT INTO step VALUES(" + row +
-                                                  ") UPDATE total SET v = v + 1");
+                const BatchResult r =
+                    engine->run("INSERT INTO step VALUES(" + row + ") UPDATE total SET v = v + 1");
                 if (!r.errors.empty()) return 1;
                 // Now and then what a start of the program does: objects dropped and made anew.
                 if (n % 50 == 0 &&
-                    !engine->run("IF EXISTS (SELECT * FROM SYS.TABLES WHERE NAME = 'w" +
-                                 std::to_string(who) + "') DROP TABLE w" + std::to_string(who) +
-                                 " SELECT * INTO w" + std::to_string(who) + " FROM total")
+                    !engine
+                         ->run("IF EXISTS (SELECT * FROM SYS.TABLES WHERE NAME = 'w" +
+                               std::to_string(who) + "') DROP TABLE w" + std::to_string(who) +
+                               " SELECT * INTO w" + std::to_string(who) + " FROM total")
                          .errors.empty())
                     return 2;
             }

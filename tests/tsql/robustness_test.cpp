@@ -14,7 +14,9 @@
 namespace owb::tsql {
 namespace {
 
-std::unique_ptr<Engine> memory() { return Engine::open(":memory:", {}); }
+std::unique_ptr<Engine> memory() {
+    return Engine::open(":memory:", {});
+}
 
 int firstError(Engine& engine, const std::string& batch) {
     const BatchResult r = engine.run(batch);
@@ -44,8 +46,8 @@ TEST(Robustness, BadTextEndsInAnError) {
         {"deep parentheses", "SELECT " + repeated("(", 5000) + "1" + repeated(")", 5000), 8623},
         {"deep NOT", "SELECT 1 WHERE " + repeated("NOT ", 5000) + "1=1", 8623},
         {"deep BEGIN", repeated("BEGIN ", 3000) + "SELECT 1" + repeated(" END", 3000), 8623},
-        {"deep subqueries",
-         "SELECT " + repeated("(SELECT ", 3000) + "1" + repeated(")", 3000), 8623},
+        {"deep subqueries", "SELECT " + repeated("(SELECT ", 3000) + "1" + repeated(")", 3000),
+         8623},
         {"deep CASE",
          "SELECT " + repeated("CASE WHEN 1=1 THEN ", 3000) + "1" + repeated(" END", 3000), 8623},
         {"a number too long", "SELECT 1" + repeated("0", 60), 0},
@@ -57,8 +59,10 @@ TEST(Robustness, BadTextEndsInAnError) {
     auto engine = memory();
     for (const Case& c : cases) {
         const int number = firstError(*engine, c.text);
-        if (c.number == 0) EXPECT_NE(number, 0) << c.what;
-        else EXPECT_EQ(number, c.number) << c.what;
+        if (c.number == 0)
+            EXPECT_NE(number, 0) << c.what;
+        else
+            EXPECT_EQ(number, c.number) << c.what;
         EXPECT_EQ(firstError(*engine, "SELECT 1"), 0) << "after " << c.what;
     }
     // Long chains are no deep nesting; those beyond SQLite's own limit end in an error too.
@@ -124,9 +128,10 @@ TEST(Robustness, AnEndlessLoopStopsAtTheTimeOutAndWhenCancelled) {
     engine->setCommandTimeout(1);
     EXPECT_EQ(firstError(*engine, endless), -2);
     // A single statement that runs on is stopped in its midst.
-    EXPECT_EQ(firstError(*engine,
-                         "WITH n AS (SELECT 1 AS i UNION ALL SELECT i FROM n) SELECT COUNT(*) FROM n"),
-              -2);
+    EXPECT_EQ(
+        firstError(*engine,
+                   "WITH n AS (SELECT 1 AS i UNION ALL SELECT i FROM n) SELECT COUNT(*) FROM n"),
+        -2);
     engine->setCommandTimeout(0);
     std::thread canceller([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
