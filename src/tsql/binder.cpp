@@ -390,8 +390,15 @@ BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
         if (type.kind == SqlKind::BigInt)
             return op(std::string("t_big('") + o + "',$0,$1)", type,
                       list(std::move(a), std::move(b)));
-        return op(std::string("t_int($0 ") + o + " $1," + kind + ")", type,
-                  list(std::move(a), std::move(b)));
+        const std::string check = "t_int($0," + kind + ")";
+        const SqlType whole = SqlType::of(SqlKind::BigInt);
+        // In a chain the last sum is checked: the ones before it cannot leave 64 bits unseen.
+        if (a->kind == BoundKind::Op && a->pattern == check && a->args[0]->pattern[4] != '*' &&
+            o != '*')
+            a = std::move(a->args[0]);
+        BoundPtr sum =
+            op(std::string("($0 ") + o + " $1)", whole, list(std::move(a), std::move(b)));
+        return op(check, type, list(std::move(sum)));
     }
     // numeric: text and NULL take the other side's type first
     for (BoundPtr* x : {&a, &b})

@@ -12,7 +12,42 @@ std::string Lowerer::parameter(PlanParameter p) {
     return "?" + std::to_string(parameters_.size());
 }
 
+namespace {
+
+// Operators that chain to the left without parentheses: SQLite's parser bears only some hundred
+// open ones.
+enum { kNone, kAnd, kOr, kJoin, kSum };
+
+int chainKind(const BoundExpr& e) {
+    if (e.kind != BoundKind::Op || e.args.size() != 2) return kNone;
+    if (e.pattern == "($0 AND $1)") return kAnd;
+    if (e.pattern == "($0 OR $1)") return kOr;
+    if (e.pattern == "($0 || $1)") return kJoin;
+    if (e.pattern == "($0 + $1)" || e.pattern == "($0 - $1)") return kSum;
+    return kNone;
+}
+
+template <class Print>
+std::string chain(const BoundExpr& e, int kind, Print print) {
+    std::vector<const BoundExpr*> links;
+    const BoundExpr* first = &e;
+    while (chainKind(*first) == kind) {
+        links.push_back(first);
+        first = first->args[0].get();
+    }
+    std::string out = "(" + print(*first);
+    for (auto link = links.rbegin(); link != links.rend(); ++link) {
+        const std::string& pattern = (*link)->pattern;  // "($0 op $1)"
+        out += pattern.substr(3, pattern.size() - 6) + print(*(*link)->args[1]);
+    }
+    return out + ")";
+}
+
+}  // namespace
+
 std::string Lowerer::expression(const BoundExpr& e) {
+    if (const int kind = chainKind(e); kind != kNone)
+        return chain(e, kind, [this](const BoundExpr& x) { return expression(x); });
     switch (e.kind) {
         case BoundKind::Null:
             return "NULL";
@@ -110,11 +145,9 @@ bool isCorrelatedFilter(const BoundQuery& q) {
 }  // namespace
 
 std::string Lowerer::filter(const BoundExpr& e) {
-    if (e.kind == BoundKind::Op && e.args.size() == 2 &&
-        (e.pattern == "($0 AND $1)" || e.pattern == "($0 OR $1)")) {
-        const std::string left = filter(*e.args[0]);
-        return "(" + left + (e.pattern[4] == 'A' ? " AND " : " OR ") + filter(*e.args[1]) + ")";
-    }
+    const int kind = chainKind(e);
+    if (kind == kAnd || kind == kOr)
+        return chain(e, kind, [this](const BoundExpr& x) { return filter(x); });
     // IN over a query of this very row would gather the whole list for each row; asking whether
     // the one value is in it lets an index answer.
     if (e.kind == BoundKind::InQuery && !e.negated && isCorrelatedFilter(*e.query)) {
