@@ -423,6 +423,22 @@ BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
     if (o == '*' && ta.precision + tb.precision <= kNarrowPrecision &&
         type.scale == ta.scale + tb.scale)
         return op("($0 * $1)", type, list(std::move(a), std::move(b)));
+    if (o == '+' || o == '-') {
+        // A chain of sums is one call: nested ones would be too deep for SQLite's parser.
+        const std::string term = std::to_string(tb.scale) + "," + (o == '+' ? "1)" : "-1)");
+        const std::string head = "t_total(" + std::to_string(type.scale);
+        if (a->kind == BoundKind::Op && a->pattern.starts_with("t_total(") && a->args.size() < 40) {
+            const size_t comma = a->pattern.find(',');
+            a->pattern = head + a->pattern.substr(comma, a->pattern.size() - comma - 1) + ",$" +
+                         std::to_string(a->args.size()) + ";," + term;
+            a->userFunction |= b->userFunction;
+            a->args.push_back(std::move(b));
+            a->type = type;
+            return a;
+        }
+        return op(head + ",$0," + std::to_string(ta.scale) + ",1,$1," + term, type,
+                  list(std::move(a), std::move(b)));
+    }
     return op(std::string("t_num('") + o + "',$0," + std::to_string(ta.scale) + ",$1," +
                   std::to_string(tb.scale) + "," + std::to_string(type.scale) + ")",
               type, list(std::move(a), std::move(b)));

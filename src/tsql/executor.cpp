@@ -21,7 +21,7 @@ namespace owb::tsql {
 
 namespace {
 
-constexpr size_t kMostBatches = 4000;  // parsed texts that are kept
+constexpr size_t kMostTokens = 200000;  // of the parsed texts that are kept, with their plans
 constexpr int kDeepest = 32;
 
 std::string ownHostName() {
@@ -153,11 +153,11 @@ std::shared_ptr<CompiledBatch> Executor::findOrCompile(std::string_view batch) {
         }
         return code;
     }
-    if (batchCount_ >= kMostBatches) {
+    if (keptTokens_ >= kMostTokens) {
         // Forgetting all is rare and simple; what is used comes back at once.
         const std::string shape = shape_;
         batches_.clear();
-        batchCount_ = 0;
+        keptTokens_ = 0;
         shape_ = shape;
     }
     std::shared_ptr<CompiledBatch> code = compileBatch(std::string(batch));
@@ -165,7 +165,7 @@ std::shared_ptr<CompiledBatch> Executor::findOrCompile(std::string_view batch) {
         auto& list = batches_[shape_];
         if (list.size() >= 16) list.erase(list.begin());
         list.push_back(code);
-        ++batchCount_;
+        keptTokens_ += code->tokens.size();
     } else if (batches_[shape_].empty()) {
         batches_.erase(shape_);
     }

@@ -136,7 +136,7 @@ class Executor final : public FunctionHost {
     Catalog catalog_;
     std::string hostName_;
     std::unordered_map<std::string, std::vector<std::shared_ptr<CompiledBatch>>> batches_;
-    size_t batchCount_ = 0;
+    size_t keptTokens_ = 0;
     std::string shape_;
 
     struct FunctionSlot {

@@ -63,7 +63,7 @@ void floatDivision(sqlite3_context* context, int, sqlite3_value** a) {
     sqlite3_result_double(context, sqlite3_value_double(a[0]) / y);
 }
 
-// t_num(op, a, scale of a, b, scale of b, scale of the result)
+// t_num(op, a, scale of a, b, scale of b, scale of the result): * / %
 void numericArithmetic(sqlite3_context* context, int, sqlite3_value** a) {
     if (sqlite3_value_type(a[1]) == SQLITE_NULL || sqlite3_value_type(a[3]) == SQLITE_NULL)
         return sqlite3_result_null(context);
@@ -72,12 +72,6 @@ void numericArithmetic(sqlite3_context* context, int, sqlite3_value** a) {
     const int scale = sqlite3_value_int(a[5]);
     Decimal r;
     switch (argumentText(a[0])[0]) {
-        case '+':
-            r = Decimal::add(x, y);
-            break;
-        case '-':
-            r = Decimal::add(x, -y);
-            break;
         case '*':
             r = Decimal(multiplyChecked(x.unscaled(), y.unscaled()), x.scale() + y.scale());
             break;
@@ -92,6 +86,18 @@ void numericArithmetic(sqlite3_context* context, int, sqlite3_value** a) {
         }
     }
     resultWide(context, r.rescaled(scale).unscaled());
+}
+
+// t_total(scale of the result, value, scale, sign, value, scale, sign, ...)
+void numericTotal(sqlite3_context* context, int n, sqlite3_value** a) {
+    if (anyNull(n, a)) return sqlite3_result_null(context);
+    const int scale = sqlite3_value_int(a[0]);
+    Decimal total(0, scale);
+    for (int i = 1; i + 2 < n; i += 3) {
+        const Decimal term(wideNumber(a[i]), sqlite3_value_int(a[i + 1]));
+        total = Decimal::add(total, sqlite3_value_int(a[i + 2]) < 0 ? -term : term);
+    }
+    resultWide(context, total.rescaled(scale).unscaled());
 }
 
 void numericCompare(sqlite3_context* context, int, sqlite3_value** a) {
@@ -253,6 +259,7 @@ void registerNumberFunctions(Sqlite& sqlite) {
     registerFunction(sqlite, "t_imod", 2, intDivision<true>);
     registerFunction(sqlite, "t_fdiv", 2, floatDivision);
     registerFunction(sqlite, "t_num", 6, numericArithmetic);
+    registerFunction(sqlite, "t_total", -1, numericTotal);
     registerFunction(sqlite, "t_ncmp", 2, numericCompare);
     registerFunction(sqlite, "t_neg", 1, numericNegate);
     registerFunction(sqlite, "t_abs", 1, numericAbsolute);

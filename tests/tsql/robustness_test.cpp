@@ -65,6 +65,9 @@ TEST(Robustness, BadTextEndsInAnError) {
             EXPECT_EQ(number, c.number) << c.what;
         EXPECT_EQ(firstError(*engine, "SELECT 1"), 0) << "after " << c.what;
     }
+    EXPECT_EQ(firstError(*engine, "DECLARE @n numeric(18,2) SET @n = 1 SELECT @n" +
+                                      repeated(" + @n - 0.5", 100)),
+              0);
     // Long chains are no deep nesting; those beyond SQLite's own limit end in an error too.
     EXPECT_EQ(firstError(*engine, "SELECT 1" + repeated(" + 1", 20000)), 8623);
     EXPECT_EQ(firstError(*engine, "SELECT 1" + repeated(" + 1", 300)), 0);
