@@ -78,6 +78,9 @@ class Prepared {
     }
     bool next() { return sqlite3_step(statement_) == SQLITE_ROW; }
     int64_t number(int column) const { return sqlite3_column_int64(statement_, column); }
+    std::string text(int column) const {
+        return reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+    }
     bool isNull(int column) const { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
     // Runs to the end.
     void run() {
