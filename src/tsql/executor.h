@@ -166,6 +166,7 @@ class Executor final : public FunctionHost {
     std::string identityInsert_;  // table of SET IDENTITY_INSERT ON
     DateTime statementTime_;
     int workTable_ = 0;
+    std::vector<std::string> activeTriggers_;
     std::vector<std::string> updatedColumns_;  // by the statement whose trigger runs
 };
 

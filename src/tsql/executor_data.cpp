@@ -534,6 +534,15 @@ void Executor::fireTriggers(Frame& frame, Plan& p,
     for (const std::string& name : p.triggers) {
         CatalogModulePtr module = catalog_.findModule(name);
         if (!module) continue;
+        // A trigger that writes its own table does not fire itself.
+        if (std::find(activeTriggers_.begin(), activeTriggers_.end(), name) !=
+            activeTriggers_.end())
+            continue;
+        activeTriggers_.push_back(name);
+        struct Active {
+            std::vector<std::string>& names;
+            ~Active() { names.pop_back(); }
+        } active{activeTriggers_};
         Frame body = moduleFrame(*module);
         body.pseudoTables = &pseudoTables;
         ++tryDepth_;  // an error in a trigger undoes the statement that fired it

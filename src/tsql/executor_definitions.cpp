@@ -610,6 +610,8 @@ void Executor::drop(const Statement& s) {
                     right = s.dropKind == "FUNCTION";
             }
         }
+        if (!right && !module && catalog_.findTable(object))
+            throw makeDbError(3705, {s.dropKind, object, object, "table", "TABLE"}, s.line);
         if (!right) {
             if (s.ifExists && !module) continue;
             throw makeDbError(3701, {kind, object}, s.line);

@@ -224,6 +224,15 @@ Name Parser::parseName() {
     return name;
 }
 
+// One collation serves all text; one that tells letters' case apart would answer differently.
+void Parser::parseCollation() {
+    const int line = static_cast<int>(peek().line);
+    const std::string name = expectName();
+    const std::string upper = upperCase(name);
+    if (upper.find("_CS") != std::string::npos || upper.find("_BIN") != std::string::npos)
+        throw makeDbError(15281, {"The collation " + name}, line);
+}
+
 std::string Parser::textBetween(const Token& first, const Token& behind) const {
     size_t end = behind.begin;
     while (end > first.begin && (text_[end - 1] == ' ' || text_[end - 1] == '\n' ||

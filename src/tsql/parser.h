@@ -31,6 +31,7 @@ class Parser {
     bool isPlainName(size_t ahead = 0) const;  // a name that is no reserved word
     std::string expectName();
     Name parseName();
+    void parseCollation();
     std::string textBetween(const Token& first, const Token& behind) const;
     int64_t expectInteger();
     SqlType parseType(int defaultLength);

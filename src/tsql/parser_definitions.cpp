@@ -88,7 +88,7 @@ bool Parser::parseColumnConstraint(ColumnDefinition& column,
         take();
         column.nullable = false;
     } else if (takeWord("COLLATE")) {
-        expectName();
+        parseCollation();
     } else if (takeWord("IDENTITY")) {
         column.identity = true;
         if (takeOperator("(")) {

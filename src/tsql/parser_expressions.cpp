@@ -188,7 +188,7 @@ ExprPtr Parser::parseUnary() {
         return e;
     }
     ExprPtr e = parsePrimary();
-    while (takeWord("COLLATE")) expectName();  // one collation serves all text
+    while (takeWord("COLLATE")) parseCollation();
     return e;
 }
 

@@ -331,6 +331,12 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
         const int at = table.findColumn(a.column);
         if (at < 0) throw makeDbError(207, {a.column}, a.line);
         const CatalogColumn& column = table.columns[at];
+        for (const auto& [name, value] : sets)
+            if (name == sqliteName(column.name))
+                throw DbError(264, 16, 1, a.line,
+                              "The column name '" + column.name +
+                                  "' is specified more than once in the SET clause or column list "
+                                  "of an INSERT.");
         if (column.identity) throw makeDbError(8102, {column.name}, a.line);
         BoundPtr v;
         if (a.value->kind == ExprKind::Default) {
