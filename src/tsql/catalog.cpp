@@ -128,6 +128,7 @@ void Catalog::refresh() {
     if (!dataVersionQuery_) dataVersionQuery_ = sqlite_.prepare("PRAGMA main.data_version");
     sqlite_.step(dataVersionQuery_.get());
     const int64_t data = sqlite3_column_int64(dataVersionQuery_.get(), 0);
+    sqlite3_file_control(sqlite_.handle(), "main", SQLITE_FCNTL_DATA_VERSION, &fileVersion_);
     sqlite3_reset(dataVersionQuery_.get());
     if (data == dataVersion_) return;
     dataVersion_ = data;
@@ -144,6 +145,16 @@ void Catalog::refresh() {
         modulesLoaded_ = false;
         ++version_;
     }
+}
+
+bool Catalog::stillCurrent(bool readingFile) {
+    unsigned now = 0;
+    if (readingFile)
+        sqlite3_file_control(sqlite_.handle(), "main", SQLITE_FCNTL_DATA_VERSION, &now);
+    if (readingFile && now == fileVersion_) return true;
+    const uint64_t before = version_;
+    refresh();
+    return version_ == before;
 }
 
 void Catalog::changed(const std::string& name) {

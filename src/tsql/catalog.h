@@ -78,6 +78,9 @@ class Catalog {
     void createStorage();
     // Looks whether another process changed the schema, and forgets what was read if so.
     void refresh();
+    // Whether nothing that plans rest on has changed. In the midst of a statement that reads the
+    // file SQLite knows at no cost.
+    bool stillCurrent(bool readingFile);
     // Our own change: forget the object, count the version on.
     void changed(const std::string& name);
     void modulesChanged(const std::string& name);
@@ -112,6 +115,7 @@ class Catalog {
     Sqlite& sqlite_;
     uint64_t version_ = 1;
     int64_t dataVersion_ = -1;
+    unsigned fileVersion_ = 0;  // SQLite's own count of changes, as of the last refresh
     int64_t schemaVersion_ = -1;
     int64_t moduleVersion_ = -1;
     std::unordered_map<std::string, CatalogTablePtr> tables_;  // by folded name

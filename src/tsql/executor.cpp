@@ -293,7 +293,12 @@ BatchResult Executor::run(std::string_view batch) {
 
 void Executor::runBatch(std::string_view batch) {
     std::shared_ptr<CompiledBatch> code = findOrCompile(batch);
-    catalog_.refresh();
+    // A lone SELECT asks whether the catalog is current once its read has begun, for less; see
+    // runQuery. What it cannot do as things stood is tried again as they stand.
+    const bool lone = code->checked && code->ast.statements.size() == 1 && !code->ast.mayWrite &&
+                      code->ast.statements[0]->kind == StatementKind::Query &&
+                      sqlite3_get_autocommit(sqlite_->handle());
+    if (!lone) catalog_.refresh();
     Frame frame;
     frame.code = code;
     frame.variables.resize(code->variables.size());
@@ -315,6 +320,21 @@ void Executor::runBatch(std::string_view batch) {
         createModule(frame, *code->ast.statements[0]);
         together.done();
         return;
+    }
+    if (lone) {
+        const uint64_t version = catalog_.version();
+        lone_ = true;
+        try {
+            runStatement(frame, *code->ast.statements[0]);
+            lone_ = false;
+            return;
+        } catch (const StaleCatalog&) {
+            lone_ = false;
+        } catch (const DbError&) {
+            lone_ = false;
+            catalog_.refresh();
+            if (catalog_.version() == version) throw;
+        }
     }
     if (!code->checked) {
         if (!changesSchema(code->ast.statements)) checkAhead(frame, code->ast.statements);
@@ -631,7 +651,6 @@ void Executor::throwStatement(Frame& frame, const Statement& s) {
 // --- transactions ---
 
 void Executor::begin() {
-    catalog_.refresh();
     beginTransaction();
 }
 
@@ -649,6 +668,7 @@ void Executor::beginTransaction() {
             implicit_ = false;
         }
         sqlite_->run("BEGIN IMMEDIATE");
+        catalog_.refresh();
     }
     ++transactions_;
     inTransaction_ = true;

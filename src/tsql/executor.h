@@ -27,6 +27,9 @@ struct Frame {
     Frame* caller = nullptr;
 };
 
+// Thrown by a lone SELECT that was planned on a catalog which another process has changed since.
+struct StaleCatalog {};
+
 class Executor final : public FunctionHost {
   public:
     Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName, bool createStorage);
@@ -156,6 +159,7 @@ class Executor final : public FunctionHost {
     int commandTimeout_ = 600;
     int transactions_ = 0;        // T-SQL's own level
     bool inTransaction_ = false;  // for the system view
+    bool lone_ = false;           // a SELECT runs alone, the catalog not looked at yet
     bool implicit_ = false;       // the batch runs in a transaction of its own
     int64_t rowCount_ = 0;
     int lastError_ = 0;

@@ -203,7 +203,12 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
     ResultSet set;
     set.columns = p.columns;
     const auto width = static_cast<int>(p.columns.size());
-    while (sqlite_->step(lease.get())) {
+    bool row = sqlite_->step(lease.get());
+    if (lone_ && !frame.inFunction) {
+        lone_ = false;
+        if (!catalog_.stillCurrent(p.readsFile)) throw StaleCatalog();
+    }
+    for (; row; row = sqlite_->step(lease.get())) {
         ++set.rows;
         for (int i = 0; i < width; ++i)
             set.cells.push_back(columnValue(lease.get(), i, p.columns[i].type));

@@ -38,6 +38,7 @@ struct Plan {
     };
     std::vector<TableFill> fills;  // before the statement runs
 
+    bool readsFile = false;  // some table of the file, so that a read of it begins
     std::vector<Dependency> dependencies;
     uint64_t checkedVersion = 0;
     std::vector<SqliteStatement> idle;  // prepared, not running

@@ -80,6 +80,8 @@ bool Planner::readsTables(const BoundExpr& e) const {
 
 void Planner::finish(Binder& binder, Plan& plan) {
     plan.dependencies = binder.dependencies();
+    for (const Dependency& d : plan.dependencies)
+        plan.readsFile |= !d.module && d.name[0] != '#' && d.name[0] != '@';
     for (TableCall& call : binder.tableCalls) {
         Plan::TableFill fill;
         fill.function = call.function;
