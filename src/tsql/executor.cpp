@@ -123,6 +123,7 @@ std::shared_ptr<CompiledBatch> Executor::findOrCompile(std::string_view batch) {
     const std::vector<Token> tokens = tokenize(batch);
     shape_.clear();
     std::vector<LiteralSlot> literals;
+    literals.reserve(8);
     for (const Token& t : tokens) {
         if (t.isLiteral()) {
             literals.push_back(literalOf(t));

@@ -203,6 +203,7 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
     ResultSet set;
     set.columns = p.columns;
     const auto width = static_cast<int>(p.columns.size());
+    set.cells.reserve(p.columns.size());
     bool row = sqlite_->step(lease.get());
     if (lone_ && !frame.inFunction) {
         lone_ = false;
