@@ -22,7 +22,6 @@ namespace owb::tsql {
 namespace {
 
 constexpr size_t kMostTokens = 200000;  // of the parsed texts that are kept, with their plans
-constexpr int kDeepest = 32;
 
 std::string ownHostName() {
     char name[256] = "localhost";

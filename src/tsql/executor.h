@@ -24,7 +24,6 @@ struct Frame {
     bool inFunction = false;
     std::string procedure;  // name, for errors
     Value returned;
-    Frame* caller = nullptr;
 };
 
 // Thrown by a lone SELECT that was planned on a catalog which another process has changed since.
@@ -83,8 +82,7 @@ class Executor final : public FunctionHost {
     void replaceRows(Frame& frame, Plan& plan);
     void collectRows(Frame& frame, Plan& plan, const std::string& rows);
     void insertExecuted(Frame& frame, const Statement& s);
-    void fireTriggers(Frame& frame, Plan& plan,
-                      const std::map<std::string, CatalogTablePtr>& pseudoTables);
+    void fireTriggers(Plan& plan, const std::map<std::string, CatalogTablePtr>& pseudoTables);
     Value evaluate(Frame& frame, const Expr& e, const SqlType* target = nullptr);
     bool condition(Frame& frame, const Expr& e);
     int64_t runPrepared(Frame& frame, Plan& plan, const std::string& sql);
@@ -123,12 +121,12 @@ class Executor final : public FunctionHost {
 
     // --- calls (executor_calls.cpp) ---
     void execute(Frame& frame, const Statement& s);
-    void executeText(Frame& frame, const std::string& text);
+    void executeText(const std::string& text);
     void executeSql(Frame& frame, const Statement& s);
     bool systemProcedure(Frame& frame, const Statement& s, const std::string& name);
     Frame moduleFrame(CatalogModule& module);
     CompiledBatch& moduleCode(CatalogModule& module);
-    void runScope(Frame& caller, Frame& callee);
+    void runScope(Frame& callee);
 
     // --- transactions ---
     void beginTransaction();

@@ -42,9 +42,8 @@ Frame Executor::moduleFrame(CatalogModule& module) {
 
 // Runs a module's body, or a text's statements, as a scope of its own: temporary tables made in
 // it go with it, and an error of scope reach ends it and no more.
-void Executor::runScope(Frame& caller, Frame& callee) {
+void Executor::runScope(Frame& callee) {
     CallDepth depth(depth_);
-    callee.caller = &caller;
     Frame* const outer = frame_;
     frame_ = &callee;
     catalog_.openScope();
@@ -69,7 +68,7 @@ void Executor::runScope(Frame& caller, Frame& callee) {
     leave();
 }
 
-void Executor::executeText(Frame& frame, const std::string& text) {
+void Executor::executeText(const std::string& text) {
     std::shared_ptr<CompiledBatch> code = findOrCompile(text);
     Frame callee;
     callee.code = code;
@@ -78,7 +77,7 @@ void Executor::executeText(Frame& frame, const std::string& text) {
         createModule(callee, *code->ast.statements[0]);
         return;
     }
-    runScope(frame, callee);
+    runScope(callee);
 }
 
 void Executor::execute(Frame& frame, const Statement& s) {
@@ -86,7 +85,7 @@ void Executor::execute(Frame& frame, const Statement& s) {
     if (s.kind == StatementKind::ExecuteText) {
         const SqlType text = SqlType::text(SqlKind::NVarChar, SqlType::kMax);
         const Value v = evaluate(frame, *s.value, &text);
-        if (!v.isNull()) executeText(frame, v.asText());
+        if (!v.isNull()) executeText(v.asText());
         return;
     }
     CatalogModulePtr module = catalog_.findModule(s.target.last());
@@ -137,7 +136,7 @@ void Executor::execute(Frame& frame, const Statement& s) {
         callee.variables[i] = evaluate(callee, *parameters[i].defaultValue, &parameters[i].type);
     }
     callee.returned = Value(0);
-    runScope(frame, callee);
+    runScope(callee);
     for (const auto& [at, variable] : outputs) {
         const int target = frame.code->findVariable(variable);
         if (target < 0) throw makeDbError(137, {variable}, s.line);
@@ -152,7 +151,7 @@ void Executor::executeSql(Frame& frame, const Statement& s) {
     const SqlType text = SqlType::text(SqlKind::NVarChar, SqlType::kMax);
     if (s.arguments.empty()) throw makeDbError(201, {"sp_executesql", "@statement"}, s.line);
     const std::string sql = evaluate(frame, *s.arguments[0].value, &text).toText();
-    if (s.arguments.size() == 1) return executeText(frame, sql);
+    if (s.arguments.size() == 1) return executeText(sql);
     const std::string declarations = evaluate(frame, *s.arguments[1].value, &text).toText();
     // The declarations read as the parameters of a procedure around the text.
     auto code = compileBatch("CREATE PROCEDURE sp_executesql " + declarations + "\nAS\n" + sql);
@@ -174,7 +173,7 @@ void Executor::executeSql(Frame& frame, const Statement& s) {
         if (a.output && a.value->kind == ExprKind::Variable)
             outputs.emplace_back(at, a.value->name.last());
     }
-    runScope(frame, callee);
+    runScope(callee);
     for (const auto& [at, variable] : outputs)
         assignVariable(frame, variable, callee.variables[at], s.line);
 }

@@ -113,7 +113,7 @@ void Executor::fillTables(Frame& frame, Plan& plan) {
         callee.pseudoTables = &pseudo;
         ++tryDepth_;  // an error in there is the statement's
         try {
-            runScope(frame, callee);
+            runScope(callee);
         } catch (...) {
             --tryDepth_;
             throw;
@@ -528,15 +528,14 @@ void Executor::runWithTriggers(Frame& frame, Plan& p) {
     }
     const std::vector<std::string> outer = std::move(updatedColumns_);
     updatedColumns_ = p.assignedColumns;
-    fireTriggers(frame, p, pseudo);
+    fireTriggers(p, pseudo);
     updatedColumns_ = outer;
     sqlite_->run("DROP TABLE " + deletedName + "; DROP TABLE " + insertedName);
     together.done();
     rowCount_ = count;
 }
 
-void Executor::fireTriggers(Frame& frame, Plan& p,
-                            const std::map<std::string, CatalogTablePtr>& pseudoTables) {
+void Executor::fireTriggers(Plan& p, const std::map<std::string, CatalogTablePtr>& pseudoTables) {
     for (const std::string& name : p.triggers) {
         CatalogModulePtr module = catalog_.findModule(name);
         if (!module) continue;
@@ -553,7 +552,7 @@ void Executor::fireTriggers(Frame& frame, Plan& p,
         body.pseudoTables = &pseudoTables;
         ++tryDepth_;  // an error in a trigger undoes the statement that fired it
         try {
-            runScope(frame, body);
+            runScope(body);
         } catch (...) {
             --tryDepth_;
             body.code->plans.clear();
