@@ -104,7 +104,6 @@ class Catalog {
     std::string newTemporaryName(const std::string& name) const;
     // After a rollback: everything is read anew, temporary tables that went are forgotten.
     void rolledBack();
-    int scopeDepth() const { return static_cast<int>(scopes_.size()); }
 
     Sqlite& sqlite() { return sqlite_; }
 

@@ -205,7 +205,7 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
     const auto width = static_cast<int>(p.columns.size());
     set.cells.reserve(p.columns.size());
     bool row = sqlite_->step(lease.get());
-    if (lone_ && !frame.inFunction) {
+    if (lone_ && depth_ == 0) {  // not inside a function that it calls
         lone_ = false;
         if (!catalog_.stillCurrent(p.readsFile)) throw StaleCatalog();
     }

@@ -252,11 +252,6 @@ int64_t Parser::expectInteger() {
     return value;
 }
 
-bool Parser::isTypeAhead() const {
-    const Token& t = peek();
-    return (t.kind == TokenKind::Name || t.kind == TokenKind::QuotedName) && findType(t.text);
-}
-
 SqlType Parser::parseType(int defaultLength) {
     const Token& t = peek();
     if (t.kind != TokenKind::Name && t.kind != TokenKind::QuotedName) syntaxError();

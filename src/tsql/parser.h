@@ -35,13 +35,13 @@ class Parser {
     std::string textBetween(const Token& first, const Token& behind) const;
     int64_t expectInteger();
     SqlType parseType(int defaultLength);
-    bool isTypeAhead() const;
 
     // --- statements (parser_statements.cpp) ---
     StatementPtr parseStatement();
     StatementPtr parseStatementHere();
     std::vector<StatementPtr> parseBody();  // one statement, or a block's content
     StatementPtr newStatement(StatementKind kind);
+    Name parseTarget();
     StatementPtr parseInsert(std::vector<CommonTable> with);
     StatementPtr parseUpdate(std::vector<CommonTable> with);
     StatementPtr parseDelete(std::vector<CommonTable> with);

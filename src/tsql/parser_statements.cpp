@@ -160,16 +160,23 @@ std::vector<StatementPtr> Parser::parseBody() {
     return body;
 }
 
+// The table that a statement writes: a name, or a table variable.
+Name Parser::parseTarget() {
+    Name target;
+    if (peek().kind == TokenKind::Variable)
+        target.parts.push_back(std::string(take().text));
+    else
+        target = parseName();
+    skipTableHints();
+    return target;
+}
+
 StatementPtr Parser::parseInsert(std::vector<CommonTable> with) {
     StatementPtr s = newStatement(StatementKind::Insert);
     expectWord("INSERT");
     s->top = parseTop(nullptr, nullptr);
     takeWord("INTO");
-    if (peek().kind == TokenKind::Variable)
-        s->target.parts.push_back(std::string(take().text));
-    else
-        s->target = parseName();
-    skipTableHints();
+    s->target = parseTarget();
     if (isOperator("(") && !isWord("SELECT", 1) && !isWord("WITH", 1) && !isOperator("(", 1))
         s->columns = parseColumnList();
     if (takeWord("DEFAULT")) {
@@ -189,11 +196,7 @@ StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
     StatementPtr s = newStatement(StatementKind::Update);
     expectWord("UPDATE");
     s->top = parseTop(nullptr, nullptr);
-    if (peek().kind == TokenKind::Variable)
-        s->target.parts.push_back(std::string(take().text));
-    else
-        s->target = parseName();
-    skipTableHints();
+    s->target = parseTarget();
     expectWord("SET");
     do {
         Assignment a;
@@ -232,11 +235,7 @@ StatementPtr Parser::parseDelete(std::vector<CommonTable> with) {
     expectWord("DELETE");
     s->top = parseTop(nullptr, nullptr);
     takeWord("FROM");
-    if (peek().kind == TokenKind::Variable)
-        s->target.parts.push_back(std::string(take().text));
-    else
-        s->target = parseName();
-    skipTableHints();
+    s->target = parseTarget();
     if (takeWord("FROM")) s->from = parseFromList();
     if (takeWord("WHERE")) s->condition = parseExpression();
     skipOptionClause();
