@@ -109,6 +109,7 @@ class Executor final : public FunctionHost {
     void createKeyIndex(const CatalogTable& table, const CatalogKey& key, bool unique);
     void rebuildTable(const CatalogTable& before, CatalogTable after);
     void alterTable(const Statement& s);
+    void alterTable(const CatalogTable& table, const AlterAction& action, int line);
     void addColumn(const CatalogTable& table, const ColumnDefinition& column, int line);
     void addConstraint(const CatalogTable& table, const ConstraintDefinition& c, int line);
     void dropConstraint(const CatalogTable& table, const std::string& name, int line);

@@ -317,30 +317,36 @@ void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
 }
 
 void Executor::alterTable(const Statement& s) {
-    Together together(*sqlite_);
-    for (const AlterAction& action : s.actions) {
-        CatalogTablePtr table = catalog_.findTable(s.target.last());
-        if (!table) throw makeDbError(4902, {s.target.last()}, s.line);
-        const CatalogTable& t = *table;
-        switch (action.kind) {
-            case AlterAction::AddColumn:
-                addColumn(t, action.column, s.line);
-                break;
-            case AlterAction::AddConstraint:
-                addConstraint(t, action.constraint, s.line);
-                break;
-            case AlterAction::DropColumn:
-                dropColumn(t, action.name, s.line);
-                break;
-            case AlterAction::DropConstraint:
-                dropConstraint(t, action.name, s.line);
-                break;
-            case AlterAction::AlterColumn:
-                alterColumn(t, action.column, s.line);
-                break;
-        }
+    const CatalogTablePtr before = catalog_.findTable(s.target.last());
+    if (!before) throw makeDbError(4902, {s.target.last()}, s.line);
+    try {
+        Together together(*sqlite_);
+        for (const AlterAction& action : s.actions)
+            alterTable(*catalog_.findTable(s.target.last()), action, s.line);
+        together.done();
+    } catch (const DbError&) {
+        // The actions before the failed one are undone in the file; the catalog must follow.
+        if (before->temporary)
+            catalog_.replaceTemporary(*before);
+        else
+            catalog_.changed(before->name);
+        throw;
     }
-    together.done();
+}
+
+void Executor::alterTable(const CatalogTable& table, const AlterAction& action, int line) {
+    switch (action.kind) {
+        case AlterAction::AddColumn:
+            return addColumn(table, action.column, line);
+        case AlterAction::AddConstraint:
+            return addConstraint(table, action.constraint, line);
+        case AlterAction::DropColumn:
+            return dropColumn(table, action.name, line);
+        case AlterAction::DropConstraint:
+            return dropConstraint(table, action.name, line);
+        case AlterAction::AlterColumn:
+            return alterColumn(table, action.column, line);
+    }
 }
 
 void Executor::addColumn(const CatalogTable& table, const ColumnDefinition& c, int line) {

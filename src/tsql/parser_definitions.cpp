@@ -335,11 +335,15 @@ StatementPtr Parser::parseAlterTable() {
         } while (takeOperator(","));
         if (parenthesised) expectOperator(")");
     } else if (takeWord("DROP")) {
+        // Each word holds for the names behind it, up to the next one.
+        auto kind = AlterAction::DropConstraint;
         do {
+            if (takeWord("COLUMN"))
+                kind = AlterAction::DropColumn;
+            else if (takeWord("CONSTRAINT"))
+                kind = AlterAction::DropConstraint;
             AlterAction action;
-            action.kind =
-                takeWord("COLUMN") ? AlterAction::DropColumn : AlterAction::DropConstraint;
-            if (action.kind == AlterAction::DropConstraint) takeWord("CONSTRAINT");
+            action.kind = kind;
             action.name = expectName();
             s->actions.push_back(std::move(action));
         } while (takeOperator(","));
