@@ -75,6 +75,7 @@ struct OrderItem {
 struct WindowSpec {
     std::vector<ExprPtr> partitionBy;
     std::vector<OrderItem> orderBy;
+    std::string frame;  // "ROWS BETWEEN ...", in upper case; "" when not written
 };
 
 struct Expr {
@@ -152,6 +153,7 @@ struct Query {
     std::unique_ptr<QueryBody> body;
     std::vector<OrderItem> orderBy;
     ExprPtr offset, fetch;
+    int maxRecursion = -1;  // of OPTION (MAXRECURSION n), -1 when not written
 };
 
 struct ColumnDefinition {

@@ -520,7 +520,7 @@ BoundPtr Binder::bindPredicate(const Expr& e) {
             p->kind = BoundKind::ExistsQuery;
             p->type = truth;
             p->predicate = true;
-            p->query = bindQuery(*e.query);
+            p->query = bindSubquery(*e.query);
             return p;
         }
         case ExprKind::Quantified:
@@ -545,7 +545,7 @@ BoundPtr Binder::bindPredicate(const Expr& e) {
 // x op ANY (q): some row of q fits. x op ALL (q): no row is without fitting.
 BoundPtr Binder::bindQuantified(const Expr& e) {
     auto rows = std::make_unique<BoundQuery>();
-    auto source = derivedSource(bindQuery(*e.query), "", {}, e.line);
+    auto source = derivedSource(bindSubquery(*e.query), "", {}, e.line);
     if (source->columns.size() != 1) throw makeDbError(116, {}, e.line);
     auto column = std::make_unique<BoundExpr>();
     column->kind = BoundKind::Column;
@@ -591,7 +591,7 @@ BoundPtr Binder::bindIn(const Expr& e) {
     p->predicate = true;
     p->negated = e.negated;
     BoundPtr a = bindValue(*e.args[0]);
-    p->query = bindQuery(*e.query);
+    p->query = bindSubquery(*e.query);
     if (p->query->columns.size() != 1) throw makeDbError(116, {}, e.line);
     const SqlType type = commonType(a->type, p->query->columns[0].type);
     a = convert(std::move(a), type);
@@ -603,7 +603,7 @@ BoundPtr Binder::bindIn(const Expr& e) {
 BoundPtr Binder::scalarQuery(const Query& query, int line) {
     auto e = std::make_unique<BoundExpr>();
     e->kind = BoundKind::ScalarQuery;
-    e->query = bindQuery(query);
+    e->query = bindSubquery(query);
     if (e->query->columns.size() != 1) throw makeDbError(116, {}, line);
     e->type = e->query->columns[0].type;
     return e;

@@ -49,6 +49,8 @@ class Binder {
     ~Binder();
 
     std::unique_ptr<BoundQuery> bindQuery(const Query& query);
+    // A query inside another one: its order counts only with TOP or OFFSET.
+    std::unique_ptr<BoundQuery> bindSubquery(const Query& query);
     BoundPtr bindValue(const Expr& e);
     BoundPtr bindCondition(const Expr& e);
 
@@ -105,8 +107,10 @@ class Binder {
     void bindItems(const QueryBody& body, BoundQuery& q);
     void expandStar(const SelectItem& item, BoundQuery& q);
     void bindOrder(const std::vector<OrderItem>& orderBy, const QueryBody& body, BoundQuery& q);
+    void pushOrder(BoundOrder order, const OrderItem& item, BoundQuery& q) const;
     void checkGrouped(const BoundExpr& e, const BoundQuery& q, int errorNumber) const;
     void setColumns(BoundQuery& q);
+    BoundPtr rowLimit(const Expr& e, int error);
     void bindLimit(const QueryBody& body, const Query* query, BoundQuery& q);
 
     // tables (binder_tables.cpp)
@@ -152,9 +156,12 @@ class Binder {
         std::vector<BoundColumn> columns;
     };
     std::vector<Recursive> recursive_;
+    int maxRecursion_ = 100;
     int nextAlias_ = 0;
     int conditional_ = 0;  // depth in CASE and its like, where a conversion may never run
     int aggregateDepth_ = 0;
+    int windowDepth_ = 0;
+    bool windowsAllowed_ = false;  // in the select list and ORDER BY
     int viewDepth_ = 0;
     const std::map<std::string, BoundPtr>* parameters_ = nullptr;        // of an inlined function
     const std::vector<std::vector<std::string>>* fixedStars_ = nullptr;  // of the view being bound
@@ -166,5 +173,6 @@ class Binder {
 // built-in function.
 BoundPtr bindBuiltin(Binder& binder, const Expr& call, const std::string& upperName);
 bool isAggregateName(const std::string& upperName);
+bool isWindowName(const std::string& upperName);
 
 }  // namespace owb::tsql

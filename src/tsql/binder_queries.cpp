@@ -33,9 +33,16 @@ void Binder::pushWith(const std::vector<CommonTable>& with) {
 std::unique_ptr<BoundQuery> Binder::bindQuery(const Query& query) {
     const size_t before = with_.size();
     pushWith(query.with);
+    if (query.maxRecursion >= 0) maxRecursion_ = query.maxRecursion;
     auto q = bindBody(*query.body, &query.orderBy, &query);
     with_.resize(before);
     return q;
+}
+
+std::unique_ptr<BoundQuery> Binder::bindSubquery(const Query& query) {
+    if (!query.orderBy.empty() && !query.body->top && !query.offset)
+        throw makeDbError(1033, {}, query.orderBy[0].expr->line);
+    return bindQuery(query);
 }
 
 std::unique_ptr<BoundQuery> Binder::bindBody(const QueryBody& body,
@@ -126,6 +133,8 @@ std::unique_ptr<BoundQuery> Binder::bindSelect(const QueryBody& body,
                                                const Query* query) {
     auto q = std::make_unique<BoundQuery>();
     ScopeGuard guard(scopes_);
+    const bool outerWindows = windowsAllowed_;
+    windowsAllowed_ = false;
     q->distinct = body.distinct;
     for (const TableRefPtr& ref : body.from) q->from.push_back(bindFrom(*ref, *q));
     if (body.where) {
@@ -137,13 +146,17 @@ std::unique_ptr<BoundQuery> Binder::bindSelect(const QueryBody& body,
         if (containsAggregate(*g)) throw makeDbError(144, {}, e->line);
         q->groupBy.push_back(std::move(g));
     }
+    windowsAllowed_ = true;
     bindItems(body, *q);
+    windowsAllowed_ = false;
     if (body.having) q->having = bindCondition(*body.having);
     bool aggregates = q->having != nullptr;
     for (const BoundItem& item : q->items) aggregates |= containsAggregate(*item.expr);
     q->grouped = aggregates || !q->groupBy.empty();
     setColumns(*q);
+    windowsAllowed_ = true;
     if (orderBy) bindOrder(*orderBy, body, *q);
+    windowsAllowed_ = outerWindows;
     if (q->grouped) {
         for (const BoundItem& item : q->items) checkGrouped(*item.expr, *q, 8120);
         if (q->having) checkGrouped(*q->having, *q, 8121);
@@ -156,23 +169,41 @@ std::unique_ptr<BoundQuery> Binder::bindSelect(const QueryBody& body,
 }
 
 void Binder::bindLimit(const QueryBody& body, const Query* query, BoundQuery& q) {
-    const SqlType big = SqlType::of(SqlKind::BigInt);
     if (body.top) {
-        if (body.topPercent) throw makeDbError(15281, {"TOP ... PERCENT"}, body.line);
         const Value* n = fixedLiteral(*body.top);
-        if (n && n->toInt() == 1 && !body.withTies) q.singleRow = true;
-        q.limit = convert(bindValue(*body.top), big);
+        if (n && n->isInt() && n->toInt() == 1 && !body.withTies && !body.topPercent)
+            q.singleRow = true;
+        q.limit = rowLimit(*body.top, body.topPercent ? 1031 : 127);
         q.withTies = body.withTies;
+        q.percent = body.topPercent;
         if (body.withTies && q.order.empty())
             throw DbError(1062, 15, 1, body.line,
                           "The TOP N WITH TIES clause is not allowed without a corresponding ORDER "
                           "BY clause.");
     }
     if (query && query->offset) {
-        q.offset = convert(bindValue(*query->offset), big);
-        q.limit = query->fetch ? convert(bindValue(*query->fetch), big)
-                               : constant(Value(int64_t(-1)), big);
+        if (body.top)
+            throw DbError(10741, 15, 2, body.line,
+                          "A TOP can not be used in the same query or sub-query as a OFFSET.");
+        q.offset = rowLimit(*query->offset, 10742);
+        q.limit = query->fetch ? rowLimit(*query->fetch, 10744)
+                               : constant(Value(int64_t(-1)), SqlType::of(SqlKind::BigInt));
     }
+}
+
+// A count of rows; one that makes no sense is that error.
+BoundPtr Binder::rowLimit(const Expr& e, int error) {
+    BoundPtr v = bindValue(e);
+    const bool percent = error == 1031;
+    if (!percent && !v->type.isInteger() && v->type.kind != SqlKind::Null)
+        throw makeDbError(1060, {}, e.line);
+    const SqlType type = SqlType::of(percent ? SqlKind::Float : SqlKind::BigInt);
+    const bool sure = v->kind == BoundKind::Literal && !v->negated && error == 127;
+    v = convert(std::move(v), type);
+    if (sure) return v;
+    std::vector<BoundPtr> args;
+    args.push_back(std::move(v));
+    return op("t_limit($0," + std::to_string(error) + ")", type, std::move(args));
 }
 
 void Binder::bindItems(const QueryBody& body, BoundQuery& q) {
@@ -254,6 +285,22 @@ void Binder::setColumns(BoundQuery& q) {
     }
 }
 
+// A column may be given once only.
+void Binder::pushOrder(BoundOrder order, const OrderItem& item, BoundQuery& q) const {
+    const auto column = [&](const BoundOrder& o) {
+        const BoundExpr* e = o.expr ? o.expr.get() : q.items[o.ordinal].expr.get();
+        return e->kind == BoundKind::Column ? e : nullptr;
+    };
+    const BoundExpr* own = column(order);
+    for (const BoundOrder& before : q.order) {
+        const BoundExpr* other = column(before);
+        const bool same = own && other ? sameBound(*own, *other, *context_.literals)
+                                       : order.ordinal >= 0 && order.ordinal == before.ordinal;
+        if (same) throw makeDbError(169, {}, item.expr->line);
+    }
+    q.order.push_back(std::move(order));
+}
+
 void Binder::bindOrder(const std::vector<OrderItem>& orderBy, const QueryBody& body,
                        BoundQuery& q) {
     for (const OrderItem& item : orderBy) {
@@ -264,7 +311,7 @@ void Binder::bindOrder(const std::vector<OrderItem>& orderBy, const QueryBody& b
             order.ordinal = static_cast<int>(n->toInt()) - 1;
             if (order.ordinal < 0 || order.ordinal >= static_cast<int>(q.items.size()))
                 throw makeDbError(108, {n->toText()}, item.expr->line);
-            q.order.push_back(std::move(order));
+            pushOrder(std::move(order), item, q);
             continue;
         }
         // A bare name is an output column first.
@@ -287,7 +334,7 @@ void Binder::bindOrder(const std::vector<OrderItem>& orderBy, const QueryBody& b
             else if (q.distinct)
                 throw makeDbError(145, {}, body.line);
         }
-        q.order.push_back(std::move(order));
+        pushOrder(std::move(order), item, q);
     }
 }
 

@@ -37,7 +37,7 @@ std::unique_ptr<BoundFrom> Binder::bindFrom(const TableRef& ref, BoundQuery& q) 
             hidden.swap(scopes_.back()->sources);
             std::unique_ptr<BoundQuery> inner;
             try {
-                inner = bindQuery(*ref.query);
+                inner = bindSubquery(*ref.query);
             } catch (...) {
                 hidden.swap(scopes_.back()->sources);
                 throw;
@@ -86,6 +86,17 @@ std::unique_ptr<BoundSource> Binder::derivedSource(std::unique_ptr<BoundQuery> q
         if (names.size() < source->columns.size()) throw makeDbError(8158, {exposed}, line);
         if (names.size() > source->columns.size()) throw makeDbError(8159, {exposed}, line);
         for (size_t i = 0; i < names.size(); ++i) source->columns[i].name = names[i];
+    }
+    if (exposed.empty()) {
+        source->query = std::move(query);
+        return source;
+    }
+    for (size_t i = 0; i < source->columns.size(); ++i) {
+        const std::string& name = source->columns[i].name;
+        if (name.empty()) throw makeDbError(8155, {std::to_string(i + 1), exposed}, line);
+        for (size_t j = 0; j < i; ++j)
+            if (foldName(source->columns[j].name) == foldName(name))
+                throw makeDbError(8156, {name, exposed}, line);
     }
     source->query = std::move(query);
     return source;
@@ -172,7 +183,7 @@ std::unique_ptr<BoundQuery> Binder::bindRecursive(const CommonTable& common, int
     const bool recurs = body.kind == QueryBody::UnionAll && body.right->kind == QueryBody::Select &&
                         std::any_of(body.right->from.begin(), body.right->from.end(),
                                     [&](const TableRefPtr& t) { return namesTable(*t, folded); });
-    if (!recurs) return bindQuery(*common.query);
+    if (!recurs) return bindSubquery(*common.query);
     auto q = std::make_unique<BoundQuery>();
     q->kind = QueryBody::UnionAll;
     q->recursiveName = "r" + std::to_string(nextAlias_++);
@@ -193,8 +204,28 @@ std::unique_ptr<BoundQuery> Binder::bindRecursive(const CommonTable& common, int
     recursive_.pop_back();
     if (q->right->columns.size() != q->columns.size()) throw makeDbError(205, {}, line);
     std::vector<SqlType> types;
-    for (const BoundColumn& c : q->columns) types.push_back(c.type);
+    for (size_t i = 0; i < q->columns.size(); ++i) {
+        const SqlType& own = q->columns[i].type;
+        const SqlType& step = q->right->columns[i].type;
+        // Untyped NULLs aside, both parts must have the very same type.
+        if (own.kind != step.kind && step.kind != SqlKind::Null)
+            throw makeDbError(
+                240,
+                {i < common.columns.size() ? common.columns[i] : q->columns[i].name, common.name},
+                line);
+        types.push_back(own);
+    }
     convertOutputs(*q->right, types);
+    // Each row carries how deep it lies.
+    for (const auto& source : q->right->sources)
+        if (source->table && source->table->sqlName == q->recursiveName) {
+            BoundItem depth;
+            depth.expr =
+                op("t_depth(" + source->alias + ".depth," + std::to_string(maxRecursion_) + ")",
+                   SqlType::of(SqlKind::Int), {});
+            q->right->items.push_back(std::move(depth));
+            break;
+        }
     return q;
 }
 
@@ -229,7 +260,7 @@ std::unique_ptr<BoundSource> Binder::bindView(CatalogModule& view, const std::st
     };
     std::unique_ptr<BoundQuery> inner;
     try {
-        inner = bindQuery(*definition.query);
+        inner = bindSubquery(*definition.query);
     } catch (...) {
         restore();
         throw;
@@ -317,7 +348,7 @@ std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
     std::unique_ptr<BoundQuery> inner;
     try {
         if (viewDepth_ > 32) throw makeDbError(217);
-        inner = bindQuery(*definition.query);
+        inner = bindSubquery(*definition.query);
     } catch (...) {
         restore();
         throw;

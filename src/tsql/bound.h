@@ -90,6 +90,7 @@ struct BoundQuery {
     QueryBody::Kind kind = QueryBody::Select;
     bool distinct = false;
     bool withTies = false;
+    bool percent = false;       // the limit is a share of the rows
     bool grouped = false;       // GROUP BY or aggregates
     bool singleRow = false;     // at most one row by construction
     std::string recursiveName;  // a recursive common table: left is its start, right its step

@@ -536,6 +536,7 @@ BoundPtr Binder::bindFunction(const Expr& e) {
             return p;
         }
         if (e.over) return bindWindow(e, name);
+        if (isWindowName(name)) throw makeDbError(10753, {name}, e.line);
         if (isAggregateName(name)) return bindAggregate(e, name);
         // A branch that may never run must not fail beforehand.
         const bool choice =
@@ -620,42 +621,6 @@ BoundPtr Binder::bindAggregate(const Expr& e, const std::string& name) {
     }
     r->aggregate = true;
     if (name.starts_with("COUNT")) r->nullable = false;
-    return r;
-}
-
-BoundPtr Binder::bindWindow(const Expr& e, const std::string& name) {
-    BoundPtr call;
-    if (name == "ROW_NUMBER" || name == "RANK" || name == "DENSE_RANK") {
-        if (!e.args.empty()) throw makeDbError(174, {lowerCase(name), "0"}, e.line);
-        if (e.over->orderBy.empty())
-            throw DbError(4112, 15, 1, e.line,
-                          "The function '" + name + "' must have an OVER clause with ORDER BY.");
-        call = op(lowerCase(name) + "()", kBigInt, {});
-    } else if (isAggregateName(name)) {
-        call = bindAggregate(e, name);
-        call->aggregate = false;
-        if (call->pattern.starts_with("t_"))
-            throw makeDbError(15281, {name + " OVER on that type"}, e.line);
-    } else {
-        throw makeDbError(15281, {name + " OVER"}, e.line);
-    }
-    std::string pattern = call->pattern + " OVER (";
-    Args args = std::move(call->args);
-    const auto add = [&](const Expr& x) {
-        BoundPtr b = bindValue(x);
-        std::string text = "$" + std::to_string(args.size()) + ";";
-        if (b->type.isText()) text += " COLLATE TSQL";
-        args.push_back(std::move(b));
-        return text;
-    };
-    for (size_t i = 0; i < e.over->partitionBy.size(); ++i)
-        pattern += (i ? "," : "PARTITION BY ") + add(*e.over->partitionBy[i]);
-    for (size_t i = 0; i < e.over->orderBy.size(); ++i)
-        pattern += (i ? "," : " ORDER BY ") + add(*e.over->orderBy[i].expr) +
-                   (e.over->orderBy[i].descending ? " DESC" : "");
-    BoundPtr r = op(pattern + ")", call->type, std::move(args));
-    r->window = true;
-    r->nullable = false;
     return r;
 }
 

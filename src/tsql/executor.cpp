@@ -201,7 +201,8 @@ void Executor::checkAhead(Frame& frame, const std::vector<StatementPtr>& stateme
                 default:
                     break;
             }
-        } catch (const DbError& e) {
+        } catch (DbError& e) {
+            if (e.line == 0) e.line = s->line;
             if (e.number != 208 && e.number != 544) throw;
         }
         checkAhead(frame, s->body);

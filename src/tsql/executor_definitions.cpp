@@ -645,7 +645,7 @@ void Executor::createModule(Frame& frame, const Statement& s) {
         Binder binder(context);
         std::vector<std::vector<std::string>> recorded;
         binder.recordStars = &recorded;
-        auto q = binder.bindQuery(*m.query);
+        auto q = binder.bindSubquery(*m.query);
         for (size_t i = 0; i < q->columns.size(); ++i) {
             const std::string column =
                 i < m.viewColumns.size() ? m.viewColumns[i] : q->columns[i].name;

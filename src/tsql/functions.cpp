@@ -152,6 +152,7 @@ void registerFunctions(Sqlite& sqlite, FunctionHost& host) {
     registerNumberFunctions(sqlite);
     registerTextFunctions(sqlite);
     registerDateFunctions(sqlite);
+    registerRowFunctions(sqlite);
 
     // A user's function gives the same value for the same arguments throughout one statement.
     registerHostFunction(

@@ -28,6 +28,7 @@ void registerFunctions(Sqlite& sqlite, FunctionHost& host);
 void registerNumberFunctions(Sqlite& sqlite);
 void registerTextFunctions(Sqlite& sqlite);
 void registerDateFunctions(Sqlite& sqlite);
+void registerRowFunctions(Sqlite& sqlite);
 
 // Registers `body(context, count, arguments)` under a name. Throwing DbError ends the statement.
 using FunctionBody = void (*)(sqlite3_context*, int, sqlite3_value**);

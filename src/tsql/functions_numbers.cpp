@@ -245,6 +245,14 @@ void wideStep(sqlite3_context* context, int, sqlite3_value** a) {
         s->set(v);
 }
 
+// A row leaves the window of a sum.
+void wideLeave(sqlite3_context* context, int, sqlite3_value** a) {
+    if (sqlite3_value_type(a[0]) == SQLITE_NULL) return;
+    auto* s = static_cast<WideState*>(sqlite3_aggregate_context(context, sizeof(WideState)));
+    s->set(s->value() - wideNumber(a[0]));
+    --s->rows;
+}
+
 void wideFinal(sqlite3_context* context) {
     auto* s = static_cast<WideState*>(sqlite3_aggregate_context(context, 0));
     if (s && s->rows > 0) resultWide(context, s->value());
@@ -268,8 +276,8 @@ void registerNumberFunctions(Sqlite& sqlite) {
     registerFunction(sqlite, "t_round", 4, roundFunction);
     registerFunction(sqlite, "t_sign", 2, signFunction);
     registerFunction(sqlite, "t_math", -1, mathFunction);
-    sqlite3_create_function_v2(sqlite.handle(), "t_nsum", 1, SQLITE_UTF8, nullptr, nullptr,
-                               wideStep<'+'>, wideFinal, nullptr);
+    sqlite3_create_window_function(sqlite.handle(), "t_nsum", 1, SQLITE_UTF8, nullptr,
+                                   wideStep<'+'>, wideFinal, wideFinal, wideLeave, nullptr);
     sqlite3_create_function_v2(sqlite.handle(), "t_nmin", 1, SQLITE_UTF8, nullptr, nullptr,
                                wideStep<'<'>, wideFinal, nullptr);
     sqlite3_create_function_v2(sqlite.handle(), "t_nmax", 1, SQLITE_UTF8, nullptr, nullptr,

@@ -211,25 +211,16 @@ std::string Lowerer::orderBy(const BoundQuery& q) {
     return out;
 }
 
-std::string Lowerer::select(const BoundQuery& q, bool named) {
+std::string Lowerer::select(const BoundQuery& q, bool named, const std::string& extra) {
     std::string out = q.distinct ? "SELECT DISTINCT " : "SELECT ";
     for (size_t i = 0; i < q.items.size(); ++i) {
         if (i) out += ", ";
         const BoundExpr& e = *q.items[i].expr;
         out += expression(e);
         if (q.distinct && e.type.isText()) out += " COLLATE TSQL";
-        if (named || q.withTies) out += " AS c" + std::to_string(i);
+        if (named) out += " AS c" + std::to_string(i);
     }
-    if (q.withTies) {
-        out += ", rank() OVER (ORDER BY ";
-        for (size_t i = 0; i < q.order.size(); ++i) {
-            const BoundOrder& o = q.order[i];
-            const BoundExpr& e = o.expr ? *o.expr : *q.items[o.ordinal].expr;
-            out += (i ? ", " : "") + expression(e) + (e.type.isText() ? " COLLATE TSQL" : "") +
-                   (o.descending ? " DESC" : "");
-        }
-        out += ") AS place";
-    }
+    out += extra;
     if (!q.from.empty()) out += " FROM " + fromClause(q);
     if (q.where) out += " WHERE " + filter(*q.where);
     for (size_t i = 0; i < q.groupBy.size(); ++i) {
@@ -238,6 +229,29 @@ std::string Lowerer::select(const BoundQuery& q, bool named) {
     }
     if (q.having) out += " HAVING " + expression(*q.having);
     return out;
+}
+
+// TOP with ties or of a share: every row gets its place, and the total if need be.
+std::string Lowerer::ranked(const BoundQuery& q) {
+    std::string order;
+    for (const BoundOrder& o : q.order) {
+        const BoundExpr& e = o.expr ? *o.expr : *q.items[o.ordinal].expr;
+        order += order.empty() ? "ORDER BY " : ", ";
+        order += q.distinct ? "c" + std::to_string(o.ordinal) : expression(e);
+        order +=
+            std::string(e.type.isText() ? " COLLATE TSQL" : "") + (o.descending ? " DESC" : "");
+    }
+    std::string extra =
+        std::string(q.withTies ? ", rank()" : ", row_number()") + " OVER (" + order + ") AS place";
+    if (q.percent) extra += ", count(*) OVER () AS total";
+    const std::string rows = q.distinct ? "SELECT *" + extra + " FROM (" + select(q, true, "") + ")"
+                                        : select(q, true, extra);
+    std::string names;
+    for (size_t i = 0; i < q.items.size(); ++i) names += (i ? ", c" : "c") + std::to_string(i);
+    const std::string limit = expression(*q.limit);
+    return "SELECT " + names + " FROM (" + rows +
+           ") WHERE place <= " + (q.percent ? "t_share(total," + limit + ")" : limit) +
+           " ORDER BY place";
 }
 
 std::string Lowerer::setOperand(const BoundQuery& q, bool named, bool right) {
@@ -253,13 +267,14 @@ std::string Lowerer::query(const BoundQuery& q, bool named) {
         std::string names;
         for (size_t i = 0; i < q.columns.size(); ++i)
             names += (i ? ", c" : "c") + std::to_string(i);
-        return "WITH RECURSIVE " + q.recursiveName + "(" + names + ") AS (" +
-               setOperand(*q.left, true, false) + " UNION ALL " + setOperand(*q.right, true, true) +
-               ") SELECT " + names + " FROM " + q.recursiveName;
+        return "WITH RECURSIVE " + q.recursiveName + "(" + names +
+               ", depth) AS (SELECT *, 0 FROM (" + query(*q.left, true) + ") UNION ALL " +
+               setOperand(*q.right, true, true) + ") SELECT " + names + " FROM " + q.recursiveName;
     }
     switch (q.kind) {
         case QueryBody::Select:
-            out = select(q, named);
+            if (q.withTies || q.percent) return ranked(q);
+            out = select(q, named, "");
             break;
         case QueryBody::Values: {
             out = "VALUES ";
@@ -293,12 +308,6 @@ std::string Lowerer::query(const BoundQuery& q, bool named) {
             }
             out += word + setOperand(*q.right, named, true);
         }
-    }
-    if (q.withTies) {
-        std::string names;
-        for (size_t i = 0; i < q.items.size(); ++i) names += (i ? ", c" : "c") + std::to_string(i);
-        return "SELECT " + names + " FROM (" + out + ") WHERE place <= " + expression(*q.limit) +
-               " ORDER BY place";
     }
     out += orderBy(q);
     if (q.limit) {

@@ -31,7 +31,9 @@ class Lowerer {
     std::string sourceText(const BoundSource& s);
 
   private:
-    std::string select(const BoundQuery& q, bool named);
+    // `extra`: further columns, beginning with a comma.
+    std::string select(const BoundQuery& q, bool named, const std::string& extra);
+    std::string ranked(const BoundQuery& q);
     std::string setOperand(const BoundQuery& q, bool named, bool right);
     std::string orderBy(const BoundQuery& q);
     std::string parameter(PlanParameter p);

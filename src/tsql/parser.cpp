@@ -191,8 +191,8 @@ void Parser::syntaxError() const {
     const bool atEnd = peek().kind == TokenKind::End;
     const Token& t = atEnd && pos_ > 0 ? tokens_[pos_ - 1] : peek();
     const bool keyword = t.kind == TokenKind::Name && isReservedWord(t.text);
-    const std::string word = keyword ? upperCase(t.text) : std::string(t.text.substr(0, 120));
-    DbError e = makeDbError(keyword ? 156 : 102, {word}, static_cast<int>(t.line));
+    DbError e = makeDbError(keyword && !atEnd ? 156 : 102, {t.text.substr(0, 120)},
+                            static_cast<int>(t.line));
     e.column = t.column;
     throw e;
 }

@@ -54,7 +54,7 @@ class Parser {
     StatementPtr parseRaiseError();
     std::vector<StatementPtr> parseUntilEnd(const char* closing);
     bool atStatementStart() const;
-    void skipOptionClause();
+    int parseOptionClause();
 
     // --- definitions (parser_definitions.cpp) ---
     StatementPtr parseCreate();
@@ -103,6 +103,7 @@ class Parser {
     ExprPtr parseCase();
     ExprPtr parseCast(bool convert, bool tryCast);
     ExprPtr parseFunction(Name name);
+    std::unique_ptr<WindowSpec> parseWindow();
     ExprPtr parseLiteral();
     ExprPtr binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr right);
     void countLink(int& links) const;

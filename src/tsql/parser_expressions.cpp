@@ -233,6 +233,11 @@ ExprPtr Parser::parsePrimary() {
     if (t.kind == TokenKind::Name) {
         if (takeWord("NULL")) return std::make_unique<Expr>(ExprKind::Null, line);
         if (isWord("CASE")) return parseCase();
+        if (takeWord("USER")) {
+            auto e = std::make_unique<Expr>(ExprKind::Function, line);
+            e->name.parts.emplace_back("USER_NAME");
+            return e;
+        }
         if (isOperator("(", 1)) {
             if (isWord("CAST") || isWord("TRY_CAST")) {
                 const bool tryCast = isWord("TRY_CAST");
@@ -330,19 +335,48 @@ ExprPtr Parser::parseFunction(Name name) {
         while (takeOperator(","));
     }
     expectOperator(")");
-    if (isWord("OVER") && isOperator("(", 1)) {
-        take();
-        take();
-        e->over = std::make_unique<WindowSpec>();
-        if (takeWord("PARTITION")) {
-            expectWord("BY");
-            do e->over->partitionBy.push_back(parseExpression());
-            while (takeOperator(","));
-        }
-        if (isWord("ORDER")) e->over->orderBy = parseOrderBy();
-        expectOperator(")");
-    }
+    if (isWord("OVER") && isOperator("(", 1)) e->over = parseWindow();
     return e;
+}
+
+std::unique_ptr<WindowSpec> Parser::parseWindow() {
+    auto window = std::make_unique<WindowSpec>();
+    expectWord("OVER");
+    expectOperator("(");
+    if (takeWord("PARTITION")) {
+        expectWord("BY");
+        do window->partitionBy.push_back(parseExpression());
+        while (takeOperator(","));
+    }
+    if (isWord("ORDER")) window->orderBy = parseOrderBy();
+    if (isWord("ROWS") || isWord("RANGE")) {
+        const bool rows = isWord("ROWS");
+        const auto edge = [&] {
+            if (takeWord("CURRENT")) {
+                expectWord("ROW");
+                return std::string("CURRENT ROW");
+            }
+            std::string distance = "UNBOUNDED";
+            if (!takeWord("UNBOUNDED")) {
+                if (!rows || window->orderBy.empty()) syntaxError();
+                batch_.literals[literalAt_[pos_]].fixed = true;
+                distance = std::to_string(expectInteger());
+            }
+            if (takeWord("PRECEDING")) return distance + " PRECEDING";
+            expectWord("FOLLOWING");
+            return distance + " FOLLOWING";
+        };
+        if (window->orderBy.empty()) syntaxError();
+        window->frame = upperCase(take().text) + " ";
+        if (takeWord("BETWEEN")) {
+            window->frame += "BETWEEN " + edge();
+            expectWord("AND");
+            window->frame += " AND ";
+        }
+        window->frame += edge();
+    }
+    expectOperator(")");
+    return window;
 }
 
 }  // namespace owb::tsql

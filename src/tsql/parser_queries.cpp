@@ -36,20 +36,28 @@ QueryPtr Parser::parseQuery(std::vector<CommonTable> with) {
             expectWord("ONLY");
         }
     }
-    skipOptionClause();
+    query->maxRecursion = parseOptionClause();
     return query;
 }
 
-void Parser::skipOptionClause() {
-    if (!isWord("OPTION") || !isOperator("(", 1)) return;
+// Hints for the server's optimizer say nothing here; MAXRECURSION does: -1 without it.
+int Parser::parseOptionClause() {
+    int recursion = -1;
+    if (!isWord("OPTION") || !isOperator("(", 1)) return recursion;
     take();
     take();
     int open = 1;
     while (open > 0 && peek().kind != TokenKind::End) {
         if (isOperator("(")) ++open;
         if (isOperator(")")) --open;
-        take();
+        if (isWord("MAXRECURSION") && peek(1).kind == TokenKind::Integer) {
+            take();
+            recursion = static_cast<int>(expectInteger());
+        } else {
+            take();
+        }
     }
+    return recursion;
 }
 
 std::unique_ptr<QueryBody> Parser::parseQueryBody() {
@@ -307,6 +315,7 @@ TableRefPtr Parser::parseTablePrimary() {
             table->query = parseQuery();
             expectOperator(")");
             parseTableAlias(*table);
+            if (table->alias.empty()) syntaxError();
             return table;
         }
         TableRefPtr inner = parseJoined();

@@ -222,10 +222,11 @@ StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
     } while (takeOperator(","));
     if (takeWord("FROM")) s->from = parseFromList();
     if (takeWord("WHERE")) s->condition = parseExpression();
-    skipOptionClause();
+    const int maxRecursion = parseOptionClause();
     if (!with.empty()) {
         s->query = std::make_unique<Query>();
         s->query->with = std::move(with);
+        s->query->maxRecursion = maxRecursion;
     }
     return s;
 }
@@ -238,10 +239,11 @@ StatementPtr Parser::parseDelete(std::vector<CommonTable> with) {
     s->target = parseTarget();
     if (takeWord("FROM")) s->from = parseFromList();
     if (takeWord("WHERE")) s->condition = parseExpression();
-    skipOptionClause();
+    const int maxRecursion = parseOptionClause();
     if (!with.empty()) {
         s->query = std::make_unique<Query>();
         s->query->with = std::move(with);
+        s->query->maxRecursion = maxRecursion;
     }
     return s;
 }

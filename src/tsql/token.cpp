@@ -24,21 +24,47 @@ bool isNamePart(char c) {
 }
 
 // Sorted, upper case.
-constexpr std::array kReserved = {
-    "ADD",       "ALL",        "ALTER",   "AND",        "ANY",      "AS",          "ASC",
-    "BEGIN",     "BETWEEN",    "BREAK",   "BY",         "CASE",     "CHECK",       "COALESCE",
-    "COLLATE",   "COLUMN",     "COMMIT",  "CONSTRAINT", "CONTINUE", "CONVERT",     "CREATE",
-    "CROSS",     "DECLARE",    "DEFAULT", "DELETE",     "DESC",     "DISTINCT",    "DROP",
-    "ELSE",      "END",        "EXCEPT",  "EXEC",       "EXECUTE",  "EXISTS",      "FOR",
-    "FOREIGN",   "FROM",       "FULL",    "FUNCTION",   "GOTO",     "GROUP",       "HAVING",
-    "IDENTITY",  "IF",         "IN",      "INDEX",      "INNER",    "INSERT",      "INTERSECT",
-    "INTO",      "IS",         "JOIN",    "KEY",        "LEFT",     "LIKE",        "MERGE",
-    "NOT",       "NULL",       "NULLIF",  "ON",         "OPTION",   "OR",          "ORDER",
-    "OUTER",     "OVER",       "PERCENT", "PRIMARY",    "PRINT",    "PROC",        "PROCEDURE",
-    "RAISERROR", "REFERENCES", "RETURN",  "RIGHT",      "ROLLBACK", "SELECT",      "SET",
-    "TABLE",     "THEN",       "TO",      "TOP",        "TRAN",     "TRANSACTION", "TRIGGER",
-    "TRUNCATE",  "UNION",      "UNIQUE",  "UPDATE",     "USE",      "VALUES",      "VIEW",
-    "WAITFOR",   "WHEN",       "WHERE",   "WHILE",      "WITH"};
+constexpr std::array kReserved = {"ADD",          "ALL",        "ALTER",       "AND",
+                                  "ANY",          "AS",         "ASC",         "AUTHORIZATION",
+                                  "BACKUP",       "BEGIN",      "BETWEEN",     "BREAK",
+                                  "BROWSE",       "BULK",       "BY",          "CASCADE",
+                                  "CASE",         "CHECK",      "CHECKPOINT",  "CLOSE",
+                                  "CLUSTERED",    "COALESCE",   "COLLATE",     "COLUMN",
+                                  "COMMIT",       "COMPUTE",    "CONSTRAINT",  "CONTAINS",
+                                  "CONTINUE",     "CONVERT",    "CREATE",      "CROSS",
+                                  "CURRENT",      "CURSOR",     "DATABASE",    "DBCC",
+                                  "DEALLOCATE",   "DECLARE",    "DEFAULT",     "DELETE",
+                                  "DENY",         "DESC",       "DISTINCT",    "DISTRIBUTED",
+                                  "DROP",         "DUMP",       "ELSE",        "END",
+                                  "ESCAPE",       "EXCEPT",     "EXEC",        "EXECUTE",
+                                  "EXISTS",       "EXIT",       "EXTERNAL",    "FETCH",
+                                  "FILE",         "FILLFACTOR", "FOR",         "FOREIGN",
+                                  "FREETEXT",     "FROM",       "FULL",        "FUNCTION",
+                                  "GOTO",         "GRANT",      "GROUP",       "HAVING",
+                                  "HOLDLOCK",     "IDENTITY",   "IDENTITYCOL", "IDENTITY_INSERT",
+                                  "IF",           "IN",         "INDEX",       "INNER",
+                                  "INSERT",       "INTERSECT",  "INTO",        "IS",
+                                  "JOIN",         "KEY",        "KILL",        "LEFT",
+                                  "LIKE",         "MERGE",      "NATIONAL",    "NOCHECK",
+                                  "NONCLUSTERED", "NOT",        "NULL",        "NULLIF",
+                                  "OF",           "OFF",        "OFFSETS",     "ON",
+                                  "OPEN",         "OPENQUERY",  "OPENROWSET",  "OPTION",
+                                  "OR",           "ORDER",      "OUTER",       "OVER",
+                                  "PERCENT",      "PIVOT",      "PLAN",        "PRECISION",
+                                  "PRIMARY",      "PRINT",      "PROC",        "PROCEDURE",
+                                  "PUBLIC",       "RAISERROR",  "READ",        "READTEXT",
+                                  "RECONFIGURE",  "REFERENCES", "REPLICATION", "RESTORE",
+                                  "RESTRICT",     "RETURN",     "REVERT",      "REVOKE",
+                                  "RIGHT",        "ROLLBACK",   "ROWCOUNT",    "ROWGUIDCOL",
+                                  "RULE",         "SAVE",       "SCHEMA",      "SELECT",
+                                  "SET",          "SETUSER",    "SHUTDOWN",    "SOME",
+                                  "STATISTICS",   "TABLE",      "TABLESAMPLE", "TEXTSIZE",
+                                  "THEN",         "TO",         "TOP",         "TRAN",
+                                  "TRANSACTION",  "TRIGGER",    "TRUNCATE",    "UNION",
+                                  "UNIQUE",       "UNPIVOT",    "UPDATE",      "UPDATETEXT",
+                                  "USE",          "USER",       "VALUES",      "VARYING",
+                                  "VIEW",         "WAITFOR",    "WHEN",        "WHERE",
+                                  "WHILE",        "WITH",       "WRITETEXT"};
 
 class Reader {
   public:
@@ -235,7 +261,7 @@ std::string unquoted(const Token& token) {
 }
 
 bool isReservedWord(std::string_view word) {
-    if (word.size() > 11) return false;
+    if (word.size() > 15) return false;
     std::string upper(word);
     for (char& c : upper)
         if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
