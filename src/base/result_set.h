@@ -28,6 +28,7 @@ struct ResultSet {
 
 struct BatchResult {
     std::vector<ResultSet> sets;        // one for each SELECT that gives rows
+    std::vector<int64_t> counts;        // rows that each INSERT, UPDATE, DELETE touched, in order
     int64_t affected = 0;               // rows that the last statement touched
     std::vector<DbError> errors;        // in order; the batch may have gone on after each
     std::vector<std::string> messages;  // PRINT and informational messages

@@ -17,7 +17,8 @@ struct Streams {
     std::istream& in;
     std::ostream& out;
     std::ostream& err;
-    bool terminal = false;  // err is a terminal: progress may be shown there
+    bool terminal = false;     // err is a terminal: progress may be shown there
+    bool interactive = false;  // in and out are a terminal: somebody types
 };
 
 // A failure that the user is told in one line, "error: <text>", with exit status 1.

@@ -7,6 +7,7 @@
 
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
-    owb::ctl::Streams io{std::cin, std::cout, std::cerr, isatty(STDERR_FILENO) != 0};
+    owb::ctl::Streams io{std::cin, std::cout, std::cerr, isatty(STDERR_FILENO) != 0,
+                         isatty(STDIN_FILENO) && isatty(STDOUT_FILENO)};
     return owb::ctl::runOwbctl({argv + 1, argv + argc}, io);
 }

@@ -3,10 +3,11 @@
 #include <iterator>
 #include <ostream>
 
-#include "base/csv.h"
 #include "base/utf8.h"
 #include "ctl/command.h"
 #include "ctl/database.h"
+#include "ctl/sql_output.h"
+#include "ctl/sql_prompt.h"
 
 namespace owb::ctl {
 
@@ -43,35 +44,36 @@ class SqlCommand final : public Command {
     const char* summary() const override { return "Run T-SQL batches"; }
     const char* contract() const override {
         return "Batches are parted by lines that hold GO alone. Without -c and -f they come from\n"
-               "stdin. Each result set is printed as CSV with a header line, sets are parted by a\n"
-               "blank line; NULL is nothing and an empty text is \"\". A batch that fails prints\n"
-               "\"error: <message>\" on stderr, the next batch runs, and the exit status is 1.";
+               "stdin; when that is a terminal they are asked for, with line editing and a "
+               "history.\n"
+               "Each result set is printed as CSV with a header line, sets are parted by a blank\n"
+               "line; NULL is nothing and an empty text is \"\". A batch that fails prints\n"
+               "\"error: <message>\" and the server's \"Msg ...\" line on stderr, with the place "
+               "of a\n"
+               "syntax error; the next batch runs, and the exit status is 1.";
     }
 
     void declare(CLI::App& app) override {
         app.add_option("DB", db_, "Database")->required();
         auto* text = app.add_option("-c,--command", text_, "The batches themselves");
         app.add_option("-f,--file", file_, "A file of batches")->excludes(text);
+        app.add_flag("--table", table_, "Aligned columns instead of CSV");
+        app.add_flag("--time", time_, "Tell how long each batch took");
     }
 
     int run(Streams& io) override {
-        const std::string text = !text_.empty() ? text_ : file_.empty() ? whole(io.in) : fromFile();
         Connection connection;
         openDatabase(connection, db_);
-        bool failed = false;
-        bool first = true;
-        for (const std::string& batch : batchesOf(text)) {
-            const BatchResult result = connection.RunCollecting(batch);
-            for (const ResultSet& set : result.sets) {
-                if (!first) io.out << '\n';
-                first = false;
-                io.out << csvText(set);
-            }
-            io.out.flush();
-            for (const std::string& message : result.messages) io.err << message << '\n';
-            for (const DbError& error : result.errors) io.err << "error: " << error.what() << '\n';
-            failed = failed || !result.errors.empty();
+        const bool asks = text_.empty() && file_.empty() && io.interactive;
+        SqlOutput output(io.out, io.err, table_ || asks, time_);
+        if (asks) {
+            runSqlPrompt(connection, output);
+            return 0;
         }
+        const std::string text = !text_.empty() ? text_ : file_.empty() ? whole(io.in) : fromFile();
+        bool failed = false;
+        for (const std::string& batch : batchesOf(text))
+            if (!output.run(connection, batch)) failed = true;
         return failed ? 1 : 0;
     }
 
@@ -83,6 +85,7 @@ class SqlCommand final : public Command {
     }
 
     std::string db_, text_, file_;
+    bool table_ = false, time_ = false;
 };
 
 }  // namespace

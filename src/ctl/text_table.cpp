@@ -12,14 +12,16 @@ bool isNumber(const std::string& text) {
 
 }  // namespace
 
-std::string textTable(const std::vector<std::vector<std::string>>& rows) {
+std::string textTable(const std::vector<std::vector<std::string>>& rows,
+                      std::vector<bool> numbers) {
     const size_t columns = rows.front().size();
     std::vector<size_t> width(columns, 0);
-    std::vector<bool> numbers(columns, true);
+    const bool told = !numbers.empty();
+    if (!told) numbers.assign(columns, true);
     for (size_t r = 0; r < rows.size(); ++r) {
         for (size_t c = 0; c < columns; ++c) {
             width[c] = std::max(width[c], utf8Length(rows[r][c]));
-            if (r > 0 && !isNumber(rows[r][c])) numbers[c] = false;
+            if (!told && r > 0 && !isNumber(rows[r][c])) numbers[c] = false;
         }
     }
     std::string out;

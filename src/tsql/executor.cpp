@@ -257,6 +257,7 @@ BatchResult Executor::run(std::string_view batch) {
     BatchResult result;
     BatchResult* const outer = result_;
     result_ = &result;
+    sqlite_->cancelled = false;
     sqlite_->startClock(commandTimeout_);
     try {
         runBatch(batch);
@@ -286,7 +287,6 @@ BatchResult Executor::run(std::string_view batch) {
         catalog_.rolledBack();
     }
     sqlite_->stopClock();
-    sqlite_->cancelled = false;
     result.affected = rowCount_;
     result_ = outer;
     return result;
@@ -402,6 +402,7 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
         case StatementKind::Delete:
         case StatementKind::Truncate:
             runWrite(frame, s);
+            if (s.kind != StatementKind::Truncate) tellCount();
             break;
         case StatementKind::Declare:
             for (const VariableDeclaration& v : s.variables) {
@@ -455,7 +456,12 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
             break;
         case StatementKind::Execute:
         case StatementKind::ExecuteText:
-            execute(frame, s);
+            try {
+                execute(frame, s);
+            } catch (DbError& e) {
+                e.column = 0;  // that is a place in another text
+                throw;
+            }
             keepsError = true;
             break;
         case StatementKind::CreateTable:
@@ -572,14 +578,21 @@ Executor::Flow Executor::runTryCatch(Frame& frame, const Statement& s) {
 }
 
 // Options that change nothing here are taken; one that would change answers is refused.
+void Executor::tellCount() {
+    if (result_ && !noCount_) result_->counts.push_back(rowCount_);
+}
+
 void Executor::setOption(const Statement& s) {
     if (s.option == "IDENTITY_INSERT") {
         identityInsert_ = s.on ? foldName(s.target.last()) : "";
         return;
     }
-    static constexpr const char* kAnyway[] = {"NOCOUNT",      "QUOTED_IDENTIFIER",
-                                              "ARITHABORT",   "NUMERIC_ROUNDABORT",
-                                              "LOCK_TIMEOUT", "STATISTICS"};
+    if (s.option == "NOCOUNT") {
+        noCount_ = s.on;
+        return;
+    }
+    static constexpr const char* kAnyway[] = {"QUOTED_IDENTIFIER", "ARITHABORT",
+                                              "NUMERIC_ROUNDABORT", "LOCK_TIMEOUT", "STATISTICS"};
     static constexpr const char* kOnlyOn[] = {"ANSI_NULLS",    "ANSI_PADDING",
                                               "ANSI_WARNINGS", "ANSI_NULL_DFLT_ON",
                                               "ANSI_DEFAULTS", "CONCAT_NULL_YIELDS_NULL"};

@@ -64,6 +64,7 @@ class Executor final : public FunctionHost {
     Flow runControl(Frame& frame, const Statement& s);
     Flow runTryCatch(Frame& frame, const Statement& s);
     void noteError(const DbError& e);
+    void tellCount();
     void setOption(const Statement& s);
     void raiseError(Frame& frame, const Statement& s);
     void throwStatement(Frame& frame, const Statement& s);
@@ -124,7 +125,20 @@ class Executor final : public FunctionHost {
     void execute(Frame& frame, const Statement& s);
     void executeText(const std::string& text);
     void executeSql(Frame& frame, const Statement& s);
+
+    // --- system procedures (system_procedures.cpp) ---
     bool systemProcedure(Frame& frame, const Statement& s, const std::string& name);
+    void helpAll();
+    void help(const std::string& object, int line);
+    void helpColumns(const std::vector<CatalogColumn>& columns);
+    void helpIndexes(const CatalogTable& table);
+    void helpConstraints(const CatalogTable& table, const std::string& object);
+    void helpParameters(CatalogModule& module);
+    void helpText(const std::string& object, int line);
+    void helpTrigger(const std::string& object, int line);
+    std::vector<CatalogColumn> viewColumns(const CatalogModule& view);
+
+    // --- calls of modules (executor_calls.cpp) ---
     Frame moduleFrame(CatalogModule& module);
     CompiledBatch& moduleCode(CatalogModule& module);
     void runScope(Frame& callee);
@@ -161,6 +175,7 @@ class Executor final : public FunctionHost {
     bool lone_ = false;           // a SELECT runs alone, the catalog not looked at yet
     bool implicit_ = false;       // the batch runs in a transaction of its own
     int64_t rowCount_ = 0;
+    bool noCount_ = false;  // SET NOCOUNT ON
     int lastError_ = 0;
     std::optional<DbError> caught_;  // in a CATCH block
     Value lastIdentity_;

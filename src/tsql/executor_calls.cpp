@@ -178,38 +178,6 @@ void Executor::executeSql(Frame& frame, const Statement& s) {
         assignVariable(frame, variable, callee.variables[at], s.line);
 }
 
-bool Executor::systemProcedure(Frame& frame, const Statement& s, const std::string& name) {
-    if (name == "sp_executesql") {
-        executeSql(frame, s);
-        return true;
-    }
-    if (name == "sp_helptext") {
-        const SqlType type = SqlType::text(SqlKind::NVarChar, 776);
-        const std::string object =
-            s.arguments.empty() ? "" : evaluate(frame, *s.arguments[0].value, &type).toText();
-        CatalogModulePtr module = catalog_.findModule(object.substr(object.find_last_of('.') + 1));
-        if (!module)
-            throw DbError(15009, 16, 1, s.line,
-                          "The object '" + object +
-                              "' does not exist in database or is invalid "
-                              "for this operation.");
-        ResultSet set;
-        set.columns.push_back({"Text", SqlType::text(SqlKind::NVarChar, 4000), true});
-        std::string line;
-        for (char c : module->source) {
-            if (c != '\r') line += c;
-            if (c != '\n') continue;
-            set.cells.emplace_back(line);
-            line.clear();
-        }
-        if (!line.empty()) set.cells.emplace_back(line);
-        set.rows = set.cells.size();
-        if (result_) result_->sets.push_back(std::move(set));
-        return true;
-    }
-    return false;
-}
-
 // --- scalar functions, called by SQLite in the middle of a statement ---
 
 Value Executor::callFunction(int id, int count, sqlite3_value** arguments) {

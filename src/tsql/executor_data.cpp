@@ -250,6 +250,7 @@ void Executor::runInto(Frame& frame, Plan& p) {
     rowCount_ = sqlite3_changes64(sqlite_->handle());
     insert.reset();
     together.done();
+    tellCount();
 }
 
 // The first key among the rows "src" that the table, or a row before it, holds already.

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "ctl/command.h"
+#include "ctl/sql_prompt.h"
 #include "support/temp_dir.h"
 
 namespace owb::ctl {
@@ -121,10 +122,81 @@ TEST_F(OwbctlFile, SqlGoesOnAfterAFailedBatch) {
         EXPECT_EQ(o.status, 1);
         EXPECT_EQ(o.err,
                   "error: Divide by zero error encountered.\n"
-                  "error: Invalid object name 'nosuch'.\n");
+                  "Msg 8134, Level 16, State 1, Line 1\n"
+                  "error: Invalid object name 'nosuch'.\n"
+                  "Msg 208, Level 16, State 1, Line 1\n");
         EXPECT_EQ(o.out, "a\n1\n\nb\n2\n");
     }
     EXPECT_EQ(owbctl({"sql", db, "-f", dir.file("none.sql")}).status, 1);
+}
+
+TEST_F(OwbctlFile, SqlPrintsTablesForPeople) {
+    ASSERT_EQ(owbctl({"create", "--empty", db}).status, 0);
+    const Outcome o = owbctl({"sql", db, "--table"},
+                             "CREATE TABLE t (id int, s nvarchar(20), n numeric(10,2))\nGO\n"
+                             "INSERT INTO t VALUES (1, N'½ day', 1.5), (20, NULL, NULL) UPDATE t "
+                             "SET n = 2 WHERE id = 1\n"
+                             "GO\n"
+                             "SELECT id, s, n, id FROM t ORDER BY id PRINT 'said'\nGO\n"
+                             "SET NOCOUNT ON DELETE FROM t");
+    EXPECT_EQ(o.err, "said\n");
+    EXPECT_EQ(o.out,
+              "Commands completed successfully.\n"
+              "(2 rows affected)\n(1 row affected)\n"
+              "id  s         n  id\n"
+              "--  -----  ----  --\n"
+              " 1  ½ day  2.00   1\n"
+              "20  NULL   NULL  20\n"
+              "\n(2 rows affected)\n"
+              "Commands completed successfully.\n");
+    const Outcome timed = owbctl({"sql", db, "--time", "-c", "SELECT 1 AS a"});
+    EXPECT_EQ(timed.out, "a\n1\n");
+    EXPECT_EQ(timed.err.rfind("Time: ", 0), 0u) << timed.err;
+}
+
+TEST_F(OwbctlFile, SqlShowsThePlaceOfASyntaxError) {
+    ASSERT_EQ(owbctl({"create", "--empty", db}).status, 0);
+    struct Case {
+        std::string batch, place;
+    };
+    const std::string far(150, 'x');
+    const Case cases[] = {
+        {"SELECT 1\n\tFROM N'½' x", "\tFROM N'½' x\n\t     ^\n"},
+        {"SELECT '½', FROM t", "SELECT '½', FROM t\n            ^\n"},
+        {"SELECT '" + far + "' FROM FROM",
+         "..." + std::string(53, 'x') + "' FROM FROM\n" + std::string(63, ' ') + "^\n"},
+        {"EXEC('SELECT 1 +')", ""},  // a place in a text that the batch does not show
+        {"SELECT 1 / 0", ""},
+    };
+    for (const Case& c : cases) {
+        const Outcome o = owbctl({"sql", db, "-c", c.batch});
+        EXPECT_EQ(o.status, 1);
+        const size_t message = o.err.find("\nMsg ");
+        ASSERT_NE(message, std::string::npos) << o.err;
+        EXPECT_EQ(o.err.substr(o.err.find('\n', message + 1) + 1), c.place);
+    }
+}
+
+TEST(SqlPrompt, ASemicolonEndsABatchWhereItCan) {
+    const char* ends[] = {"SELECT 1;",
+                          "SELECT 1; -- so\n",
+                          "SELECT ';' /* ; */ ;\n",
+                          "WHILE 1=1 BEGIN BREAK; END;",
+                          "BEGIN TRAN;",
+                          "SELECT CASE WHEN 1=1 THEN 2 END;",
+                          "CREATE TABLE t (a int);",
+                          "SELECT 'it''s' AS [begin];"};
+    for (const char* text : ends) EXPECT_TRUE(endsBatch(text)) << text;
+    const char* goesOn[] = {"SELECT 1",
+                            "SELECT ';",
+                            "SELECT 1 -- ;",
+                            "SELECT 1 /* ;",
+                            "WHILE 1=1 BEGIN BREAK;",
+                            "SELECT [a;",
+                            "CREATE PROCEDURE p AS SELECT 1;",
+                            "create or alter function f() returns int as begin return 1; end;",
+                            "SELECT CASE WHEN 1=1 THEN 2;"};
+    for (const char* text : goesOn) EXPECT_FALSE(endsBatch(text)) << text;
 }
 
 TEST_F(OwbctlFile, CreateRefusesAnExistingFileAndCheckFindsItSound) {

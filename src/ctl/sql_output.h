@@ -1,0 +1,41 @@
+// How owbctl sql shows what a batch gave: rows as CSV or as tables for people, what it said and
+// what failed, with the place of a syntax error in its line.
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include "base/result_set.h"
+
+namespace owb {
+class Connection;
+}
+
+namespace owb::ctl {
+
+class SqlOutput {
+  public:
+    SqlOutput(std::ostream& out, std::ostream& err, bool tables, bool time)
+        : out(out), err(err), tables(tables), time(time) {}
+
+    // Runs a batch and shows what it gave. Whether it went without an error.
+    bool run(Connection& connection, const std::string& batch);
+
+    std::ostream& out;
+    std::ostream& err;
+    bool tables;  // otherwise CSV
+    bool time;
+
+  private:
+    void show(const BatchResult& result);
+    void showSet(const ResultSet& set);
+    void showError(const std::string& batch, const DbError& error);
+
+    bool first_ = true;
+};
+
+// The line of a text in which an error stands and, below it, a caret at its place; cut on both
+// sides when it is long. Lines and columns count from 1, columns in bytes.
+std::string placeOf(const std::string& text, int line, int column);
+
+}  // namespace owb::ctl
