@@ -398,4 +398,10 @@ DbError makeDbError(int number, std::initializer_list<std::string_view> args, in
     return DbError(number, entry.severity, state, line, text);
 }
 
+DbError followedBy(DbError first, DbError last) {
+    if (first.line == 0) first.line = last.line;
+    last.before = std::make_shared<const DbError>(std::move(first));
+    return last;
+}
+
 }  // namespace owb

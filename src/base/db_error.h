@@ -2,6 +2,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -18,10 +19,16 @@ struct DbError : std::runtime_error {
     int line;                // in the batch or routine, from 1; 0 when not known
     int column = 0;          // place of a syntax error in its line, from 1; 0 otherwise
     bool endsBatch = false;  // whatever its number says: it was thrown
-    std::string procedure;   // routine in which it happened; "" for the batch itself
+    bool raised = false;     // by RAISERROR: ends nothing by itself
+    bool undoes = false;     // it left a trigger: the batch ends, its transaction is undone
+    bool left = false;       // it left the scope in which it happened
+    std::shared_ptr<const DbError> before;  // told ahead of it, as part of the same failure
+    std::string procedure;                  // routine in which it happened; "" for the batch itself
 };
 
 // Builds the error of that number from the table; each "%" of its text takes the next argument.
 DbError makeDbError(int number, std::initializer_list<std::string_view> args = {}, int line = 0);
+// `last`, told after `first`, as the server does where one failure makes two errors.
+DbError followedBy(DbError first, DbError last);
 
 }  // namespace owb

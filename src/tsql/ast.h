@@ -200,6 +200,7 @@ enum class StatementKind : uint8_t {
     BeginTransaction,
     Commit,
     Rollback,
+    SaveTransaction,
     Print,
     RaiseError,
     Throw,

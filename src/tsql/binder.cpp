@@ -294,13 +294,14 @@ BoundPtr Binder::bindSystemVariable(const Expr& e) {
     static const struct {
         const char* name;
         SqlKind kind;
-    } known[] = {{"@@ROWCOUNT", SqlKind::Int},    {"@@ERROR", SqlKind::Int},
-                 {"@@TRANCOUNT", SqlKind::Int},   {"@@FETCH_STATUS", SqlKind::Int},
-                 {"@@NESTLEVEL", SqlKind::Int},   {"@@SPID", SqlKind::Int},
-                 {"@@IDENTITY", SqlKind::BigInt}, {"@@DATEFIRST", SqlKind::TinyInt}};
+    } known[] = {{"@@ROWCOUNT", SqlKind::Int},     {"@@ERROR", SqlKind::Int},
+                 {"@@TRANCOUNT", SqlKind::Int},    {"@@FETCH_STATUS", SqlKind::Int},
+                 {"@@NESTLEVEL", SqlKind::Int},    {"@@SPID", SqlKind::Int},
+                 {"@@DATEFIRST", SqlKind::TinyInt}};
     for (const auto& k : known)
         if (name == k.name)
             return op("t_system('" + name.substr(2) + "')", SqlType::of(k.kind), {});
+    if (name == "@@IDENTITY") return op("t_system('IDENTITY')", SqlType::numeric(38, 0), {});
     if (name == "@@VERSION" || name == "@@SERVERNAME")
         return op("t_system('" + name.substr(2) + "')", SqlType::text(SqlKind::NVarChar, 300), {});
     throw makeDbError(137, {e.name.last()}, e.line);

@@ -330,6 +330,14 @@ std::vector<std::string> Catalog::tableNames() {
     return names;
 }
 
+std::vector<CatalogTablePtr> Catalog::tableVariables() const {
+    std::vector<CatalogTablePtr> all;
+    for (const auto& scope : scopes_)
+        for (const auto& [name, table] : scope)
+            if (name[0] == '@') all.push_back(table);
+    return all;
+}
+
 void Catalog::openScope() {
     scopes_.emplace_back();
 }

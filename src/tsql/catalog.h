@@ -92,6 +92,7 @@ class Catalog {
     CatalogModulePtr findModule(const std::string& name);
     std::vector<std::string> tableNames();
     std::vector<CatalogModulePtr> modules();
+    std::vector<CatalogTablePtr> tableVariables() const;  // of all scopes
 
     // --- scopes of temporary tables: a procedure's end drops what it made ---
     void openScope();

@@ -31,65 +31,6 @@ std::string ownHostName() {
 
 }  // namespace
 
-ErrorReach reachOf(const DbError& e) {
-    if (e.endsBatch) return ErrorReach::Batch;
-    switch (e.number) {
-        case 207:
-        case 208:
-        case 209:
-        case 213:
-        case 4104:
-        case 4121:
-        case 195:
-        case 8120:
-        case 8121:
-        case 8127:
-        case 2714:
-        case 206:
-        case 15281:
-            return ErrorReach::Scope;
-        case 241:
-        case 242:
-        case 244:
-        case 245:
-        case 248:
-        case 8114:
-        case 217:
-        case 1222:
-        case 9002:
-        case 3906:
-            return ErrorReach::Batch;
-        default:
-            break;
-    }
-    if (e.number < 0 || e.severity >= 20) return ErrorReach::Batch;
-    if (e.severity == 15) return ErrorReach::Scope;  // found while binding
-    return ErrorReach::Statement;
-}
-
-Together::Together(Sqlite& sqlite)
-    : sqlite_(sqlite), own_(sqlite3_get_autocommit(sqlite.handle()) != 0) {
-    sqlite_.run(own_ ? "BEGIN IMMEDIATE" : "SAVEPOINT together");
-}
-
-Together::~Together() {
-    if (finished_) return;
-    try {
-        if (own_ || sqlite3_get_autocommit(sqlite_.handle())) {
-            if (!sqlite3_get_autocommit(sqlite_.handle())) sqlite_.run("ROLLBACK");
-        } else {
-            sqlite_.run("ROLLBACK TO together; RELEASE together");
-        }
-    } catch (const DbError&) {
-        // SQLite has rolled back by itself already.
-    }
-}
-
-void Together::done() {
-    sqlite_.run(own_ ? "COMMIT" : "RELEASE together");
-    finished_ = true;
-}
-
 Executor::Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName, bool createStorage)
     : sqlite_(std::move(sqlite)),
       catalog_(*sqlite_),
@@ -247,7 +188,7 @@ bool runsAlone(const Batch& batch) {
 bool steersTransaction(const Batch& batch) {
     return std::all_of(batch.statements.begin(), batch.statements.end(), [](const StatementPtr& s) {
         return s->kind == StatementKind::BeginTransaction || s->kind == StatementKind::Commit ||
-               s->kind == StatementKind::Rollback;
+               s->kind == StatementKind::Rollback || s->kind == StatementKind::SaveTransaction;
     });
 }
 
@@ -263,10 +204,9 @@ BatchResult Executor::run(std::string_view batch) {
         runBatch(batch);
     } catch (const DbError& e) {
         noteError(e);
-        // A failed conversion undoes the open transaction with its batch.
-        if (transactions_ > 0 && e.number > 0 && reachOf(e) == ErrorReach::Batch && !e.endsBatch)
-            rollbackTransaction(0);
+        if (transactions_ > 0 && abortsTransaction(e)) rollbackTransaction();
     }
+    endBatchTransaction();
     if (implicit_) {
         implicit_ = false;
         try {
@@ -351,6 +291,7 @@ void Executor::runBatch(std::string_view batch) {
 }
 
 void Executor::noteError(const DbError& e) {
+    if (e.before) noteError(*e.before);
     lastError_ = e.number;
     rowCount_ = 0;
     DbError noted = e;
@@ -367,7 +308,7 @@ Executor::Flow Executor::runStatements(Frame& frame, const std::vector<Statement
             if (flow != Flow::Next) return flow;
         } catch (DbError& e) {
             if (e.line == 0) e.line = s->line;
-            if (frame.inFunction || tryDepth_ > 0 || reachOf(e) != ErrorReach::Statement) throw;
+            if (frame.inFunction || tryDepth_ > 0 || reach(e) != ErrorReach::Statement) throw;
             noteError(e);
         }
     }
@@ -465,27 +406,27 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
             keepsError = true;
             break;
         case StatementKind::CreateTable:
+            requireSoundTransaction();
             createTable(s);
             break;
         case StatementKind::AlterTable:
+            requireSoundTransaction();
             alterTable(s);
             break;
         case StatementKind::CreateIndex:
             createIndex(s);
             break;
         case StatementKind::Drop:
+            requireSoundTransaction();
             drop(s);
             break;
         case StatementKind::CreateModule:
             throw makeDbError(111, {"CREATE"}, s.line);
         case StatementKind::BeginTransaction:
-            beginTransaction();
-            break;
         case StatementKind::Commit:
-            commitTransaction(s.line);
-            break;
         case StatementKind::Rollback:
-            rollbackTransaction(s.line);
+        case StatementKind::SaveTransaction:
+            runTransaction(frame, s);
             break;
         case StatementKind::Print: {
             const SqlType text = SqlType::text(SqlKind::NVarChar, 4000);
@@ -560,6 +501,9 @@ Executor::Flow Executor::runTryCatch(Frame& frame, const Statement& s) {
         --tryDepth_;
         // Nothing catches the client's own giving up, nor a broken connection.
         if (e.number < 0 || e.severity >= 20) throw;
+        // A name that proves wrong as the statement is made ready ends the scope that holds it.
+        if (!e.left && reachOf(e) == ErrorReach::Scope) throw;
+        if (transactions_ > 0 && abortsTransaction(e)) doomed_ = true;
         if (e.procedure.empty()) e.procedure = frame.procedure;
         error = e;
     }
@@ -600,7 +544,10 @@ void Executor::setOption(const Statement& s) {
         if (s.option.starts_with(name)) return;
     for (const char* name : kOnlyOn)
         if (s.option == name && s.on) return;
-    if (s.option == "XACT_ABORT" && !s.on) return;
+    if (s.option == "XACT_ABORT") {
+        options_.xactAbort = s.on;
+        return;
+    }
     if (s.option == "DATEFORMAT MDY" || s.option.starts_with("LANGUAGE") ||
         s.option.starts_with("TRANSACTION ISOLATION"))
         return;
@@ -640,7 +587,9 @@ void Executor::raiseError(Frame& frame, const Statement& s) {
         return;
     }
     const int number = message.isText() ? 50000 : static_cast<int>(message.toInt());
-    throw DbError(number, std::min(severity, 19), state, s.line, text);
+    DbError error(number, severity, state, s.line, text);
+    error.raised = true;
+    throw error;
 }
 
 void Executor::throwStatement(Frame& frame, const Statement& s) {
@@ -660,47 +609,6 @@ void Executor::throwStatement(Frame& frame, const Statement& s) {
     DbError error(number, 16, state, s.line, text);
     error.endsBatch = true;
     throw error;
-}
-
-// --- transactions ---
-
-void Executor::begin() {
-    beginTransaction();
-}
-
-void Executor::commit() {
-    commitTransaction(0);
-}
-void Executor::rollback() {
-    rollbackTransaction(0);
-}
-
-void Executor::beginTransaction() {
-    if (transactions_ == 0) {
-        if (implicit_) {
-            sqlite_->run("COMMIT");
-            implicit_ = false;
-        }
-        sqlite_->run("BEGIN IMMEDIATE");
-        catalog_.refresh();
-    }
-    ++transactions_;
-    inTransaction_ = true;
-}
-
-void Executor::commitTransaction(int line) {
-    if (transactions_ == 0) throw makeDbError(3902, {}, line);
-    if (transactions_ == 1) sqlite_->run("COMMIT");
-    --transactions_;
-    inTransaction_ = transactions_ > 0;
-}
-
-void Executor::rollbackTransaction(int line) {
-    if (transactions_ == 0) throw makeDbError(3903, {}, line);
-    transactions_ = 0;
-    inTransaction_ = false;
-    if (!sqlite3_get_autocommit(sqlite_->handle())) sqlite_->run("ROLLBACK");
-    catalog_.rolledBack();
 }
 
 // --- what functions ask ---
@@ -726,9 +634,10 @@ Value Executor::systemValue(const std::string& name) {
     if (name == "ROWCOUNT") return Value(rowCount_);
     if (name == "ERROR") return Value(lastError_);
     if (name == "TRANCOUNT") return Value(transactions_);
-    if (name == "IDENTITY") return lastIdentity_;
-    if (name == "SCOPE_IDENTITY")
+    if (name == "IDENTITY")
         return lastIdentity_.isNull() ? Value() : Value(Decimal(lastIdentity_.asInt(), 0));
+    if (name == "SCOPE_IDENTITY")
+        return scopeIdentity_.isNull() ? Value() : Value(Decimal(scopeIdentity_.asInt(), 0));
     if (name == "HOST_NAME") return Value(hostName_);
     if (name == "NESTLEVEL") return Value(depth_);
     if (name == "SPID") return Value(static_cast<int64_t>(getpid() % 32768));
@@ -748,7 +657,7 @@ Value Executor::systemValue(const std::string& name) {
     if (name.starts_with("UPDATED:"))
         return Value(std::find(updatedColumns_.begin(), updatedColumns_.end(), name.substr(8)) !=
                      updatedColumns_.end());
-    if (name == "XACT_STATE") return Value(transactions_ > 0 ? 1 : 0);
+    if (name == "XACT_STATE") return Value(doomed_ ? -1 : transactions_ > 0 ? 1 : 0);
     if (!caught_) return {};
     if (name == "ERROR_NUMBER") return Value(caught_->number);
     if (name == "ERROR_MESSAGE") return Value(std::string(caught_->what()));

@@ -29,6 +29,24 @@ struct Frame {
 // Thrown by a lone SELECT that was planned on a catalog which another process has changed since.
 struct StaleCatalog {};
 
+// Keeps the steps of one statement together: all of them or none.
+class Together {
+  public:
+    explicit Together(Sqlite& sqlite, const char* savepoint = "together");
+    ~Together();
+    void done();
+
+  private:
+    Sqlite& sqlite_;
+    std::string savepoint_;
+    bool own_;  // a transaction of our own, otherwise a savepoint
+    bool finished_ = false;
+};
+
+// What an error ends: its statement alone, the scope (module or batch) it stands in, or the batch.
+enum class ErrorReach { Statement, Scope, Batch };
+ErrorReach reachOf(const DbError& e);
+
 class Executor final : public FunctionHost {
   public:
     Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName, bool createStorage);
@@ -123,6 +141,7 @@ class Executor final : public FunctionHost {
 
     // --- calls (executor_calls.cpp) ---
     void execute(Frame& frame, const Statement& s);
+    void call(Frame& frame, const Statement& s);
     void executeText(const std::string& text);
     void executeSql(Frame& frame, const Statement& s);
 
@@ -143,10 +162,17 @@ class Executor final : public FunctionHost {
     CompiledBatch& moduleCode(CatalogModule& module);
     void runScope(Frame& callee);
 
-    // --- transactions ---
-    void beginTransaction();
-    void commitTransaction(int line);
-    void rollbackTransaction(int line);
+    // --- transactions (executor_transactions.cpp) ---
+    void runTransaction(Frame& frame, const Statement& s);
+    void beginTransaction(const std::string& name = "");
+    void commitTransaction();
+    void rollbackTransaction(const std::string& name = "");
+    void saveTransaction(const std::string& name);
+    void rollbackFile(const std::string& sql);
+    void endBatchTransaction();
+    void requireSoundTransaction() const;
+    ErrorReach reach(const DbError& e) const;
+    bool abortsTransaction(const DbError& e) const;
 
     std::unique_ptr<Sqlite> sqlite_;
     Catalog catalog_;
@@ -170,7 +196,17 @@ class Executor final : public FunctionHost {
     int functionDepth_ = 0;  // of functions: nothing is written in there
     int tryDepth_ = 0;
     int commandTimeout_ = 600;
-    int transactions_ = 0;        // T-SQL's own level
+    int transactions_ = 0;  // T-SQL's own level
+    std::string transactionName_;
+    std::vector<std::string> savepoints_;
+    bool doomed_ = false;                // the open transaction can only be rolled back
+    bool statementTransaction_ = false;  // the level is that of a statement whose triggers run
+    int insertExec_ = 0;                 // INSERT ... EXEC under way
+    // What SET changes until the procedure or text that says so ends.
+    struct Options {
+        bool xactAbort = false;
+        int64_t rowCount = 0;  // most rows of a statement, 0 for no limit
+    } options_;
     bool inTransaction_ = false;  // for the system view
     bool lone_ = false;           // a SELECT runs alone, the catalog not looked at yet
     bool implicit_ = false;       // the batch runs in a transaction of its own
@@ -179,6 +215,7 @@ class Executor final : public FunctionHost {
     int lastError_ = 0;
     std::optional<DbError> caught_;  // in a CATCH block
     Value lastIdentity_;
+    Value scopeIdentity_;  // of the scope that runs
     int64_t identityNext_ = 0, identityStep_ = 1;
     bool identityUsed_ = false;
     std::string identityInsert_;  // table of SET IDENTITY_INSERT ON
@@ -187,22 +224,5 @@ class Executor final : public FunctionHost {
     std::vector<std::string> activeTriggers_;
     std::vector<std::string> updatedColumns_;  // by the statement whose trigger runs
 };
-
-// Keeps the steps of one statement together: all of them or none.
-class Together {
-  public:
-    explicit Together(Sqlite& sqlite);
-    ~Together();
-    void done();
-
-  private:
-    Sqlite& sqlite_;
-    bool own_;  // a transaction of our own, otherwise a savepoint
-    bool finished_ = false;
-};
-
-// What an error ends: its statement alone, the scope (module or batch) it stands in, or the batch.
-enum class ErrorReach { Statement, Scope, Batch };
-ErrorReach reachOf(const DbError& e);
 
 }  // namespace owb::tsql

@@ -47,11 +47,16 @@ void Executor::runScope(Frame& callee) {
     Frame* const outer = frame_;
     frame_ = &callee;
     catalog_.openScope();
+    const Options options = options_;
+    const Value identity = std::move(scopeIdentity_);
+    scopeIdentity_ = {};
     const auto& statements =
         callee.code->definition ? callee.code->definition->body : callee.code->ast.statements;
     ++callee.code->running;
     const auto leave = [&] {
         --callee.code->running;
+        options_ = options;
+        scopeIdentity_ = identity;
         catalog_.closeScope();
         frame_ = outer;
     };
@@ -59,7 +64,8 @@ void Executor::runScope(Frame& callee) {
         runStatements(callee, statements);
     } catch (DbError& e) {
         if (e.procedure.empty()) e.procedure = callee.procedure;
-        const bool here = tryDepth_ == 0 && reachOf(e) == ErrorReach::Scope;
+        const bool here = tryDepth_ == 0 && reach(e) == ErrorReach::Scope;
+        e.left = true;
         if (here) noteError(e);
         leave();
         if (!here) throw;
@@ -81,6 +87,13 @@ void Executor::executeText(const std::string& text) {
 }
 
 void Executor::execute(Frame& frame, const Statement& s) {
+    const int transactions = transactions_;
+    call(frame, s);
+    if (transactions_ != transactions)
+        throw makeDbError(266, {std::to_string(transactions), std::to_string(transactions_)});
+}
+
+void Executor::call(Frame& frame, const Statement& s) {
     if (functionDepth_ > 0) throw makeDbError(443, {"EXECUTE"}, s.line);
     if (s.kind == StatementKind::ExecuteText) {
         const SqlType text = SqlType::text(SqlKind::NVarChar, SqlType::kMax);

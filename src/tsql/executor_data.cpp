@@ -219,6 +219,7 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
 }
 
 void Executor::runInto(Frame& frame, Plan& p) {
+    requireSoundTransaction();
     CatalogTable table;
     table.name = p.into.last();
     if (catalog_.findTable(table.name) || catalog_.findModule(table.name))
@@ -339,6 +340,7 @@ int64_t Executor::runPrepared(Frame& frame, Plan& p, const std::string& sql) {
 
 void Executor::runWrite(Frame& frame, const Statement& s) {
     if (functionDepth_ > 0) throw makeDbError(443, {"INSERT"}, s.line);
+    if (s.target.last()[0] != '@') requireSoundTransaction();
     if (s.kind == StatementKind::Truncate) {
         CatalogTablePtr table = catalog_.findTable(s.target.last());
         if (!table) throw makeDbError(4701, {s.target.last()}, s.line);
@@ -438,12 +440,15 @@ void Executor::insertExecuted(Frame& frame, const Statement& s) {
     BatchResult rows;
     BatchResult* const outer = result_;
     result_ = &rows;
+    ++insertExec_;
     try {
         execute(frame, *s.body[0]);
     } catch (...) {
+        --insertExec_;
         result_ = outer;
         throw;
     }
+    --insertExec_;
     result_ = outer;
     for (const DbError& e : rows.errors) noteError(e);
     std::vector<int> columns;
@@ -492,7 +497,7 @@ void Executor::runWithTriggers(Frame& frame, Plan& p) {
     const std::string rows = "temp.\"rows~" + number + "\"";
     const std::string deletedName = "temp.\"deleted~" + number + "\"";
     const std::string insertedName = "temp.\"inserted~" + number + "\"";
-    Together together(*sqlite_);
+    Together together(*sqlite_, transactions_ == 0 ? "statement" : "together");
     sqlite_->run("CREATE TABLE " + deletedName + " AS SELECT * FROM " + table.sqlName +
                  " WHERE 0; CREATE TABLE " + insertedName + " AS SELECT * FROM " + table.sqlName +
                  " WHERE 0");
@@ -529,6 +534,7 @@ void Executor::runWithTriggers(Frame& frame, Plan& p) {
     }
     const std::vector<std::string> outer = std::move(updatedColumns_);
     updatedColumns_ = p.assignedColumns;
+    rowCount_ = count;
     fireTriggers(p, pseudo);
     updatedColumns_ = outer;
     sqlite_->run("DROP TABLE " + deletedName + "; DROP TABLE " + insertedName);
@@ -537,6 +543,17 @@ void Executor::runWithTriggers(Frame& frame, Plan& p) {
 }
 
 void Executor::fireTriggers(Plan& p, const std::map<std::string, CatalogTablePtr>& pseudoTables) {
+    // In a trigger there always is a transaction, if only that of its statement.
+    const bool alone = transactions_ == 0;
+    if (alone) {
+        transactions_ = 1;
+        statementTransaction_ = inTransaction_ = true;
+    }
+    const auto leave = [&] {
+        if (!alone || !statementTransaction_) return;
+        transactions_ = 0;
+        statementTransaction_ = inTransaction_ = false;
+    };
     for (const std::string& name : p.triggers) {
         CatalogModulePtr module = catalog_.findModule(name);
         if (!module) continue;
@@ -545,23 +562,31 @@ void Executor::fireTriggers(Plan& p, const std::map<std::string, CatalogTablePtr
             activeTriggers_.end())
             continue;
         activeTriggers_.push_back(name);
-        struct Active {
-            std::vector<std::string>& names;
-            ~Active() { names.pop_back(); }
-        } active{activeTriggers_};
+        const Options options = options_;
+        options_.xactAbort = true;  // as the server has it in every trigger
         Frame body = moduleFrame(*module);
         body.pseudoTables = &pseudoTables;
-        ++tryDepth_;  // an error in a trigger undoes the statement that fired it
+        const auto done = [&] {
+            activeTriggers_.pop_back();
+            options_ = options;
+            body.code->plans.clear();  // made for these very tables
+        };
         try {
             runScope(body);
-        } catch (...) {
-            --tryDepth_;
-            body.code->plans.clear();
+        } catch (DbError& e) {
+            done();
+            leave();
+            e.undoes = true;
             throw;
         }
-        --tryDepth_;
-        body.code->plans.clear();  // made for these very tables
+        done();
+        if (transactions_ == 0) {
+            DbError ended = makeDbError(3609);
+            ended.endsBatch = true;
+            throw ended;
+        }
     }
+    leave();
 }
 
 // --- identity ---
@@ -594,11 +619,11 @@ void Executor::storeIdentity(const CatalogTable& table) {
     std::optional<int64_t> last;
     if (identityUsed_) {
         last = identityNext_ - identityStep_;
-        lastIdentity_ = Value(*last);
+        scopeIdentity_ = lastIdentity_ = Value(*last);
     } else {
         last = sqlite_->number(std::string("SELECT ") + (identityStep_ > 0 ? "max(" : "min(") +
                                column + ") FROM " + table.sqlName);
-        if (last) lastIdentity_ = Value(*last);
+        if (last) scopeIdentity_ = lastIdentity_ = Value(*last);
     }
     if (!last || table.temporary) return;
     sqlite_->run("UPDATE tsql_identity SET last = " + std::to_string(*last) +

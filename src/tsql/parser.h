@@ -52,6 +52,7 @@ class Parser {
     StatementPtr parseExecute();
     StatementPtr parseExecuteCall(StatementPtr statement);
     StatementPtr parseRaiseError();
+    void parseTransactionName(Statement& s);
     std::vector<StatementPtr> parseUntilEnd(const char* closing);
     bool atStatementStart() const;
     int parseOptionClause();

@@ -11,7 +11,7 @@ constexpr const char* kStatementWords[] = {
     "SELECT", "INSERT", "UPDATE",   "DELETE",   "WITH",      "DECLARE", "SET",      "IF",
     "WHILE",  "BEGIN",  "RETURN",   "EXEC",     "EXECUTE",   "CREATE",  "ALTER",    "DROP",
     "PRINT",  "COMMIT", "ROLLBACK", "TRUNCATE", "RAISERROR", "BREAK",   "CONTINUE", "USE",
-    "END",    "ELSE",   "THROW",    "GOTO",     "MERGE",     "WAITFOR"};
+    "END",    "ELSE",   "THROW",    "GOTO",     "MERGE",     "WAITFOR", "SAVE"};
 
 }  // namespace
 
@@ -140,8 +140,18 @@ StatementPtr Parser::parseStatementHere() {
         StatementPtr s =
             newStatement(isWord("COMMIT") ? StatementKind::Commit : StatementKind::Rollback);
         take();
-        if (!takeWord("TRANSACTION") && !takeWord("TRAN")) takeWord("WORK");
-        if (isPlainName() && !atStatementStart()) take();
+        if (takeWord("TRANSACTION") || takeWord("TRAN"))
+            parseTransactionName(*s);
+        else
+            takeWord("WORK");
+        return s;
+    }
+    if (isWord("SAVE")) {
+        StatementPtr s = newStatement(StatementKind::SaveTransaction);
+        take();
+        if (!takeWord("TRANSACTION")) expectWord("TRAN");
+        parseTransactionName(*s);
+        if (!s->value && s->target.empty()) syntaxError();
         return s;
     }
     // A procedure call may leave EXEC out when it begins the batch.
@@ -150,6 +160,13 @@ StatementPtr Parser::parseStatementHere() {
         return parseExecuteCall(std::move(s));
     }
     syntaxError();
+}
+
+void Parser::parseTransactionName(Statement& s) {
+    if (peek().kind == TokenKind::Variable)
+        s.value = parsePrimary();
+    else if (isPlainName() && !atStatementStart())
+        s.target.parts.push_back(expectName());
 }
 
 std::vector<StatementPtr> Parser::parseBody() {
@@ -343,7 +360,7 @@ StatementPtr Parser::parseBegin() {
     take();
     if (transaction) {
         take();
-        if (isPlainName() && !atStatementStart()) take();
+        parseTransactionName(*s);
         return s;
     }
     if (!tryBlock) {
