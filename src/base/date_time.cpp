@@ -44,23 +44,25 @@ int monthOfName(std::string_view word) {
 
 struct TimeOfDay {
     int hour = 0, minute = 0, second = 0;
-    double fraction = 0;
+    int64_t fraction = 0;  // 100 nanoseconds
+    int places = 0;
 };
 
-// "10", "10:30", "10:30:15.123", "10:30:15:123" with an optional AM or PM; false when it is none.
-bool parseTime(std::string_view text, TimeOfDay& t) {
+// "10AM", "10:30", "10:30:15.123", "10:30:15:123" with an optional AM or PM.
+DateReading readTime(std::string_view text, TimeOfDay& t) {
+    constexpr DateReading none = DateReading::NoDate;
     size_t i = 0;
     int part[3] = {0, 0, 0};
     int n = 0;
     bool colon = false;
     while (i < text.size() && n < 3) {
-        if (!isDigit(text[i])) return false;
+        if (!isDigit(text[i])) return none;
         int v = 0, digits = 0;
         while (i < text.size() && isDigit(text[i]) && digits < 3) {
             v = v * 10 + (text[i++] - '0');
             ++digits;
         }
-        if (digits > 2) return false;
+        if (digits > 2) return none;
         part[n++] = v;
         if (i < text.size() && text[i] == ':' && n < 3) {
             ++i;
@@ -69,33 +71,33 @@ bool parseTime(std::string_view text, TimeOfDay& t) {
             break;
         }
     }
-    double fraction = 0;
     if (i < text.size() && n == 3 && (text[i] == '.' || text[i] == ':')) {
         const bool milliseconds = text[i] == ':';
         ++i;
-        double unit = 0.1;
-        int v = 0, digits = 0;
-        for (; i < text.size() && isDigit(text[i]); ++i, ++digits) {
-            fraction += (text[i] - '0') * unit;
-            v = v * 10 + (text[i] - '0');
-            unit /= 10;
-        }
-        if (digits == 0 || digits > 7) return false;
-        if (milliseconds) fraction = v / 1000.0;
+        int digits = 0;
+        for (; i < text.size() && isDigit(text[i]); ++i, ++digits)
+            if (digits < 7) t.fraction = t.fraction * 10 + (text[i] - '0');
+        if (digits == 0 || digits > (milliseconds ? 3 : 7)) return none;
+        t.places = digits;
+        // ":5" is 5 ms, ".5" half a second
+        for (int n = milliseconds ? 3 : digits; n < 7; ++n) t.fraction *= 10;
     }
     while (i < text.size() && text[i] == ' ') ++i;
     bool half = false;
     if (text.size() - i == 2 && lower(text[i + 1]) == 'm' &&
         (lower(text[i]) == 'a' || lower(text[i]) == 'p')) {
         half = true;
-        if (part[0] < 1 || part[0] > 12) return false;
-        part[0] = part[0] % 12 + (lower(text[i]) == 'p' ? 12 : 0);
+        const bool after = lower(text[i]) == 'p';
+        if (part[0] > 23 || (part[0] > 12 && !after)) return DateReading::OutOfRange;
+        if (part[0] <= 12) part[0] = part[0] % 12 + (after ? 12 : 0);
         i += 2;
     }
-    if (i != text.size() || n == 0 || (!colon && !half)) return false;
-    if (part[0] > 23 || part[1] > 59 || part[2] > 59) return false;
-    t = {part[0], part[1], part[2], fraction};
-    return true;
+    if (i != text.size() || n == 0 || (!colon && !half)) return none;
+    if (part[0] > 23 || part[1] > 59 || part[2] > 59) return DateReading::OutOfRange;
+    t.hour = part[0];
+    t.minute = part[1];
+    t.second = part[2];
+    return DateReading::Good;
 }
 
 int fullYear(int year, int digits) {
@@ -174,10 +176,24 @@ DateTime DateTime::plusMonths(int n) const {
     return {dayNumber(year, month, c.day < last ? c.day : last), tick};
 }
 
+DateTime toTicks(const ReadDate& date) {
+    const int64_t ticks = (date.units * 3 + 50'000) / 100'000;
+    if (ticks >= DateTime::kTicksPerDay) return {date.day + 1, 0};
+    return {date.day, static_cast<int32_t>(ticks)};
+}
+
 std::optional<DateTime> parseDate(std::string_view text, DateOrder order) {
+    ReadDate date;
+    if (readDate(text, order, date) != DateReading::Good) return std::nullopt;
+    return toTicks(date);
+}
+
+DateReading readDate(std::string_view text, DateOrder order, ReadDate& out) {
+    constexpr DateReading none = DateReading::NoDate;
     while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
     while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-    if (text.empty()) return DateTime{};  // '' is 1900-01-01 to the server
+    out = {};
+    if (text.empty()) return DateReading::Good;  // '' is 1900-01-01 to the server
 
     struct Part {
         int value = 0, digits = 0;
@@ -192,7 +208,7 @@ std::optional<DateTime> parseDate(std::string_view text, DateOrder order) {
             size_t end = i;
             while (end < text.size() && isDigit(text[end])) ++end;
             if (end < text.size() && text[end] == ':') break;
-            if (end - i > 8) return std::nullopt;
+            if (end - i > 8) return none;
             Part p;
             p.digits = static_cast<int>(end - i);
             for (; i < end; ++i) p.value = p.value * 10 + (text[i] - '0');
@@ -207,12 +223,12 @@ std::optional<DateTime> parseDate(std::string_view text, DateOrder order) {
             i = end;
             parts.push_back(p);
         } else {
-            return std::nullopt;
+            return none;
         }
         lastSeparator = 0;
         while (i < text.size() && (text[i] == '/' || text[i] == '-' || text[i] == '.' ||
                                    text[i] == ' ' || text[i] == ',')) {
-            if (lastSeparator != 0 && lastSeparator != ' ' && text[i] != ' ') return std::nullopt;
+            if (lastSeparator != 0 && lastSeparator != ' ' && text[i] != ' ') return none;
             if (text[i] != ' ' || lastSeparator == 0) lastSeparator = text[i];
             ++i;
         }
@@ -220,22 +236,23 @@ std::optional<DateTime> parseDate(std::string_view text, DateOrder order) {
     TimeOfDay time;
     if (i < text.size()) {
         if (text[i] == 'T' && lastSeparator == 0) ++i;
-        if (!parseTime(text.substr(i), time)) return std::nullopt;
+        const DateReading read = readTime(text.substr(i), time);
+        if (read != DateReading::Good) return read;
     }
 
     int year = 1900, month = 1, day = 1;
     int named = -1;
     for (size_t k = 0; k < parts.size(); ++k) {
         if (parts[k].month != 0) {
-            if (named >= 0) return std::nullopt;
+            if (named >= 0) return none;
             named = static_cast<int>(k);
         }
     }
     if (parts.empty()) {
-        if (i == 0 && text.find(':') == std::string_view::npos) return std::nullopt;
+        if (i == 0 && text.find(':') == std::string_view::npos) return none;
     } else if (parts.size() == 1) {
         const Part& p = parts[0];
-        if (p.month != 0) return std::nullopt;
+        if (p.month != 0) return none;
         if (p.digits == 8) {
             year = p.value / 10000;
             month = p.value / 100 % 100;
@@ -247,7 +264,7 @@ std::optional<DateTime> parseDate(std::string_view text, DateOrder order) {
         } else if (p.digits == 4) {
             year = p.value;
         } else {
-            return std::nullopt;
+            return none;
         }
     } else if (named >= 0) {
         month = parts[named].month;
@@ -255,7 +272,7 @@ std::optional<DateTime> parseDate(std::string_view text, DateOrder order) {
         for (size_t k = 0; k < parts.size(); ++k)
             if (static_cast<int>(k) != named) numbers.push_back(parts[k]);
         if (numbers.size() == 1) {
-            if (numbers[0].digits != 4) return std::nullopt;
+            if (numbers[0].digits != 4) return none;
             year = numbers[0].value;
         } else if (numbers[0].digits == 4) {
             year = numbers[0].value;
@@ -274,23 +291,20 @@ std::optional<DateTime> parseDate(std::string_view text, DateOrder order) {
             day = parts[dayFirst ? 0 : 1].value;
             month = parts[dayFirst ? 1 : 0].value;
             year = fullYear(parts[2].value, parts[2].digits);
-            if (parts[2].digits == 3) return std::nullopt;
+            if (parts[2].digits == 3) return none;
         }
     } else {
-        return std::nullopt;
+        return none;
     }
     if (year < 1 || year > 9999 || month < 1 || month > 12 || day < 1 ||
         day > daysInMonth(year, month))
-        return std::nullopt;
-    const double seconds = time.hour * 3600 + time.minute * 60 + time.second + time.fraction;
-    int64_t ticks = std::llround(seconds * 300);
-    DateTime result = DateTime::fromCivil(year, month, day);
-    if (ticks >= DateTime::kTicksPerDay) {
-        ticks -= DateTime::kTicksPerDay;
-        ++result.day;
-    }
-    result.tick = static_cast<int32_t>(ticks);
-    return result;
+        return named >= 0 ? none : DateReading::OutOfRange;
+    out.day = DateTime::dayNumber(year, month, day);
+    out.units =
+        ((time.hour * 60 + time.minute) * 60 + time.second) * int64_t(10'000'000) + time.fraction;
+    out.places = time.places;
+    out.timeOnly = parts.empty();
+    return DateReading::Good;
 }
 
 std::string dateText(const DateTime& value, std::string_view pattern) {

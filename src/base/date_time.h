@@ -49,10 +49,24 @@ const char* monthFullName(int month);      // "January"
 const char* weekdayName(int weekday);      // 1 "Sunday"
 
 enum class DateOrder { MonthFirst, DayFirst };
+enum class DateReading { Good, NoDate, OutOfRange };
+
+// A date text as it was read: the time of day not yet rounded.
+struct ReadDate {
+    int32_t day = 0;    // as in DateTime
+    int64_t units = 0;  // 100 nanoseconds since midnight
+    int places = 0;     // digits behind the seconds
+    bool timeOnly = false;
+};
+// The time of day in 1/300 s, which can carry into the next day.
+DateTime toTicks(const ReadDate& date);
 
 // Reads a date text in any of the forms that are sent ('05/Jan/2014', '2014-01-05', '20140105',
 // '31-Jan-2014 ', '01/02/1950', 'Jan 5 2014 10:30AM', with or without a time). Purely numeric
-// d/m/y texts follow `order`; years of two digits up to 49 are 20xx. Nothing when it is no date.
+// d/m/y texts follow `order`; years of two digits up to 49 are 20xx. A date in numbers alone that
+// the calendar lacks is out of range.
+DateReading readDate(std::string_view text, DateOrder order, ReadDate& out);
+// The same; nothing when it is no date.
 std::optional<DateTime> parseDate(std::string_view text, DateOrder order = DateOrder::MonthFirst);
 
 // The date by a pattern of dd d MMM MM M yyyy yy HH mm ss; letters' case of "mmm" does not matter,

@@ -102,6 +102,7 @@ constexpr std::array kErrors = {
         "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32)."},
     ErrorText{220, 16, "Arithmetic overflow error for data type %, value = %."},
     ErrorText{232, 16, "Arithmetic overflow error for type %, value = %."},
+    ErrorText{234, 16, "There is insufficient result space to convert a money value to %."},
     ErrorText{235, 16,
               "Cannot convert a char value to money. The char value has incorrect syntax."},
     ErrorText{240, 16,
@@ -131,6 +132,11 @@ constexpr std::array kErrors = {
     ErrorText{271, 16,
               "The column \"%\" cannot be modified because it is either a computed column or is "
               "the result of a UNION operator."},
+    ErrorText{281, 16,
+              "% is not a valid style number when converting from % to a character string."},
+    ErrorText{289, 16,
+              "Cannot construct data type %, some of the arguments have values which are not "
+              "valid."},
     ErrorText{306, 16,
               "The text, ntext, and image data types cannot be compared or sorted, except when "
               "using IS NULL or LIKE operator."},
@@ -254,6 +260,12 @@ constexpr std::array kErrors = {
     ErrorText{4121, 16,
               "Cannot find either column \"%\" or the user-defined function or aggregate \"%\", or "
               "the name is ambiguous."},
+    ErrorText{4127, 16,
+              "At least one of the arguments to COALESCE must be an expression that is not the "
+              "NULL constant."},
+    ErrorText{4151, 16,
+              "The type of the first argument to NULLIF cannot be the NULL constant because the "
+              "type of the first argument has to be known."},
     ErrorText{4405, 16,
               "View or function '%' is not updatable because the modification affects multiple "
               "base tables."},
@@ -317,6 +329,9 @@ constexpr std::array kErrors = {
     ErrorText{8127, 16,
               "Column \"%\" is invalid in the ORDER BY clause because it is not contained in "
               "either an aggregate function or the GROUP BY clause."},
+    ErrorText{8133, 16,
+              "At least one of the result expressions in a CASE specification must be an "
+              "expression other than the NULL constant."},
     ErrorText{8134, 16, "Divide by zero error encountered."},
     ErrorText{8144, 16, "Procedure or function % has too many arguments specified."},
     ErrorText{8145, 16, "% is not a parameter for procedure %."},
@@ -341,6 +356,10 @@ constexpr std::array kErrors = {
         8623, 16,
         "The query processor ran out of internal resources and could not produce a query plan."},
     ErrorText{9002, 17, "The database file could not grow: the disk is full."},
+    ErrorText{9810, 16, "The datepart % is not supported by date function % for data type %."},
+    ErrorText{9828, 16,
+              "The second and third arguments of the TRANSLATE built-in function must contain an "
+              "equal number of characters."},
     ErrorText{10705, 15, "Subqueries are not allowed in the OUTPUT clause."},
     ErrorText{10709, 16,
               "The number of columns for each row in a table value constructor must be the same."},
@@ -373,7 +392,8 @@ constexpr std::array kErrors = {
 
 // Errors whose state is another than 1.
 constexpr std::pair<int, int> kStates[] = {{137, 2},  {195, 10}, {201, 4},   {206, 2},  {220, 2},
-                                           {242, 3},  {266, 2},  {515, 2},   {547, 0},  {1750, 0},
+                                           {242, 3},  {257, 3},  {266, 2},   {515, 2},  {529, 2},
+                                           {535, 0},  {536, 2},  {537, 2},   {547, 0},  {1750, 0},
                                            {1779, 0}, {2714, 6}, {2812, 62}, {3701, 5}, {3727, 0},
                                            {4922, 9}, {8110, 0}, {8114, 5},  {8115, 2}, {8144, 2}};
 

@@ -1,5 +1,6 @@
 #include "base/decimal.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -137,6 +138,38 @@ Decimal Decimal::add(const Decimal& a, const Decimal& b) {
     const int128 sum = a.rescaled(scale).unscaled_ + b.rescaled(scale).unscaled_;
     requireInRange(sum);
     return {sum, scale};
+}
+
+Decimal Decimal::multiply(const Decimal& a, const Decimal& b, int scale) {
+    // The exact product has up to 253 bits: its high and low half, by 64-bit pieces.
+    using uint128 = unsigned __int128;
+    const auto x = static_cast<uint128>(absolute(a.unscaled_));
+    const auto y = static_cast<uint128>(absolute(b.unscaled_));
+    const bool negative = (a.unscaled_ < 0) != (b.unscaled_ < 0);
+    const uint128 mask = UINT64_MAX;
+    const uint128 low = (x & mask) * (y & mask);
+    const uint128 cross1 = (x >> 64) * (y & mask), cross2 = (x & mask) * (y >> 64);
+    const uint128 middle = (low >> 64) + (cross1 & mask) + (cross2 & mask);
+    uint64_t words[4] = {static_cast<uint64_t>(low), static_cast<uint64_t>(middle), 0, 0};
+    const uint128 high = (x >> 64) * (y >> 64) + (cross1 >> 64) + (cross2 >> 64) + (middle >> 64);
+    words[2] = static_cast<uint64_t>(high);
+    words[3] = static_cast<uint64_t>(high >> 64);
+    uint64_t lastDigit = 0;
+    for (int places = a.scale_ + b.scale_; places > scale; --places) {
+        uint128 rest = 0;
+        for (int i = 3; i >= 0; --i) {
+            rest = (rest << 64) | words[i];
+            words[i] = static_cast<uint64_t>(rest / 10);
+            rest %= 10;
+        }
+        lastDigit = static_cast<uint64_t>(rest);
+    }
+    const uint128 kept = (static_cast<uint128>(words[1]) << 64 | words[0]);
+    if (words[2] != 0 || words[3] != 0 || kept >= static_cast<uint128>(limit()))
+        throw DecimalOverflow();
+    const int128 size = static_cast<int128>(kept) + (lastDigit >= 5 ? 1 : 0);
+    const int places = std::min(scale, a.scale_ + b.scale_);
+    return Decimal(negative ? -size : size, places).rescaled(scale);
 }
 
 Decimal Decimal::divide(const Decimal& a, const Decimal& b, int scale) {

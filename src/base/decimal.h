@@ -45,6 +45,8 @@ class Decimal {
     Decimal operator-() const { return {-unscaled_, scale_}; }
 
     static Decimal add(const Decimal& a, const Decimal& b);
+    // Product with the given number of places, halves away from zero.
+    static Decimal multiply(const Decimal& a, const Decimal& b, int scale);
     // Quotient with the given number of places, cut off as T-SQL does. b must not be zero.
     static Decimal divide(const Decimal& a, const Decimal& b, int scale);
     static int compare(const Decimal& a, const Decimal& b);

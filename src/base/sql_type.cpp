@@ -16,8 +16,14 @@ const char* SqlType::name() const {
             return "int";
         case SqlKind::BigInt:
             return "bigint";
+        case SqlKind::SmallMoney:
+            return "smallmoney";
+        case SqlKind::Money:
+            return "money";
         case SqlKind::Numeric:
             return "numeric";
+        case SqlKind::Real:
+            return "real";
         case SqlKind::Float:
             return "float";
         case SqlKind::Char:
@@ -30,8 +36,14 @@ const char* SqlType::name() const {
             return "nvarchar";
         case SqlKind::Date:
             return "date";
+        case SqlKind::SmallDateTime:
+            return "smalldatetime";
         case SqlKind::DateTime:
             return "datetime";
+        case SqlKind::Time:
+            return "time";
+        case SqlKind::DateTime2:
+            return "datetime2";
     }
     return "";
 }
@@ -40,6 +52,8 @@ std::string SqlType::ddl() const {
     std::string text = name();
     if (kind == SqlKind::Numeric)
         text += "(" + std::to_string(precision) + "," + std::to_string(scale) + ")";
+    else if (isClock())
+        text += "(" + std::to_string(scale) + ")";
     else if (isText())
         text += "(" + (length == kMax ? "MAX" : std::to_string(length)) + ")";
     return text;

@@ -176,21 +176,21 @@ BoundPtr Binder::bind(const Expr& e) {
             case ExprKind::Unary: {
                 BoundPtr a = bindValue(*e.args[0]);
                 if (a->type.kind == SqlKind::Null) a = convert(std::move(a), kInt);
-                if (a->type.isText()) a = convert(std::move(a), kInt);
-                if (a->type.isDate() || a->type.kind == SqlKind::Bit)
-                    throw makeDbError(8117, {a->type.name(), e.op == "-" ? "minus" : "bitwise not"},
-                                      e.line);
-                if (e.op == "-" && a->kind == BoundKind::Literal && a->index >= 0 &&
+                const bool minus = e.op == "-";
+                if (!(minus ? a->type.isNumber() && a->type.kind != SqlKind::Bit
+                            : a->type.isInteger()))
+                    throw makeDbError(8117, {a->type.name(), minus ? "minus" : "'~'"}, e.line);
+                if (minus && a->kind == BoundKind::Literal && a->index >= 0 &&
                     a->type == a->sourceType && a->type.isNumber()) {
                     a->negated = !a->negated;
                     return a;
                 }
                 SqlType type = a->type;
-                if (e.op == "~") {
-                    if (!type.isInteger()) throw makeDbError(8117, {type.name(), "'~'"}, e.line);
-                    return op(type.kind == SqlKind::TinyInt ? "(255 & ~$0)" : "(~$0)", type,
-                              list(std::move(a)));
-                }
+                if (!minus)
+                    return op(type.kind == SqlKind::Bit       ? "(1 - $0)"
+                              : type.kind == SqlKind::TinyInt ? "(255 & ~$0)"
+                                                              : "(~$0)",
+                              type, list(std::move(a)));
                 if (type.kind == SqlKind::TinyInt) type = SqlType::of(SqlKind::SmallInt);
                 if (isWide(type)) return op("t_neg($0)", type, list(std::move(a)));
                 return op("(-$0)", type, list(std::move(a)));
@@ -210,11 +210,8 @@ BoundPtr Binder::bind(const Expr& e) {
                     style = static_cast<int>(v->toInt());
                 }
                 BoundPtr a = bindValue(*e.args[0]);
-                const SqlType from = a->type;
-                if (!(from == e.type) && ((from.kind == SqlKind::Date && e.type.isNumber()) ||
-                                          (from.isNumber() && e.type.kind == SqlKind::Date)))
-                    throw makeDbError(529, {from.name(), e.type.name()}, e.line);
-                return convert(std::move(a), e.type, style, e.tryCast);
+                requireConversion(a->type, e.type, true);
+                return cast(std::move(a), e.type, style, e.tryCast, true);
             }
             case ExprKind::Subquery:
                 return scalarQuery(*e.query, e.line);
@@ -352,8 +349,8 @@ BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
         for (BoundPtr* x : {&a, &b})
             if (!(*x)->type.isInteger()) {
                 if ((*x)->type.kind != SqlKind::Null)
-                    throw makeDbError(402, {a->type.name(), b->type.name(), std::string(1, o)},
-                                      line);
+                    throw makeDbError(
+                        402, {a->type.name(), b->type.name(), std::string("'") + o + "'"}, line);
                 *x = convert(std::move(*x), kInt);
             }
         const SqlType type = commonType(a->type, b->type);
@@ -372,15 +369,25 @@ BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
         for (BoundPtr* x : {&a, &b})
             if (!(*x)->type.isNumber())
                 *x = convert(std::move(*x), type);
-            else if ((*x)->type.kind == SqlKind::Numeric)
+            else if ((*x)->type.isDecimal())
                 *x = convert(std::move(*x), SqlType::of(SqlKind::Float));
-        return op(std::string("t_date($0 ") + o + " $1)", type, list(std::move(a), std::move(b)));
+        BoundPtr sum = op(std::string("t_date($0 ") + o + " $1)", SqlType::of(SqlKind::DateTime),
+                          list(std::move(a), std::move(b)));
+        return convert(std::move(sum), type);
     }
-    if (type.kind == SqlKind::Float) {
+    if (type.isFloating()) {
         a = convert(std::move(a), type);
         b = convert(std::move(b), type);
-        if (o == '/') return op("t_fdiv($0,$1)", type, list(std::move(a), std::move(b)));
-        return op(std::string("($0 ") + o + " $1)", type, list(std::move(a), std::move(b)));
+        BoundPtr r = op(o == '/' ? "t_fdiv($0,$1)" : std::string("t_float($0 ") + o + " $1)",
+                        SqlType::of(SqlKind::Float), list(std::move(a), std::move(b)));
+        return convert(std::move(r), type);
+    }
+    if (type.isMoney()) {
+        a = convert(std::move(a), type);
+        b = convert(std::move(b), type);
+        return op(std::string("t_money('") + o + "',$0,$1," +
+                      std::to_string(static_cast<int>(type.kind)) + ")",
+                  type, list(std::move(a), std::move(b)));
     }
     if (type.kind != SqlKind::Numeric) {  // whole numbers
         a = convert(std::move(a), type);
@@ -650,7 +657,12 @@ BoundPtr Binder::bindCase(const Expr& e) {
     return c;
 }
 
-BoundPtr Binder::convert(BoundPtr e, const SqlType& to, int style, bool tryCast) {
+BoundPtr Binder::convert(BoundPtr e, const SqlType& to) {
+    requireConversion(e->type, to, false);
+    return cast(std::move(e), to, -1, false, false);
+}
+
+BoundPtr Binder::cast(BoundPtr e, const SqlType& to, int style, bool tryCast, bool checked) {
     const SqlType from = e->type;
     if (e->predicate) throw makeDbError(102, {"="});
     if (from == to && style < 0) return e;
@@ -680,7 +692,7 @@ BoundPtr Binder::convert(BoundPtr e, const SqlType& to, int style, bool tryCast)
                 digitsOf(from) <= to.precision - to.scale)
                 return as(to.scale == 0 ? "$0" : "($0 * " + powerText(to.scale) + ")");
             if (to.kind == SqlKind::Float) return as("CAST($0 AS REAL)");
-            if (to.kind == SqlKind::DateTime) return as("$0");
+            if (to.kind == SqlKind::DateTime && !checked) return as("$0");
             if (to.isText() && !to.isFixedText() &&
                 (to.length == SqlType::kMax || to.length > digitsOf(from)))
                 return as("CAST($0 AS TEXT)");
@@ -693,7 +705,7 @@ BoundPtr Binder::convert(BoundPtr e, const SqlType& to, int style, bool tryCast)
         if (from.kind == SqlKind::Numeric && isWide(from) && isWide(to) && to.scale == from.scale &&
             to.precision >= from.precision)
             return as("$0");
-        if (from.kind == SqlKind::Numeric && to.kind == SqlKind::Float && !isWide(from))
+        if (from.isDecimal() && to.kind == SqlKind::Float && !isWide(from))
             return as("(CAST($0 AS REAL) / " + powerText(from.scale) + ".0)");
         if (from.isText() && to.isText() && !to.isFixedText()) {
             const bool fits =
@@ -701,7 +713,7 @@ BoundPtr Binder::convert(BoundPtr e, const SqlType& to, int style, bool tryCast)
                 (from.length != SqlType::kMax && from.length <= to.length && !hasTextLiteral(*e));
             return as(fits ? "$0" : "substr($0,1," + std::to_string(to.length) + ")");
         }
-        if (from.kind == SqlKind::Date && to.kind == SqlKind::DateTime) return as("$0");
+        if (from.kind == SqlKind::Date && to.kind == SqlKind::DateTime && !checked) return as("$0");
     }
     return as(std::string(tryCast ? "t_trycv" : "t_cv") + "($0," + std::to_string(packType(from)) +
               "," + std::to_string(packType(to)) + "," + std::to_string(style) + ")");

@@ -66,8 +66,10 @@ class Binder {
     void closeTarget();
     void pushWith(const std::vector<CommonTable>& with);
 
-    // Conversions.
-    BoundPtr convert(BoundPtr e, const SqlType& to, int style = -1, bool tryCast = false);
+    // Conversions: the silent one, and that of CAST and CONVERT. `checked`: a value that its new
+    // type cannot hold is an error even where the old representation would do.
+    BoundPtr convert(BoundPtr e, const SqlType& to);
+    BoundPtr cast(BoundPtr e, const SqlType& to, int style, bool tryCast, bool checked);
     // As an assignment to that column: text that does not fit is an error.
     BoundPtr assign(BoundPtr e, const CatalogTable& table, const CatalogColumn& column);
 

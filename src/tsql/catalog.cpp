@@ -65,18 +65,31 @@ SqlType typeOfDeclaration(std::string_view text) {
         if (!max) std::sscanf(inner.c_str(), "%d,%d", &first, &second);
     }
     static const std::pair<const char*, SqlKind> kinds[] = {
-        {"bit", SqlKind::Bit},           {"tinyint", SqlKind::TinyInt},
-        {"smallint", SqlKind::SmallInt}, {"int", SqlKind::Int},
-        {"bigint", SqlKind::BigInt},     {"numeric", SqlKind::Numeric},
-        {"float", SqlKind::Float},       {"char", SqlKind::Char},
-        {"varchar", SqlKind::VarChar},   {"nchar", SqlKind::NChar},
-        {"nvarchar", SqlKind::NVarChar}, {"date", SqlKind::Date},
-        {"datetime", SqlKind::DateTime}};
+        {"bit", SqlKind::Bit},
+        {"tinyint", SqlKind::TinyInt},
+        {"smallint", SqlKind::SmallInt},
+        {"int", SqlKind::Int},
+        {"bigint", SqlKind::BigInt},
+        {"numeric", SqlKind::Numeric},
+        {"float", SqlKind::Float},
+        {"char", SqlKind::Char},
+        {"varchar", SqlKind::VarChar},
+        {"nchar", SqlKind::NChar},
+        {"nvarchar", SqlKind::NVarChar},
+        {"date", SqlKind::Date},
+        {"datetime", SqlKind::DateTime},
+        {"smalldatetime", SqlKind::SmallDateTime},
+        {"datetime2", SqlKind::DateTime2},
+        {"time", SqlKind::Time},
+        {"money", SqlKind::Money},
+        {"smallmoney", SqlKind::SmallMoney},
+        {"real", SqlKind::Real}};
     for (const auto& [name, kind] : kinds) {
         if (word != name) continue;
         if (kind == SqlKind::Numeric) return SqlType::numeric(first, second);
         SqlType t = SqlType::of(kind);
         if (t.isText()) t.length = max ? SqlType::kMax : first;
+        if (t.isClock()) t.scale = static_cast<uint8_t>(first);
         return t;
     }
     return SqlType::text(SqlKind::NVarChar, SqlType::kMax);

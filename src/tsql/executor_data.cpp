@@ -159,6 +159,7 @@ class Lease {
 Value Executor::evaluate(Frame& frame, const Expr& e, const SqlType* target) {
     if (e.kind == ExprKind::Literal) {
         const LiteralSlot& slot = frame.code->ast.literals[e.literal];
+        if (target) requireConversion(slot.type, *target, false);
         return target ? convertValue(slot.value, slot.type, *target) : slot.value;
     }
     if (e.kind == ExprKind::Null) return {};
@@ -166,6 +167,7 @@ Value Executor::evaluate(Frame& frame, const Expr& e, const SqlType* target) {
         const int at = frame.code->findVariable(e.name.last());
         if (at < 0) throw makeDbError(137, {e.name.last()}, e.line);
         const Value& v = frame.variables[at];
+        if (target) requireConversion(frame.code->variables[at].type, *target, false);
         return target ? convertValue(v, frame.code->variables[at].type, *target) : v;
     }
     Plan& p = plan(frame, &e, [&](Planner& planner) { return planner.value(e, target); });
@@ -215,6 +217,12 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
             set.cells.push_back(columnValue(lease.get(), i, p.columns[i].type));
     }
     rowCount_ = static_cast<int64_t>(set.rows);
+    for (int i = 0; i < width; ++i) {
+        const SqlType& type = p.columns[i].type;
+        if (!type.isClock() && type.kind != SqlKind::Real) continue;
+        for (size_t at = i; at < set.cells.size(); at += width)
+            set.cells[at] = clientValue(set.cells[at], type);
+    }
     if (result_) result_->sets.push_back(std::move(set));
 }
 

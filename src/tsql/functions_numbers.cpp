@@ -63,6 +63,32 @@ void floatDivision(sqlite3_context* context, int, sqlite3_value** a) {
     sqlite3_result_double(context, sqlite3_value_double(a[0]) / y);
 }
 
+// t_float: no sum or product may leave the range.
+void checkedFloat(sqlite3_context* context, int, sqlite3_value** a) {
+    if (anyNull(1, a)) return sqlite3_result_null(context);
+    const double v = sqlite3_value_double(a[0]);
+    if (!std::isfinite(v)) throw makeDbError(8115, {"expression", "float"});
+    sqlite3_result_double(context, v);
+}
+
+// t_money(op, a, b, kind): all with four places; a product rounds, a quotient is cut.
+void moneyArithmetic(sqlite3_context* context, int, sqlite3_value** a) {
+    if (anyNull(2, a + 1)) return sqlite3_result_null(context);
+    const int128 x = sqlite3_value_int64(a[1]), y = sqlite3_value_int64(a[2]);
+    const char op = argumentText(a[0])[0];
+    if ((op == '/' || op == '%') && y == 0) throw makeDbError(8134);
+    const int128 r = op == '+'   ? x + y
+                     : op == '-' ? x - y
+                     : op == '*' ? shiftDecimal(x * y, -4)
+                     : op == '/' ? x * 10000 / y
+                                 : x % y;
+    const auto kind = static_cast<SqlKind>(sqlite3_value_int(a[3]));
+    const int64_t low = kind == SqlKind::Money ? INT64_MIN : INT32_MIN;
+    const int64_t high = kind == SqlKind::Money ? INT64_MAX : INT32_MAX;
+    if (r < low || r > high) throw makeDbError(8115, {"expression", SqlType::of(kind).name()});
+    sqlite3_result_int64(context, static_cast<int64_t>(r));
+}
+
 // t_num(op, a, scale of a, b, scale of b, scale of the result): * / %
 void numericArithmetic(sqlite3_context* context, int, sqlite3_value** a) {
     if (sqlite3_value_type(a[1]) == SQLITE_NULL || sqlite3_value_type(a[3]) == SQLITE_NULL)
@@ -73,7 +99,7 @@ void numericArithmetic(sqlite3_context* context, int, sqlite3_value** a) {
     Decimal r;
     switch (argumentText(a[0])[0]) {
         case '*':
-            r = Decimal(multiplyChecked(x.unscaled(), y.unscaled()), x.scale() + y.scale());
+            r = Decimal::multiply(x, y, scale);
             break;
         case '/':
             if (y.unscaled() == 0) throw makeDbError(8134);
@@ -94,8 +120,13 @@ void numericTotal(sqlite3_context* context, int n, sqlite3_value** a) {
     const int scale = sqlite3_value_int(a[0]);
     Decimal total(0, scale);
     for (int i = 1; i + 2 < n; i += 3) {
-        const Decimal term(wideNumber(a[i]), sqlite3_value_int(a[i + 1]));
-        total = Decimal::add(total, sqlite3_value_int(a[i + 2]) < 0 ? -term : term);
+        Decimal term(wideNumber(a[i]), sqlite3_value_int(a[i + 1]));
+        if (sqlite3_value_int(a[i + 2]) < 0) term = -term;
+        try {
+            total = Decimal::add(total, term);
+        } catch (const DecimalOverflow&) {  // too many digits for the finer places
+            total = Decimal::add(total.rescaled(scale), term.rescaled(scale));
+        }
     }
     resultWide(context, total.rescaled(scale).unscaled());
 }
@@ -122,7 +153,7 @@ template <bool kCeiling>
 void floorFunction(sqlite3_context* context, int, sqlite3_value** a) {
     if (sqlite3_value_type(a[0]) == SQLITE_NULL) return sqlite3_result_null(context);
     const SqlType t = unpackType(sqlite3_value_int64(a[1]));
-    if (t.kind == SqlKind::Float) {
+    if (t.isFloating()) {
         const double v = sqlite3_value_double(a[0]);
         return sqlite3_result_double(context, kCeiling ? std::ceil(v) : std::floor(v));
     }
@@ -142,13 +173,13 @@ void roundFunction(sqlite3_context* context, int, sqlite3_value** a) {
     const SqlType t = unpackType(sqlite3_value_int64(a[3]));
     const int places = std::max(-38, std::min(38, sqlite3_value_int(a[1])));
     const bool cut = sqlite3_value_int(a[2]) != 0;
-    if (t.kind == SqlKind::Float) {
+    if (t.isFloating()) {
         const double v = sqlite3_value_double(a[0]);
         if (!cut) return sqlite3_result_double(context, roundHalfAway(v, places));
         const double unit = std::pow(10.0, places);
         return sqlite3_result_double(context, std::trunc(v * unit) / unit);
     }
-    const int scale = t.kind == SqlKind::Numeric ? t.scale : 0;
+    const int scale = t.scale;
     const int128 v = wideNumber(a[0]);
     if (places >= scale) return resultWide(context, v);
     const int drop = scale - places;
@@ -211,7 +242,7 @@ void mathFunction(sqlite3_context* context, int n, sqlite3_value** a) {
         r = x * kPi / 180;
     else if (name == "DEGREES")
         r = x * 180 / kPi;
-    if (std::isnan(r))
+    if (std::isnan(r) || (std::isinf(r) && name.starts_with("LOG")))
         throw DbError(3623, 16, 1, 0, "An invalid floating point operation occurred.");
     if (std::isinf(r)) throw makeDbError(8115, {"expression", "float"});
     sqlite3_result_double(context, r);
@@ -266,6 +297,8 @@ void registerNumberFunctions(Sqlite& sqlite) {
     registerFunction(sqlite, "t_idiv", 2, intDivision<false>);
     registerFunction(sqlite, "t_imod", 2, intDivision<true>);
     registerFunction(sqlite, "t_fdiv", 2, floatDivision);
+    registerFunction(sqlite, "t_float", 1, checkedFloat);
+    registerFunction(sqlite, "t_money", 4, moneyArithmetic);
     registerFunction(sqlite, "t_num", 6, numericArithmetic);
     registerFunction(sqlite, "t_total", -1, numericTotal);
     registerFunction(sqlite, "t_ncmp", 2, numericCompare);

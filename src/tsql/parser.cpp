@@ -27,10 +27,10 @@ constexpr TypeName kTypes[] = {
     {"numeric", SqlKind::Numeric},
     {"decimal", SqlKind::Numeric},
     {"dec", SqlKind::Numeric},
-    {"money", SqlKind::Numeric},
-    {"smallmoney", SqlKind::Numeric},
+    {"money", SqlKind::Money},
+    {"smallmoney", SqlKind::SmallMoney},
     {"float", SqlKind::Float},
-    {"real", SqlKind::Float},
+    {"real", SqlKind::Real},
     {"double", SqlKind::Float},
     {"char", SqlKind::Char},
     {"character", SqlKind::Char},
@@ -41,9 +41,10 @@ constexpr TypeName kTypes[] = {
     {"ntext", SqlKind::NVarChar},
     {"sysname", SqlKind::NVarChar},
     {"datetime", SqlKind::DateTime},
-    {"smalldatetime", SqlKind::DateTime},
-    {"datetime2", SqlKind::DateTime},
+    {"smalldatetime", SqlKind::SmallDateTime},
+    {"datetime2", SqlKind::DateTime2},
     {"date", SqlKind::Date},
+    {"time", SqlKind::Time},
 };
 
 const TypeName* findType(std::string_view word) {
@@ -266,8 +267,6 @@ SqlType Parser::parseType(int defaultLength) {
     if (word == "double") takeWord("precision");
     if (word == "character" || word == "char") takeWord("varying");
     SqlType type = SqlType::of(found->kind);
-    if (word == "money") return SqlType::numeric(19, 4);
-    if (word == "smallmoney") return SqlType::numeric(10, 4);
     if (word == "sysname") return SqlType::text(SqlKind::NVarChar, 128);
     if (word == "text" || word == "ntext") return SqlType::text(found->kind, SqlType::kMax);
     if (type.kind == SqlKind::Numeric) type = SqlType::numeric(18, 0);
@@ -291,6 +290,14 @@ SqlType Parser::parseType(int defaultLength) {
                 throw makeDbError(2717, {std::to_string(first), word, std::to_string(limit)},
                                   static_cast<int>(t.line));
             type.length = static_cast<int32_t>(first);
+        } else if (type.isClock()) {
+            if (first > 7)
+                throw DbError(1002, 15, 1, static_cast<int>(t.line),
+                              "Line " + std::to_string(t.line) + ": Specified scale " +
+                                  std::to_string(first) + " is invalid.");
+            type.scale = static_cast<uint8_t>(first);
+        } else if (type.kind == SqlKind::Float && first <= 24) {
+            type = SqlType::of(SqlKind::Real);  // float(24) and below
         }
     }
     expectOperator(")");

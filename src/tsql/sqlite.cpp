@@ -267,8 +267,8 @@ Value argumentValue(sqlite3_value* value, const SqlType& type) {
         const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
         return Value(std::string(text ? text : "", sqlite3_value_bytes(value)));
     }
-    if (type.kind == SqlKind::Numeric) return Value(Decimal(wideNumber(value), type.scale));
-    if (type.kind == SqlKind::Float) return Value(sqlite3_value_double(value));
+    if (type.isDecimal()) return Value(Decimal(wideNumber(value), type.scale));
+    if (type.isFloating()) return Value(sqlite3_value_double(value));
     if (type.isDate()) {
         if (held == SQLITE_INTEGER)
             return Value(DateTime{static_cast<int32_t>(sqlite3_value_int64(value)), 0});
@@ -283,8 +283,8 @@ Value columnValue(sqlite3_stmt* statement, int index, const SqlType& type) {
     if (held == SQLITE_NULL) return {};
     if (held == SQLITE_INTEGER) {
         const int64_t n = sqlite3_column_int64(statement, index);
-        if (type.kind == SqlKind::Numeric) return Value(Decimal(n, type.scale));
-        if (type.kind == SqlKind::Float) return Value(static_cast<double>(n));
+        if (type.isDecimal()) return Value(Decimal(n, type.scale));
+        if (type.isFloating()) return Value(static_cast<double>(n));
         if (type.isDate()) return Value(DateTime{static_cast<int32_t>(n), 0});
         if (!type.isText()) return Value(n);
     }
