@@ -5,6 +5,7 @@
 #include <sqlite3.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -82,6 +83,7 @@ class Prepared {
         return reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
     }
     bool isNull(int column) const { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
+    void reset() { sqlite3_reset(statement_); }
     // Runs to the end.
     void run() {
         while (next()) {
@@ -91,6 +93,18 @@ class Prepared {
 
   private:
     sqlite3_stmt* statement_ = nullptr;
+};
+
+// The best of several rounds of each side, one after the other so that both meet the same weather.
+struct Race {
+    double engine = 1e9, floor = 1e9;
+    Race(int rounds, const std::function<void()>& engineWork,
+         const std::function<void()>& floorWork) {
+        for (int i = 0; i < rounds; ++i) {
+            engine = std::min(engine, seconds(engineWork));
+            floor = std::min(floor, seconds(floorWork));
+        }
+    }
 };
 
 inline void report(const char* what, size_t count, double engine, double floor) {

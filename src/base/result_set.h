@@ -1,6 +1,7 @@
 // What a batch brings back: typed columns and the cells of all rows, row by row, and errors.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,28 @@ struct Column {
     bool nullable = true;
 };
 
+// The columns of a result. Results of one statement share them; a change makes an own copy.
+class Columns {
+  public:
+    size_t size() const { return held_ ? held_->size() : 0; }
+    bool empty() const { return size() == 0; }
+    const Column& operator[](size_t i) const { return (*held_)[i]; }
+    const Column* begin() const { return held_ ? held_->data() : nullptr; }
+    const Column* end() const { return begin() + size(); }
+    void push_back(Column column) {
+        if (!held_)
+            held_ = std::make_shared<std::vector<Column>>();
+        else if (held_.use_count() > 1)
+            held_ = std::make_shared<std::vector<Column>>(*held_);
+        held_->push_back(std::move(column));
+    }
+
+  private:
+    std::shared_ptr<std::vector<Column>> held_;
+};
+
 struct ResultSet {
-    std::vector<Column> columns;
+    Columns columns;
     std::vector<Value> cells;  // rows * columns.size()
     size_t rows = 0;
 

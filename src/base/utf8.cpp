@@ -15,7 +15,7 @@ constexpr std::array<char16_t, 32> kAnsiUpper = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
 char32_t foldCodePoint(char32_t c) {
-    if (c < 0x80) return c >= 'A' && c <= 'Z' ? c + 32 : c;
+    if (c < 0x80) return static_cast<char32_t>(c >= 'A' && c <= 'Z' ? c + 32 : c);
     return static_cast<char32_t>(utf8proc_tolower(static_cast<utf8proc_int32_t>(c)));
 }
 
@@ -23,7 +23,15 @@ template <class Map>
 std::string mapped(std::string_view text, Map map) {
     std::string out;
     out.reserve(text.size());
-    for (size_t at = 0; at < text.size();) appendCodePoint(out, map(nextCodePoint(text, at)));
+    for (size_t at = 0; at < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        if (byte < 0x80) {
+            out += static_cast<char>(map(byte));
+            ++at;
+        } else {
+            appendCodePoint(out, map(nextCodePoint(text, at)));
+        }
+    }
     return out;
 }
 
@@ -103,12 +111,13 @@ bool validUtf8(std::string_view text) {
 
 std::string upperCase(std::string_view text) {
     return mapped(text, [](char32_t c) {
+        if (c < 0x80) return static_cast<char32_t>(c >= 'a' && c <= 'z' ? c - 32 : c);
         return static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(c)));
     });
 }
 
 std::string lowerCase(std::string_view text) {
-    return mapped(text, foldCodePoint);
+    return mapped(text, [](char32_t c) { return foldCodePoint(c); });
 }
 
 std::string_view trimRight(std::string_view text) {
@@ -147,7 +156,7 @@ int compareText(std::string_view a, std::string_view b) {
 }
 
 std::string foldText(std::string_view text) {
-    return mapped(trimRight(text), foldCodePoint);
+    return mapped(trimRight(text), [](char32_t c) { return foldCodePoint(c); });
 }
 
 int ansiByte(char32_t c) {

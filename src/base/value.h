@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "base/date_time.h"
@@ -19,7 +20,8 @@ class Value {
     Value(double v) : v_(v) {}
     Value(Decimal v) : v_(v) {}
     Value(std::string v) : v_(std::move(v)) {}
-    Value(const char* v) : v_(std::string(v)) {}
+    Value(const char* v) : v_(std::in_place_type<std::string>, v) {}
+    explicit Value(std::string_view v) : v_(std::in_place_type<std::string>, v) {}
     Value(DateTime v) : v_(v) {}
 
     bool isNull() const { return v_.index() == 0; }

@@ -43,6 +43,7 @@ Executor::Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName, bool cr
 Executor::~Executor() {
     // Statements go before the connection does.
     batches_.clear();
+    recentTexts_.fill(nullptr);
     for (const CatalogModulePtr& m : catalog_.modules()) m->code.reset();
 }
 
@@ -60,6 +61,18 @@ void Executor::cancel() {
 
 // The shape is the text with its literals taken out: texts of one shape share their plans.
 std::shared_ptr<CompiledBatch> Executor::findOrCompile(std::string_view batch) {
+    // The very text that was run last of its shape needs no reading.
+    std::shared_ptr<CompiledBatch>& recent = recentTexts_[std::hash<std::string_view>{}(batch) % recentTexts_.size()];
+    if (recent && recent->heldText == batch && recent->running == 0) return recent;
+    std::shared_ptr<CompiledBatch> code = findShape(batch);
+    if (code->cacheable) {
+        code->heldText = batch;
+        recent = code;
+    }
+    return code;
+}
+
+std::shared_ptr<CompiledBatch> Executor::findShape(std::string_view batch) {
     const std::vector<Token> tokens = tokenize(batch);
     shape_.clear();
     std::vector<LiteralSlot> literals;
@@ -98,6 +111,7 @@ std::shared_ptr<CompiledBatch> Executor::findOrCompile(std::string_view batch) {
         // Forgetting all is rare and simple; what is used comes back at once.
         const std::string shape = shape_;
         batches_.clear();
+        recentTexts_.fill(nullptr);
         keptTokens_ = 0;
         shape_ = shape;
     }
@@ -233,15 +247,16 @@ BatchResult Executor::run(std::string_view batch) {
 }
 
 void Executor::runBatch(std::string_view batch) {
-    std::shared_ptr<CompiledBatch> code = findOrCompile(batch);
+    Frame frame;
+    frame.code = findOrCompile(batch);
+    CompiledBatch* const code = frame.code.get();
     // A lone SELECT asks whether the catalog is current once its read has begun, for less; see
     // runQuery. What it cannot do as things stood is tried again as they stand.
     const bool lone = code->checked && code->ast.statements.size() == 1 && !code->ast.mayWrite &&
                       code->ast.statements[0]->kind == StatementKind::Query &&
                       sqlite3_get_autocommit(sqlite_->handle());
-    if (!lone) catalog_.refresh();
-    Frame frame;
-    frame.code = code;
+    // Within a transaction nobody else changes anything.
+    if (!lone && transactions_ == 0) catalog_.refresh();
     frame.variables.resize(code->variables.size());
     struct Running {
         Executor& self;

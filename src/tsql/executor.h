@@ -1,6 +1,7 @@
 // Runs batches: statements in order, control flow, variables, calls, errors and transactions.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <list>
 #include <map>
@@ -75,6 +76,7 @@ class Executor final : public FunctionHost {
 
     // --- batches (executor.cpp) ---
     std::shared_ptr<CompiledBatch> findOrCompile(std::string_view batch);
+    std::shared_ptr<CompiledBatch> findShape(std::string_view batch);
     void checkAhead(Frame& frame, const std::vector<StatementPtr>& statements);
     void runBatch(std::string_view batch);
     Flow runStatements(Frame& frame, const std::vector<StatementPtr>& statements);
@@ -88,9 +90,24 @@ class Executor final : public FunctionHost {
     void throwStatement(Frame& frame, const Statement& s);
 
     // --- statements on data (executor_data.cpp) ---
-    Plan& plan(Frame& frame, const void* key,
-               const std::function<std::unique_ptr<Plan>(Planner&)>& make);
-    bool stillGood(Plan& plan);
+    // The plan kept under the key, or one that `make(Planner&)` makes.
+    template <typename Make>
+    Plan& plan(Frame& frame, const void* key, Make make) {
+        std::unique_ptr<Plan>& slot = frame.code->plans[key];
+        // A trigger's tables are new each time it fires.
+        if (!slot || frame.pseudoTables || !stillGood(*slot)) {
+            BindContext context = bindContext(frame);
+            Planner planner(context);
+            std::unique_ptr<Plan> made = make(planner);
+            made->checkedVersion = catalog_.version();
+            slot = std::move(made);
+        }
+        return *slot;
+    }
+    bool stillGood(Plan& plan) {
+        return plan.checkedVersion == catalog_.version() || dependenciesHold(plan);
+    }
+    bool dependenciesHold(Plan& plan);
     BindContext bindContext(Frame& frame);
     SqliteStatement acquire(Frame& frame, Plan& plan);
     void bindParameters(sqlite3_stmt* statement, Frame& frame, const Plan& plan);
@@ -178,6 +195,7 @@ class Executor final : public FunctionHost {
     Catalog catalog_;
     std::string hostName_;
     std::unordered_map<std::string, std::vector<std::shared_ptr<CompiledBatch>>> batches_;
+    std::array<std::shared_ptr<CompiledBatch>, 512> recentTexts_;  // by hash of the text
     size_t keptTokens_ = 0;
     std::string shape_;
 

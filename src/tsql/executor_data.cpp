@@ -28,8 +28,7 @@ BindContext Executor::bindContext(Frame& frame) {
     return context;
 }
 
-bool Executor::stillGood(Plan& plan) {
-    if (plan.checkedVersion == catalog_.version()) return true;
+bool Executor::dependenciesHold(Plan& plan) {
     for (const Dependency& d : plan.dependencies) {
         if (d.module) {
             const CatalogModulePtr m = catalog_.findModule(d.name);
@@ -41,19 +40,6 @@ bool Executor::stillGood(Plan& plan) {
     }
     plan.checkedVersion = catalog_.version();
     return true;
-}
-
-Plan& Executor::plan(Frame& frame, const void* key,
-                     const std::function<std::unique_ptr<Plan>(Planner&)>& make) {
-    std::unique_ptr<Plan>& slot = frame.code->plans[key];
-    // A trigger's tables are new each time it fires.
-    if (slot && !frame.pseudoTables && stillGood(*slot)) return *slot;
-    BindContext context = bindContext(frame);
-    Planner planner(context);
-    std::unique_ptr<Plan> made = make(planner);
-    made->checkedVersion = catalog_.version();
-    slot = std::move(made);
-    return *slot;
 }
 
 const Value& Executor::parameterValue(Frame& frame, const PlanParameter& p) {

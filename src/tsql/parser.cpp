@@ -147,43 +147,17 @@ ExprPtr Parser::parseSingleExpression(Batch& batch) {
     return e;
 }
 
-const Token& Parser::peek(size_t ahead) const {
-    return tokens_[std::min(pos_ + ahead, tokens_.size() - 1)];
-}
-
 const Token& Parser::take() {
     const Token& t = tokens_[pos_];
     if (t.kind != TokenKind::End) ++pos_;
     return t;
 }
 
-bool Parser::isWord(const char* word, size_t ahead) const {
-    const Token& t = peek(ahead);
-    return t.kind == TokenKind::Name && sameWord(t.text, word);
-}
-
-bool Parser::takeWord(const char* word) {
-    if (!isWord(word)) return false;
-    ++pos_;
-    return true;
-}
-
-void Parser::expectWord(const char* word) {
+void Parser::expectWord(std::string_view word) {
     if (!takeWord(word)) syntaxError();
 }
 
-bool Parser::isOperator(const char* op, size_t ahead) const {
-    const Token& t = peek(ahead);
-    return t.kind == TokenKind::Operator && t.text == op;
-}
-
-bool Parser::takeOperator(const char* op) {
-    if (!isOperator(op)) return false;
-    ++pos_;
-    return true;
-}
-
-void Parser::expectOperator(const char* op) {
+void Parser::expectOperator(std::string_view op) {
     if (!takeOperator(op)) syntaxError();
 }
 
@@ -214,6 +188,7 @@ std::string Parser::expectName() {
 
 Name Parser::parseName() {
     Name name;
+    name.parts.reserve(2);
     name.parts.push_back(expectName());
     while (isOperator(".")) {
         if (isOperator("*", 1)) break;  // "t.*"

@@ -1,9 +1,11 @@
 // Turns the tokens of one batch into its syntax tree. Throws DbError with line and column.
 #pragma once
 
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
+#include "base/utf8.h"
 #include "tsql/ast.h"
 #include "tsql/token.h"
 
@@ -19,14 +21,24 @@ class Parser {
 
   private:
     // --- tokens ---
-    const Token& peek(size_t ahead = 0) const;
+    const Token& peek(size_t ahead = 0) const {
+        return tokens_[std::min(pos_ + ahead, tokens_.size() - 1)];
+    }
     const Token& take();
-    bool isWord(const char* word, size_t ahead = 0) const;
-    bool takeWord(const char* word);
-    void expectWord(const char* word);
-    bool isOperator(const char* op, size_t ahead = 0) const;
-    bool takeOperator(const char* op);
-    void expectOperator(const char* op);
+    // Asked some dozen times for each token, mostly in vain: in line, the first letter first.
+    bool isWord(std::string_view word, size_t ahead = 0) const {
+        const Token& t = peek(ahead);
+        return t.kind == TokenKind::Name && t.text.size() == word.size() &&
+               ((t.text[0] ^ word[0]) & 0x5F) == 0 && equalsIgnoreCaseAscii(t.text, word);
+    }
+    bool isOperator(std::string_view op, size_t ahead = 0) const {
+        const Token& t = peek(ahead);
+        return t.kind == TokenKind::Operator && t.text[0] == op[0] && t.text == op;
+    }
+    bool takeWord(std::string_view word) { return isWord(word) && (++pos_, true); }
+    bool takeOperator(std::string_view op) { return isOperator(op) && (++pos_, true); }
+    void expectWord(std::string_view word);
+    void expectOperator(std::string_view op);
     [[noreturn]] void syntaxError() const;
     bool isPlainName(size_t ahead = 0) const;  // a name that is no reserved word
     std::string expectName();

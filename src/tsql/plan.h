@@ -16,7 +16,7 @@ namespace owb::tsql {
 struct Plan {
     std::string sql;
     std::vector<PlanParameter> parameters;
-    std::vector<Column> columns;  // what comes back
+    Columns columns;             // what comes back
     std::vector<int> variables;   // assigned by the columns, when not empty
 
     // --- statements that write ---
@@ -44,13 +44,35 @@ struct Plan {
     std::vector<SqliteStatement> idle;  // prepared, not running
 };
 
+// The plans of a batch's statements and expressions, by their place in the tree.
+class Plans {
+  public:
+    std::unique_ptr<Plan>& operator[](const void* key) {
+        if (key != lastKey_) {
+            last_ = &plans_[key];
+            lastKey_ = key;
+        }
+        return *last_;
+    }
+    void clear() {
+        plans_.clear();
+        lastKey_ = nullptr;
+    }
+
+  private:
+    std::unordered_map<const void*, std::unique_ptr<Plan>> plans_;
+    const void* lastKey_ = nullptr;  // a batch of one statement asks for the same each time
+    std::unique_ptr<Plan>* last_ = nullptr;
+};
+
 // A batch or module body, parsed, with the plans of its statements.
 struct CompiledBatch {
     std::string text;
+    std::string heldText;  // the text whose literals it holds now, of all that share its shape
     std::vector<Token> tokens;
     Batch ast;
     std::vector<VariableInfo> variables;
-    std::unordered_map<const void*, std::unique_ptr<Plan>> plans;
+    Plans plans;
     const ModuleDefinition* definition = nullptr;
     bool cacheable = true;
     bool checked = false;  // its statements were bound once ahead of running

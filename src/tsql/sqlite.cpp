@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cmath>
+#include <ctime>
 #include <cstring>
 
 #include "base/utf8.h"
@@ -19,6 +20,13 @@ int collate(void*, int aLength, const void* a, int bLength, const void* b) {
                        {static_cast<const char*>(b), static_cast<size_t>(bLength)});
 }
 
+// Seconds of a clock that runs on, to some milliseconds: the cheap one, read for each statement.
+double coarseClock() {
+    timespec t{};
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
+}
+
 bool fileExists(const std::string& path) {
     struct stat s;
     return ::stat(path.c_str(), &s) == 0;
@@ -32,9 +40,13 @@ Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeco
         throw makeDbError(-3, {"The file " + path + " exists already."});
     if (!memory && !create && !fileExists(path))
         throw makeDbError(-3, {"There is no database file " + path + "."});
-    const int flags = readOnly
+    // One connection is used by one thread at a time (an interrupt needs no lock), and nobody asks
+    // for the memory in use: both would cost more than the statements of a screen.
+    static const int quick = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+    (void)quick;
+    const int flags = SQLITE_OPEN_NOMUTEX | (readOnly
                           ? SQLITE_OPEN_READONLY
-                          : SQLITE_OPEN_READWRITE | (create || memory ? SQLITE_OPEN_CREATE : 0);
+                          : SQLITE_OPEN_READWRITE | (create || memory ? SQLITE_OPEN_CREATE : 0));
     const int rc = sqlite3_open_v2(path.c_str(), &db_, flags, nullptr);
     if (rc != SQLITE_OK) {
         const std::string reason = db_ ? sqlite3_errmsg(db_) : "out of memory";
@@ -162,26 +174,24 @@ void Sqlite::setBusySeconds(int seconds) {
 
 void Sqlite::startClock(int seconds) {
     seconds_ = seconds;
-    if (seconds > 0)
-        deadline_ = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    else
-        deadline_.reset();
+    deadline_ = seconds > 0 ? coarseClock() + seconds : 0;
 }
 
 void Sqlite::stopClock() {
-    deadline_.reset();
+    deadline_ = 0;
 }
 
 bool Sqlite::timeIsUp() const {
-    return deadline_ && std::chrono::steady_clock::now() >= *deadline_;
+    return deadline_ > 0 && coarseClock() >= deadline_;
 }
 
-void Sqlite::checkClock() const {
+void Sqlite::checkClock() {
     if (cancelled) {
-        const_cast<Sqlite*>(this)->cancelled = false;
+        cancelled = false;
         throw makeDbError(-1);
     }
-    if (timeIsUp()) throw makeDbError(-2, {std::to_string(seconds_)});
+    // What takes long is watched by SQLite's progress; here it is loops of short statements.
+    if (++checks_ % 16 == 0 && timeIsUp()) throw makeDbError(-2, {std::to_string(seconds_)});
 }
 
 int Sqlite::progress(void* self) {
@@ -287,6 +297,10 @@ Value columnValue(sqlite3_stmt* statement, int index, const SqlType& type) {
         if (type.isFloating()) return Value(static_cast<double>(n));
         if (type.isDate()) return Value(DateTime{static_cast<int32_t>(n), 0});
         if (!type.isText()) return Value(n);
+    }
+    if (held == SQLITE_TEXT) {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, index));
+        return Value(std::string_view(text ? text : "", sqlite3_column_bytes(statement, index)));
     }
     return argumentValue(sqlite3_column_value(statement, index), type);
 }

@@ -4,7 +4,6 @@
 #include <sqlite3.h>
 
 #include <atomic>
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -47,7 +46,7 @@ class Sqlite {
     void setBusySeconds(int seconds);
     void startClock(int seconds);  // 0: no limit
     void stopClock();
-    void checkClock() const;  // throws when time is up or the user cancelled
+    void checkClock();  // throws when time is up or the user cancelled
     std::atomic<bool> cancelled{false};
     bool timeIsUp() const;
 
@@ -57,8 +56,9 @@ class Sqlite {
     sqlite3* db_ = nullptr;
     std::string path_;
     std::optional<DbError> pending_;
-    std::optional<std::chrono::steady_clock::time_point> deadline_;
+    double deadline_ = 0;  // on the coarse clock; 0: no limit
     int seconds_ = 0;
+    unsigned checks_ = 0;
 };
 
 // --- values between the two worlds (see types.h for how each type lies in SQLite) ---

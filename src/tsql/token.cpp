@@ -24,47 +24,48 @@ bool isNamePart(char c) {
 }
 
 // Sorted, upper case.
-constexpr std::array kReserved = {"ADD",          "ALL",        "ALTER",       "AND",
-                                  "ANY",          "AS",         "ASC",         "AUTHORIZATION",
-                                  "BACKUP",       "BEGIN",      "BETWEEN",     "BREAK",
-                                  "BROWSE",       "BULK",       "BY",          "CASCADE",
-                                  "CASE",         "CHECK",      "CHECKPOINT",  "CLOSE",
-                                  "CLUSTERED",    "COALESCE",   "COLLATE",     "COLUMN",
-                                  "COMMIT",       "COMPUTE",    "CONSTRAINT",  "CONTAINS",
-                                  "CONTINUE",     "CONVERT",    "CREATE",      "CROSS",
-                                  "CURRENT",      "CURSOR",     "DATABASE",    "DBCC",
-                                  "DEALLOCATE",   "DECLARE",    "DEFAULT",     "DELETE",
-                                  "DENY",         "DESC",       "DISTINCT",    "DISTRIBUTED",
-                                  "DROP",         "DUMP",       "ELSE",        "END",
-                                  "ESCAPE",       "EXCEPT",     "EXEC",        "EXECUTE",
-                                  "EXISTS",       "EXIT",       "EXTERNAL",    "FETCH",
-                                  "FILE",         "FILLFACTOR", "FOR",         "FOREIGN",
-                                  "FREETEXT",     "FROM",       "FULL",        "FUNCTION",
-                                  "GOTO",         "GRANT",      "GROUP",       "HAVING",
-                                  "HOLDLOCK",     "IDENTITY",   "IDENTITYCOL", "IDENTITY_INSERT",
-                                  "IF",           "IN",         "INDEX",       "INNER",
-                                  "INSERT",       "INTERSECT",  "INTO",        "IS",
-                                  "JOIN",         "KEY",        "KILL",        "LEFT",
-                                  "LIKE",         "MERGE",      "NATIONAL",    "NOCHECK",
-                                  "NONCLUSTERED", "NOT",        "NULL",        "NULLIF",
-                                  "OF",           "OFF",        "OFFSETS",     "ON",
-                                  "OPEN",         "OPENQUERY",  "OPENROWSET",  "OPTION",
-                                  "OR",           "ORDER",      "OUTER",       "OVER",
-                                  "PERCENT",      "PIVOT",      "PLAN",        "PRECISION",
-                                  "PRIMARY",      "PRINT",      "PROC",        "PROCEDURE",
-                                  "PUBLIC",       "RAISERROR",  "READ",        "READTEXT",
-                                  "RECONFIGURE",  "REFERENCES", "REPLICATION", "RESTORE",
-                                  "RESTRICT",     "RETURN",     "REVERT",      "REVOKE",
-                                  "RIGHT",        "ROLLBACK",   "ROWCOUNT",    "ROWGUIDCOL",
-                                  "RULE",         "SAVE",       "SCHEMA",      "SELECT",
-                                  "SET",          "SETUSER",    "SHUTDOWN",    "SOME",
-                                  "STATISTICS",   "TABLE",      "TABLESAMPLE", "TEXTSIZE",
-                                  "THEN",         "TO",         "TOP",         "TRAN",
-                                  "TRANSACTION",  "TRIGGER",    "TRUNCATE",    "UNION",
-                                  "UNIQUE",       "UNPIVOT",    "UPDATE",      "UPDATETEXT",
-                                  "USE",          "USER",       "VALUES",      "VARYING",
-                                  "VIEW",         "WAITFOR",    "WHEN",        "WHERE",
-                                  "WHILE",        "WITH",       "WRITETEXT"};
+constexpr auto kReserved =
+    std::to_array<std::string_view>({"ADD",          "ALL",        "ALTER",       "AND",
+                                     "ANY",          "AS",         "ASC",         "AUTHORIZATION",
+                                     "BACKUP",       "BEGIN",      "BETWEEN",     "BREAK",
+                                     "BROWSE",       "BULK",       "BY",          "CASCADE",
+                                     "CASE",         "CHECK",      "CHECKPOINT",  "CLOSE",
+                                     "CLUSTERED",    "COALESCE",   "COLLATE",     "COLUMN",
+                                     "COMMIT",       "COMPUTE",    "CONSTRAINT",  "CONTAINS",
+                                     "CONTINUE",     "CONVERT",    "CREATE",      "CROSS",
+                                     "CURRENT",      "CURSOR",     "DATABASE",    "DBCC",
+                                     "DEALLOCATE",   "DECLARE",    "DEFAULT",     "DELETE",
+                                     "DENY",         "DESC",       "DISTINCT",    "DISTRIBUTED",
+                                     "DROP",         "DUMP",       "ELSE",        "END",
+                                     "ESCAPE",       "EXCEPT",     "EXEC",        "EXECUTE",
+                                     "EXISTS",       "EXIT",       "EXTERNAL",    "FETCH",
+                                     "FILE",         "FILLFACTOR", "FOR",         "FOREIGN",
+                                     "FREETEXT",     "FROM",       "FULL",        "FUNCTION",
+                                     "GOTO",         "GRANT",      "GROUP",       "HAVING",
+                                     "HOLDLOCK",     "IDENTITY",   "IDENTITYCOL", "IDENTITY_INSERT",
+                                     "IF",           "IN",         "INDEX",       "INNER",
+                                     "INSERT",       "INTERSECT",  "INTO",        "IS",
+                                     "JOIN",         "KEY",        "KILL",        "LEFT",
+                                     "LIKE",         "MERGE",      "NATIONAL",    "NOCHECK",
+                                     "NONCLUSTERED", "NOT",        "NULL",        "NULLIF",
+                                     "OF",           "OFF",        "OFFSETS",     "ON",
+                                     "OPEN",         "OPENQUERY",  "OPENROWSET",  "OPTION",
+                                     "OR",           "ORDER",      "OUTER",       "OVER",
+                                     "PERCENT",      "PIVOT",      "PLAN",        "PRECISION",
+                                     "PRIMARY",      "PRINT",      "PROC",        "PROCEDURE",
+                                     "PUBLIC",       "RAISERROR",  "READ",        "READTEXT",
+                                     "RECONFIGURE",  "REFERENCES", "REPLICATION", "RESTORE",
+                                     "RESTRICT",     "RETURN",     "REVERT",      "REVOKE",
+                                     "RIGHT",        "ROLLBACK",   "ROWCOUNT",    "ROWGUIDCOL",
+                                     "RULE",         "SAVE",       "SCHEMA",      "SELECT",
+                                     "SET",          "SETUSER",    "SHUTDOWN",    "SOME",
+                                     "STATISTICS",   "TABLE",      "TABLESAMPLE", "TEXTSIZE",
+                                     "THEN",         "TO",         "TOP",         "TRAN",
+                                     "TRANSACTION",  "TRIGGER",    "TRUNCATE",    "UNION",
+                                     "UNIQUE",       "UNPIVOT",    "UPDATE",      "UPDATETEXT",
+                                     "USE",          "USER",       "VALUES",      "VARYING",
+                                     "VIEW",         "WAITFOR",    "WHEN",        "WHERE",
+                                     "WHILE",        "WITH",       "WRITETEXT"});
 
 class Reader {
   public:
@@ -262,11 +263,20 @@ std::string unquoted(const Token& token) {
 
 bool isReservedWord(std::string_view word) {
     if (word.size() > 15) return false;
-    std::string upper(word);
-    for (char& c : upper)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-    return std::binary_search(kReserved.begin(), kReserved.end(), std::string_view(upper),
-                              [](std::string_view a, std::string_view b) { return a < b; });
+    // Where the words of each letter begin in the sorted list.
+    static const auto starts = [] {
+        std::array<size_t, 27> at{};
+        for (size_t letter = 0; letter < at.size(); ++letter)
+            while (at[letter] < kReserved.size() &&
+                   kReserved[at[letter]][0] < static_cast<char>('A' + letter))
+                ++at[letter];
+        return at;
+    }();
+    const size_t letter = static_cast<size_t>((word[0] & 0x5F) - 'A');
+    if (letter >= 26) return false;
+    for (size_t i = starts[letter]; i < starts[letter + 1]; ++i)
+        if (equalsIgnoreCaseAscii(word, kReserved[i])) return true;
+    return false;
 }
 
 }  // namespace owb::tsql
