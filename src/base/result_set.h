@@ -20,6 +20,9 @@ struct Column {
 // The columns of a result. Results of one statement share them; a change makes an own copy.
 class Columns {
   public:
+    Columns() = default;
+    Columns(std::initializer_list<Column> columns)
+        : held_(std::make_shared<std::vector<Column>>(columns)) {}
     size_t size() const { return held_ ? held_->size() : 0; }
     bool empty() const { return size() == 0; }
     const Column& operator[](size_t i) const { return (*held_)[i]; }
