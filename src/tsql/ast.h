@@ -263,6 +263,7 @@ struct ModuleDefinition {
     std::vector<ColumnDefinition> returnsColumns;
     std::vector<std::string> viewColumns;  // written column list of a view
     QueryPtr query;                        // view, inline function
+    bool checkOption = false;              // view
     std::vector<StatementPtr> body;        // the others
     Name table;                            // trigger
     bool onInsert = false, onUpdate = false, onDelete = false;
@@ -273,10 +274,13 @@ struct Statement {
     int line = 0;
     int id = 0;  // unique within its batch: where its plans are kept
 
-    QueryPtr query;                       // Query; source of an Insert
-    Name target;                          // table of Insert, Update, Delete, DDL; procedure
-    std::vector<std::string> columns;     // Insert, CreateIndex
-    bool defaultValues = false;           // Insert
+    QueryPtr query;                    // Query; source of an Insert
+    Name target;                       // table of Insert, Update, Delete, DDL; procedure
+    std::vector<std::string> columns;  // Insert, CreateIndex
+    bool defaultValues = false;        // Insert
+    QueryPtr output;                   // OUTPUT of Insert, Update, Delete: over their rows
+    Name outputInto;
+    std::vector<std::string> outputColumns;
     std::vector<Assignment> assignments;  // Update
     std::vector<TableRefPtr> from;        // Update, Delete
     ExprPtr condition;                    // If, While; WHERE of Update and Delete

@@ -58,11 +58,21 @@ class Binder {
     struct Target {
         std::unique_ptr<BoundQuery> scope;  // FROM with the target in it
         BoundSource* source = nullptr;
-        bool implicit = true;  // the statement has no FROM: the target stands alone
+        bool implicit = true;   // no FROM and no view: the table stands alone
+        CatalogTablePtr table;  // that is written, maybe through a view or common table
+        std::string rowid;      // of its row, in SQL
+        int findColumn(const std::string& name) const;  // of the table; throws 4406
     };
+    // A view's columns as columns of the one table behind it.
+    struct InsertTarget {
+        CatalogTablePtr table;
+        std::vector<std::pair<std::string, int>> columns;
+    };
+    InsertTarget bindInsertTarget(const Name& name, int line);
+    // From here on the variable is read again for every row. Its index.
+    int assignsVariable(const std::string& name, int line);
     // Resolves the target of an UPDATE or DELETE together with its FROM and opens that scope.
     Target bindTarget(const Statement& s);
-    CatalogTablePtr findWritableTable(const Name& name, int line);
     void closeTarget();
     void pushWith(const std::vector<CommonTable>& with);
 
@@ -114,6 +124,9 @@ class Binder {
     void setColumns(BoundQuery& q);
     BoundPtr rowLimit(const Expr& e, int error);
     void bindLimit(const QueryBody& body, const Query* query, BoundQuery& q);
+
+    // targets (binder_targets.cpp)
+    void resolveTarget(const Statement& s, Target& target);
 
     // tables (binder_tables.cpp)
     std::unique_ptr<BoundFrom> bindFrom(const TableRef& ref, BoundQuery& q);

@@ -207,6 +207,7 @@ BoundPtr Binder::rowLimit(const Expr& e, int error) {
 }
 
 void Binder::bindItems(const QueryBody& body, BoundQuery& q) {
+    const std::vector<int> outer = assignedVariables_;
     for (const SelectItem& item : body.items) {
         if (item.variable.empty()) continue;
         for (size_t i = 0; i < (context_.variables ? context_.variables->size() : 0); ++i)
@@ -237,7 +238,7 @@ void Binder::bindItems(const QueryBody& body, BoundQuery& q) {
             bound.name = bound.expr->name.empty() ? item.expr->name.last() : bound.expr->name;
         q.items.push_back(std::move(bound));
     }
-    assignedVariables_.clear();
+    assignedVariables_ = outer;
     if (assigns && returns) throw makeDbError(141, {}, body.line);
 }
 
@@ -362,58 +363,6 @@ void Binder::checkGrouped(const BoundExpr& e, const BoundQuery& q, int errorNumb
             }
     }
     for (const BoundPtr& a : e.args) checkGrouped(*a, q, errorNumber);
-}
-
-// --- targets of UPDATE and DELETE ---
-
-CatalogTablePtr Binder::findWritableTable(const Name& name, int line) {
-    if (context_.pseudoTables) {
-        const auto pseudo = context_.pseudoTables->find(foldName(name.last()));
-        if (pseudo != context_.pseudoTables->end() && name.parts.size() == 1) return pseudo->second;
-    }
-    CatalogTablePtr table = context_.catalog.findTable(name.last());
-    if (!table) {
-        if (context_.catalog.findModule(name.last())) throw makeDbError(4406, {name.last()}, line);
-        throw makeDbError(208, {name.text()}, line);
-    }
-    dependOn(*table);
-    return table;
-}
-
-Binder::Target Binder::bindTarget(const Statement& s) {
-    Target target;
-    target.scope = std::make_unique<BoundQuery>();
-    if (s.query) pushWith(s.query->with);
-    scopes_.push_back(std::make_unique<Scope>());
-    BoundQuery& q = *target.scope;
-    for (const TableRefPtr& ref : s.from) q.from.push_back(bindFrom(*ref, q));
-    target.implicit = s.from.empty();
-    if (!s.from.empty() && s.target.parts.size() == 1) {
-        for (BoundSource* source : scopes_.back()->sources)
-            if (foldName(source->exposedName) == foldName(s.target.last())) target.source = source;
-    }
-    if (!target.source && !s.from.empty()) {
-        for (BoundSource* source : scopes_.back()->sources)
-            if (source->table && foldName(source->tableName) == foldName(s.target.last())) {
-                if (target.source) break;
-                target.source = source;
-            }
-    }
-    if (!target.source) {
-        CatalogTablePtr table = findWritableTable(s.target, s.line);
-        auto source = tableSource(table, s.target.last());
-        target.source = source.get();
-        q.from.push_back(addSource(q, std::move(source), s.line));
-    }
-    if (!target.source->table) throw makeDbError(4405, {s.target.last()}, s.line);
-    if (target.source->table->system) throw makeDbError(4406, {s.target.last()}, s.line);
-    if (s.condition) q.where = bindCondition(*s.condition);
-    return target;
-}
-
-void Binder::closeTarget() {
-    scopes_.pop_back();
-    with_.clear();
 }
 
 }  // namespace owb::tsql

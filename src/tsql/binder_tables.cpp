@@ -268,6 +268,7 @@ std::unique_ptr<BoundSource> Binder::bindView(CatalogModule& view, const std::st
     restore();
     auto source = derivedSource(std::move(inner), exposed, definition.viewColumns, 0);
     source->tableName = view.name;
+    source->checkOption = definition.checkOption;
     return source;
 }
 

@@ -28,6 +28,7 @@ struct BoundSource {
     std::string tableName;    // of a table or view, "" for a derived one
     CatalogTablePtr table;    // null for a derived one
     std::unique_ptr<BoundQuery> query;
+    bool checkOption = false;  // a view that checks what is written through it
     std::vector<BoundColumn> columns;
 };
 

@@ -632,6 +632,10 @@ Value Executor::liveVariable(int index) {
     return frame_->variables[index];
 }
 
+void Executor::setVariable(int index, Value value) {
+    frame_->variables[index] = std::move(value);
+}
+
 DateTime Executor::statementTime() {
     if (statementTime_ == DateTime{}) {
         timespec t{};

@@ -48,6 +48,21 @@ class Together {
 enum class ErrorReach { Statement, Scope, Batch };
 ErrorReach reachOf(const DbError& e);
 
+// Gives a statement back to its plan, reset, however its run ended.
+class Lease {
+  public:
+    Lease(Plan& plan, SqliteStatement statement) : plan_(plan), statement_(std::move(statement)) {}
+    ~Lease() {
+        sqlite3_reset(statement_.get());
+        plan_.idle.push_back(std::move(statement_));
+    }
+    sqlite3_stmt* get() const { return statement_.get(); }
+
+  private:
+    Plan& plan_;
+    SqliteStatement statement_;
+};
+
 class Executor final : public FunctionHost {
   public:
     Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName, bool createStorage);
@@ -64,6 +79,7 @@ class Executor final : public FunctionHost {
     // --- FunctionHost ---
     Value callFunction(int id, int count, sqlite3_value** arguments) override;
     Value liveVariable(int index) override;
+    void setVariable(int index, Value value) override;
     Value systemValue(const std::string& name) override;
     DateTime statementTime() override;
     Value objectId(const std::string& name, const std::string& kind) override;
@@ -114,8 +130,14 @@ class Executor final : public FunctionHost {
     void runQuery(Frame& frame, const Statement& s);
     void runInto(Frame& frame, Plan& plan);
     void runWrite(Frame& frame, const Statement& s);
-    void runWithTriggers(Frame& frame, Plan& plan);
+    void runPlanned(Frame& frame, const Statement& s, Plan& plan);
+    void runWithTriggers(Frame& frame, const Statement& s, Plan& plan);
+    void runOutput(Frame& frame, const Statement& s, const Plan& plan,
+                   const std::map<std::string, CatalogTablePtr>& rows);
+    void insertRows(Frame& frame, const Name& target, const std::vector<std::string>& columns,
+                    const ResultSet& set, int line);
     void replaceRows(Frame& frame, Plan& plan);
+    int64_t replaceCollected(Plan& plan, const std::string& rows);
     void collectRows(Frame& frame, Plan& plan, const std::string& rows);
     void insertExecuted(Frame& frame, const Statement& s);
     void fireTriggers(Plan& plan, const std::map<std::string, CatalogTablePtr>& pseudoTables);

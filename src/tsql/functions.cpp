@@ -168,6 +168,16 @@ void registerFunctions(Sqlite& sqlite, FunctionHost& host) {
         },
         false);
     registerHostFunction(
+        sqlite, host, "t_setvar", 4,
+        [](FunctionHost& h, int, sqlite3_value** a) {
+            const SqlType from = unpackType(sqlite3_value_int64(a[1]));
+            const Value value = argumentValue(a[3], from);
+            h.setVariable(sqlite3_value_int(a[0]),
+                          convertValue(value, from, unpackType(sqlite3_value_int64(a[2]))));
+            return value;
+        },
+        false);
+    registerHostFunction(
         sqlite, host, "t_system", 1,
         [](FunctionHost& h, int, sqlite3_value** a) {
             return h.systemValue(std::string(argumentText(a[0])));

@@ -15,6 +15,7 @@ class FunctionHost {
     virtual ~FunctionHost() = default;
     virtual Value callFunction(int id, int count, sqlite3_value** arguments) = 0;
     virtual Value liveVariable(int index) = 0;
+    virtual void setVariable(int index, Value value) = 0;
     virtual Value systemValue(const std::string& name) = 0;
     virtual DateTime statementTime() = 0;
     virtual Value objectId(const std::string& name, const std::string& kind) = 0;

@@ -63,6 +63,7 @@ class Parser {
     StatementPtr parseBegin();
     StatementPtr parseExecute();
     StatementPtr parseExecuteCall(StatementPtr statement);
+    void parseOutput(Statement& s, std::initializer_list<const char*> rows);
     StatementPtr parseRaiseError();
     void parseTransactionName(Statement& s);
     std::vector<StatementPtr> parseUntilEnd(const char* closing);

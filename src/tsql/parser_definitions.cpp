@@ -216,6 +216,7 @@ StatementPtr Parser::parseModule(size_t firstToken, bool alter, bool orAlter) {
             take();
             take();
             expectWord("OPTION");
+            m.checkOption = true;
         }
         while (takeOperator(";")) {
         }

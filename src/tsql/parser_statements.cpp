@@ -196,6 +196,7 @@ StatementPtr Parser::parseInsert(std::vector<CommonTable> with) {
     s->target = parseTarget();
     if (isOperator("(") && !isWord("SELECT", 1) && !isWord("WITH", 1) && !isOperator("(", 1))
         s->columns = parseColumnList();
+    parseOutput(*s, {"inserted"});
     if (takeWord("DEFAULT")) {
         expectWord("VALUES");
         s->defaultValues = true;
@@ -220,8 +221,11 @@ StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
         a.line = static_cast<int>(peek().line);
         if (peek().kind == TokenKind::Variable) {
             a.variable = take().text;
-            expectOperator("=");
-            if (isPlainName() && isOperator("=", 1)) {
+            if (isOperator("+=") || isOperator("-=") || isOperator("*=") || isOperator("/="))
+                a.op = take().text.substr(0, 1);
+            else
+                expectOperator("=");
+            if (a.op.empty() && isPlainName() && isOperator("=", 1)) {
                 a.column = expectName();
                 take();
             }
@@ -237,6 +241,7 @@ StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
         }
         s->assignments.push_back(std::move(a));
     } while (takeOperator(","));
+    parseOutput(*s, {"inserted", "deleted"});
     if (takeWord("FROM")) s->from = parseFromList();
     if (takeWord("WHERE")) s->condition = parseExpression();
     const int maxRecursion = parseOptionClause();
@@ -254,6 +259,7 @@ StatementPtr Parser::parseDelete(std::vector<CommonTable> with) {
     s->top = parseTop(nullptr, nullptr);
     takeWord("FROM");
     s->target = parseTarget();
+    parseOutput(*s, {"deleted"});
     if (takeWord("FROM")) s->from = parseFromList();
     if (takeWord("WHERE")) s->condition = parseExpression();
     const int maxRecursion = parseOptionClause();
@@ -263,6 +269,27 @@ StatementPtr Parser::parseDelete(std::vector<CommonTable> with) {
         s->query->maxRecursion = maxRecursion;
     }
     return s;
+}
+
+// OUTPUT reads the statement's own rows: a query over the tables `rows`.
+void Parser::parseOutput(Statement& s, std::initializer_list<const char*> rows) {
+    if (!isWord("OUTPUT")) return;
+    take();
+    s.output = std::make_unique<Query>();
+    s.output->body = std::make_unique<QueryBody>();
+    QueryBody& body = *s.output->body;
+    body.line = static_cast<int>(peek().line);
+    do body.items.push_back(parseSelectItem());
+    while (takeOperator(","));
+    for (const char* name : rows) {
+        auto table = std::make_unique<TableRef>();
+        table->line = body.line;
+        table->name.parts.emplace_back(name);
+        body.from.push_back(std::move(table));
+    }
+    if (!takeWord("INTO")) return;
+    s.outputInto = parseTarget();
+    if (isOperator("(") && !isWord("SELECT", 1)) s.outputColumns = parseColumnList();
 }
 
 StatementPtr Parser::parseDeclare() {

@@ -28,6 +28,7 @@ struct Plan {
     std::string collectSql;
     std::string applySql;                      // "%" stands for the table of rows
     std::vector<std::string> assignedColumns;  // of an Update, folded
+    bool stepwise = false;  // runs as with triggers: OUTPUT reads the rows, or a variable is set
     bool givesIdentity = false;
     bool explicitIdentity = false;
 
@@ -95,8 +96,11 @@ class Planner {
     std::unique_ptr<Plan> insert(const Statement& s, bool explicitIdentityAllowed);
     std::unique_ptr<Plan> update(const Statement& s);
     std::unique_ptr<Plan> remove(const Statement& s);
+    std::unique_ptr<Plan> output(const Query& query);
 
   private:
+    BoundPtr setVariable(Binder& binder, const std::string& name, BoundPtr value, int line);
+    BoundPtr setVariable(Binder& binder, const Assignment& a);
     BoundPtr columnDefault(Binder& binder, const CatalogColumn& column);
     bool readsTables(const BoundExpr& e) const;
     void assigningQuery(BoundQuery& q, Plan& plan);

@@ -212,16 +212,20 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
     auto plan = std::make_unique<Plan>();
     Binder binder(context_);
     if (s.query) binder.pushWith(s.query->with);
-    CatalogTablePtr table = binder.findWritableTable(s.target, s.line);
-    if (table->system) throw makeDbError(4406, {s.target.last()}, s.line);
+    const Binder::InsertTarget target = binder.bindInsertTarget(s.target, s.line);
+    const CatalogTablePtr table = target.table;
     plan->target = table;
     plan->writes = StatementKind::Insert;
+    plan->stepwise = s.output != nullptr;
     const int identity = table->identityColumn();
 
     std::vector<int> columns;
     for (const std::string& name : s.columns) {
-        const int at = table->findColumn(name);
-        if (at < 0) throw makeDbError(207, {name}, s.line);
+        int at = -1;
+        for (const auto& [column, index] : target.columns)
+            if (foldName(column) == foldName(name)) at = index;
+        if (at == -1) throw makeDbError(207, {name}, s.line);
+        if (at < 0) throw makeDbError(4406, {s.target.last()}, s.line);
         if (std::find(columns.begin(), columns.end(), at) != columns.end())
             throw DbError(264, 16, 1, s.line,
                           "The column name '" + name +
@@ -230,9 +234,10 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
         columns.push_back(at);
     }
     if (s.columns.empty() && !s.defaultValues)
-        for (size_t i = 0; i < table->columns.size(); ++i)
-            if (static_cast<int>(i) != identity || explicitIdentityAllowed)
-                columns.push_back(static_cast<int>(i));
+        for (const auto& [column, index] : target.columns) {
+            if (index < 0) throw makeDbError(4406, {s.target.last()}, s.line);
+            if (index != identity) columns.push_back(index);
+        }
     plan->explicitIdentity =
         std::find(columns.begin(), columns.end(), identity) != columns.end() && identity >= 0;
     if (plan->explicitIdentity && !explicitIdentityAllowed)
@@ -318,19 +323,67 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
     return plan;
 }
 
+// t_setvar hands its value on and leaves it in the variable.
+BoundPtr Planner::setVariable(Binder& binder, const std::string& name, BoundPtr value, int line) {
+    const int index = binder.assignsVariable(name, line);
+    const SqlType from = value->type;
+    std::vector<BoundPtr> args;
+    args.push_back(std::move(value));
+    return binder.op("t_setvar(" + std::to_string(index) + "," + std::to_string(packType(from)) +
+                         "," + std::to_string(packType((*context_.variables)[index].type)) + ",$0)",
+                     from, std::move(args));
+}
+
+BoundPtr Planner::setVariable(Binder& binder, const Assignment& a) {
+    BoundPtr value = binder.bindValue(*a.value);
+    if (!a.op.empty()) {
+        Expr own(ExprKind::Variable, a.line);
+        own.name.parts.push_back(a.variable);
+        value = binder.arithmetic(a.op[0], binder.bindValue(own), std::move(value), a.line);
+    }
+    if (value->type.kind == SqlKind::Null)
+        value = binder.convert(std::move(value), SqlType::of(SqlKind::Int));
+    return setVariable(binder, a.variable, std::move(value), a.line);
+}
+
+// The rows of a statement, as its OUTPUT clause wants them.
+std::unique_ptr<Plan> Planner::output(const Query& query) {
+    auto plan = std::make_unique<Plan>();
+    Binder binder(context_);
+    auto q = binder.bindQuery(query);
+    finish(binder, *plan);
+    for (const BoundColumn& c : q->columns) {
+        const bool untyped = c.type.kind == SqlKind::Null;
+        plan->columns.push_back({c.name, untyped ? SqlType::of(SqlKind::Int) : c.type, c.nullable});
+    }
+    const std::string row = q->sources[0]->alias + ".rowid";
+    if (q->sources.size() == 2)
+        q->where = binder.op("(" + row + " = " + q->sources[1]->alias + ".rowid)",
+                             SqlType::of(SqlKind::Bit), {});
+    plan->sql = Lowerer(plan->parameters).query(*q, false) + " ORDER BY " + row;
+    return plan;
+}
+
 std::unique_ptr<Plan> Planner::update(const Statement& s) {
     auto plan = std::make_unique<Plan>();
     plan->writes = StatementKind::Update;
     Binder binder(context_);
     Binder::Target target = binder.bindTarget(s);
-    const CatalogTable& table = *target.source->table;
-    plan->target = target.source->table;
+    const CatalogTable& table = *target.table;
+    plan->target = target.table;
 
     std::vector<std::pair<std::string, BoundPtr>> sets;
     bool snapshot = !target.implicit || s.top;
+    plan->stepwise = s.output != nullptr;
+    for (const Assignment& a : s.assignments)
+        if (!a.variable.empty()) binder.assignsVariable(a.variable, a.line);
     for (const Assignment& a : s.assignments) {
-        if (!a.variable.empty()) throw makeDbError(15281, {"UPDATE that sets a variable"}, a.line);
-        const int at = table.findColumn(a.column);
+        if (a.column.empty()) {
+            sets.emplace_back("", setVariable(binder, a));
+            plan->stepwise = true;
+            continue;
+        }
+        const int at = target.findColumn(a.column);
         if (at < 0) throw makeDbError(207, {a.column}, a.line);
         const CatalogColumn& column = table.columns[at];
         for (const auto& [name, value] : sets)
@@ -350,11 +403,15 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
             auto old = std::make_unique<BoundExpr>();
             old->kind = BoundKind::Column;
             old->source = target.source;
-            old->column = at;
+            old->column = target.source->table ? at : -1;
+            for (size_t i = 0; old->column < 0; ++i)
+                if (foldName(target.source->columns[i].name) == foldName(a.column))
+                    old->column = static_cast<int>(i);
             old->type = column.type;
             v = binder.arithmetic(a.op[0], std::move(old), std::move(v), a.line);
         }
         v = binder.assign(std::move(v), table, column);
+        if (!a.variable.empty()) v = setVariable(binder, a.variable, std::move(v), a.line);
         // What reads the table while it is changed must see it as it was.
         snapshot |= readsTables(*v);
         plan->assignedColumns.push_back(foldName(column.name));
@@ -370,26 +427,26 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
         if (context_.catalog.findModule(name)->onUpdate) plan->triggers.push_back(name);
 
     Lowerer lowerer(plan->parameters);
-    if (!snapshot && plan->triggers.empty()) {
+    if (!snapshot && plan->triggers.empty() && !plan->stepwise) {
         plan->sql = "UPDATE " + table.sqlName + " AS " + target.source->alias + " SET ";
         for (size_t i = 0; i < sets.size(); ++i)
             plan->sql +=
                 (i ? ", " : "") + sets[i].first + " = " + lowerer.expression(*sets[i].second);
         if (target.scope->where) plan->sql += " WHERE " + lowerer.filter(*target.scope->where);
     } else {
-        std::string inner = "SELECT " + target.source->alias + ".rowid AS rid";
+        std::string inner = "SELECT " + target.rowid + " AS rid";
         std::string apply;
         for (size_t i = 0; i < sets.size(); ++i) {
             inner += ", " + lowerer.expression(*sets[i].second) + " AS c" + std::to_string(i);
-            apply += (i ? ", " : "") + sets[i].first + " = s.c" + std::to_string(i);
+            if (!sets[i].first.empty())
+                apply += (apply.empty() ? "" : ", ") + sets[i].first + " = s.c" + std::to_string(i);
         }
         inner += " FROM " + lowerer.fromClause(*target.scope);
         std::string where;
         if (target.scope->where) where = lowerer.filter(*target.scope->where);
         // A row that an outer join made up is no row of the target.
         if (!target.implicit)
-            where = (where.empty() ? "" : where + " AND ") + target.source->alias +
-                    ".rowid IS NOT NULL";
+            where = (where.empty() ? "" : where + " AND ") + target.rowid + " IS NOT NULL";
         if (!where.empty()) inner += " WHERE " + where;
         if (s.top)
             inner += " LIMIT " + lowerer.expression(*binder.convert(binder.bindValue(*s.top),
@@ -409,20 +466,21 @@ std::unique_ptr<Plan> Planner::remove(const Statement& s) {
     plan->writes = StatementKind::Delete;
     Binder binder(context_);
     Binder::Target target = binder.bindTarget(s);
-    const CatalogTable& table = *target.source->table;
-    plan->target = target.source->table;
+    const CatalogTable& table = *target.table;
+    plan->target = target.table;
     for (const std::string& name : table.triggers)
         if (context_.catalog.findModule(name)->onDelete) plan->triggers.push_back(name);
 
     Lowerer lowerer(plan->parameters);
-    const bool plain = target.implicit && !s.top && plan->triggers.empty() &&
+    plan->stepwise = s.output != nullptr;
+    const bool plain = target.implicit && !s.top && plan->triggers.empty() && !plan->stepwise &&
                        !(target.scope->where && target.scope->where->userFunction);
     if (plain) {
         plan->sql = "DELETE FROM " + table.sqlName + " AS " + target.source->alias;
         if (target.scope->where) plan->sql += " WHERE " + lowerer.filter(*target.scope->where);
     } else {
-        std::string inner = "SELECT " + target.source->alias + ".rowid AS rid FROM " +
-                            lowerer.fromClause(*target.scope);
+        std::string inner =
+            "SELECT " + target.rowid + " AS rid FROM " + lowerer.fromClause(*target.scope);
         if (target.scope->where) inner += " WHERE " + lowerer.filter(*target.scope->where);
         if (s.top)
             inner += " LIMIT " + lowerer.expression(*binder.convert(binder.bindValue(*s.top),
