@@ -21,17 +21,15 @@ char32_t foldCodePoint(char32_t c) {
 
 template <class Map>
 std::string mapped(std::string_view text, Map map) {
-    std::string out;
-    out.reserve(text.size());
-    for (size_t at = 0; at < text.size();) {
+    std::string out(text);
+    size_t at = 0;
+    for (; at < text.size(); ++at) {
         const auto byte = static_cast<unsigned char>(text[at]);
-        if (byte < 0x80) {
-            out += static_cast<char>(map(byte));
-            ++at;
-        } else {
-            appendCodePoint(out, map(nextCodePoint(text, at)));
-        }
+        if (byte >= 0x80) break;
+        out[at] = static_cast<char>(map(byte));
     }
+    out.resize(at);
+    while (at < text.size()) appendCodePoint(out, map(nextCodePoint(text, at)));
     return out;
 }
 

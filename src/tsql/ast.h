@@ -8,6 +8,7 @@
 
 #include "base/sql_type.h"
 #include "base/value.h"
+#include "tsql/pooled.h"
 
 namespace owb::tsql {
 
@@ -78,7 +79,7 @@ struct WindowSpec {
     std::string frame;  // "ROWS BETWEEN ...", in upper case; "" when not written
 };
 
-struct Expr {
+struct Expr : Pooled<Expr> {
     ExprKind kind;
     int line = 0;
     std::string op;  // operator as written: "+", "<=", "<>", "ANY", "ALL"

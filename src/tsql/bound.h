@@ -51,7 +51,7 @@ enum class BoundKind : uint8_t {
     InQuery,  // args[0] in query
 };
 
-struct BoundExpr {
+struct BoundExpr : Pooled<BoundExpr> {
     BoundKind kind = BoundKind::Op;
     SqlType type;
     bool nullable = true;

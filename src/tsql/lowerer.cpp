@@ -92,7 +92,9 @@ std::string Lowerer::expression(const BoundExpr& e) {
     const std::string& p = e.pattern;
     for (size_t i = 0; i < p.size(); ++i) {
         if (p[i] != '$') {
-            out += p[i];
+            const size_t next = std::min(p.find('$', i), p.size());
+            out.append(p, i, next - i);
+            i = next - 1;
             continue;
         }
         if (p[i + 1] == '*') {  // the operands not named so far, comma separated

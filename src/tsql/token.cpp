@@ -14,13 +14,33 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+// What each byte may be part of.
+enum : uint8_t { kNameStart = 1, kNamePart = 2, kBlankStart = 4 };
+
+constexpr auto kClasses = [] {
+    std::array<uint8_t, 256> classes{};
+    for (int c = 0; c < 256; ++c) {
+        const bool start =
+            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '#' || c >= 0x80;
+        if (start) classes[c] |= kNameStart;
+        if (start || (c >= '0' && c <= '9') || c == '$' || c == '@') classes[c] |= kNamePart;
+    }
+    // Blanks, comments, the no-break space and the byte order mark begin with one of these.
+    for (const char c : std::string_view(" \t\r\n\f\v-/\xC2\xEF"))
+        classes[static_cast<unsigned char>(c)] |= kBlankStart;
+    return classes;
+}();
+
+bool isA(char c, uint8_t what) {
+    return (kClasses[static_cast<unsigned char>(c)] & what) != 0;
+}
+
 bool isNameStart(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '#' ||
-           static_cast<unsigned char>(c) >= 0x80;
+    return isA(c, kNameStart);
 }
 
 bool isNamePart(char c) {
-    return isNameStart(c) || isDigit(c) || c == '$' || c == '@';
+    return isA(c, kNamePart);
 }
 
 // Sorted, upper case.
@@ -92,6 +112,7 @@ class Reader {
     void skipBlanks() {
         while (pos_ < text_.size()) {
             const char c = text_[pos_];
+            if (!isA(c, kBlankStart)) return;
             if (c == '\n') newLine();
             if (c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v') {
                 ++pos_;
@@ -252,6 +273,7 @@ std::string unquoted(const Token& token) {
     char close = 0;
     if (token.kind == TokenKind::String || token.kind == TokenKind::NString) close = '\'';
     if (token.kind == TokenKind::QuotedName) close = token.text.data()[-1] == '"' ? '"' : ']';
+    if (!close || token.text.find(close) == std::string_view::npos) return std::string(token.text);
     std::string out;
     out.reserve(token.text.size());
     for (size_t i = 0; i < token.text.size(); ++i) {
