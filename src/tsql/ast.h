@@ -206,6 +206,14 @@ enum class StatementKind : uint8_t {
     RaiseError,
     Throw,
     TryCatch,
+    DeclareCursor,
+    OpenCursor,
+    FetchCursor,
+    CloseCursor,
+    DeallocateCursor,
+    Label,
+    Goto,
+    WaitFor,
 };
 
 struct VariableDeclaration {
@@ -305,8 +313,10 @@ struct Statement {
     bool ifExists = false;     // Drop
     bool unique = false;       // CreateIndex
     std::string indexName;     // CreateIndex, Drop INDEX
-    std::string option;        // SetOption: "NOCOUNT"
-    bool on = false;           // SetOption
+    std::string option;        // SetOption: "NOCOUNT"; FetchCursor: "NEXT"; Label, Goto
+    // SetOption; DeclareCursor: it scrolls; WaitFor: TIME; RaiseError: LOG
+    bool on = false;
+    bool local = false;  // DeclareCursor; RaiseError: SETERROR
 
     Statement(StatementKind k, int line) : kind(k), line(line) {}
 };

@@ -130,6 +130,7 @@ class Binder {
 
     // tables (binder_tables.cpp)
     std::unique_ptr<BoundFrom> bindFrom(const TableRef& ref, BoundQuery& q);
+    std::unique_ptr<BoundFrom> bindApplied(const TableRef& ref, BoundQuery& q);
     std::unique_ptr<BoundFrom> addSource(BoundQuery& q, std::unique_ptr<BoundSource> source,
                                          int line);
     std::unique_ptr<BoundSource> bindNamedTable(const TableRef& ref);
@@ -175,6 +176,7 @@ class Binder {
     int nextAlias_ = 0;
     int conditional_ = 0;  // depth in CASE and its like, where a conversion may never run
     int aggregateDepth_ = 0;
+    int applyDepth_ = 0;
     int windowDepth_ = 0;
     bool windowsAllowed_ = false;  // in the select list and ORDER BY
     int viewDepth_ = 0;

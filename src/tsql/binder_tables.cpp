@@ -50,16 +50,38 @@ std::unique_ptr<BoundFrom> Binder::bindFrom(const TableRef& ref, BoundQuery& q) 
         case TableRef::Join:
             break;
     }
-    if (ref.join == JoinKind::CrossApply || ref.join == JoinKind::OuterApply)
-        throw makeDbError(15281, {"APPLY"}, ref.line);
     auto join = std::make_unique<BoundFrom>();
     join->join = ref.join;
     join->left = bindFrom(*ref.left, q);
-    join->right = bindFrom(*ref.right, q);
-    if (ref.join != JoinKind::Inner && ref.join != JoinKind::Cross)
+    const bool apply = ref.join == JoinKind::CrossApply || ref.join == JoinKind::OuterApply;
+    join->right = apply ? bindApplied(*ref.right, q) : bindFrom(*ref.right, q);
+    if (ref.join != JoinKind::Inner && ref.join != JoinKind::Cross &&
+        ref.join != JoinKind::CrossApply)
         scopes_.back()->outerJoined = true;
     if (ref.on) join->on = bindCondition(*ref.on);
     return join;
+}
+
+// The right side of an APPLY sees the tables on its left.
+std::unique_ptr<BoundFrom> Binder::bindApplied(const TableRef& ref, BoundQuery& q) {
+    if (ref.kind != TableRef::Derived && ref.kind != TableRef::Function) return bindFrom(ref, q);
+    std::vector<const BoundSource*> outer;
+    for (const auto& scope : scopes_)
+        outer.insert(outer.end(), scope->sources.begin(), scope->sources.end());
+    std::unique_ptr<BoundSource> source;
+    if (ref.kind == TableRef::Derived) {
+        source = derivedSource(bindSubquery(*ref.query), ref.alias, ref.columnAliases, ref.line);
+    } else {
+        ++applyDepth_;
+        source = bindTableFunction(ref);
+        --applyDepth_;
+        if (source->table) return addSource(q, std::move(source), ref.line);
+    }
+    source->applied = true;
+    for (size_t i = 0; i < source->columns.size(); ++i)
+        source->columns[i].sqlName = "c" + std::to_string(i);
+    source->outer = std::move(outer);
+    return addSource(q, std::move(source), ref.line);
 }
 
 std::unique_ptr<BoundSource> Binder::tableSource(CatalogTablePtr table,
@@ -298,6 +320,20 @@ std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
         arguments[foldName(p.name)] = convert(std::move(value), p.type);
     }
     if (module->kind == ModuleKind::TableFunction) {
+        bool constant = true;
+        for (const auto& [name, value] : arguments) constant &= value->isConstant();
+        if (!constant && applyDepth_ > 0) {
+            auto source = std::make_unique<BoundSource>();
+            source->alias = newAlias();
+            source->exposedName = ref.alias.empty() ? ref.name.last() : ref.alias;
+            source->tableName = module->name;
+            for (const Parameter& p : definition.parameters)
+                source->applyArguments.push_back(std::move(arguments[foldName(p.name)]));
+            for (const ColumnDefinition& c : definition.returnsColumns)
+                source->columns.push_back({c.name, c.type, c.nullable.value_or(true),
+                                           "c" + std::to_string(source->columns.size())});
+            return source;
+        }
         TableCall call;
         call.function = module->name;
         call.sqlName = "temp.\"rows of " + foldName(module->name) + "~" +

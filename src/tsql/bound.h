@@ -28,6 +28,10 @@ struct BoundSource {
     std::string tableName;    // of a table or view, "" for a derived one
     CatalogTablePtr table;    // null for a derived one
     std::unique_ptr<BoundQuery> query;
+    // The right side of an APPLY: what it may name of the left one; a function has no query.
+    bool applied = false;
+    std::vector<const BoundSource*> outer;
+    std::vector<BoundPtr> applyArguments;
     bool checkOption = false;  // a view that checks what is written through it
     std::vector<BoundColumn> columns;
 };

@@ -11,8 +11,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 
 #include "base/utf8.h"
+#include "tsql/messages.h"
 #include "tsql/parser.h"
 #include "tsql/system_views.h"
 #include "tsql/types.h"
@@ -42,6 +44,7 @@ Executor::Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName, bool cr
 
 Executor::~Executor() {
     // Statements go before the connection does.
+    cursors_.clear();
     batches_.clear();
     recentTexts_.fill(nullptr);
     for (const CatalogModulePtr& m : catalog_.modules()) m->code.reset();
@@ -62,7 +65,8 @@ void Executor::cancel() {
 // The shape is the text with its literals taken out: texts of one shape share their plans.
 std::shared_ptr<CompiledBatch> Executor::findOrCompile(std::string_view batch) {
     // The very text that was run last of its shape needs no reading.
-    std::shared_ptr<CompiledBatch>& recent = recentTexts_[std::hash<std::string_view>{}(batch) % recentTexts_.size()];
+    std::shared_ptr<CompiledBatch>& recent =
+        recentTexts_[std::hash<std::string_view>{}(batch) % recentTexts_.size()];
     if (recent && recent->heldText == batch && recent->running == 0) return recent;
     std::shared_ptr<CompiledBatch> code = findShape(batch);
     if (code->cacheable) {
@@ -134,6 +138,7 @@ void Executor::checkAhead(Frame& frame, const std::vector<StatementPtr>& stateme
         try {
             switch (s->kind) {
                 case StatementKind::Query:
+                case StatementKind::DeclareCursor:
                     plan(frame, s.get(), [&](Planner& p) { return p.query(*s->query); });
                     break;
                 case StatementKind::Insert:
@@ -317,9 +322,19 @@ void Executor::noteError(const DbError& e) {
 // --- statements ---
 
 Executor::Flow Executor::runStatements(Frame& frame, const std::vector<StatementPtr>& statements) {
-    for (const StatementPtr& s : statements) {
+    for (size_t at = 0; at < statements.size(); ++at) {
+        const StatementPtr& s = statements[at];
         try {
             const Flow flow = runStatement(frame, *s);
+            if (flow == Flow::Goto) {
+                const auto label =
+                    std::find_if(statements.begin(), statements.end(), [&](const StatementPtr& l) {
+                        return l->kind == StatementKind::Label && l->option == goto_;
+                    });
+                if (label == statements.end()) return flow;
+                at = static_cast<size_t>(label - statements.begin());
+                continue;
+            }
             if (flow != Flow::Next) return flow;
         } catch (DbError& e) {
             if (e.line == 0) e.line = s->line;
@@ -344,6 +359,7 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
         case StatementKind::Continue:
         case StatementKind::Return:
         case StatementKind::TryCatch:
+        case StatementKind::Goto:
             return runControl(frame, s);
         default:
             break;
@@ -408,7 +424,7 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
             break;
         }
         case StatementKind::SetOption:
-            setOption(s);
+            setOption(frame, s);
             break;
         case StatementKind::Execute:
         case StatementKind::ExecuteText:
@@ -450,8 +466,21 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
             rowCount_ = 0;
             break;
         }
+        case StatementKind::DeclareCursor:
+        case StatementKind::OpenCursor:
+        case StatementKind::FetchCursor:
+        case StatementKind::CloseCursor:
+        case StatementKind::DeallocateCursor:
+            runCursor(frame, s);
+            break;
+        case StatementKind::WaitFor:
+            waitFor(frame, s);
+            break;
+        case StatementKind::Label:
+            return Flow::Next;
         case StatementKind::RaiseError:
             raiseError(frame, s);
+            keepsError = true;
             break;
         case StatementKind::Throw:
             throwStatement(frame, s);
@@ -476,7 +505,7 @@ Executor::Flow Executor::runControl(Frame& frame, const Statement& s) {
                 sqlite_->checkClock();
                 const Flow flow = runStatements(frame, s.body);
                 if (flow == Flow::Break) break;
-                if (flow == Flow::Return) return flow;
+                if (flow == Flow::Return || flow == Flow::Goto) return flow;
             }
             return Flow::Next;
         case StatementKind::Block:
@@ -485,6 +514,9 @@ Executor::Flow Executor::runControl(Frame& frame, const Statement& s) {
             return Flow::Break;
         case StatementKind::Continue:
             return Flow::Continue;
+        case StatementKind::Goto:
+            goto_ = s.option;
+            return Flow::Goto;
         case StatementKind::TryCatch:
             return runTryCatch(frame, s);
         default:
@@ -541,7 +573,7 @@ void Executor::tellCount() {
     if (result_ && !noCount_) result_->counts.push_back(rowCount_);
 }
 
-void Executor::setOption(const Statement& s) {
+void Executor::setOption(Frame& frame, const Statement& s) {
     if (s.option == "IDENTITY_INSERT") {
         identityInsert_ = s.on ? foldName(s.target.last()) : "";
         return;
@@ -550,6 +582,12 @@ void Executor::setOption(const Statement& s) {
         noCount_ = s.on;
         return;
     }
+    if (s.option == "ROWCOUNT") {
+        const SqlType big = SqlType::of(SqlKind::BigInt);
+        options_.rowCount = evaluate(frame, *s.value, &big).toInt();
+        return;
+    }
+    if (s.option == "DATEFIRST" && s.value && evaluate(frame, *s.value).toText() == "7") return;
     static constexpr const char* kAnyway[] = {"QUOTED_IDENTIFIER", "ARITHABORT",
                                               "NUMERIC_ROUNDABORT", "LOCK_TIMEOUT", "STATISTICS"};
     static constexpr const char* kOnlyOn[] = {"ANSI_NULLS",    "ANSI_PADDING",
@@ -574,37 +612,46 @@ void Executor::raiseError(Frame& frame, const Statement& s) {
     const Value message = evaluate(frame, *s.arguments[0].value);
     const auto severity = static_cast<int>(evaluate(frame, *s.arguments[1].value).toInt());
     const auto state = static_cast<int>(evaluate(frame, *s.arguments[2].value).toInt());
+    if (severity > 18 && !s.on) throw makeDbError(2754, {}, s.line);
     std::string text;
     if (message.isText()) {
-        const std::string format = message.asText();
-        size_t next = 3;
-        for (size_t i = 0; i < format.size(); ++i) {
-            if (format[i] != '%' || i + 1 >= format.size()) {
-                text += format[i];
-                continue;
-            }
-            const char kind = format[++i];
-            if (kind == '%')
-                text += '%';
-            else if (next < s.arguments.size())
-                text += evaluate(frame, *s.arguments[next++].value).toText();
-            else
-                text += "(null)";
-        }
+        std::vector<Value> values;
+        for (size_t i = 3; i < s.arguments.size(); ++i)
+            values.push_back(evaluate(frame, *s.arguments[i].value));
+        text = formatMessage(message.asText(), values);
     } else {
         text = "Error " + message.toText() + ", severity " + std::to_string(severity) + ", state " +
                std::to_string(state) +
-               " was raised, but no message with that error "
-               "number was found in sys.messages.";
-    }
-    if (severity <= 10) {
-        if (result_) result_->messages.push_back(text);
-        return;
+               " was raised, but no message with that error number was found in sys.messages. If "
+               "error is larger than 50000, make sure the user-defined message is added using "
+               "sp_addmessage.";
     }
     const int number = message.isText() ? 50000 : static_cast<int>(message.toInt());
-    DbError error(number, severity, state, s.line, text);
+    if (severity <= 10) {
+        if (result_) result_->messages.push_back(text);
+        lastError_ = s.local ? number : 0;
+        return;
+    }
+    DbError error(number, severity, std::max(state, 0), s.line, text);
     error.raised = true;
     throw error;
+}
+
+void Executor::waitFor(Frame& frame, const Statement& s) {
+    const SqlType time = SqlType::of(SqlKind::DateTime);
+    const DateTime until = evaluate(frame, *s.value, &time).asDate();
+    double seconds = until.tick / 300.0;
+    if (s.on) {
+        seconds -= statementTime().tick / 300.0;
+        if (seconds < 0) seconds += 86400;
+    }
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::duration<double>(seconds);
+    while (Clock::now() < end) {
+        sqlite_->checkClock();
+        const std::chrono::duration<double> left = end - Clock::now();
+        usleep(static_cast<useconds_t>(std::clamp(left.count(), 0.0, 0.05) * 1e6));
+    }
 }
 
 void Executor::throwStatement(Frame& frame, const Statement& s) {
@@ -621,6 +668,7 @@ void Executor::throwStatement(Frame& frame, const Statement& s) {
     const auto number = static_cast<int>(evaluate(frame, *s.arguments[0].value).toInt());
     const std::string text = evaluate(frame, *s.arguments[1].value).toText();
     const auto state = static_cast<int>(evaluate(frame, *s.arguments[2].value).toInt());
+    if (number < 50000) throw makeDbError(35100, {std::to_string(number)}, s.line);
     DbError error(number, 16, state, s.line, text);
     error.endsBatch = true;
     throw error;
@@ -661,7 +709,7 @@ Value Executor::systemValue(const std::string& name) {
     if (name == "NESTLEVEL") return Value(depth_);
     if (name == "SPID") return Value(static_cast<int64_t>(getpid() % 32768));
     if (name == "DATEFIRST") return Value(7);
-    if (name == "FETCH_STATUS") return Value(-1);
+    if (name == "FETCH_STATUS") return Value(fetchStatus_);
     if (name == "DB_ID") return Value(1);
     if (name == "DB_NAME") {
         std::string file = sqlite_->path().substr(sqlite_->path().find_last_of('/') + 1);

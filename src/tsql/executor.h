@@ -25,6 +25,22 @@ struct Frame {
     bool inFunction = false;
     std::string procedure;  // name, for errors
     Value returned;
+    std::map<std::string, std::shared_ptr<struct Cursor>> cursors;  // LOCAL ones
+};
+
+struct Cursor {
+    Cursor(const Statement& s, const Frame& frame);
+    ~Cursor();
+    Cursor(const Cursor&) = delete;
+    Cursor& operator=(const Cursor&) = delete;
+
+    const Statement& statement;
+    std::shared_ptr<CompiledBatch> code;  // that the statement stands in
+    std::vector<Value> variables;
+    ResultSet rows;
+    int64_t at = -1;
+    bool open = false;
+    bool scroll = false;
 };
 
 // Thrown by a lone SELECT that was planned on a catalog which another process has changed since.
@@ -80,6 +96,8 @@ class Executor final : public FunctionHost {
     Value callFunction(int id, int count, sqlite3_value** arguments) override;
     Value liveVariable(int index) override;
     void setVariable(int index, Value value) override;
+    void applyRows(ApplyPlan& plan, int count, sqlite3_value** arguments,
+                   AppliedRows& rows) override;
     Value systemValue(const std::string& name) override;
     DateTime statementTime() override;
     Value objectId(const std::string& name, const std::string& kind) override;
@@ -88,7 +106,7 @@ class Executor final : public FunctionHost {
     Value identityOf(const std::string& table) override;
 
   private:
-    enum class Flow { Next, Break, Continue, Return };
+    enum class Flow { Next, Break, Continue, Return, Goto };
 
     // --- batches (executor.cpp) ---
     std::shared_ptr<CompiledBatch> findOrCompile(std::string_view batch);
@@ -101,7 +119,8 @@ class Executor final : public FunctionHost {
     Flow runTryCatch(Frame& frame, const Statement& s);
     void noteError(const DbError& e);
     void tellCount();
-    void setOption(const Statement& s);
+    void setOption(Frame& frame, const Statement& s);
+    void waitFor(Frame& frame, const Statement& s);
     void raiseError(Frame& frame, const Statement& s);
     void throwStatement(Frame& frame, const Statement& s);
 
@@ -146,6 +165,9 @@ class Executor final : public FunctionHost {
     int64_t runPrepared(Frame& frame, Plan& plan, const std::string& sql);
     const Value& parameterValue(Frame& frame, const PlanParameter& p);
     void fillTables(Frame& frame, Plan& plan);
+    void runTableFunction(CatalogModule& module, std::vector<Value> arguments,
+                          const std::string& sqlName, bool inStatement);
+    void readApplied(sqlite3_stmt* statement, AppliedRows& rows);
     // `rows`: a WITH clause that names the rows on their way in "src"; "" when not known.
     [[noreturn]] void constraintFailure(const DbError& e, const CatalogTable& table,
                                         StatementKind writes, const std::string& rows = "",
@@ -155,6 +177,12 @@ class Executor final : public FunctionHost {
     void loadIdentity(const CatalogTable& table);
     void storeIdentity(const CatalogTable& table);
     void assignVariable(Frame& frame, const std::string& name, Value value, int line);
+
+    // --- cursors (executor_cursors.cpp) ---
+    void runCursor(Frame& frame, const Statement& s);
+    std::shared_ptr<Cursor> findCursor(Frame& frame, const std::string& name);
+    void openCursor(Frame& frame, Cursor& cursor);
+    void fetchCursor(Frame& frame, Cursor& cursor, const Statement& s);
 
     // --- definitions (executor_definitions.cpp) ---
     void createTable(const Statement& s);
@@ -241,7 +269,10 @@ class Executor final : public FunctionHost {
     std::vector<std::string> savepoints_;
     bool doomed_ = false;                // the open transaction can only be rolled back
     bool statementTransaction_ = false;  // the level is that of a statement whose triggers run
-    int insertExec_ = 0;                 // INSERT ... EXEC under way
+    std::map<std::string, std::shared_ptr<Cursor>> cursors_;
+    int fetchStatus_ = 0;
+    std::string goto_;    // label on the way to
+    int insertExec_ = 0;  // INSERT ... EXEC under way
     // What SET changes until the procedure or text that says so ends.
     struct Options {
         bool xactAbort = false;

@@ -80,33 +80,46 @@ void Executor::fillTables(Frame& frame, Plan& plan) {
     for (const Plan::TableFill& fill : plan.fills) {
         CatalogModulePtr module = catalog_.findModule(fill.function);
         if (!module) throw makeDbError(208, {fill.function});
-        Frame callee = moduleFrame(*module);
-        for (size_t i = 0; i < fill.arguments.size(); ++i) {
-            const PlanParameter& p = fill.arguments[i];
+        std::vector<Value> arguments;
+        for (const PlanParameter& p : fill.arguments) {
             const Value& v = parameterValue(frame, p);
-            callee.variables[i] = convertValue(p.negated ? negated(v) : v, p.from, p.to);
+            arguments.push_back(convertValue(p.negated ? negated(v) : v, p.from, p.to));
         }
-        const ModuleDefinition& definition = *callee.code->definition;
-        CatalogTable table =
-            describeTable(definition.returnsVariable, definition.returnsColumns, {});
-        // The variable's table belongs to the call, the rows stay for the statement.
-        table.sqlName = fill.sqlName;
-        sqlite_->run("DROP TABLE IF EXISTS " + fill.sqlName);
-        sqlite_->run(tableDdl(table, fill.sqlName));
-        std::map<std::string, CatalogTablePtr> pseudo;
-        table.temporary = true;
-        pseudo[foldName(table.name)] = std::make_shared<CatalogTable>(table);
-        callee.pseudoTables = &pseudo;
-        ++tryDepth_;  // an error in there is the statement's
-        try {
-            runScope(callee);
-        } catch (...) {
-            --tryDepth_;
-            throw;
-        }
-        --tryDepth_;
-        callee.code->plans.clear();
+        runTableFunction(*module, std::move(arguments), fill.sqlName, false);
     }
+}
+
+void Executor::runTableFunction(CatalogModule& module, std::vector<Value> arguments,
+                                const std::string& sqlName, bool inStatement) {
+    Frame callee = moduleFrame(module);
+    for (size_t i = 0; i < arguments.size(); ++i) callee.variables[i] = std::move(arguments[i]);
+    const ModuleDefinition& definition = *callee.code->definition;
+    CatalogTable table = describeTable(definition.returnsVariable, definition.returnsColumns, {});
+    // The variable's table belongs to the call, the rows stay for the statement.
+    table.sqlName = sqlName;
+    if (inStatement) {  // SQLite drops no table while a statement runs
+        if (sqlite_->number("SELECT 1 FROM sqlite_temp_master WHERE name = " +
+                            sqliteText(sqlName.substr(6, sqlName.size() - 7))))
+            sqlite_->run("DELETE FROM " + sqlName);
+        else
+            sqlite_->run(tableDdl(table, sqlName));
+    } else {
+        sqlite_->run("DROP TABLE IF EXISTS " + sqlName);
+        sqlite_->run(tableDdl(table, sqlName));
+    }
+    std::map<std::string, CatalogTablePtr> pseudo;
+    table.temporary = true;
+    pseudo[foldName(table.name)] = std::make_shared<CatalogTable>(table);
+    callee.pseudoTables = &pseudo;
+    ++tryDepth_;  // an error in there is the statement's
+    try {
+        runScope(callee);
+    } catch (...) {
+        --tryDepth_;
+        throw;
+    }
+    --tryDepth_;
+    callee.code->plans.clear();
 }
 
 SqliteStatement Executor::acquire(Frame& frame, Plan& plan) {
@@ -157,6 +170,7 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
     if (!p.variables.empty()) {
         int64_t rows = 0;
         while (sqlite_->step(lease.get())) {
+            if (options_.rowCount > 0 && rows == options_.rowCount) break;
             ++rows;
             for (size_t i = 0; i < p.variables.size(); ++i)
                 frame.variables[p.variables[i]] =
@@ -179,6 +193,7 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
         if (!catalog_.stillCurrent(p.readsFile)) throw StaleCatalog();
     }
     for (; row; row = sqlite_->step(lease.get())) {
+        if (options_.rowCount > 0 && static_cast<int64_t>(set.rows) == options_.rowCount) break;
         ++set.rows;
         for (int i = 0; i < width; ++i)
             set.cells.push_back(columnValue(lease.get(), i, p.columns[i].type));

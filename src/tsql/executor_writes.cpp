@@ -94,6 +94,8 @@ int64_t Executor::runPrepared(Frame& frame, Plan& p, const std::string& sql) {
 void Executor::runWrite(Frame& frame, const Statement& s) {
     if (functionDepth_ > 0) throw makeDbError(443, {"INSERT"}, s.line);
     if (s.target.last()[0] != '@') requireSoundTransaction();
+    if (options_.rowCount > 0 && s.kind != StatementKind::Truncate)
+        throw makeDbError(15281, {"A statement that writes under SET ROWCOUNT"}, s.line);
     if (s.kind == StatementKind::Truncate) {
         CatalogTablePtr table = catalog_.findTable(s.target.last());
         if (!table) throw makeDbError(4701, {s.target.last()}, s.line);

@@ -4,6 +4,7 @@
 #include <random>
 
 #include "base/utf8.h"
+#include "tsql/apply.h"
 #include "tsql/types.h"
 
 namespace owb::tsql {
@@ -153,6 +154,7 @@ void registerFunctions(Sqlite& sqlite, FunctionHost& host) {
     registerTextFunctions(sqlite);
     registerDateFunctions(sqlite);
     registerRowFunctions(sqlite);
+    registerApply(sqlite, host);
 
     // A user's function gives the same value for the same arguments throughout one statement.
     registerHostFunction(

@@ -9,6 +9,12 @@
 
 namespace owb::tsql {
 
+struct ApplyPlan;
+struct ValueDeleter {
+    void operator()(sqlite3_value* v) const { sqlite3_value_free(v); }
+};
+using AppliedRows = std::vector<std::vector<std::unique_ptr<sqlite3_value, ValueDeleter>>>;
+
 // What functions ask of the running session.
 class FunctionHost {
   public:
@@ -16,6 +22,8 @@ class FunctionHost {
     virtual Value callFunction(int id, int count, sqlite3_value** arguments) = 0;
     virtual Value liveVariable(int index) = 0;
     virtual void setVariable(int index, Value value) = 0;
+    virtual void applyRows(ApplyPlan& plan, int count, sqlite3_value** arguments,
+                           AppliedRows& rows) = 0;
     virtual Value systemValue(const std::string& name) = 0;
     virtual DateTime statementTime() = 0;
     virtual Value objectId(const std::string& name, const std::string& kind) = 0;

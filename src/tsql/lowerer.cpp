@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "tsql/apply.h"
 #include "tsql/types.h"
 
 namespace owb::tsql {
@@ -72,6 +73,13 @@ std::string Lowerer::expression(const BoundExpr& e) {
         case BoundKind::LiveVariable:
             return "t_var(" + std::to_string(e.index) + ")";
         case BoundKind::Column:
+            if (outer_ && std::find(outer_->begin(), outer_->end(), e.source) != outer_->end()) {
+                PlanParameter p;
+                p.kind = PlanParameter::Outer;
+                p.index = static_cast<int>(outerColumns_.size());
+                outerColumns_.push_back(&e);
+                return parameter(std::move(p));
+            }
             return e.source->alias + "." + e.source->columns[e.column].sqlName;
         case BoundKind::ScalarQuery: {
             if (e.query->singleRow) return "(" + query(*e.query, false) + ")";
@@ -163,7 +171,29 @@ std::string Lowerer::filter(const BoundExpr& e) {
     return expression(e);
 }
 
+std::string Lowerer::applied(const BoundSource& s) {
+    if (!applies_) throw makeDbError(15281, {"APPLY here"});
+    auto plan = std::make_unique<ApplyPlan>();
+    std::string call = "t_apply(" + std::to_string(reinterpret_cast<intptr_t>(plan.get()));
+    size_t arguments = s.applyArguments.size();
+    if (!s.query) {
+        plan->function = s.tableName;
+        for (const BoundPtr& a : s.applyArguments) call += "," + expression(*a);
+    } else {
+        Lowerer inner(plan->parameters, applies_);
+        inner.outer_ = &s.outer;
+        plan->sql = inner.query(*s.query, true);
+        arguments = inner.outerColumns_.size();
+        for (const BoundExpr* column : inner.outerColumns_) call += "," + expression(*column);
+    }
+    if (arguments > kMostApplied || s.columns.size() > kMostApplied)
+        throw makeDbError(15281, {"An APPLY of more than 64 columns"});
+    applies_->push_back(std::move(plan));
+    return call + ") AS " + s.alias;
+}
+
 std::string Lowerer::sourceText(const BoundSource& s) {
+    if (s.applied) return applied(s);
     if (s.table) return s.table->sqlName + " AS " + s.alias;
     return "(" + query(*s.query, true) + ") AS " + s.alias;
 }
@@ -180,6 +210,12 @@ std::string Lowerer::fromItem(const BoundFrom& f) {
             break;
         case JoinKind::Full:
             word = " FULL JOIN ";
+            break;
+        case JoinKind::CrossApply:
+            word = " CROSS JOIN ";
+            break;
+        case JoinKind::OuterApply:
+            word = " LEFT JOIN ";
             break;
         default:
             break;

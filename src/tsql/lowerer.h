@@ -10,16 +10,27 @@ namespace owb::tsql {
 
 // Where the value of parameter ?n comes from when the plan runs.
 struct PlanParameter {
-    enum Kind : uint8_t { Literal, Variable, Constant } kind = Constant;
+    enum Kind : uint8_t { Literal, Variable, Constant, Outer } kind = Constant;
     int index = 0;  // literal slot or variable
     Value constant;
     SqlType from, to;
     bool negated = false;
 };
 
+// The right side of an APPLY: a query whose Outer parameters are columns of the left side, or a
+// table function. Its address stands in the SQL that uses it.
+struct ApplyPlan {
+    std::string sql;
+    std::vector<PlanParameter> parameters;
+    std::string function;
+    std::vector<SqliteStatement> idle;
+};
+using ApplyPlans = std::vector<std::unique_ptr<ApplyPlan>>;
+
 class Lowerer {
   public:
-    explicit Lowerer(std::vector<PlanParameter>& parameters) : parameters_(parameters) {}
+    explicit Lowerer(std::vector<PlanParameter>& parameters, ApplyPlans* applies = nullptr)
+        : parameters_(parameters), applies_(applies) {}
 
     std::string expression(const BoundExpr& e);
     // A condition of which only the rows that fit count: unknown is as good as false.
@@ -38,7 +49,12 @@ class Lowerer {
     std::string orderBy(const BoundQuery& q);
     std::string parameter(PlanParameter p);
 
+    std::string applied(const BoundSource& s);
+
     std::vector<PlanParameter>& parameters_;
+    ApplyPlans* applies_;
+    const std::vector<const BoundSource*>* outer_ = nullptr;  // while an applied query is written
+    std::vector<const BoundExpr*> outerColumns_;              // used of them
 };
 
 }  // namespace owb::tsql

@@ -70,6 +70,14 @@ class Parser {
     bool atStatementStart() const;
     int parseOptionClause();
 
+    // --- cursors and jumps (parser_cursors.cpp) ---
+    StatementPtr parseCursor(std::string name, bool local);
+    void parseCursorName(Statement& s);
+    StatementPtr parseCursorUse();
+    StatementPtr parseLabel();
+    StatementPtr parseGoto();
+    StatementPtr parseWaitFor();
+
     // --- definitions (parser_definitions.cpp) ---
     StatementPtr parseCreate();
     StatementPtr parseCreateTable();

@@ -16,6 +16,7 @@ constexpr const char* kStatementWords[] = {
 }  // namespace
 
 bool Parser::atStatementStart() const {
+    if (isPlainName() && isOperator(":", 1)) return true;  // a label
     if (peek().kind != TokenKind::Name) return false;
     for (const char* word : kStatementWords)
         if (isWord(word)) return true;
@@ -52,6 +53,14 @@ StatementPtr Parser::parseStatement() {
         case StatementKind::Print:
         case StatementKind::RaiseError:
         case StatementKind::Throw:
+        case StatementKind::DeclareCursor:
+        case StatementKind::OpenCursor:
+        case StatementKind::FetchCursor:
+        case StatementKind::CloseCursor:
+        case StatementKind::DeallocateCursor:
+        case StatementKind::Label:
+        case StatementKind::Goto:
+        case StatementKind::WaitFor:
             break;
         default:
             batch_.mayWrite = true;
@@ -154,6 +163,11 @@ StatementPtr Parser::parseStatementHere() {
         if (!s->value && s->target.empty()) syntaxError();
         return s;
     }
+    if (isWord("OPEN") || isWord("CLOSE") || isWord("FETCH") || isWord("DEALLOCATE"))
+        return parseCursorUse();
+    if (isWord("GOTO")) return parseGoto();
+    if (isWord("WAITFOR")) return parseWaitFor();
+    if (isPlainName() && isOperator(":", 1)) return parseLabel();
     // A procedure call may leave EXEC out when it begins the batch.
     if (isPlainName() && batch_.statementCount == 0) {
         StatementPtr s = newStatement(StatementKind::Execute);
@@ -293,6 +307,10 @@ void Parser::parseOutput(Statement& s, std::initializer_list<const char*> rows) 
 }
 
 StatementPtr Parser::parseDeclare() {
+    if (isPlainName(1)) {
+        take();
+        return parseCursor(expectName(), false);
+    }
     StatementPtr s = newStatement(StatementKind::Declare);
     take();
     do {
@@ -300,6 +318,7 @@ StatementPtr Parser::parseDeclare() {
         VariableDeclaration v;
         v.name = take().text;
         takeWord("AS");
+        if (takeWord("CURSOR")) continue;  // comes about by SET
         if (takeWord("TABLE")) {
             v.isTable = true;
             parseTableElements(v.tableColumns, v.tableConstraints);
@@ -322,6 +341,7 @@ StatementPtr Parser::parseSet() {
             s->op = take().text.substr(0, 1);
         else
             expectOperator("=");
+        if (isWord("CURSOR")) return parseCursor(s->variable, true);
         s->value = parseExpression();
         return s;
     }
@@ -332,7 +352,7 @@ StatementPtr Parser::parseSet() {
     while (!isWord("ON") && !isWord("OFF") && peek().kind == TokenKind::Name && !atStatementStart())
         s->option += " " + upperCase(take().text);
     if (s->option == "DATEFIRST" || s->option == "LOCK_TIMEOUT" || s->option == "ROWCOUNT") {
-        take();
+        s->value = parseUnary();
         return s;
     }
     if (s->option.starts_with("DATEFORMAT") || s->option.starts_with("LANGUAGE")) return s;
@@ -466,10 +486,12 @@ StatementPtr Parser::parseRaiseError() {
         s->arguments.push_back(std::move(a));
     } while (takeOperator(","));
     if (parenthesised) expectOperator(")");
-    if (isWord("WITH")) {
-        take();
-        do take();
-        while (takeOperator(","));
+    if (takeWord("WITH")) {
+        do {
+            if (isWord("LOG")) s->on = true;
+            if (isWord("SETERROR")) s->local = true;
+            take();
+        } while (takeOperator(","));
     }
     return s;
 }

@@ -16,8 +16,9 @@ namespace owb::tsql {
 struct Plan {
     std::string sql;
     std::vector<PlanParameter> parameters;
+    ApplyPlans applies;
     Columns columns;             // what comes back
-    std::vector<int> variables;   // assigned by the columns, when not empty
+    std::vector<int> variables;  // assigned by the columns, when not empty
 
     // --- statements that write ---
     StatementKind writes = StatementKind::Query;  // Insert, Update or Delete

@@ -45,6 +45,34 @@ void extractSteady(BoundPtr& e, std::vector<BoundPtr>& inner) {
 
 }  // namespace
 
+namespace {
+
+void collectLabels(const std::vector<StatementPtr>& statements, StatementKind kind,
+                   std::vector<const Statement*>& found) {
+    for (const StatementPtr& s : statements) {
+        if (s->kind == kind) found.push_back(s.get());
+        collectLabels(s->body, kind, found);
+        collectLabels(s->otherwise, kind, found);
+    }
+}
+
+// Every GOTO must find its label.
+void checkLabels(const std::vector<StatementPtr>& statements) {
+    std::vector<const Statement*> labels, jumps;
+    collectLabels(statements, StatementKind::Label, labels);
+    collectLabels(statements, StatementKind::Goto, jumps);
+    for (size_t i = 0; i < labels.size(); ++i)
+        for (size_t j = 0; j < i; ++j)
+            if (labels[i]->option == labels[j]->option)
+                throw makeDbError(132, {labels[i]->option}, labels[i]->line);
+    for (const Statement* jump : jumps)
+        if (std::none_of(labels.begin(), labels.end(),
+                         [&](const Statement* l) { return l->option == jump->option; }))
+            throw makeDbError(133, {jump->option}, jump->line);
+}
+
+}  // namespace
+
 int CompiledBatch::findVariable(const std::string& name) const {
     const std::string folded = foldName(name);
     for (size_t i = 0; i < variables.size(); ++i)
@@ -65,8 +93,10 @@ std::shared_ptr<CompiledBatch> compileBatch(std::string text) {
         for (const Parameter& p : code->definition->parameters)
             code->variables.push_back({p.name, p.type});
         collectVariables(code->definition->body, *code);
+        checkLabels(code->definition->body);
     } else {
         collectVariables(code->ast.statements, *code);
+        checkLabels(code->ast.statements);
     }
     return code;
 }
@@ -103,7 +133,7 @@ std::unique_ptr<Plan> Planner::value(const Expr& e, const SqlType* target) {
     BoundPtr v = binder.bindValue(e);
     if (target) v = binder.convert(std::move(v), *target);
     plan->columns.push_back({"", v->type, true});
-    plan->sql = "SELECT " + Lowerer(plan->parameters).expression(*v);
+    plan->sql = "SELECT " + Lowerer(plan->parameters, &plan->applies).expression(*v);
     finish(binder, *plan);
     return plan;
 }
@@ -113,7 +143,7 @@ std::unique_ptr<Plan> Planner::condition(const Expr& e) {
     Binder binder(context_);
     BoundPtr v = binder.bindCondition(e);
     plan->columns.push_back({"", SqlType::of(SqlKind::Int), true});
-    plan->sql = "SELECT " + Lowerer(plan->parameters).expression(*v);
+    plan->sql = "SELECT " + Lowerer(plan->parameters, &plan->applies).expression(*v);
     finish(binder, *plan);
     return plan;
 }
@@ -145,13 +175,13 @@ std::unique_ptr<Plan> Planner::query(const Query& query) {
         if (context_.literals)
             for (LiteralSlot& slot : *context_.literals)
                 if (slot.type.isText()) slot.fixed = true;
-        plan->sql = Lowerer(plan->parameters).query(*q, false);
+        plan->sql = Lowerer(plan->parameters, &plan->applies).query(*q, false);
         return plan;
     }
     if (live)
         assigningQuery(*q, *plan);
     else
-        plan->sql = Lowerer(plan->parameters).query(*q, false);
+        plan->sql = Lowerer(plan->parameters, &plan->applies).query(*q, false);
     return plan;
 }
 
@@ -176,7 +206,7 @@ void Planner::assigningQuery(BoundQuery& q, Plan& plan) {
         q.columns.push_back({"", inner[i]->type, true, "c" + std::to_string(i)});
         q.items.push_back({std::move(inner[i]), "", -1});
     }
-    Lowerer lowerer(plan.parameters);
+    Lowerer lowerer(plan.parameters, &plan.applies);
     plan.sql = "WITH s AS MATERIALIZED (" + lowerer.query(q, true) + ") SELECT ";
     for (size_t i = 0; i < outer.size(); ++i)
         plan.sql += (i ? ", " : "") + lowerer.expression(*outer[i].expr);
@@ -249,7 +279,7 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
         if (std::find(columns.begin(), columns.end(), static_cast<int>(i)) == columns.end())
             omitted.push_back(static_cast<int>(i));
 
-    Lowerer lowerer(plan->parameters);
+    Lowerer lowerer(plan->parameters, &plan->applies);
     std::string names, omittedValues;
     std::vector<int> given;
     for (int c : columns) names += (names.empty() ? "" : ",") + sqliteName(table->columns[c].name);
@@ -360,7 +390,7 @@ std::unique_ptr<Plan> Planner::output(const Query& query) {
     if (q->sources.size() == 2)
         q->where = binder.op("(" + row + " = " + q->sources[1]->alias + ".rowid)",
                              SqlType::of(SqlKind::Bit), {});
-    plan->sql = Lowerer(plan->parameters).query(*q, false) + " ORDER BY " + row;
+    plan->sql = Lowerer(plan->parameters, &plan->applies).query(*q, false) + " ORDER BY " + row;
     return plan;
 }
 
@@ -426,7 +456,7 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
     for (const std::string& name : table.triggers)
         if (context_.catalog.findModule(name)->onUpdate) plan->triggers.push_back(name);
 
-    Lowerer lowerer(plan->parameters);
+    Lowerer lowerer(plan->parameters, &plan->applies);
     if (!snapshot && plan->triggers.empty() && !plan->stepwise) {
         plan->sql = "UPDATE " + table.sqlName + " AS " + target.source->alias + " SET ";
         for (size_t i = 0; i < sets.size(); ++i)
@@ -471,7 +501,7 @@ std::unique_ptr<Plan> Planner::remove(const Statement& s) {
     for (const std::string& name : table.triggers)
         if (context_.catalog.findModule(name)->onDelete) plan->triggers.push_back(name);
 
-    Lowerer lowerer(plan->parameters);
+    Lowerer lowerer(plan->parameters, &plan->applies);
     plan->stepwise = s.output != nullptr;
     const bool plain = target.implicit && !s.top && plan->triggers.empty() && !plan->stepwise &&
                        !(target.scope->where && target.scope->where->userFunction);

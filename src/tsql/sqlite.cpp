@@ -3,8 +3,8 @@
 #include <sys/stat.h>
 
 #include <cmath>
-#include <ctime>
 #include <cstring>
+#include <ctime>
 
 #include "base/utf8.h"
 
@@ -44,9 +44,10 @@ Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeco
     // for the memory in use: both would cost more than the statements of a screen.
     static const int quick = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
     (void)quick;
-    const int flags = SQLITE_OPEN_NOMUTEX | (readOnly
-                          ? SQLITE_OPEN_READONLY
-                          : SQLITE_OPEN_READWRITE | (create || memory ? SQLITE_OPEN_CREATE : 0));
+    const int flags =
+        SQLITE_OPEN_NOMUTEX |
+        (readOnly ? SQLITE_OPEN_READONLY
+                  : SQLITE_OPEN_READWRITE | (create || memory ? SQLITE_OPEN_CREATE : 0));
     const int rc = sqlite3_open_v2(path.c_str(), &db_, flags, nullptr);
     if (rc != SQLITE_OK) {
         const std::string reason = db_ ? sqlite3_errmsg(db_) : "out of memory";
