@@ -165,6 +165,10 @@ constexpr std::array kErrors = {
     ErrorText{530, 16,
               "The statement terminated. The maximum recursion % has been exhausted before "
               "statement completion."},
+    ErrorText{535, 16,
+              "The datediff function resulted in an overflow. The number of dateparts separating "
+              "two date/time instances is too large. Try to use datediff with a less precise "
+              "datepart."},
     ErrorText{537, 16, "Invalid length parameter passed to the LEFT or SUBSTRING function."},
     ErrorText{544, 16,
               "Cannot insert explicit value for identity column in table '%' when IDENTITY_INSERT "
@@ -360,6 +364,9 @@ constexpr std::array kErrors = {
     ErrorText{9828, 16,
               "The second and third arguments of the TRANSLATE built-in function must contain an "
               "equal number of characters."},
+    ErrorText{9829, 16,
+              "STRING_AGG aggregation result exceeded the limit of 8000 bytes. Use LOB types to "
+              "avoid result truncation."},
     ErrorText{10705, 15, "Subqueries are not allowed in the OUTPUT clause."},
     ErrorText{10709, 16,
               "The number of columns for each row in a table value constructor must be the same."},

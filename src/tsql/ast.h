@@ -87,6 +87,7 @@ struct Expr : Pooled<Expr> {
     std::vector<ExprPtr> args;
     QueryPtr query;
     std::unique_ptr<WindowSpec> over;
+    std::vector<OrderItem> within;  // WITHIN GROUP (ORDER BY ...)
     SqlType type;  // Cast
     int literal = -1;
     bool negated = false;

@@ -638,6 +638,9 @@ BoundPtr Binder::bindCase(const Expr& e) {
         all.push_back(&r);
         nullable |= r->nullable;
     }
+    if (std::all_of(results.begin(), results.end(),
+                    [](const BoundPtr& r) { return r->type.kind == SqlKind::Null; }))
+        throw makeDbError(8133, {}, e.line);
     const SqlType type = unify(all);
     --conditional_;
     std::string pattern = "CASE";

@@ -153,6 +153,7 @@ class Binder {
     BoundPtr bindCase(const Expr& e);
     BoundPtr bindFunction(const Expr& e);
     BoundPtr bindAggregate(const Expr& e, const std::string& name);
+    BoundPtr bindStringAggregate(const Expr& e, BoundPtr value);
     BoundPtr bindWindow(const Expr& e, const std::string& name);
     BoundPtr bindUserFunction(const Expr& e);
     BoundPtr bindIn(const Expr& e);

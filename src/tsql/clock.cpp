@@ -96,7 +96,7 @@ std::string clockByStyle(int64_t clock, const SqlType& type, int style) {
     const SqlType date = SqlType::of(SqlKind::Date);
     if (timeOnly) {
         if (time.empty()) throw makeDbError(281, {std::to_string(style), type.name()});
-        return time;
+        return time[0] == ' ' ? time.substr(1) : time;
     }
     if (style == 8 || style == 24 || style == 108 || style == 14 || style == 114) return time;
     if (style == 22 || style > 127) return dateByStyle(dateTimeOfClock(clock), type, style);

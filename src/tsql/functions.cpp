@@ -1,6 +1,7 @@
 // Registration, conversions, and the functions that ask the session.
 #include "tsql/functions.h"
 
+#include <ctime>
 #include <random>
 
 #include "base/utf8.h"
@@ -153,6 +154,9 @@ void registerFunctions(Sqlite& sqlite, FunctionHost& host) {
     registerNumberFunctions(sqlite);
     registerTextFunctions(sqlite);
     registerDateFunctions(sqlite);
+    registerClockFunctions(sqlite);
+    registerFormatFunction(sqlite);
+    registerAggregates(sqlite);
     registerRowFunctions(sqlite);
     registerApply(sqlite, host);
 
@@ -188,6 +192,16 @@ void registerFunctions(Sqlite& sqlite, FunctionHost& host) {
     registerHostFunction(
         sqlite, host, "t_now", 0,
         [](FunctionHost& h, int, sqlite3_value**) { return Value(h.statementTime()); }, true);
+    registerHostFunction(
+        sqlite, host, "t_utcnow", 0,
+        [](FunctionHost& h, int, sqlite3_value**) {
+            const std::time_t now = std::time(nullptr);
+            std::tm local{};
+            localtime_r(&now, &local);
+            return Value(DateTime::fromDays(h.statementTime().toDays() -
+                                            static_cast<double>(local.tm_gmtoff) / 86400));
+        },
+        true);
     registerHostFunction(
         sqlite, host, "t_objectid", 2,
         [](FunctionHost& h, int, sqlite3_value** a) {

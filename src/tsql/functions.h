@@ -37,6 +37,9 @@ void registerFunctions(Sqlite& sqlite, FunctionHost& host);
 void registerNumberFunctions(Sqlite& sqlite);
 void registerTextFunctions(Sqlite& sqlite);
 void registerDateFunctions(Sqlite& sqlite);
+void registerClockFunctions(Sqlite& sqlite);
+void registerFormatFunction(Sqlite& sqlite);
+void registerAggregates(Sqlite& sqlite);
 void registerRowFunctions(Sqlite& sqlite);
 
 // Registers `body(context, count, arguments)` under a name. Throwing DbError ends the statement.

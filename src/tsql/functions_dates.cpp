@@ -81,6 +81,7 @@ int64_t weekNumber(int32_t day) {                               // weeks from Su
     return sinceSunday >= 0 ? sinceSunday / 7 : (sinceSunday - 6) / 7;
 }
 
+template <bool kBig>
 void dateDiff(sqlite3_context* c, int, sqlite3_value** a) {
     if (anyNull(3, a)) return sqlite3_result_null(c);
     const std::string_view part = argumentText(a[0]);
@@ -109,11 +110,7 @@ void dateDiff(sqlite3_context* c, int, sqlite3_value** a) {
         r = days * 86400000 + y.milliseconds() - x.milliseconds();
     else
         r = days;
-    if (r > INT32_MAX || r < INT32_MIN)
-        throw DbError(535, 16, 1, 0,
-                      "The datediff function resulted in an overflow. The number of dateparts "
-                      "separating two date/time instances is too large. Try to use datediff with "
-                      "a less precise datepart.");
+    if (!kBig && (r > INT32_MAX || r < INT32_MIN)) throw makeDbError(535);
     sqlite3_result_int64(c, r);
 }
 
@@ -167,26 +164,16 @@ void endOfMonth(sqlite3_context* c, int, sqlite3_value** a) {
     sqlite3_result_int64(c, DateTime::dayNumber(d.year, d.month, daysInMonth(d.year, d.month)));
 }
 
-void dateFromParts(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(3, a)) return sqlite3_result_null(c);
-    const int y = sqlite3_value_int(a[0]), m = sqlite3_value_int(a[1]), d = sqlite3_value_int(a[2]);
-    if (y < 1 || y > 9999 || m < 1 || m > 12 || d < 1 || d > daysInMonth(y, m))
-        throw DbError(289, 16, 1, 0,
-                      "Cannot construct data type date, some of the arguments have values which "
-                      "are not valid.");
-    sqlite3_result_int64(c, DateTime::dayNumber(y, m, d));
-}
-
 }  // namespace
 
 void registerDateFunctions(Sqlite& sqlite) {
     registerFunction(sqlite, "t_date", 1, normalize);
     registerFunction(sqlite, "t_dateadd", 3, dateAdd);
-    registerFunction(sqlite, "t_datediff", 3, dateDiff);
+    registerFunction(sqlite, "t_datediff", 3, dateDiff<false>);
+    registerFunction(sqlite, "t_datediffbig", 3, dateDiff<true>);
     registerFunction(sqlite, "t_datepart", 2, datePart);
     registerFunction(sqlite, "t_datename", 2, dateName);
     registerFunction(sqlite, "t_eomonth", 2, endOfMonth);
-    registerFunction(sqlite, "t_dateparts", 3, dateFromParts);
 }
 
 }  // namespace owb::tsql

@@ -1,5 +1,6 @@
 // Checked whole-number arithmetic, exact numeric arithmetic, rounding and mathematics.
 #include <cmath>
+#include <random>
 
 #include "base/number_text.h"
 #include "tsql/functions.h"
@@ -228,6 +229,8 @@ void mathFunction(sqlite3_context* context, int n, sqlite3_value** a) {
         r = std::cos(x);
     else if (name == "TAN")
         r = std::tan(x);
+    else if (name == "COT")
+        r = 1 / std::tan(x);
     else if (name == "ASIN")
         r = std::asin(x);
     else if (name == "ACOS")
@@ -246,6 +249,21 @@ void mathFunction(sqlite3_context* context, int n, sqlite3_value** a) {
         throw DbError(3623, 16, 1, 0, "An invalid floating point operation occurred.");
     if (std::isinf(r)) throw makeDbError(8115, {"expression", "float"});
     sqlite3_result_double(context, r);
+}
+
+// RAND: two multiplicative generators, the second of which always starts at the same place.
+void randomFunction(sqlite3_context* context, int n, sqlite3_value** a) {
+    static thread_local int64_t first = std::random_device{}() % 2147483562 + 1, second = 67890;
+    if (n > 0) {
+        if (anyNull(1, a)) return sqlite3_result_null(context);
+        first = std::max<int64_t>(1, std::llabs(sqlite3_value_int64(a[0])) % 2147483563);
+        second = 67890;
+    }
+    first = first * 40014 % 2147483563;
+    second = second * 40692 % 2147483399;
+    int64_t r = first - second;
+    if (r < 1) r += 2147483562;
+    sqlite3_result_double(context, static_cast<double>(r) * 4.656613e-10);
 }
 
 // --- aggregates over wide numbers ---
@@ -309,6 +327,7 @@ void registerNumberFunctions(Sqlite& sqlite) {
     registerFunction(sqlite, "t_round", 4, roundFunction);
     registerFunction(sqlite, "t_sign", 2, signFunction);
     registerFunction(sqlite, "t_math", -1, mathFunction);
+    registerFunction(sqlite, "t_rand", -1, randomFunction, false);
     sqlite3_create_window_function(sqlite.handle(), "t_nsum", 1, SQLITE_UTF8, nullptr,
                                    wideStep<'+'>, wideFinal, wideFinal, wideLeave, nullptr);
     sqlite3_create_function_v2(sqlite.handle(), "t_nmin", 1, SQLITE_UTF8, nullptr, nullptr,

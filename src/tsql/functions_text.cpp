@@ -1,5 +1,6 @@
 // Text functions: characters are code points, comparison is without case.
 #include <cmath>
+#include <vector>
 
 #include "base/number_text.h"
 #include "base/utf8.h"
@@ -121,16 +122,21 @@ void str(sqlite3_context* c, int, sqlite3_value** a) {
     resultText(c, std::string(length - text.size(), ' ') + text);
 }
 
+// t_replicate(text, count, limit): the result ends at the limit, -1 being none.
 void replicate(sqlite3_context* c, int, sqlite3_value** a) {
     if (anyNull(2, a)) return sqlite3_result_null(c);
     const int64_t n = sqlite3_value_int64(a[1]);
     if (n < 0) return sqlite3_result_null(c);
     const std::string_view text = argumentText(a[0]);
-    // The result ends at 8000 characters, as that of a text that is no (MAX) one does.
+    const auto length = static_cast<int64_t>(utf8Length(text));
+    const int64_t limit = sqlite3_value_int64(a[2]);
+    if (length == 0) return resultText(c, "");
+    const int64_t wanted = limit < 0 || n <= limit / length ? n * length : limit;
+    if (n > 100'000'000 / length && limit < 0) throw makeDbError(8623);
     std::string out;
-    for (int64_t i = 0; i < n && out.size() < 8000; ++i) out += text;
-    if (out.size() > 8000) out.resize(8000);
-    resultText(c, out);
+    out.reserve(static_cast<size_t>(wanted / length + 1) * text.size());
+    for (int64_t i = 0; i < wanted / length; ++i) out += text;
+    resultText(c, out + utf8Substr(text, 0, static_cast<size_t>(wanted % length)));
 }
 
 void reverse(sqlite3_context* c, int, sqlite3_value** a) {
@@ -257,23 +263,130 @@ void patIndex(sqlite3_context* c, int, sqlite3_value** a) {
     sqlite3_result_int(c, 0);
 }
 
+void concatWithSeparator(sqlite3_context* c, int n, sqlite3_value** a) {
+    std::string out;
+    bool first = true;
+    for (int i = 1; i < n; ++i) {
+        if (sqlite3_value_type(a[i]) == SQLITE_NULL) continue;
+        if (!first) out += argumentText(a[0]);
+        first = false;
+        out += argumentText(a[i]);
+    }
+    resultText(c, out);
+}
+
+void translate(sqlite3_context* c, int, sqlite3_value** a) {
+    if (anyNull(3, a)) return sqlite3_result_null(c);
+    const std::u32string from = foldedText(argumentText(a[1]));
+    const std::u32string to = decoded(argumentText(a[2]));
+    if (from.size() != to.size()) throw makeDbError(9828);
+    std::u32string text = decoded(argumentText(a[0]));
+    const std::u32string folded = foldedText(argumentText(a[0]));
+    for (size_t i = 0; i < text.size(); ++i) {
+        const size_t at = from.find(folded[i]);
+        if (at != std::u32string::npos) text[i] = to[at];
+    }
+    resultText(c, encoded(text));
+}
+
+void quoteName(sqlite3_context* c, int, sqlite3_value** a) {
+    if (anyNull(2, a)) return sqlite3_result_null(c);
+    const std::string_view text = argumentText(a[0]), mark = argumentText(a[1]);
+    static constexpr std::string_view opening = "[(<{'\"`", closing = "])>}'\"`";
+    size_t at = opening.find(mark.empty() ? '[' : mark[0]);
+    if (at == std::string_view::npos && !mark.empty()) at = closing.find(mark[0]);
+    if (at == std::string_view::npos || utf8Length(text) > 128) return sqlite3_result_null(c);
+    std::string out(1, opening[at]);
+    for (char ch : text) out += ch == closing[at] ? std::string(2, ch) : std::string(1, ch);
+    resultText(c, out + closing[at]);
+}
+
+// PARSENAME: parts are counted from the right; a name has at most four.
+void parseName(sqlite3_context* c, int, sqlite3_value** a) {
+    if (anyNull(2, a)) return sqlite3_result_null(c);
+    std::vector<std::string> parts(1);
+    char close = 0;
+    for (char ch : argumentText(a[0])) {
+        if (close) {
+            if (ch == close)
+                close = 0;
+            else
+                parts.back() += ch;
+        } else if (ch == '[' || ch == '"') {
+            close = ch == '[' ? ']' : '"';
+        } else if (ch == '.') {
+            parts.emplace_back();
+        } else {
+            parts.back() += ch;
+        }
+    }
+    const int64_t n = sqlite3_value_int64(a[1]);
+    if (close || parts.size() > 4 || n < 1 || n > static_cast<int64_t>(parts.size()))
+        return sqlite3_result_null(c);
+    const std::string& part = parts[parts.size() - static_cast<size_t>(n)];
+    if (part.empty()) return sqlite3_result_null(c);
+    resultText(c, part);
+}
+
+// One letter and three digits; vowels part equal codes, H and W do not.
+std::string soundexOf(std::string_view text) {
+    static constexpr std::string_view codes = "01230120022455012623010202";
+    std::string out;
+    char last = 0;
+    for (char ch : upperCase(text)) {
+        if (ch < 'A' || ch > 'Z') {
+            if (out.empty()) break;
+            last = 0;
+            continue;
+        }
+        const char code = codes[ch - 'A'];
+        if (out.empty())
+            out += ch;
+        else if (code != '0' && code != last)
+            out += code;
+        if (ch != 'H' && ch != 'W') last = code;
+        if (out.size() == 4) break;
+    }
+    out.resize(4, '0');
+    return out;
+}
+
+void soundex(sqlite3_context* c, int, sqlite3_value** a) {
+    if (anyNull(1, a)) return sqlite3_result_null(c);
+    resultText(c, soundexOf(argumentText(a[0])));
+}
+
+void difference(sqlite3_context* c, int, sqlite3_value** a) {
+    if (anyNull(2, a)) return sqlite3_result_null(c);
+    const std::string x = soundexOf(argumentText(a[0])), y = soundexOf(argumentText(a[1]));
+    int same = 0;
+    for (int i = 0; i < 4; ++i) same += x[i] == y[i];
+    sqlite3_result_int(c, same);
+}
+
+// Whatever becomes a float, money or a numeric; so even a sign or a comma alone.
 void isNumeric(sqlite3_context* c, int, sqlite3_value** a) {
     if (anyNull(1, a)) return sqlite3_result_int(c, 0);
-    try {
-        const std::string text(argumentText(a[0]));
-        if (trim(text).empty()) return sqlite3_result_int(c, 0);
-        convertValue(Value(text), SqlType::text(SqlKind::VarChar, 8000),
-                     SqlType::of(SqlKind::Float));
-        sqlite3_result_int(c, 1);
-    } catch (const DbError&) {
-        sqlite3_result_int(c, 0);
+    std::string text = trim(argumentText(a[0]));
+    if (text.empty()) return sqlite3_result_int(c, 0);
+    const SqlType varchar = SqlType::text(SqlKind::VarChar, 8000);
+    for (SqlKind kind : {SqlKind::Money, SqlKind::Float}) {
+        try {
+            convertValue(Value(text), varchar, SqlType::of(kind));
+            return sqlite3_result_int(c, 1);
+        } catch (const DbError&) {
+        }
+        for (char& ch : text)  // an exponent may be a D here
+            if (ch == 'd' || ch == 'D') ch = 'e';
     }
+    sqlite3_result_int(c, 0);
 }
 
 void isDate(sqlite3_context* c, int, sqlite3_value** a) {
     if (anyNull(1, a)) return sqlite3_result_int(c, 0);
     const std::string text = trim(argumentText(a[0]));
-    sqlite3_result_int(c, !text.empty() && parseDate(text).has_value());
+    const auto date = parseDate(text);
+    sqlite3_result_int(c, !text.empty() && date && date->day >= DateTime::kMinDay);
 }
 
 }  // namespace
@@ -297,7 +410,7 @@ void registerTextFunctions(Sqlite& sqlite) {
     registerFunction(sqlite, "t_replace", 3, replace);
     registerFunction(sqlite, "t_stuff", 4, stuff);
     registerFunction(sqlite, "t_str", 3, str);
-    registerFunction(sqlite, "t_replicate", 2, replicate);
+    registerFunction(sqlite, "t_replicate", 3, replicate);
     registerFunction(sqlite, "t_reverse", 1, reverse);
     registerFunction(sqlite, "t_ascii", 1, ascii);
     registerFunction(sqlite, "t_unicode", 1, unicode);
@@ -305,6 +418,12 @@ void registerTextFunctions(Sqlite& sqlite) {
     registerFunction(sqlite, "t_nchar", 1, character<true>);
     registerFunction(sqlite, "t_like", 2, like);
     registerFunction(sqlite, "t_like", 3, like);
+    registerFunction(sqlite, "t_concatws", -1, concatWithSeparator);
+    registerFunction(sqlite, "t_translate", 3, translate);
+    registerFunction(sqlite, "t_quotename", 2, quoteName);
+    registerFunction(sqlite, "t_parsename", 2, parseName);
+    registerFunction(sqlite, "t_soundex", 1, soundex);
+    registerFunction(sqlite, "t_difference", 2, difference);
     registerFunction(sqlite, "t_isnumeric", 1, isNumeric);
     registerFunction(sqlite, "t_isdate", 1, isDate);
 }

@@ -333,8 +333,17 @@ ExprPtr Parser::parseFunction(Name name) {
     if (!isOperator(")")) {
         do e->args.push_back(parseExpression());
         while (takeOperator(","));
+        if (equalsIgnoreCaseAscii(e->name.last(), "TRIM") && takeWord("FROM"))
+            e->args.push_back(parseExpression());
     }
     expectOperator(")");
+    if (isWord("WITHIN") && isWord("GROUP", 1)) {
+        take();
+        take();
+        expectOperator("(");
+        e->within = parseOrderBy();
+        expectOperator(")");
+    }
     if (isWord("OVER") && isOperator("(", 1)) e->over = parseWindow();
     return e;
 }
