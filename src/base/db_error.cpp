@@ -179,7 +179,7 @@ constexpr std::array kErrors = {
               "REPLICATION identity column."},
     ErrorText{547, 16,
               "The % statement conflicted with the % constraint \"%\". The conflict occurred in "
-              "database \"%\", table \"%\"."},
+              "database \"%\", table \"%\"%."},
     ErrorText{550, 16,
               "The attempted insert or update failed because the target view either specifies WITH "
               "CHECK OPTION or spans a view that specifies WITH CHECK OPTION and one or more rows "

@@ -742,9 +742,10 @@ BoundPtr Binder::assign(BoundPtr e, const CatalogTable& table, const CatalogColu
     wide.length = from.isText() ? SqlType::kMax : 8000;
     const bool nullable = e->nullable;
     e = convert(std::move(e), wide);
-    BoundPtr r = op("t_fit($0," + std::to_string(to.length) + "," + (to.isFixedText() ? "1" : "0") +
-                        "," + sqliteText(table.name) + "," + sqliteText(column.name) + ")",
-                    to, list(std::move(e)));
+    BoundPtr r =
+        op("t_fit($0," + std::to_string(to.length) + "," + (to.isFixedText() ? "1" : "0") + "," +
+               sqliteText(context_.catalog.fullName(table)) + "," + sqliteText(column.name) + ")",
+           to, list(std::move(e)));
     r->nullable = nullable;
     return r;
 }

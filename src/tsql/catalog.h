@@ -107,6 +107,10 @@ class Catalog {
     void rolledBack();
 
     Sqlite& sqlite() { return sqlite_; }
+    // "company.dbo.T", as some errors name a table.
+    std::string fullName(const CatalogTable& table) const {
+        return (table.temporary ? "tempdb" : sqlite_.databaseName()) + ".dbo." + table.name;
+    }
 
   private:
     CatalogTablePtr load(const std::string& name);

@@ -291,8 +291,9 @@ void Executor::runBatch(std::string_view batch) {
             return;
         } catch (const StaleCatalog&) {
             lone_ = false;
-        } catch (const DbError&) {
+        } catch (DbError& e) {
             lone_ = false;
+            if (e.line == 0) e.line = code->ast.statements[0]->line;
             catalog_.refresh();
             if (catalog_.version() == version) throw;
         }
@@ -711,10 +712,7 @@ Value Executor::systemValue(const std::string& name) {
     if (name == "DATEFIRST") return Value(7);
     if (name == "FETCH_STATUS") return Value(fetchStatus_);
     if (name == "DB_ID") return Value(1);
-    if (name == "DB_NAME") {
-        std::string file = sqlite_->path().substr(sqlite_->path().find_last_of('/') + 1);
-        return Value(file.substr(0, file.find_last_of('.')));
-    }
+    if (name == "DB_NAME") return Value(sqlite_->databaseName());
     if (name == "APP_NAME") return Value("Orvane Wagebook");
     if (name == "VERSION") return Value("Orvane Wagebook embedded database");
     if (name == "SERVERNAME") return Value("(embedded)");

@@ -39,6 +39,26 @@ std::string Executor::duplicateKey(const CatalogTable& table, const CatalogKey& 
     return "";
 }
 
+namespace {
+
+// ", column 'q'" when the check looks at one column alone, otherwise "".
+std::string checkedColumn(const CatalogTable& table, const std::string& check) {
+    int column = -1;
+    for (const CatalogCheck& c : table.checks) {
+        if (c.name != check) continue;
+        for (const Token& t : tokenize(c.source)) {
+            if (t.kind != TokenKind::Name && t.kind != TokenKind::QuotedName) continue;
+            const int at = table.findColumn(unquoted(t));
+            if (at < 0 || at == column) continue;
+            if (column >= 0) return "";
+            column = at;
+        }
+    }
+    return column < 0 ? "" : ", column '" + table.columns[column].name + "'";
+}
+
+}  // namespace
+
 void Executor::constraintFailure(const DbError& e, const CatalogTable& table, StatementKind writes,
                                  const std::string& rows, Frame* frame, Plan* p) {
     const std::string text = e.what();
@@ -48,7 +68,7 @@ void Executor::constraintFailure(const DbError& e, const CatalogTable& table, St
     const std::string object = "dbo." + table.name;
     if (text.starts_with("NOT NULL")) {
         const std::string column = rest.substr(rest.find_last_of('.') + 1);
-        throw makeDbError(515, {column, object, verb});
+        throw makeDbError(515, {column, catalog_.fullName(table), verb});
     }
     if (text.starts_with("UNIQUE")) {
         std::vector<std::string> columns;
@@ -79,7 +99,8 @@ void Executor::constraintFailure(const DbError& e, const CatalogTable& table, St
         throw makeDbError(2601, {object, key ? key->name : "", value});
     }
     if (text.starts_with("CHECK"))
-        throw makeDbError(547, {verb, "CHECK", rest, systemValue("DB_NAME").toText(), object});
+        throw makeDbError(547, {verb, "CHECK", rest, sqlite_->databaseName(), object,
+                                checkedColumn(table, rest)});
     throw e;
 }
 

@@ -89,6 +89,11 @@ Sqlite::~Sqlite() {
     sqlite3_close_v2(db_);
 }
 
+std::string Sqlite::databaseName() const {
+    const std::string file = path_.substr(path_.find_last_of('/') + 1);
+    return file.substr(0, file.find_last_of('.'));
+}
+
 SqliteStatement Sqlite::prepare(const std::string& sql) {
     sqlite3_stmt* s = nullptr;
     const int rc = sqlite3_prepare_v3(db_, sql.c_str(), static_cast<int>(sql.size()),

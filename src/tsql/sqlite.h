@@ -29,6 +29,7 @@ class Sqlite {
 
     sqlite3* handle() const { return db_; }
     const std::string& path() const { return path_; }
+    std::string databaseName() const;  // the file's name without its ending
 
     SqliteStatement prepare(const std::string& sql);
     void run(const std::string& sql);  // all statements of the text, rows thrown away
