@@ -199,6 +199,9 @@ constexpr std::array kErrors = {
     ErrorText{1060, 15,
               "The number of rows provided for a TOP or FETCH clauses row count parameter must be "
               "an integer."},
+    ErrorText{1105, 17,
+              "Could not allocate space for a new page in database '%' because the 'PRIMARY' "
+              "filegroup is full. Create disk space by deleting unneeded files."},
     ErrorText{1222, 16, "Lock request time out period exceeded."},
     ErrorText{1505, 16,
               "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for "
@@ -359,7 +362,6 @@ constexpr std::array kErrors = {
     ErrorText{
         8623, 16,
         "The query processor ran out of internal resources and could not produce a query plan."},
-    ErrorText{9002, 17, "The database file could not grow: the disk is full."},
     ErrorText{9810, 16, "The datepart % is not supported by date function % for data type %."},
     ErrorText{9828, 16,
               "The second and third arguments of the TRANSLATE built-in function must contain an "

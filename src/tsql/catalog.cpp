@@ -125,18 +125,6 @@ Catalog::Catalog(Sqlite& sqlite) : sqlite_(sqlite) {
     scopes_.emplace_back();
 }
 
-void Catalog::createStorage() {
-    sqlite_.run(
-        "CREATE TABLE tsql_meta(name TEXT PRIMARY KEY, value INTEGER) WITHOUT ROWID;"
-        "INSERT INTO tsql_meta VALUES('modules', 1);"
-        "CREATE TABLE tsql_module(name TEXT PRIMARY KEY, kind INTEGER NOT NULL, source TEXT NOT "
-        "NULL, stars TEXT, tbl TEXT, events INTEGER) WITHOUT ROWID;"
-        "CREATE TABLE tsql_constraint(tbl TEXT NOT NULL, name TEXT NOT NULL, kind TEXT NOT NULL, "
-        "columns TEXT NOT NULL, source TEXT, PRIMARY KEY(tbl, name)) WITHOUT ROWID;"
-        "CREATE TABLE tsql_identity(tbl TEXT PRIMARY KEY, seed INTEGER, increment INTEGER, last "
-        "INTEGER) WITHOUT ROWID");
-}
-
 void Catalog::refresh() {
     if (!dataVersionQuery_) dataVersionQuery_ = sqlite_.prepare("PRAGMA main.data_version");
     sqlite_.step(dataVersionQuery_.get());
@@ -349,6 +337,26 @@ std::vector<CatalogTablePtr> Catalog::tableVariables() const {
         for (const auto& [name, table] : scope)
             if (name[0] == '@') all.push_back(table);
     return all;
+}
+
+Value Catalog::createdAt(const std::string& name) {
+    SqliteStatement s = sqlite_.prepare("SELECT moment FROM tsql_created WHERE name = ?1");
+    bindValue(s.get(), 1, Value(foldName(name)));
+    if (!sqlite_.step(s.get())) return {};
+    return columnValue(s.get(), 0, SqlType::of(SqlKind::DateTime));
+}
+
+void Catalog::noteCreated(const std::string& name, const DateTime& moment) {
+    SqliteStatement s = sqlite_.prepare("INSERT OR REPLACE INTO tsql_created VALUES(?1, ?2)");
+    bindValue(s.get(), 1, Value(foldName(name)));
+    bindValue(s.get(), 2, Value(moment));
+    sqlite_.step(s.get());
+}
+
+void Catalog::forgetCreated(const std::string& name) {
+    SqliteStatement s = sqlite_.prepare("DELETE FROM tsql_created WHERE name = ?1");
+    bindValue(s.get(), 1, Value(foldName(name)));
+    sqlite_.step(s.get());
 }
 
 void Catalog::openScope() {

@@ -74,8 +74,6 @@ class Catalog {
   public:
     explicit Catalog(Sqlite& sqlite);
 
-    // Makes the catalog's own tables in a new file.
-    void createStorage();
     // Looks whether another process changed the schema, and forgets what was read if so.
     void refresh();
     // Whether nothing that plans rest on has changed. In the midst of a statement that reads the
@@ -91,6 +89,10 @@ class Catalog {
     CatalogTablePtr findTable(const std::string& name);
     CatalogModulePtr findModule(const std::string& name);
     std::vector<std::string> tableNames();
+    // When a table or module was made; NULL where that is not known.
+    Value createdAt(const std::string& name);
+    void noteCreated(const std::string& name, const DateTime& moment);
+    void forgetCreated(const std::string& name);
     std::vector<CatalogModulePtr> modules();
     std::vector<CatalogTablePtr> tableVariables() const;  // of all scopes
 

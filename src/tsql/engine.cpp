@@ -13,8 +13,7 @@ std::unique_ptr<Engine> Engine::open(const std::string& path, const OpenOptions&
     mallopt(M_TOP_PAD, 4 << 20);
     auto sqlite =
         std::make_unique<Sqlite>(path, options.create, options.readOnly, options.busySeconds);
-    const bool fresh = options.create || path == ":memory:";
-    auto executor = std::make_unique<Executor>(std::move(sqlite), options.hostName, fresh);
+    auto executor = std::make_unique<Executor>(std::move(sqlite), options.hostName);
     return std::unique_ptr<Engine>(new Engine(std::move(executor)));
 }
 

@@ -14,6 +14,7 @@
 #include <chrono>
 
 #include "base/utf8.h"
+#include "tsql/file_format.h"
 #include "tsql/messages.h"
 #include "tsql/parser.h"
 #include "tsql/system_views.h"
@@ -33,13 +34,13 @@ std::string ownHostName() {
 
 }  // namespace
 
-Executor::Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName, bool createStorage)
+Executor::Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName)
     : sqlite_(std::move(sqlite)),
       catalog_(*sqlite_),
       hostName_(hostName.empty() ? ownHostName() : std::move(hostName)) {
+    bringToFormat(*sqlite_);
     registerFunctions(*sqlite_, *this);
     registerSystemViews(*sqlite_, catalog_, inTransaction_);
-    if (createStorage) catalog_.createStorage();
 }
 
 Executor::~Executor() {

@@ -81,7 +81,7 @@ class Lease {
 
 class Executor final : public FunctionHost {
   public:
-    Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName, bool createStorage);
+    Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName);
     ~Executor() override;
 
     BatchResult run(std::string_view batch);

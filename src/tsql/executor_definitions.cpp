@@ -267,6 +267,7 @@ void Executor::createTable(CatalogTable table, int line) {
     sqlite_->run(tableDdl(table, table.sqlName));
     for (const CatalogKey& key : table.keys) createKeyIndex(table, key, true);
     storeConstraints(table);
+    if (!temporary) catalog_.noteCreated(table.name, statementTime());
     together.done();
     const std::string name = table.name;
     if (temporary) catalog_.addTemporary(std::move(table));
@@ -589,10 +590,13 @@ void Executor::drop(const Statement& s) {
                 const std::string folded = sqliteText(foldName(object));
                 sqlite_->run("DELETE FROM tsql_constraint WHERE tbl = " + folded +
                              "; DELETE FROM tsql_identity WHERE tbl = " + folded);
+                catalog_.forgetCreated(object);
                 if (!table->triggers.empty()) {
-                    for (const std::string& trigger : table->triggers)
+                    for (const std::string& trigger : table->triggers) {
                         sqlite_->run("DELETE FROM tsql_module WHERE name = " +
                                      sqliteText(foldName(trigger)) + " COLLATE TSQL");
+                        catalog_.forgetCreated(trigger);
+                    }
                     catalog_.modulesChanged(object);
                 }
                 catalog_.changed(object);
@@ -626,6 +630,7 @@ void Executor::drop(const Statement& s) {
         bindValue(erase.get(), 1, Value(module->name));
         sqlite_->step(erase.get());
         erase.reset();
+        catalog_.forgetCreated(object);
         catalog_.modulesChanged(object);
     }
     together.done();
@@ -685,6 +690,7 @@ void Executor::createModule(Frame& frame, const Statement& s) {
     bindValue(insert.get(), 6, Value(events));
     sqlite_->step(insert.get());
     insert.reset();
+    if (!old) catalog_.noteCreated(name, statementTime());
     catalog_.modulesChanged(name);
     if (m.kind == ModuleKind::ScalarFunction || m.kind == ModuleKind::TableFunction)
         forbidWrites(m.body);

@@ -37,7 +37,7 @@ ErrorReach reachOf(const DbError& e) {
         case 8114:
         case 217:
         case 1222:
-        case 9002:
+        case 1105:
         case 3906:
         case 3930:
         case 3998:

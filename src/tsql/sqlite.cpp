@@ -1,7 +1,9 @@
 #include "tsql/sqlite.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cmath>
 #include <cstring>
 #include <ctime>
@@ -13,7 +15,6 @@ namespace owb::tsql {
 namespace {
 
 constexpr int kApplicationId = 0x4F574231;  // "OWB1"
-constexpr int kFormat = 1;                  // counts up when the file's own tables change
 
 int collate(void*, int aLength, const void* a, int bLength, const void* b) {
     return compareText({static_cast<const char*>(a), static_cast<size_t>(aLength)},
@@ -32,6 +33,26 @@ bool fileExists(const std::string& path) {
     return ::stat(path.c_str(), &s) == 0;
 }
 
+int64_t fileSize(const std::string& path) {
+    struct stat s;
+    return ::stat(path.c_str(), &s) == 0 ? s.st_size : 0;
+}
+
+std::string folderOf(const std::string& path) {
+    const size_t slash = path.find_last_of('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
+}
+
+std::string uriPath(const std::string& path) {
+    std::string out;
+    for (char c : path) {
+        char code[4];
+        std::snprintf(code, sizeof code, "%%%02X", static_cast<unsigned char>(c));
+        out += std::strchr("%?#", c) ? code : std::string(1, c);
+    }
+    return out;
+}
+
 }  // namespace
 
 Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeconds) : path_(path) {
@@ -48,30 +69,25 @@ Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeco
         SQLITE_OPEN_NOMUTEX |
         (readOnly ? SQLITE_OPEN_READONLY
                   : SQLITE_OPEN_READWRITE | (create || memory ? SQLITE_OPEN_CREATE : 0));
-    const int rc = sqlite3_open_v2(path.c_str(), &db_, flags, nullptr);
-    if (rc != SQLITE_OK) {
-        const std::string reason = db_ ? sqlite3_errmsg(db_) : "out of memory";
-        sqlite3_close(db_);
-        db_ = nullptr;
-        throw makeDbError(-3, {"The database file " + path + " cannot be opened: " + reason + "."});
-    }
+    open(path, flags);
     try {
+        // Beside a write-ahead log readers leave files too. In a folder that may not be written, a
+        // file whose log is empty is as good as one that never changes.
+        if (!memory && !create && access(folderOf(path).c_str(), W_OK) != 0 &&
+            fileSize(path + "-wal") == 0) {
+            sqlite3_close(db_);
+            open("file:" + uriPath(path) + "?immutable=1",
+                 SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+            readOnly = true;
+        }
         sqlite3_extended_result_codes(db_, 1);
         setBusySeconds(busySeconds);
         sqlite3_create_collation_v2(db_, "TSQL", SQLITE_UTF8, nullptr, collate, nullptr);
         sqlite3_progress_handler(db_, 20000, progress, this);
         if (create || memory) {
-            run("PRAGMA application_id = " + std::to_string(kApplicationId) +
-                "; PRAGMA user_version = " + std::to_string(kFormat));
-        } else {
-            if (number("PRAGMA application_id") != kApplicationId)
-                throw makeDbError(-3, {"The file " + path + " is no Orvane Wagebook database."});
-            const int64_t format = number("PRAGMA user_version").value_or(0);
-            if (format > kFormat)
-                throw makeDbError(-3, {"The database " + path +
-                                       " was made by a newer version of the program (format " +
-                                       std::to_string(format) + ", this program reads up to " +
-                                       std::to_string(kFormat) + ")."});
+            run("PRAGMA application_id = " + std::to_string(kApplicationId));
+        } else if (number("PRAGMA application_id") != kApplicationId) {
+            throw makeDbError(-3, {"The file " + path + " is no Orvane Wagebook database."});
         }
         if (!readOnly) run("PRAGMA journal_mode = WAL");
         // NORMAL with a write-ahead log: a killed process loses nothing that was committed, a
@@ -83,6 +99,14 @@ Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeco
         db_ = nullptr;
         throw;
     }
+}
+
+void Sqlite::open(const std::string& name, int flags) {
+    if (sqlite3_open_v2(name.c_str(), &db_, flags, nullptr) == SQLITE_OK) return;
+    const std::string reason = db_ ? sqlite3_errmsg(db_) : "out of memory";
+    sqlite3_close(db_);
+    db_ = nullptr;
+    throw makeDbError(-3, {"The database file " + path_ + " cannot be opened: " + reason + "."});
 }
 
 Sqlite::~Sqlite() {
@@ -130,6 +154,23 @@ bool Sqlite::step(sqlite3_stmt* statement) {
     fail(rc);
 }
 
+DbError Sqlite::diskFull() const {
+    DbError e = makeDbError(1105, {path_});
+    e.state = 2;
+    return e;
+}
+
+// What the system said of the file or of its log.
+int Sqlite::lastFileError() const {
+    int reason = 0;
+    sqlite3_file_control(db_, "main", SQLITE_FCNTL_LAST_ERRNO, &reason);
+    sqlite3_file* log = nullptr;
+    sqlite3_file_control(db_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+    if (reason == 0 && log && log->pMethods)
+        log->pMethods->xFileControl(log, SQLITE_FCNTL_LAST_ERRNO, &reason);
+    return reason;
+}
+
 void Sqlite::fail(int rc) {
     if (pending_) {
         const DbError e = *pending_;
@@ -148,7 +189,15 @@ void Sqlite::fail(int rc) {
         case SQLITE_LOCKED:
             throw makeDbError(1222);
         case SQLITE_FULL:
-            throw makeDbError(9002);
+            throw diskFull();
+        case SQLITE_IOERR: {
+            const int reason = lastFileError();
+            if (rc == SQLITE_IOERR_SHMSIZE || reason == ENOSPC || reason == EFBIG ||
+                reason == EDQUOT)
+                throw diskFull();
+            throw makeDbError(-3, {"The database file " + path_ + " cannot be read or written: " +
+                                   (reason ? std::strerror(reason) : text) + "."});
+        }
         case SQLITE_READONLY:
         case SQLITE_PERM:
             throw makeDbError(3906, {path_});

@@ -52,7 +52,10 @@ class Sqlite {
     bool timeIsUp() const;
 
   private:
+    void open(const std::string& name, int flags);
     static int progress(void* self);
+    DbError diskFull() const;
+    int lastFileError() const;
 
     sqlite3* db_ = nullptr;
     std::string path_;

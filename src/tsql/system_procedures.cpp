@@ -187,7 +187,8 @@ void Executor::help(const std::string& object, int line) {
                             word("Type"),
                             {"Created_datetime", SqlType::of(SqlKind::DateTime), true}});
     addRow(set, {Value(table ? table->name : module->name), Value("dbo"),
-                 Value(table ? "user table" : wordFor(module->kind)), Value()});
+                 Value(table ? "user table" : wordFor(module->kind)),
+                 catalog_.createdAt(table ? table->name : module->name)});
     result_->sets.push_back(std::move(set));
     if (table) {
         helpColumns(table->columns);

@@ -74,29 +74,31 @@ const char* wordOf(const std::string& code) {
 
 void fillObjects(Source& s, Rows& rows) {
     const auto add = [&](const std::string& name, const std::string& code,
-                         const std::string& parent) {
+                         const std::string& parent, const Value& created) {
         rows.push_back({Value(name), Value(idOf(name)), Value(1),
                         Value(parent.empty() ? int64_t(0) : idOf(parent)), Value(code),
-                        Value(wordOf(code))});
+                        Value(wordOf(code)), created});
     };
     for (const std::string& name : s.catalog.tableNames()) {
-        add(name, "U ", "");
+        const Value created = s.catalog.createdAt(name);
+        add(name, "U ", "", created);
         const CatalogTablePtr t = s.catalog.findTable(name);
         if (!t) continue;
         for (const CatalogColumn& c : t->columns)
-            if (!c.defaultName.empty()) add(c.defaultName, "D ", name);
+            if (!c.defaultName.empty()) add(c.defaultName, "D ", name, created);
         for (const CatalogKey& k : t->keys)
             if (k.kind != CatalogKey::Index)
-                add(k.name, k.kind == CatalogKey::Primary ? "PK" : "UQ", name);
-        for (const CatalogCheck& c : t->checks) add(c.name, "C ", name);
+                add(k.name, k.kind == CatalogKey::Primary ? "PK" : "UQ", name, created);
+        for (const CatalogCheck& c : t->checks) add(c.name, "C ", name, created);
     }
-    for (const CatalogModulePtr& m : s.catalog.modules()) add(m->name, codeOf(m->kind), m->table);
+    for (const CatalogModulePtr& m : s.catalog.modules())
+        add(m->name, codeOf(m->kind), m->table, s.catalog.createdAt(m->name));
 }
 
 void fillTables(Source& s, Rows& rows) {
     for (const std::string& name : s.catalog.tableNames())
-        rows.push_back(
-            {Value(name), Value(idOf(name)), Value(1), Value(0), Value("U "), Value("USER_TABLE")});
+        rows.push_back({Value(name), Value(idOf(name)), Value(1), Value(0), Value("U "),
+                        Value("USER_TABLE"), s.catalog.createdAt(name)});
 }
 
 void fillModules(Source& s, Rows& rows, const std::function<bool(ModuleKind)>& wanted) {
@@ -104,7 +106,8 @@ void fillModules(Source& s, Rows& rows, const std::function<bool(ModuleKind)>& w
         if (wanted(m->kind))
             rows.push_back({Value(m->name), Value(idOf(m->name)), Value(1),
                             Value(m->table.empty() ? int64_t(0) : idOf(m->table)),
-                            Value(codeOf(m->kind)), Value(wordOf(codeOf(m->kind)))});
+                            Value(codeOf(m->kind)), Value(wordOf(codeOf(m->kind))),
+                            s.catalog.createdAt(m->name)});
 }
 
 Value characterLength(const SqlType& t) {
@@ -172,9 +175,13 @@ const std::vector<View>& views() {
         const SqlType integer = SqlType::of(SqlKind::Int);
         const SqlType code = SqlType::text(SqlKind::Char, 2);
         const std::vector<CatalogColumn> object = {
-            column("name", name128()),    column("object_id", integer),
-            column("schema_id", integer), column("parent_object_id", integer),
-            column("type", code),         column("type_desc", name128())};
+            column("name", name128()),
+            column("object_id", integer),
+            column("schema_id", integer),
+            column("parent_object_id", integer),
+            column("type", code),
+            column("type_desc", name128()),
+            column("create_date", SqlType::of(SqlKind::DateTime))};
         std::vector<View> v;
         v.push_back({"sys", "objects", object, fillObjects});
         v.push_back({"sys", "tables", object, fillTables});

@@ -11,10 +11,11 @@
 // each set then gives "name type" of every column, name "-" for none) and, last, "error N N: text"
 // (the numbers of all errors in order, and the text of the first, each as far as given). Rows after
 // an error are those that the batch gave all the same; without any, none are compared. NULL stands
-// for NULL, "" for an empty text.
+// for NULL, "" for an empty text, NOW for a moment less than an hour ago.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -79,13 +80,23 @@ std::vector<Case> readCases(const std::filesystem::path& path) {
     return cases;
 }
 
+std::string cellText(const Value& value) {
+    if (value.isNull()) return "NULL";
+    if (!value.isDate()) return csvCell(value);
+    const std::time_t now = std::time(nullptr);
+    std::tm t{};
+    localtime_r(&now, &t);
+    const double today = DateTime::fromCivil(t.tm_year + 1900, t.tm_mon + 1, t.tm_mday).day;
+    const double ago = today + (t.tm_hour * 60 + t.tm_min) / 1440.0 - value.asDate().toDays();
+    return ago > -0.01 && ago < 0.04 ? "NOW" : csvCell(value);
+}
+
 std::string setText(const ResultSet& set, const Case& c) {
     std::vector<std::string> lines;
     for (size_t r = 0; r < set.rows; ++r) {
         std::string line;
         for (size_t i = 0; i < set.columns.size(); ++i)
-            line += (i ? "," : "") +
-                    (set.at(r, i).isNull() ? std::string("NULL") : csvCell(set.at(r, i)));
+            line += (i ? "," : "") + cellText(set.at(r, i));
         lines.push_back(line + "\n");
     }
     if (c.any) std::sort(lines.begin(), lines.end());
