@@ -45,6 +45,7 @@ std::unique_ptr<Command> makeSqlCommand();
 std::unique_ptr<Command> makeProcessCommand();
 std::unique_ptr<Command> makeRegisterCommand();
 std::unique_ptr<Command> makeCheckCommand();
+std::unique_ptr<Command> makeBackupCommand();
 
 // Runs one command line (without the program's name) and gives its exit status: 0 done, 1 failed,
 // 2 wrong usage.

@@ -12,7 +12,8 @@ using Maker = std::unique_ptr<Command> (*)();
 
 // The order in which `owbctl help` lists them.
 constexpr Maker kMakers[] = {makeCreateCommand,  makeSampleCommand,   makeSqlCommand,
-                             makeProcessCommand, makeRegisterCommand, makeCheckCommand};
+                             makeProcessCommand, makeRegisterCommand, makeCheckCommand,
+                             makeBackupCommand};
 
 struct Entry {
     std::unique_ptr<Command> command;

@@ -38,6 +38,9 @@ void Engine::setCommandTimeout(int seconds) {
 void Engine::cancel() {
     executor_->cancel();
 }
+void Engine::backup(const std::string& path) {
+    executor_->backup(path);
+}
 std::vector<std::string> Engine::checkIntegrity() {
     return executor_->checkIntegrity();
 }

@@ -41,6 +41,10 @@ class Engine {
     void setCommandTimeout(int seconds);  // 0 waits for ever
     void cancel();                        // thread-safe; ends the running batch
 
+    // Copies what is committed now to a new file, whoever else works on this one. A failure leaves
+    // no file behind. Throws DbError.
+    void backup(const std::string& path);
+
     // What is wrong with the file and its catalog, one line each; empty when sound.
     std::vector<std::string> checkIntegrity();
 

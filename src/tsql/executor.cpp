@@ -735,6 +735,18 @@ Value Executor::systemValue(const std::string& name) {
     return {};
 }
 
+void Executor::backup(const std::string& path) {
+    if (access(path.c_str(), F_OK) == 0)
+        throw makeDbError(-3, {"The file " + path + " exists already."});
+    try {
+        // Reads in one transaction, so that it needs no pause of those who write.
+        sqlite_->run("VACUUM main INTO " + sqliteText(path));
+    } catch (const DbError&) {
+        ::unlink(path.c_str());
+        throw;
+    }
+}
+
 std::vector<std::string> Executor::checkIntegrity() {
     std::vector<std::string> problems;
     SqliteStatement s = sqlite_->prepare("PRAGMA integrity_check(50)");

@@ -90,6 +90,7 @@ class Executor final : public FunctionHost {
     void rollback();
     void setCommandTimeout(int seconds);
     void cancel();
+    void backup(const std::string& path);
     std::vector<std::string> checkIntegrity();
 
     // --- FunctionHost ---

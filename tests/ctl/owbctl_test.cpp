@@ -5,6 +5,7 @@
 
 #include "ctl/command.h"
 #include "ctl/sql_prompt.h"
+#include "db/connection.h"
 #include "support/temp_dir.h"
 
 namespace owb::ctl {
@@ -46,7 +47,7 @@ TEST(Owbctl, WrongUsageIsStatus2AndOneLine) {
 TEST(Owbctl, HelpOfEachCommandTellsItsContract) {
     const Outcome all = owbctl({"help"});
     EXPECT_EQ(all.status, 0);
-    for (const char* name : {"create", "sample", "sql", "process", "register", "check"}) {
+    for (const char* name : {"create", "sample", "sql", "process", "register", "check", "backup"}) {
         EXPECT_NE(all.out.find(name), std::string::npos) << name;
         const Outcome one = owbctl({"help", name});
         EXPECT_EQ(one.status, 0);
@@ -72,6 +73,8 @@ TEST_F(OwbctlFile, WhatCannotBeOpenedIsStatus1) {
         {"sql", dir.file("letter"), "-c", "SELECT 1"},
         {"check", dir.file("letter")},
         {"create", dir.file("letter")},
+        {"backup", none, db},
+        {"backup", dir.file("letter"), db},
         {"sample", dir.file("letter")},
         {"create", dir.file("no/folder/x.owb")},
         {"create", "Provider=SQLOLEDB.1;Data Source=srv"},
@@ -197,6 +200,25 @@ TEST(SqlPrompt, ASemicolonEndsABatchWhereItCan) {
                             "create or alter function f() returns int as begin return 1; end;",
                             "SELECT CASE WHEN 1=1 THEN 2;"};
     for (const char* text : goesOn) EXPECT_FALSE(endsBatch(text)) << text;
+}
+
+TEST_F(OwbctlFile, BackupCopiesAFileInUse) {
+    ASSERT_EQ(owbctl({"create", "--empty", db}).status, 0);
+    Connection connection;
+    connection.Open("Provider=OWBEmbedded;Data Source=" + db);
+    connection.Execute("CREATE TABLE t (id int PRIMARY KEY, s varchar(10))");
+    connection.Execute("INSERT INTO t VALUES (1, 'kept')");
+    connection.BeginTrans();
+    connection.Execute("INSERT INTO t VALUES (2, 'open')");
+    const std::string copy = dir.file("copy.owb");
+    const Outcome o = owbctl({"backup", db, copy});
+    EXPECT_EQ(o.status, 0) << o.err;
+    EXPECT_EQ(owbctl({"backup", db, copy}).status, 1) << "an existing file is left alone";
+    connection.RollbackTrans();
+    connection.Execute("DELETE FROM t");
+    EXPECT_EQ(owbctl({"sql", copy, "-c", "SELECT id, s FROM t"}).out, "id,s\n1,kept\n");
+    EXPECT_EQ(owbctl({"check", copy}).out.find("not sound"), std::string::npos);
+    EXPECT_EQ(owbctl({"backup", db, dir.file("no/folder/x.owb")}).status, 1);
 }
 
 TEST_F(OwbctlFile, CreateRefusesAnExistingFileAndCheckFindsItSound) {

@@ -39,6 +39,10 @@ std::unique_ptr<Driver> openEmbedded(const std::string& path, int busySeconds) {
     return std::make_unique<EmbeddedDriver>(tsql::Engine::open(path, options));
 }
 
+void backupEmbedded(const std::string& path, const std::string& copy) {
+    tsql::Engine::open(path, {})->backup(copy);
+}
+
 void createEmbedded(const std::string& path) {
     tsql::OpenOptions options;
     options.create = true;

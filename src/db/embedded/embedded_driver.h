@@ -15,4 +15,7 @@ std::unique_ptr<Driver> openEmbedded(const std::string& path, int busySeconds);
 // Makes a new, empty database file. An existing file is refused.
 void createEmbedded(const std::string& path);
 
+// Copies a database, which may be in use, to a new file. An existing file is refused.
+void backupEmbedded(const std::string& path, const std::string& copy);
+
 }  // namespace owb
