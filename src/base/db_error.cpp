@@ -185,6 +185,9 @@ constexpr std::array kErrors = {
               "CHECK OPTION or spans a view that specifies WITH CHECK OPTION and one or more rows "
               "resulting from the operation did not qualify under the CHECK OPTION constraint."},
     ErrorText{628, 16, "Cannot issue SAVE TRANSACTION when there is no active transaction."},
+    ErrorText{1007, 15,
+              "The number '%' is out of the range for numeric representation (maximum precision "
+              "38)."},
     ErrorText{1013, 16,
               "The objects \"%\" and \"%\" in the FROM clause have the same exposed names. Use "
               "correlation names to distinguish them."},

@@ -202,15 +202,14 @@ BoundPtr Binder::bind(const Expr& e) {
             case ExprKind::Function:
                 return bindFunction(e);
             case ExprKind::Cast: {
+                BoundPtr a = bindValue(*e.args[0]);
+                requireConversion(a->type, e.type, true);
                 int style = -1;
                 if (e.args.size() > 1) {
                     const Value* v = fixedLiteral(*e.args[1]);
-                    if (!v)
-                        throw makeDbError(15281, {"A CONVERT style that is no constant"}, e.line);
+                    if (!v) return castByStyle(std::move(a), e);
                     style = static_cast<int>(v->toInt());
                 }
-                BoundPtr a = bindValue(*e.args[0]);
-                requireConversion(a->type, e.type, true);
                 return cast(std::move(a), e.type, style, e.tryCast, true);
             }
             case ExprKind::Subquery:
@@ -722,11 +721,22 @@ BoundPtr Binder::cast(BoundPtr e, const SqlType& to, int style, bool tryCast, bo
               "," + std::to_string(packType(to)) + "," + std::to_string(style) + ")");
 }
 
+// CONVERT with a style that only the run knows; NULL for a style gives NULL.
+BoundPtr Binder::castByStyle(BoundPtr value, const Expr& e) {
+    const std::string types =
+        std::to_string(packType(value->type)) + "," + std::to_string(packType(e.type));
+    return op(std::string("(CASE WHEN $1 IS NOT NULL THEN t_") + (e.tryCast ? "try" : "") +
+                  "cv($0," + types + ",$1) END)",
+              e.type, list(std::move(value), convert(bindValue(*e.args[1]), kInt)));
+}
+
 BoundPtr Binder::assign(BoundPtr e, const CatalogTable& table, const CatalogColumn& column) {
     const SqlType from = e->type;
     const SqlType& to = column.type;
+    // A number that is too long for its text is a star or an overflow, not cut.
     const bool mayNotFit =
-        to.isText() && to.length != SqlType::kMax && from.kind != SqlKind::Null &&
+        !from.isNumber() && to.isText() && to.length != SqlType::kMax &&
+        from.kind != SqlKind::Null &&
         (from.isText() ? from.length == SqlType::kMax || from.length > to.length ||
                              to.isFixedText() || hasTextLiteral(*e)
                        : true);

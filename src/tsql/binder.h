@@ -151,6 +151,7 @@ class Binder {
     BoundPtr bindBinary(const Expr& e);
     BoundPtr bindPredicate(const Expr& e);
     BoundPtr bindCase(const Expr& e);
+    BoundPtr castByStyle(BoundPtr value, const Expr& e);
     BoundPtr bindFunction(const Expr& e);
     BoundPtr bindAggregate(const Expr& e, const std::string& name);
     BoundPtr bindStringAggregate(const Expr& e, BoundPtr value);

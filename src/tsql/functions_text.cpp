@@ -44,7 +44,7 @@ void leftRight(sqlite3_context* c, int, sqlite3_value** a) {
     const int64_t n = sqlite3_value_int64(a[1]);
     if (n < 0) {
         if (!kRight) throw makeDbError(537);
-        throw DbError(536, 16, 1, 0, "Invalid length parameter passed to the RIGHT function.");
+        throw DbError(536, 16, 2, 0, "Invalid length parameter passed to the RIGHT function.");
     }
     const std::string_view text = argumentText(a[0]);
     const size_t length = utf8Length(text);
@@ -55,7 +55,11 @@ void leftRight(sqlite3_context* c, int, sqlite3_value** a) {
 void substring(sqlite3_context* c, int, sqlite3_value** a) {
     if (anyNull(3, a)) return sqlite3_result_null(c);
     int64_t start = sqlite3_value_int64(a[1]), count = sqlite3_value_int64(a[2]);
-    if (count < 0) throw makeDbError(537);
+    if (count < 0) {
+        DbError error = makeDbError(537);
+        error.state = 3;
+        throw error;
+    }
     if (start < 1) {  // places before the text use up the length
         count += start - 1;
         start = 1;

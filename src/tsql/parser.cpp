@@ -3,6 +3,7 @@
 
 #include "base/db_error.h"
 #include "base/utf8.h"
+#include "tsql/types.h"
 
 namespace owb::tsql {
 
@@ -74,7 +75,7 @@ LiteralSlot literalOf(const Token& token) {
             try {
                 Decimal::parse(digits, d);
             } catch (const DecimalOverflow&) {
-                throw makeDbError(103, {token.text}, static_cast<int>(token.line));
+                throw makeDbError(1007, {token.text}, static_cast<int>(token.line));
             }
             if (d.unscaled() <= INT32_MAX) {
                 slot.value = Value(static_cast<int64_t>(d.unscaled()));
@@ -87,6 +88,11 @@ LiteralSlot literalOf(const Token& token) {
             break;
         }
         case TokenKind::Decimal: {
+            if (token.text[0] == '$') {
+                slot.type = SqlType::of(SqlKind::Money);
+                slot.value = convertValue(Value(std::string(token.text)), SqlType{}, slot.type);
+                break;
+            }
             Decimal d;
             bool ok = false;
             try {

@@ -36,6 +36,12 @@ class Parser {
         return t.kind == TokenKind::Operator && t.text[0] == op[0] && t.text == op;
     }
     bool takeWord(std::string_view word) { return isWord(word) && (++pos_, true); }
+    static bool isCompound(const Token& t) {
+        return t.kind == TokenKind::Operator && t.text.size() == 2 && t.text[1] == '=' &&
+               std::string_view("+-*/%&|^").find(t.text[0]) != std::string_view::npos;
+    }
+    // The operator of "+=" and its kin, or "" behind a plain "=".
+    std::string expectAssignment();
     bool takeOperator(std::string_view op) { return isOperator(op) && (++pos_, true); }
     void expectWord(std::string_view word);
     void expectOperator(std::string_view op);

@@ -33,6 +33,12 @@ ExprPtr Parser::binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr righ
     return e;
 }
 
+std::string Parser::expectAssignment() {
+    if (isCompound(peek())) return std::string(take().text.substr(0, 1));
+    expectOperator("=");
+    return "";
+}
+
 ExprPtr Parser::parseExpression() {
     Depth depth(*this);
     ExprPtr left = parseAnd();

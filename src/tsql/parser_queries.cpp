@@ -185,6 +185,13 @@ SelectItem Parser::parseSelectItem() {
         item.expr = parseExpression();
         return item;
     }
+    if (peek().kind == TokenKind::Variable && isCompound(peek(1))) {
+        ExprPtr variable = parsePrimary();
+        item.variable = variable->name.last();
+        const std::string op = expectAssignment();
+        item.expr = binary(ExprKind::Binary, op, std::move(variable), parseExpression());
+        return item;
+    }
     // "alias = expression"
     if ((isPlainName() || peek().kind == TokenKind::String) && isOperator("=", 1)) {
         item.alias = unquoted(take());

@@ -235,10 +235,7 @@ StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
         a.line = static_cast<int>(peek().line);
         if (peek().kind == TokenKind::Variable) {
             a.variable = take().text;
-            if (isOperator("+=") || isOperator("-=") || isOperator("*=") || isOperator("/="))
-                a.op = take().text.substr(0, 1);
-            else
-                expectOperator("=");
+            a.op = expectAssignment();
             if (a.op.empty() && isPlainName() && isOperator("=", 1)) {
                 a.column = expectName();
                 take();
@@ -246,11 +243,7 @@ StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
             a.value = parseAdditive();
         } else {
             a.column = parseName().last();
-            if (isOperator("+=") || isOperator("-=") || isOperator("*=") || isOperator("/=") ||
-                isOperator("%="))
-                a.op = take().text.substr(0, 1);
-            else
-                expectOperator("=");
+            a.op = expectAssignment();
             a.value = parseAdditive();
         }
         s->assignments.push_back(std::move(a));
@@ -336,11 +329,7 @@ StatementPtr Parser::parseSet() {
         StatementPtr s = newStatement(StatementKind::Set);
         take();
         s->variable = take().text;
-        if (isOperator("+=") || isOperator("-=") || isOperator("*=") || isOperator("/=") ||
-            isOperator("%="))
-            s->op = take().text.substr(0, 1);
-        else
-            expectOperator("=");
+        s->op = expectAssignment();
         if (isWord("CURSOR")) return parseCursor(s->variable, true);
         s->value = parseExpression();
         return s;

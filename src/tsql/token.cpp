@@ -185,7 +185,18 @@ class Reader {
             return finish(t);
         }
         if (isDigit(c) || (c == '.' && isDigit(at(pos_ + 1)))) return number();
+        if (c == '$' && isDigit(at(pos_ + 1))) return money();
         return operatorToken();
+    }
+
+    Token money() {
+        Token t = start(TokenKind::Decimal);
+        do ++pos_;
+        while (isDigit(at(pos_)));
+        if (at(pos_) == '.') do
+                ++pos_;
+            while (isDigit(at(pos_)));
+        return finish(t);
     }
 
     Token number() {
@@ -241,7 +252,7 @@ class Reader {
         size_t length = 1;
         if ((c == '<' && (n == '=' || n == '>')) || (c == '>' && n == '=') ||
             (c == '!' && (n == '=' || n == '<' || n == '>')) ||
-            ((c == '+' || c == '-' || c == '*' || c == '/' || c == '%') && n == '=') ||
+            (n == '=' && std::string_view("+-*/%&|^").find(c) != std::string_view::npos) ||
             (c == ':' && n == ':'))
             length = 2;
         else if (std::string_view("+-*/%=<>(),.;&|^~:").find(c) == std::string_view::npos)

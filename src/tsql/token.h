@@ -14,7 +14,7 @@ enum class TokenKind : uint8_t {
     QuotedName,  // [x] or "x"; never a keyword
     Variable,    // @x or @@x
     Integer,
-    Decimal,  // has a point
+    Decimal,  // has a point, or is money: $5
     Float,    // has an exponent
     String,
     NString,  // N'x'
