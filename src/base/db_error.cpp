@@ -191,6 +191,7 @@ constexpr std::array kErrors = {
     ErrorText{1013, 16,
               "The objects \"%\" and \"%\" in the FROM clause have the same exposed names. Use "
               "correlation names to distinguish them."},
+    ErrorText{1023, 15, "Invalid parameter % specified for %."},
     ErrorText{1031, 15, "Percent values must be between 0 and 100."},
     ErrorText{
         1033, 15,

@@ -211,6 +211,7 @@ Value numberToText(std::string text, const SqlType& from, const SqlType& to) {
 
 // Six significant digits; by style 1 eight, by style 2 sixteen, by style 3 all, with an exponent.
 std::string floatText(double v, int style) {
+    if (v == 0) v = 0;  // without a sign
     char b[40];
     std::snprintf(b, sizeof b,
                   style == 1   ? "%.7e"

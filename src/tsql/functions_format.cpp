@@ -15,7 +15,11 @@ namespace {
 
 // Digits of the number without its sign, with that many places, halves away from zero.
 std::string fixedDigits(const Decimal& size, int places, bool grouped) {
-    std::string text = size.rescaled(places).toText();
+    std::string text = size.rescaled(std::min(places, size.scale())).toText();
+    if (places > size.scale()) {  // digits that are all zero need no number
+        if (size.scale() == 0) text += '.';
+        text.append(places - size.scale(), '0');
+    }
     if (grouped)
         for (size_t at = std::min(text.find('.'), text.size()); at > 3; at -= 3)
             text.insert(at - 3, ",");
@@ -23,7 +27,7 @@ std::string fixedDigits(const Decimal& size, int places, bool grouped) {
 }
 
 std::string exponentText(double v, int places, char e, size_t exponentDigits) {
-    char b[64];
+    char b[160];
     std::snprintf(b, sizeof b, "%.*e", places, v);
     std::string text = b;
     const size_t at = text.find('e');

@@ -326,7 +326,9 @@ ExprPtr Parser::parseFunction(Name name) {
     if (e->name.parts.size() == 1)
         for (const char* f : kDateParts) datePart |= equalsIgnoreCaseAscii(e->name.last(), f);
     if (datePart) {
-        if (peek().kind != TokenKind::Name) syntaxError();
+        if (peek().kind != TokenKind::Name)
+            throw makeDbError(1023, {"1", lowerCase(e->name.last())},
+                              static_cast<int>(peek().line));
         auto part = std::make_unique<Expr>(ExprKind::Column, static_cast<int>(peek().line));
         part->name.parts.push_back(std::string(take().text));
         e->args.push_back(std::move(part));
