@@ -192,6 +192,16 @@ void Planner::assigningQuery(BoundQuery& q, Plan& plan) {
     std::vector<BoundItem> outer;
     for (BoundItem& item : q.items) {
         extractSteady(item.expr, inner);
+        // The items behind it read what it assigned.
+        if (q.items.size() > 1 && item.variable >= 0) {
+            const std::string type = std::to_string(packType(item.expr->type));
+            auto set = std::make_unique<BoundExpr>();
+            set->pattern =
+                "t_setvar(" + std::to_string(item.variable) + "," + type + "," + type + ",$0)";
+            set->type = item.expr->type;
+            set->args.push_back(std::move(item.expr));
+            item.expr = std::move(set);
+        }
         outer.push_back(std::move(item));
     }
     q.items.clear();
