@@ -3,6 +3,7 @@
 // one needs to prepare the same query as its own users would write it.
 #include "bench.h"
 #include "tsql/catalog.h"
+#include "tsql/file_format.h"
 #include "tsql/plan.h"
 
 namespace {
@@ -37,9 +38,9 @@ int main() {
         "OPBAL numeric(18,2), ALLOTLEV numeric(18,2));"
         "CREATE TABLE EMP (EMPID int, NAME varchar(50))";
     tsql::Sqlite sqlite(":memory:", true, false, 1);
+    tsql::bringToFormat(sqlite);
     sqlite.run(tables);
     tsql::Catalog catalog(sqlite);
-    catalog.createStorage();
     catalog.refresh();
     bench::PlainDatabase db(":memory:");
     db.run(tables.c_str());
