@@ -43,6 +43,10 @@ constexpr std::array kErrors = {
     ErrorText{116, 16,
               "Only one expression can be specified in the select list when the subquery is not "
               "introduced with EXISTS."},
+    ErrorText{119, 15,
+              "Must pass parameter number % and subsequent parameters as '@name = value'. After "
+              "the form '@name = value' has been used, all subsequent parameters must be passed in "
+              "the form '@name = value'."},
     ErrorText{120, 15,
               "The select list for the INSERT statement contains fewer items than the insert list. "
               "The number of SELECT values must match the number of INSERT columns."},
@@ -203,6 +207,9 @@ constexpr std::array kErrors = {
     ErrorText{1060, 15,
               "The number of rows provided for a TOP or FETCH clauses row count parameter must be "
               "an integer."},
+    ErrorText{1088, 16,
+              "Cannot find the object \"%\" because it does not exist or you do not have "
+              "permissions."},
     ErrorText{1105, 17,
               "Could not allocate space for a new page in database '%' because the 'PRIMARY' "
               "filegroup is full. Create disk space by deleting unneeded files."},
@@ -305,8 +312,7 @@ constexpr std::array kErrors = {
     ErrorText{
         4902, 16,
         "Cannot find the object \"%\" because it does not exist or you do not have permissions."},
-    ErrorText{4922, 16,
-              "ALTER TABLE ALTER COLUMN % failed because one or more objects access this column."},
+    ErrorText{4922, 16, "ALTER TABLE % % failed because one or more objects access this column."},
     ErrorText{4924, 16, "ALTER TABLE % failed because column '%' does not exist in table '%'."},
     ErrorText{5074, 16, "The object '%' is dependent on column '%'."},
     ErrorText{5308, 16,

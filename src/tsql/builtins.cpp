@@ -91,6 +91,16 @@ BoundPtr makeObjectId(Call& c) {
     return c.op("t_objectid($0,NULL)", kInt, list(c.text(0)));
 }
 
+BoundPtr makeObjectName(Call& c) {
+    return c.op("(SELECT name FROM t_sys_objects WHERE object_id = $0)", kSysName,
+                list(c.take(0, kInt)));
+}
+
+BoundPtr makeColName(Call& c) {
+    return c.op("(SELECT name FROM t_sys_columns WHERE object_id = $0 AND column_id = $1)",
+                kSysName, list(c.take(0, kInt), c.take(1, kInt)));
+}
+
 BoundPtr makeColLength(Call& c) {
     return c.op("t_collength($0,$1)", SqlType::of(SqlKind::SmallInt), list(c.text(0), c.text(1)));
 }
@@ -129,6 +139,8 @@ const BuiltinTable& builtins() {
             {"ERROR_PROCEDURE", {0, 0, makeSession}},
             {"XACT_STATE", {0, 0, makeSession}},
             {"OBJECT_ID", {1, 2, makeObjectId}},
+            {"OBJECT_NAME", {1, 2, makeObjectName}},
+            {"COL_NAME", {2, 2, makeColName}},
             {"COL_LENGTH", {2, 2, makeColLength}},
             {"IDENT_CURRENT", {1, 1, makeIdentCurrent}},
             {"NEWID", {0, 0, makeNewId}},

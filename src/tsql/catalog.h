@@ -111,6 +111,7 @@ class Catalog {
     Sqlite& sqlite() { return sqlite_; }
     // "company.dbo.T", as some errors name a table.
     std::string fullName(const CatalogTable& table) const {
+        if (table.name[0] == '@') return table.name;
         return (table.temporary ? "tempdb" : sqlite_.databaseName()) + ".dbo." + table.name;
     }
 

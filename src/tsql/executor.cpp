@@ -164,7 +164,7 @@ void Executor::checkAhead(Frame& frame, const std::vector<StatementPtr>& stateme
             }
         } catch (DbError& e) {
             if (e.line == 0) e.line = s->line;
-            if (e.number != 208 && e.number != 544) throw;
+            if (e.number != 208 && e.number != 544 && e.number != 545 && e.number != 8101) throw;
         }
         checkAhead(frame, s->body);
         checkAhead(frame, s->otherwise);
@@ -577,7 +577,13 @@ void Executor::tellCount() {
 
 void Executor::setOption(Frame& frame, const Statement& s) {
     if (s.option == "IDENTITY_INSERT") {
-        identityInsert_ = s.on ? foldName(s.target.last()) : "";
+        const CatalogTablePtr table = catalog_.findTable(s.target.last());
+        if (!table) throw makeDbError(1088, {s.target.last()}, s.line);
+        if (table->identityColumn() < 0) throw makeDbError(8106, {table->name}, s.line);
+        const std::string name = foldName(table->name);
+        if (s.on && !identityInsert_.empty() && identityInsert_ != name)
+            throw makeDbError(8107, {identityInsert_, table->name}, s.line);
+        if (s.on || identityInsert_ == name) identityInsert_ = s.on ? name : "";
         return;
     }
     if (s.option == "NOCOUNT") {

@@ -204,6 +204,7 @@ class Executor final : public FunctionHost {
     void alterColumn(const CatalogTable& table, const ColumnDefinition& column, int line);
     void createIndex(const Statement& s);
     void drop(const Statement& s);
+    void dropOne(const Statement& s, const Name& name);
     void createModule(Frame& frame, const Statement& s);
     std::string checkText(const CatalogTable& table, const std::string& source);
 

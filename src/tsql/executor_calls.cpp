@@ -104,6 +104,10 @@ void Executor::call(Frame& frame, const Statement& s) {
     CatalogModulePtr module = catalog_.findModule(s.target.last());
     if (!module || module->kind != ModuleKind::Procedure) {
         if (systemProcedure(frame, s, lowerCase(s.target.last()))) return;
+        for (const char* known : {"sp_rename", "sp_columns", "sp_tables", "sp_addmessage", "sp_who",
+                                  "sp_lock", "sp_spaceused", "sp_depends", "sp_settriggerorder"})
+            if (equalsIgnoreCaseAscii(s.target.last(), known))
+                throw makeDbError(15281, {std::string("The procedure ") + known}, s.line);
         throw makeDbError(2812, {s.target.text()}, s.line);
     }
     Frame callee = moduleFrame(*module);
@@ -115,9 +119,12 @@ void Executor::call(Frame& frame, const Statement& s) {
     std::vector<char> given(parameters.size(), 0);
     std::vector<std::pair<size_t, std::string>> outputs;  // parameter -> caller's variable
     size_t position = 0;
+    bool named = false;
     for (const Argument& a : s.arguments) {
         size_t at = position++;
+        if (named && a.name.empty()) throw makeDbError(119, {std::to_string(position)}, s.line);
         if (!a.name.empty()) {
+            named = true;
             at = 0;
             while (at < parameters.size() && foldName(parameters[at].name) != foldName(a.name))
                 ++at;

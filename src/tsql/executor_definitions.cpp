@@ -110,9 +110,12 @@ CatalogTable Executor::describeTable(const std::string& name,
                     // Written NULL beside PRIMARY KEY is refused; unsaid becomes NOT NULL.
                     for (const ColumnDefinition& d : columns)
                         if (foldName(d.name) == foldName(column) && d.nullable == true)
-                            throw makeDbError(8111, {name}, c.line);
+                            throw followedBy(makeDbError(8111, {name}),
+                                             makeDbError(1750, {}, c.line));
                     table.columns[at].nullable = false;
                 }
+                for (const CatalogKey& k : table.keys)
+                    if (k.kind == CatalogKey::Primary) throw makeDbError(8110, {name}, c.line);
                 if (constraint.empty()) constraint = generatedName("PK", name, "");
                 table.keys.push_back({constraint, c.columns, CatalogKey::Primary});
                 break;
@@ -276,8 +279,8 @@ void Executor::createTable(CatalogTable table, int line) {
 
 // SQLite cannot change a column's type or a check in place: the table is made anew under its name.
 void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
-    if (before.temporary) throw makeDbError(15281, {"This ALTER TABLE on a temporary table"});
-    const std::string fresh = "main." + sqliteName("tsql_rebuilt");
+    const std::string schema = schemaOf(before.sqlName);
+    const std::string fresh = schema + sqliteName("tsql_rebuilt");
     std::string names, values;
     for (const CatalogColumn& c : after.columns) {
         const int at = before.findColumn(c.name);
@@ -292,10 +295,10 @@ void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
     }
     // Plain indexes stand only in SQLite's own schema.
     std::vector<std::string> indexes;
-    SqliteStatement find = sqlite_->prepare(
-        "SELECT sql FROM main.sqlite_master WHERE type = 'index' AND sql IS NOT NULL AND "
-        "tbl_name = " +
-        sqliteText(before.name) + " COLLATE NOCASE");
+    SqliteStatement find =
+        sqlite_->prepare("SELECT sql FROM " + schema +
+                         "sqlite_master WHERE type = 'index' AND sql IS NOT NULL AND tbl_name = " +
+                         bareName(before.sqlName) + " COLLATE NOCASE");
     while (sqlite_->step(find.get()))
         indexes.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(find.get(), 0)));
     find.reset();
@@ -306,15 +309,21 @@ void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
                      before.sqlName);
     } catch (const DbError& e) {
         if (e.number != -2627) throw;
-        CatalogTable named = after;
-        constraintFailure(e, named, StatementKind::Update);
+        constraintFailure(e, after, StatementKind::AlterTable);
     }
     sqlite_->run("DROP TABLE " + before.sqlName);
-    sqlite_->run("ALTER TABLE " + fresh + " RENAME TO " + sqliteName(before.name));
-    for (const std::string& index : indexes) sqlite_->run(index);
+    sqlite_->run("ALTER TABLE " + fresh + " RENAME TO " + bareName(before.sqlName));
+    for (std::string index : indexes) {
+        // SQLite keeps the text without the schema.
+        if (before.temporary) index.insert(index.find("INDEX ") + 6, "temp.");
+        sqlite_->run(index);
+    }
     storeConstraints(after);
     together.done();
-    catalog_.changed(before.name);
+    if (before.temporary)
+        catalog_.replaceTemporary(std::move(after));
+    else
+        catalog_.changed(before.name);
 }
 
 void Executor::alterTable(const Statement& s) {
@@ -427,16 +436,21 @@ void Executor::addConstraint(const CatalogTable& table, const ConstraintDefiniti
             const bool primary = c.kind == ConstraintDefinition::PrimaryKey;
             for (const CatalogKey& k : table.keys)
                 if (primary && k.kind == CatalogKey::Primary)
-                    throw makeDbError(1779, {table.name}, line);
+                    throw followedBy(makeDbError(1779, {table.name}), makeDbError(1750, {}, line));
             if (primary)
                 for (const std::string& column : c.columns)
                     if (table.columns[table.findColumn(column)].nullable)
-                        throw makeDbError(8111, {table.name}, line);
+                        throw followedBy(makeDbError(8111, {table.name}),
+                                         makeDbError(1750, {}, line));
             CatalogKey key{c.name.empty() ? generatedName(primary ? "PK" : "UQ", table.name,
                                                           primary ? "" : joined(c.columns, ','))
                                           : c.name,
                            c.columns, primary ? CatalogKey::Primary : CatalogKey::Unique};
-            createKeyIndex(table, key, true);
+            try {
+                createKeyIndex(table, key, true);
+            } catch (const DbError& e) {
+                throw followedBy(e, makeDbError(1750, {}, line));
+            }
             after.keys.push_back(std::move(key));
             break;
         }
@@ -479,7 +493,7 @@ void Executor::dropConstraint(const CatalogTable& table, const std::string& name
     const size_t checks = after.checks.size();
     std::erase_if(after.checks, [&](const CatalogCheck& c) { return foldName(c.name) == folded; });
     check = after.checks.size() != checks;
-    if (!found && !check) throw makeDbError(3728, {name}, line);
+    if (!found && !check) throw followedBy(makeDbError(3728, {name}), makeDbError(3727, {}, line));
     if (table.temporary) {
         catalog_.replaceTemporary(std::move(after));
         return;
@@ -498,10 +512,13 @@ void Executor::dropColumn(const CatalogTable& table, const std::string& name, in
     const int at = table.findColumn(name);
     if (at < 0) throw makeDbError(4924, {"DROP COLUMN", name, table.name}, line);
     if (!table.columns[at].defaultName.empty())
-        throw makeDbError(5074, {table.columns[at].defaultName, name}, line);
+        throw followedBy(makeDbError(5074, {table.columns[at].defaultName, name}),
+                         makeDbError(4922, {"DROP COLUMN", name}, line));
     for (const CatalogKey& k : table.keys)
         for (const std::string& c : k.columns)
-            if (foldName(c) == foldName(name)) throw makeDbError(5074, {k.name, name}, line);
+            if (foldName(c) == foldName(name))
+                throw followedBy(makeDbError(5074, {k.name, name}),
+                                 makeDbError(4922, {"DROP COLUMN", name}, line));
     sqlite_->run("ALTER TABLE " + table.sqlName + " DROP COLUMN " +
                  sqliteName(table.columns[at].name));
     if (table.temporary) {
@@ -547,93 +564,96 @@ void Executor::createIndex(const Statement& s) {
 }
 
 void Executor::drop(const Statement& s) {
-    Together together(*sqlite_);
     for (const Name& name : s.names) {
-        const std::string& object = name.last();
-        const std::string kind = lowerCase(s.dropKind);
-        if (s.dropKind == "INDEX") {
-            const std::string tableName = s.target.empty() ? name.qualifier() : s.target.last();
-            CatalogTablePtr table = catalog_.findTable(tableName);
-            if (!table) throw makeDbError(3701, {"index", name.text()}, s.line);
-            for (const CatalogKey& k : table->keys)
-                if (foldName(k.name) == foldName(object) && k.kind != CatalogKey::Index)
-                    throw makeDbError(
-                        3723,
-                        {name.text(), k.kind == CatalogKey::Primary ? "PRIMARY KEY" : "UNIQUE KEY"},
-                        s.line);
-            try {
-                sqlite_->run(
-                    "DROP INDEX " + schemaOf(table->sqlName) +
-                    sqliteName(table->sqlName.substr(table->sqlName.find('"') + 1) + object));
-            } catch (const DbError&) {
-                if (s.ifExists) continue;
-                throw makeDbError(3701, {"index", tableName + "." + object}, s.line);
-            }
-            SqliteStatement erase = sqlite_->prepare(
-                "DELETE FROM tsql_constraint WHERE tbl = ?1 AND name = ?2 AND kind = 'I'");
-            bindValue(erase.get(), 1, Value(foldName(table->name)));
-            bindValue(erase.get(), 2, Value(object));
-            sqlite_->step(erase.get());
-            catalog_.changed(table->name);
-            continue;
+        Together together(*sqlite_);
+        dropOne(s, name);
+        together.done();
+    }
+}
+
+void Executor::dropOne(const Statement& s, const Name& name) {
+    const std::string& object = name.last();
+    const std::string kind = lowerCase(s.dropKind);
+    if (s.dropKind == "INDEX") {
+        const std::string tableName = s.target.empty() ? name.qualifier() : s.target.last();
+        CatalogTablePtr table = catalog_.findTable(tableName);
+        if (!table) throw makeDbError(3701, {"index", name.text()}, s.line);
+        for (const CatalogKey& k : table->keys)
+            if (foldName(k.name) == foldName(object) && k.kind != CatalogKey::Index)
+                throw makeDbError(
+                    3723,
+                    {name.text(), k.kind == CatalogKey::Primary ? "PRIMARY KEY" : "UNIQUE KEY"},
+                    s.line);
+        try {
+            sqlite_->run("DROP INDEX " + schemaOf(table->sqlName) +
+                         sqliteName(table->sqlName.substr(table->sqlName.find('"') + 1) + object));
+        } catch (const DbError&) {
+            if (s.ifExists) return;
+            throw makeDbError(3701, {"index", tableName + "." + object}, s.line);
         }
-        if (s.dropKind == "TABLE") {
-            CatalogTablePtr table = catalog_.findTable(object);
-            if (!table) {
-                if (s.ifExists) continue;
-                throw makeDbError(3701, {kind, object}, s.line);
-            }
-            sqlite_->run("DROP TABLE " + table->sqlName);
-            if (table->temporary) {
-                catalog_.forgetTemporary(*table);
-            } else {
-                const std::string folded = sqliteText(foldName(object));
-                sqlite_->run("DELETE FROM tsql_constraint WHERE tbl = " + folded +
-                             "; DELETE FROM tsql_identity WHERE tbl = " + folded);
-                catalog_.forgetCreated(object);
-                if (!table->triggers.empty()) {
-                    for (const std::string& trigger : table->triggers) {
-                        sqlite_->run("DELETE FROM tsql_module WHERE name = " +
-                                     sqliteText(foldName(trigger)) + " COLLATE TSQL");
-                        catalog_.forgetCreated(trigger);
-                    }
-                    catalog_.modulesChanged(object);
-                }
-                catalog_.changed(object);
-            }
-            continue;
-        }
-        CatalogModulePtr module = catalog_.findModule(object);
-        bool right = false;
-        if (module) {
-            switch (module->kind) {
-                case ModuleKind::View:
-                    right = s.dropKind == "VIEW";
-                    break;
-                case ModuleKind::Procedure:
-                    right = s.dropKind == "PROCEDURE";
-                    break;
-                case ModuleKind::Trigger:
-                    right = s.dropKind == "TRIGGER";
-                    break;
-                default:
-                    right = s.dropKind == "FUNCTION";
-            }
-        }
-        if (!right && !module && catalog_.findTable(object))
-            throw makeDbError(3705, {s.dropKind, object, object, "table", "TABLE"}, s.line);
-        if (!right) {
-            if (s.ifExists && !module) continue;
+        SqliteStatement erase = sqlite_->prepare(
+            "DELETE FROM tsql_constraint WHERE tbl = ?1 AND name = ?2 AND kind = 'I'");
+        bindValue(erase.get(), 1, Value(foldName(table->name)));
+        bindValue(erase.get(), 2, Value(object));
+        sqlite_->step(erase.get());
+        catalog_.changed(table->name);
+        return;
+    }
+    if (s.dropKind == "TABLE") {
+        CatalogTablePtr table = catalog_.findTable(object);
+        if (!table) {
+            if (s.ifExists) return;
             throw makeDbError(3701, {kind, object}, s.line);
         }
-        SqliteStatement erase = sqlite_->prepare("DELETE FROM tsql_module WHERE name = ?1");
-        bindValue(erase.get(), 1, Value(module->name));
-        sqlite_->step(erase.get());
-        erase.reset();
-        catalog_.forgetCreated(object);
-        catalog_.modulesChanged(object);
+        sqlite_->run("DROP TABLE " + table->sqlName);
+        if (table->temporary) {
+            catalog_.forgetTemporary(*table);
+        } else {
+            const std::string folded = sqliteText(foldName(object));
+            sqlite_->run("DELETE FROM tsql_constraint WHERE tbl = " + folded +
+                         "; DELETE FROM tsql_identity WHERE tbl = " + folded);
+            catalog_.forgetCreated(object);
+            if (!table->triggers.empty()) {
+                for (const std::string& trigger : table->triggers) {
+                    sqlite_->run("DELETE FROM tsql_module WHERE name = " +
+                                 sqliteText(foldName(trigger)) + " COLLATE TSQL");
+                    catalog_.forgetCreated(trigger);
+                }
+                catalog_.modulesChanged(object);
+            }
+            catalog_.changed(object);
+        }
+        return;
     }
-    together.done();
+    CatalogModulePtr module = catalog_.findModule(object);
+    bool right = false;
+    if (module) {
+        switch (module->kind) {
+            case ModuleKind::View:
+                right = s.dropKind == "VIEW";
+                break;
+            case ModuleKind::Procedure:
+                right = s.dropKind == "PROCEDURE";
+                break;
+            case ModuleKind::Trigger:
+                right = s.dropKind == "TRIGGER";
+                break;
+            default:
+                right = s.dropKind == "FUNCTION";
+        }
+    }
+    if (!right && !module && catalog_.findTable(object))
+        throw makeDbError(3705, {s.dropKind, object, object, "table", "TABLE"}, s.line);
+    if (!right) {
+        if (s.ifExists && !module) return;
+        throw makeDbError(3701, {kind, object}, s.line);
+    }
+    SqliteStatement erase = sqlite_->prepare("DELETE FROM tsql_module WHERE name = ?1");
+    bindValue(erase.get(), 1, Value(module->name));
+    sqlite_->step(erase.get());
+    erase.reset();
+    catalog_.forgetCreated(object);
+    catalog_.modulesChanged(object);
 }
 
 void Executor::createModule(Frame& frame, const Statement& s) {

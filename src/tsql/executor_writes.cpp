@@ -62,7 +62,9 @@ std::string checkedColumn(const CatalogTable& table, const std::string& check) {
 void Executor::constraintFailure(const DbError& e, const CatalogTable& table, StatementKind writes,
                                  const std::string& rows, Frame* frame, Plan* p) {
     const std::string text = e.what();
-    const std::string verb = writes == StatementKind::Insert ? "INSERT" : "UPDATE";
+    const std::string verb = writes == StatementKind::Insert       ? "INSERT"
+                             : writes == StatementKind::AlterTable ? "ALTER TABLE"
+                                                                   : "UPDATE";
     const size_t colon = text.find(": ");
     const std::string rest = colon == std::string::npos ? "" : text.substr(colon + 2);
     const std::string object = "dbo." + table.name;
@@ -129,12 +131,19 @@ void Executor::runWrite(Frame& frame, const Statement& s) {
     }
     if (s.kind == StatementKind::Insert && !s.query && !s.defaultValues)
         return insertExecuted(frame, s);
-    Plan& p = plan(frame, &s, [&](Planner& planner) {
+    const bool explicitIdentity = foldName(s.target.last()) == identityInsert_;
+    const auto make = [&](Planner& planner) {
         if (s.kind == StatementKind::Update) return planner.update(s);
         if (s.kind == StatementKind::Delete) return planner.remove(s);
-        return planner.insert(s, foldName(s.target.last()) == identityInsert_);
-    });
-    runPlanned(frame, s, p);
+        return planner.insert(s, explicitIdentity);
+    };
+    Plan* p = &plan(frame, &s, make);
+    // Made when SET IDENTITY_INSERT stood otherwise.
+    if (explicitIdentity ? p->givesIdentity : p->explicitIdentity) {
+        frame.code->plans[&s].reset();
+        p = &plan(frame, &s, make);
+    }
+    runPlanned(frame, s, *p);
 }
 
 void Executor::runPlanned(Frame& frame, const Statement& s, Plan& p) {

@@ -143,6 +143,7 @@ class Parser {
     std::vector<int> literalAt_;  // per token: its place in the literal table, -1 for others
     size_t pos_ = 0;
     int depth_ = 0;
+    int loops_ = 0;  // WHILE around the statement
     Batch batch_;
 };
 

@@ -71,6 +71,7 @@ ColumnDefinition Parser::parseColumn(std::vector<ConstraintDefinition>& constrai
     ColumnDefinition column;
     column.line = static_cast<int>(peek().line);
     column.name = expectName();
+    if (isWord("AS")) throw makeDbError(15281, {"A computed column"}, column.line);
     column.type = parseType(1);
     while (parseColumnConstraint(column, constraints)) {
     }
@@ -100,6 +101,8 @@ bool Parser::parseColumnConstraint(ColumnDefinition& column,
     } else if (takeWord("DEFAULT")) {
         column.defaultName = name;
         column.defaultSource = parseSourceExpression();
+    } else if (isWord("REFERENCES") || isWord("FOREIGN")) {
+        throw makeDbError(15281, {"A FOREIGN KEY constraint"}, static_cast<int>(peek().line));
     } else if (isWord("PRIMARY") || isWord("UNIQUE") || isWord("CHECK")) {
         ConstraintDefinition c;
         c.line = static_cast<int>(peek().line);
@@ -269,6 +272,8 @@ StatementPtr Parser::parseModule(size_t firstToken, bool alter, bool orAlter) {
         expectWord("ON");
         m.table = parseName();
         skipWithOptions();
+        if (isWord("INSTEAD"))
+            throw makeDbError(15281, {"An INSTEAD OF trigger"}, static_cast<int>(peek().line));
         if (!takeWord("AFTER")) expectWord("FOR");
         do {
             if (takeWord("INSERT"))

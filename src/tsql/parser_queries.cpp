@@ -154,8 +154,16 @@ std::unique_ptr<QueryBody> Parser::parseSelect() {
     if (isWord("GROUP") && isWord("BY", 1)) {
         take();
         take();
-        do body->groupBy.push_back(parseExpression());
-        while (takeOperator(","));
+        do {
+            const bool sets = isWord("GROUPING") && isWord("SETS", 1);
+            if (sets || ((isWord("ROLLUP") || isWord("CUBE")) && isOperator("(", 1)))
+                throw makeDbError(15281, {"GROUP BY " + upperCase(peek().text)},
+                                  static_cast<int>(peek().line));
+            body->groupBy.push_back(parseExpression());
+        } while (takeOperator(","));
+        if (isWord("WITH") && (isWord("ROLLUP", 1) || isWord("CUBE", 1)))
+            throw makeDbError(15281, {"GROUP BY " + upperCase(peek(1).text)},
+                              static_cast<int>(peek().line));
     }
     if (takeWord("HAVING")) body->having = parseExpression();
     return body;
@@ -269,6 +277,8 @@ TableRefPtr Parser::parseJoined() {
             take();
             takeWord("OUTER");
             expectWord("JOIN");
+        } else if (isWord("PIVOT") || isWord("UNPIVOT")) {
+            throw makeDbError(15281, {upperCase(peek().text)}, static_cast<int>(peek().line));
         } else {
             return left;
         }

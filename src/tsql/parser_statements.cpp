@@ -1,4 +1,6 @@
 // Statements that change data or steer the batch.
+#include <algorithm>
+
 #include "base/db_error.h"
 #include "base/utf8.h"
 #include "tsql/parser.h"
@@ -70,6 +72,13 @@ StatementPtr Parser::parseStatement() {
 
 StatementPtr Parser::parseStatementHere() {
     if (isWord("WITH")) {
+        // Behind another statement it would be read as a part of that.
+        static constexpr const char* kBefore[] = {"BEGIN", "AS", "ELSE", "TRY", "CATCH"};
+        if (pos_ > 0 && tokens_[pos_ - 1].text != ";" &&
+            std::none_of(std::begin(kBefore), std::end(kBefore), [&](const char* word) {
+                return equalsIgnoreCaseAscii(tokens_[pos_ - 1].text, word);
+            }))
+            throw makeDbError(319, {}, static_cast<int>(peek().line));
         std::vector<CommonTable> with = parseWith();
         if (isWord("INSERT")) return parseInsert(std::move(with));
         if (isWord("UPDATE")) return parseUpdate(std::move(with));
@@ -104,10 +113,14 @@ StatementPtr Parser::parseStatementHere() {
         StatementPtr s = newStatement(StatementKind::While);
         take();
         s->condition = parseExpression();
+        ++loops_;
         s->body = parseBody();
+        --loops_;
         return s;
     }
     if (isWord("BREAK") || isWord("CONTINUE")) {
+        if (loops_ == 0)
+            throw makeDbError(isWord("BREAK") ? 135 : 136, {}, static_cast<int>(peek().line));
         StatementPtr s =
             newStatement(isWord("BREAK") ? StatementKind::Break : StatementKind::Continue);
         take();
@@ -165,6 +178,8 @@ StatementPtr Parser::parseStatementHere() {
     }
     if (isWord("OPEN") || isWord("CLOSE") || isWord("FETCH") || isWord("DEALLOCATE"))
         return parseCursorUse();
+    for (const char* word : {"MERGE", "DBCC", "GRANT", "DENY", "REVOKE", "BACKUP", "RESTORE"})
+        if (isWord(word)) throw makeDbError(15281, {word}, static_cast<int>(peek().line));
     if (isWord("GOTO")) return parseGoto();
     if (isWord("WAITFOR")) return parseWaitFor();
     if (isPlainName() && isOperator(":", 1)) return parseLabel();

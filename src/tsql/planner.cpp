@@ -283,6 +283,14 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
     if (plan->explicitIdentity && !explicitIdentityAllowed)
         throw makeDbError(544, {table->name}, s.line);
     plan->givesIdentity = identity >= 0 && !plan->explicitIdentity;
+    if (plan->givesIdentity && explicitIdentityAllowed && !s.columns.empty())
+        throw makeDbError(545, {table->name}, s.line);
+    // A value too many, without a list of columns, is meant for the identity column.
+    const auto widthError = [&](size_t given) {
+        return identity >= 0 && given == columns.size() + 1
+                   ? makeDbError(8101, {table->name}, s.line)
+                   : makeDbError(213, {}, s.line);
+    };
 
     std::vector<int> omitted;
     for (size_t i = 0; i < table->columns.size(); ++i)
@@ -320,7 +328,7 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
         bool firstRow = true;
         for (const auto& row : s.query->body->rows) {
             if (row.size() != columns.size()) {
-                if (s.columns.empty()) throw makeDbError(213, {}, s.line);
+                if (s.columns.empty()) throw widthError(row.size());
                 throw makeDbError(row.size() < columns.size() ? 109 : 110, {}, s.line);
             }
             plan->sql += firstRow ? "(" : ",(";
@@ -337,7 +345,7 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
     } else {
         auto q = binder.bindQuery(*s.query);
         if (q->columns.size() != columns.size()) {
-            if (s.columns.empty()) throw makeDbError(213, {}, s.line);
+            if (s.columns.empty()) throw widthError(q->columns.size());
             throw makeDbError(q->columns.size() < columns.size() ? 120 : 121, {}, s.line);
         }
         BoundSource source;

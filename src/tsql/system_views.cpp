@@ -170,9 +170,52 @@ void fillSysColumns(Source& s, Rows& rows) {
     }
 }
 
+// The keys and plain indexes of every table; a table without a primary key is a heap.
+void fillIndexes(Source& s, Rows& rows) {
+    for (const std::string& name : s.catalog.tableNames()) {
+        const CatalogTablePtr t = s.catalog.findTable(name);
+        int64_t id = 1;
+        const auto add = [&](const Value& index, bool clustered, bool unique, bool primary,
+                             bool constraint) {
+            const bool heap = index.isNull();
+            rows.push_back({Value(idOf(name)), index,
+                            Value(heap        ? int64_t(0)
+                                  : clustered ? int64_t(1)
+                                              : ++id),
+                            Value(heap        ? int64_t(0)
+                                  : clustered ? int64_t(1)
+                                              : int64_t(2)),
+                            Value(heap        ? "HEAP"
+                                  : clustered ? "CLUSTERED"
+                                              : "NONCLUSTERED"),
+                            Value(unique), Value(primary), Value(constraint)});
+        };
+        bool primary = false;
+        for (const CatalogKey& k : t->keys) {
+            if (k.kind != CatalogKey::Primary) continue;
+            primary = true;
+            add(Value(k.name), true, true, true, false);
+        }
+        if (!primary) add({}, false, false, false, false);
+        for (const CatalogKey& k : t->keys)
+            if (k.kind != CatalogKey::Primary)
+                add(Value(k.name), false, true, false, k.kind == CatalogKey::Unique);
+        // What is not unique stands only in SQLite's own schema, its name behind the table's.
+        SqliteStatement plain =
+            s.catalog.sqlite().prepare("SELECT name FROM pragma_index_list(" + sqliteText(t->name) +
+                                       ") WHERE origin = 'c' AND \"unique\" = 0 ORDER BY seq DESC");
+        while (s.catalog.sqlite().step(plain.get())) {
+            const std::string index =
+                reinterpret_cast<const char*>(sqlite3_column_text(plain.get(), 0));
+            add(Value(index.substr(index.find('"') + 1)), false, false, false, false);
+        }
+    }
+}
+
 const std::vector<View>& views() {
     static const std::vector<View> all = [] {
         const SqlType integer = SqlType::of(SqlKind::Int);
+        const SqlType bit = SqlType::of(SqlKind::Bit);
         const SqlType code = SqlType::text(SqlKind::Char, 2);
         const std::vector<CatalogColumn> object = {
             column("name", name128()),
@@ -209,6 +252,55 @@ const std::vector<View>& views() {
                      [](Source& s, Rows& rows) {
                          for (const CatalogModulePtr& m : s.catalog.modules())
                              rows.push_back({Value(idOf(m->name)), Value(m->source)});
+                     }});
+        v.push_back(
+            {"sys",
+             "indexes",
+             {column("object_id", integer), column("name", name128()), column("index_id", integer),
+              column("type", integer), column("type_desc", name128()), column("is_unique", bit),
+              column("is_primary_key", bit), column("is_unique_constraint", bit)},
+             fillIndexes});
+        v.push_back({"information_schema",
+                     "table_constraints",
+                     {column("CONSTRAINT_SCHEMA", name128()), column("CONSTRAINT_NAME", name128()),
+                      column("TABLE_SCHEMA", name128()), column("TABLE_NAME", name128()),
+                      column("CONSTRAINT_TYPE", SqlType::text(SqlKind::VarChar, 11))},
+                     [](Source& s, Rows& rows) {
+                         for (const std::string& name : s.catalog.tableNames()) {
+                             const CatalogTablePtr t = s.catalog.findTable(name);
+                             const auto add = [&](const std::string& constraint, const char* kind) {
+                                 rows.push_back({Value("dbo"), Value(constraint), Value("dbo"),
+                                                 Value(name), Value(kind)});
+                             };
+                             for (const CatalogKey& k : t->keys)
+                                 if (k.kind != CatalogKey::Index)
+                                     add(k.name,
+                                         k.kind == CatalogKey::Primary ? "PRIMARY KEY" : "UNIQUE");
+                             for (const CatalogCheck& c : t->checks) add(c.name, "CHECK");
+                         }
+                     }});
+        v.push_back({"information_schema",
+                     "key_column_usage",
+                     {column("CONSTRAINT_SCHEMA", name128()), column("CONSTRAINT_NAME", name128()),
+                      column("TABLE_SCHEMA", name128()), column("TABLE_NAME", name128()),
+                      column("COLUMN_NAME", name128()), column("ORDINAL_POSITION", integer)},
+                     [](Source& s, Rows& rows) {
+                         for (const std::string& name : s.catalog.tableNames())
+                             for (const CatalogKey& k : s.catalog.findTable(name)->keys)
+                                 for (size_t i = 0;
+                                      k.kind != CatalogKey::Index && i < k.columns.size(); ++i)
+                                     rows.push_back({Value("dbo"), Value(k.name), Value("dbo"),
+                                                     Value(name), Value(k.columns[i]),
+                                                     Value(static_cast<int64_t>(i + 1))});
+                     }});
+        v.push_back({"information_schema",
+                     "views",
+                     {column("TABLE_SCHEMA", name128()), column("TABLE_NAME", name128()),
+                      column("VIEW_DEFINITION", SqlType::text(SqlKind::NVarChar, 4000))},
+                     [](Source& s, Rows& rows) {
+                         for (const CatalogModulePtr& m : s.catalog.modules())
+                             if (m->kind == ModuleKind::View)
+                                 rows.push_back({Value("dbo"), Value(m->name), Value(m->source)});
                      }});
         v.push_back({"sys",
                      "default_constraints",

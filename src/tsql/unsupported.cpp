@@ -30,8 +30,6 @@ constexpr Unsupported kFeatures[] = {
     {"computed columns", "CREATE TABLE u (a int, b AS a + 1)"},
     {"sequences, synonyms and user-defined types", "CREATE SEQUENCE q START WITH 1"},
     {"INSTEAD OF triggers", "CREATE TRIGGER y ON t INSTEAD OF DELETE AS SELECT 1"},
-    {"ALTER COLUMN and CHECK on a temporary table already made",
-     "CREATE TABLE #u (a int) ALTER TABLE #u ALTER COLUMN a bigint"},
     {"GRANT, DENY, REVOKE and logins", "GRANT SELECT ON t TO public"},
     {"USE, BACKUP and other statements on servers and databases",
      "BACKUP DATABASE x TO DISK = 'y'"},
