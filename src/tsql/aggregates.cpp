@@ -48,7 +48,8 @@ BoundPtr Binder::bindAggregate(const Expr& e, const std::string& name) {
                 throw makeDbError(8117, {t.name(), lowerCase(name)}, e.line);
             if (name.starts_with("STDEV") || name.starts_with("VAR")) {
                 a = convert(std::move(a), kFloat);
-                r = op("t_agg_" + lowerCase(name) + "(" + distinct + "$0)", kFloat, list(std::move(a)));
+                r = op("t_agg_" + lowerCase(name) + "(" + distinct + "$0)", kFloat,
+                       list(std::move(a)));
                 r->aggregate = true;
                 return r;
             }

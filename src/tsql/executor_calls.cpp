@@ -293,7 +293,14 @@ Value Executor::columnLength(const std::string& table, const std::string& column
         case SqlKind::SmallInt:
             return Value(2);
         case SqlKind::Int:
+        case SqlKind::SmallMoney:
+        case SqlKind::Real:
+        case SqlKind::SmallDateTime:
             return Value(4);
+        case SqlKind::Time:
+            return Value(type.scale <= 2 ? 3 : type.scale <= 4 ? 4 : 5);
+        case SqlKind::DateTime2:
+            return Value(type.scale <= 2 ? 6 : type.scale <= 4 ? 7 : 8);
         case SqlKind::Date:
             return Value(3);
         case SqlKind::Numeric:

@@ -124,8 +124,12 @@ Value numericPrecision(const SqlType& t) {
             return Value(10);
         case SqlKind::BigInt:
             return Value(19);
+        case SqlKind::SmallMoney:
+        case SqlKind::Money:
         case SqlKind::Numeric:
             return Value(static_cast<int64_t>(t.precision));
+        case SqlKind::Real:
+            return Value(24);
         case SqlKind::Float:
             return Value(53);
         default:
@@ -146,10 +150,9 @@ void fillInformationColumns(Source& s, Rows& rows) {
                             c.defaultSource.empty() ? Value() : Value(c.defaultSource),
                             Value(c.nullable ? "YES" : "NO"), Value(c.type.name()),
                             characterLength(c.type), numericPrecision(c.type),
-                            c.type.kind == SqlKind::Numeric
-                                ? Value(static_cast<int64_t>(c.type.scale))
-                            : whole ? Value(0)
-                                    : Value()});
+                            c.type.isDecimal() ? Value(static_cast<int64_t>(c.type.scale))
+                            : whole            ? Value(0)
+                                               : Value()});
         }
     }
 }
