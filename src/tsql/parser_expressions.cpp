@@ -375,7 +375,7 @@ std::unique_ptr<WindowSpec> Parser::parseWindow() {
             }
             std::string distance = "UNBOUNDED";
             if (!takeWord("UNBOUNDED")) {
-                if (!rows || window->orderBy.empty()) syntaxError();
+                if (!rows || peek().kind != TokenKind::Integer) syntaxError();
                 batch_.literals[literalAt_[pos_]].fixed = true;
                 distance = std::to_string(expectInteger());
             }

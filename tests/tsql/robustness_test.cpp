@@ -42,6 +42,8 @@ TEST(Robustness, BadTextEndsInAnError) {
         {"invalid UTF-8 in a text", "SELECT '\xFF\xFE'", 102},
         {"embedded NUL", std::string("SELECT 1\0 + 1", 13), 102},
         {"lone operator", "SELECT 1 +", 102},
+        {"no number of rows", "SELECT SUM(1) OVER (ORDER BY a ROWS BETWEEN 1 PRECEDING AND x ROW)",
+         102},
         {"keyword for a name", "SELECT 1 FROM WHERE", 156},
         {"deep parentheses", "SELECT " + repeated("(", 5000) + "1" + repeated(")", 5000), 8623},
         {"deep NOT", "SELECT 1 WHERE " + repeated("NOT ", 5000) + "1=1", 8623},
