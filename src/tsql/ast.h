@@ -88,7 +88,7 @@ struct Expr : Pooled<Expr> {
     QueryPtr query;
     std::unique_ptr<WindowSpec> over;
     std::vector<OrderItem> within;  // WITHIN GROUP (ORDER BY ...)
-    SqlType type;  // Cast
+    SqlType type;                   // Cast
     int literal = -1;
     bool negated = false;
     bool hasOperand = false;  // Case

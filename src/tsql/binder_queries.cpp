@@ -61,7 +61,7 @@ std::unique_ptr<BoundQuery> Binder::bindBody(const QueryBody& body,
                     throw makeDbError(108, {std::to_string(order.ordinal + 1)}, item.expr->line);
             } else if (item.expr->kind == ExprKind::Column) {
                 for (size_t i = 0; i < q->columns.size(); ++i)
-                    if (foldName(q->columns[i].name) == foldName(item.expr->name.last()))
+                    if (sameName(q->columns[i].name, item.expr->name.last()))
                         order.ordinal = static_cast<int>(i);
             }
             if (order.ordinal < 0) throw makeDbError(104, {}, item.expr->line);
@@ -211,7 +211,7 @@ void Binder::bindItems(const QueryBody& body, BoundQuery& q) {
     for (const SelectItem& item : body.items) {
         if (item.variable.empty()) continue;
         for (size_t i = 0; i < (context_.variables ? context_.variables->size() : 0); ++i)
-            if (foldName((*context_.variables)[i].name) == foldName(item.variable))
+            if (sameName((*context_.variables)[i].name, item.variable))
                 assignedVariables_.push_back(static_cast<int>(i));
     }
     bool assigns = false, returns = false;

@@ -14,8 +14,7 @@ std::unique_ptr<BoundFrom> Binder::addSource(BoundQuery& q, std::unique_ptr<Boun
                                              int line) {
     Scope& scope = *scopes_.back();
     for (const BoundSource* other : scope.sources)
-        if (!source->exposedName.empty() &&
-            foldName(other->exposedName) == foldName(source->exposedName))
+        if (!source->exposedName.empty() && sameName(other->exposedName, source->exposedName))
             throw makeDbError(1013, {source->exposedName, other->exposedName}, line);
     scope.sources.push_back(source.get());
     auto from = std::make_unique<BoundFrom>();
@@ -117,7 +116,7 @@ std::unique_ptr<BoundSource> Binder::derivedSource(std::unique_ptr<BoundQuery> q
         const std::string& name = source->columns[i].name;
         if (name.empty()) throw makeDbError(8155, {std::to_string(i + 1), exposed}, line);
         for (size_t j = 0; j < i; ++j)
-            if (foldName(source->columns[j].name) == foldName(name))
+            if (sameName(source->columns[j].name, name))
                 throw makeDbError(8156, {name, exposed}, line);
     }
     source->query = std::move(query);

@@ -64,7 +64,7 @@ void requireWritable(const BoundSource& source, const std::string& name, int lin
 
 int columnOf(const BoundSource& source, const std::string& name) {
     for (size_t i = 0; i < source.columns.size(); ++i)
-        if (foldName(source.columns[i].name) == foldName(name)) return static_cast<int>(i);
+        if (sameName(source.columns[i].name, name)) return static_cast<int>(i);
     return -1;
 }
 
@@ -88,12 +88,11 @@ Binder::Target Binder::bindTarget(const Statement& s) {
     target.implicit = s.from.empty();
     if (!s.from.empty() && s.target.parts.size() == 1) {
         for (BoundSource* source : scopes_.back()->sources)
-            if (foldName(source->exposedName) == foldName(s.target.last())) target.source = source;
+            if (sameName(source->exposedName, s.target.last())) target.source = source;
     }
     if (!target.source && !s.from.empty()) {
         for (BoundSource* source : scopes_.back()->sources)
-            if (!source->tableName.empty() &&
-                foldName(source->tableName) == foldName(s.target.last())) {
+            if (!source->tableName.empty() && sameName(source->tableName, s.target.last())) {
                 if (target.source) throw makeDbError(8154, {s.target.last()}, s.line);
                 target.source = source;
             }

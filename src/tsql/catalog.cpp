@@ -50,6 +50,15 @@ std::string sqliteName(std::string_view name) {
     return out + "\"";
 }
 
+bool sameName(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i) {
+        if (((a[i] | b[i]) & 0x80) != 0) return foldName(a) == foldName(b);
+        if (a[i] != b[i] && !equalsIgnoreCaseAscii(a.substr(i, 1), b.substr(i, 1))) return false;
+    }
+    return true;
+}
+
 std::string foldName(std::string_view name) {
     return lowerCase(name);
 }
@@ -97,10 +106,7 @@ SqlType typeOfDeclaration(std::string_view text) {
 
 int CatalogTable::findColumn(std::string_view columnName) const {
     for (size_t i = 0; i < columns.size(); ++i)
-        if (equalsIgnoreCaseAscii(columns[i].name, columnName) ||
-            (columns[i].name.size() == columnName.size() &&
-             foldName(columns[i].name) == foldName(columnName)))
-            return static_cast<int>(i);
+        if (sameName(columns[i].name, columnName)) return static_cast<int>(i);
     return -1;
 }
 

@@ -139,5 +139,6 @@ SqlType typeOfDeclaration(std::string_view declaration);
 std::string sqliteText(std::string_view text);
 std::string sqliteName(std::string_view name);
 std::string foldName(std::string_view name);
+bool sameName(std::string_view a, std::string_view b);  // as far as letters' case goes
 
 }  // namespace owb::tsql

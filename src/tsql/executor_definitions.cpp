@@ -109,7 +109,7 @@ CatalogTable Executor::describeTable(const std::string& name,
                     const int at = table.findColumn(column);
                     // Written NULL beside PRIMARY KEY is refused; unsaid becomes NOT NULL.
                     for (const ColumnDefinition& d : columns)
-                        if (foldName(d.name) == foldName(column) && d.nullable == true)
+                        if (sameName(d.name, column) && d.nullable == true)
                             throw followedBy(makeDbError(8111, {name}),
                                              makeDbError(1750, {}, c.line));
                     table.columns[at].nullable = false;
@@ -413,12 +413,10 @@ void Executor::addConstraint(const CatalogTable& table, const ConstraintDefiniti
     for (const std::string& column : c.columns)
         if (table.findColumn(column) < 0) throw makeDbError(1911, {column}, line);
     if (!c.name.empty()) {
-        bool taken = std::any_of(table.keys.begin(), table.keys.end(), [&](const CatalogKey& k) {
-            return foldName(k.name) == foldName(c.name);
-        });
+        bool taken = std::any_of(table.keys.begin(), table.keys.end(),
+                                 [&](const CatalogKey& k) { return sameName(k.name, c.name); });
         for (const CatalogColumn& column : table.columns)
-            taken |=
-                !column.defaultName.empty() && foldName(column.defaultName) == foldName(c.name);
+            taken |= !column.defaultName.empty() && sameName(column.defaultName, c.name);
         if (taken) throw makeDbError(2714, {c.name}, line);
     }
     CatalogTable after = table;
@@ -516,7 +514,7 @@ void Executor::dropColumn(const CatalogTable& table, const std::string& name, in
                          makeDbError(4922, {"DROP COLUMN", name}, line));
     for (const CatalogKey& k : table.keys)
         for (const std::string& c : k.columns)
-            if (foldName(c) == foldName(name))
+            if (sameName(c, name))
                 throw followedBy(makeDbError(5074, {k.name, name}),
                                  makeDbError(4922, {"DROP COLUMN", name}, line));
     sqlite_->run("ALTER TABLE " + table.sqlName + " DROP COLUMN " +
@@ -579,7 +577,7 @@ void Executor::dropOne(const Statement& s, const Name& name) {
         CatalogTablePtr table = catalog_.findTable(tableName);
         if (!table) throw makeDbError(3701, {"index", name.text()}, s.line);
         for (const CatalogKey& k : table->keys)
-            if (foldName(k.name) == foldName(object) && k.kind != CatalogKey::Index)
+            if (sameName(k.name, object) && k.kind != CatalogKey::Index)
                 throw makeDbError(
                     3723,
                     {name.text(), k.kind == CatalogKey::Primary ? "PRIMARY KEY" : "UNIQUE KEY"},
@@ -678,8 +676,7 @@ void Executor::createModule(Frame& frame, const Statement& s) {
             for (size_t j = 0; j < i; ++j) {
                 const std::string& before =
                     j < m.viewColumns.size() ? m.viewColumns[j] : q->columns[j].name;
-                if (foldName(before) == foldName(column))
-                    throw makeDbError(4506, {column, name}, s.line);
+                if (sameName(before, column)) throw makeDbError(4506, {column, name}, s.line);
             }
         }
         for (size_t i = 0; i < recorded.size(); ++i)

@@ -47,28 +47,43 @@ void extractSteady(BoundPtr& e, std::vector<BoundPtr>& inner) {
 
 namespace {
 
-void collectLabels(const std::vector<StatementPtr>& statements, StatementKind kind,
+void collectLabels(const std::vector<StatementPtr>& statements,
                    std::vector<const Statement*>& found) {
     for (const StatementPtr& s : statements) {
-        if (s->kind == kind) found.push_back(s.get());
-        collectLabels(s->body, kind, found);
-        collectLabels(s->otherwise, kind, found);
+        if (s->kind == StatementKind::Label) found.push_back(s.get());
+        collectLabels(s->body, found);
+        collectLabels(s->otherwise, found);
     }
 }
 
-// Every GOTO must find its label.
+// Every GOTO finds its label in its own list of statements or in one around it; `around` holds the
+// labels of those.
+void checkJumps(const std::vector<StatementPtr>& statements, std::vector<std::string> around,
+                const std::vector<const Statement*>& labels) {
+    for (const StatementPtr& s : statements)
+        if (s->kind == StatementKind::Label) around.push_back(s->option);
+    for (const StatementPtr& s : statements) {
+        if (s->kind == StatementKind::Goto &&
+            std::find(around.begin(), around.end(), s->option) == around.end()) {
+            const bool elsewhere =
+                std::any_of(labels.begin(), labels.end(),
+                            [&](const Statement* l) { return l->option == s->option; });
+            throw makeDbError(elsewhere ? 15281 : 133,
+                              {elsewhere ? "GOTO into a block" : s->option}, s->line);
+        }
+        checkJumps(s->body, around, labels);
+        checkJumps(s->otherwise, around, labels);
+    }
+}
+
 void checkLabels(const std::vector<StatementPtr>& statements) {
-    std::vector<const Statement*> labels, jumps;
-    collectLabels(statements, StatementKind::Label, labels);
-    collectLabels(statements, StatementKind::Goto, jumps);
+    std::vector<const Statement*> labels;
+    collectLabels(statements, labels);
     for (size_t i = 0; i < labels.size(); ++i)
         for (size_t j = 0; j < i; ++j)
             if (labels[i]->option == labels[j]->option)
                 throw makeDbError(132, {labels[i]->option}, labels[i]->line);
-    for (const Statement* jump : jumps)
-        if (std::none_of(labels.begin(), labels.end(),
-                         [&](const Statement* l) { return l->option == jump->option; }))
-            throw makeDbError(133, {jump->option}, jump->line);
+    checkJumps(statements, {}, labels);
 }
 
 }  // namespace
@@ -263,7 +278,7 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
     for (const std::string& name : s.columns) {
         int at = -1;
         for (const auto& [column, index] : target.columns)
-            if (foldName(column) == foldName(name)) at = index;
+            if (sameName(column, name)) at = index;
         if (at == -1) throw makeDbError(207, {name}, s.line);
         if (at < 0) throw makeDbError(4406, {s.target.last()}, s.line);
         if (std::find(columns.begin(), columns.end(), at) != columns.end())
@@ -453,7 +468,7 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
             old->source = target.source;
             old->column = target.source->table ? at : -1;
             for (size_t i = 0; old->column < 0; ++i)
-                if (foldName(target.source->columns[i].name) == foldName(a.column))
+                if (sameName(target.source->columns[i].name, a.column))
                     old->column = static_cast<int>(i);
             old->type = column.type;
             v = binder.arithmetic(a.op[0], std::move(old), std::move(v), a.line);
@@ -465,7 +480,7 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
         plan->assignedColumns.push_back(foldName(column.name));
         // Keys may collide on the way; see Executor::replaceRows.
         for (const CatalogKey& k : table.keys)
-            for (const std::string& c : k.columns) snapshot |= foldName(c) == foldName(column.name);
+            for (const std::string& c : k.columns) snapshot |= sameName(c, column.name);
         sets.emplace_back(sqliteName(column.name), std::move(v));
     }
     // SQLite finds the rows before it changes any when the condition has a subquery, but not

@@ -308,7 +308,9 @@ bool isReservedWord(std::string_view word) {
     const size_t letter = static_cast<size_t>((word[0] & 0x5F) - 'A');
     if (letter >= 26) return false;
     for (size_t i = starts[letter]; i < starts[letter + 1]; ++i)
-        if (equalsIgnoreCaseAscii(word, kReserved[i])) return true;
+        if (word.size() == kReserved[i].size() && (word.back() & 0x5F) == kReserved[i].back() &&
+            equalsIgnoreCaseAscii(word, kReserved[i]))
+            return true;
     return false;
 }
 

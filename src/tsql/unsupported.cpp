@@ -10,6 +10,7 @@ constexpr Unsupported kFeatures[] = {
     {"GROUPING SETS, CUBE and ROLLUP", "SELECT a FROM t GROUP BY GROUPING SETS ((a), ())"},
     {"TABLESAMPLE", "SELECT a FROM t TABLESAMPLE (10 PERCENT)"},
     {"FOR XML and FOR JSON", "SELECT a FROM t FOR XML AUTO"},
+    {"GOTO into a block", "GOTO inside IF 1 = 1 BEGIN inside: SELECT 1 END"},
     {"WHERE CURRENT OF", "DELETE FROM t WHERE CURRENT OF c"},
     {"writing under SET ROWCOUNT", "SET ROWCOUNT 1 DELETE FROM t"},
     {"SET DATEFIRST", "SET DATEFIRST 1"},
