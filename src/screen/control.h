@@ -1,9 +1,12 @@
 // What screens are made of, without a toolkit: each control is a member of its screen under its own
-// name and registers itself there. Front ends read these members and call the events.
+// name and registers itself there. A screen sets the members as it likes; the operations named
+// after what a user does (click, key, leave ...) are for the front ends: they ask whether the
+// control takes input now, and run the screen's handlers under its guard.
 #pragma once
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace owb {
 
@@ -12,16 +15,23 @@ class Screen;
 class Control {
   public:
     Control(Screen& screen, std::string name, std::string caption = "");
-    virtual ~Control() = default;
+    virtual ~Control();
     Control(const Control&) = delete;
     Control& operator=(const Control&) = delete;
 
     const std::string& name() const { return name_; }
     // What the user reads in it.
     virtual std::string text() const { return caption; }
-    // A user's click: runs onClick under the screen's guard. False when the control takes none
-    // now (hidden, disabled, nothing to do).
-    bool click();
+    bool takesInput() const { return visible && enabled; }
+
+    // --- what a user does: false when the control takes none of it now ---
+    virtual bool click();
+    // Opens the picker where there is one.
+    bool doubleClick();
+    // A key that is no text: "F2" opens the picker, others go to onKey ("F5", "Enter", "Ctrl+G").
+    virtual bool key(const std::string& key);
+    // The focus goes elsewhere.
+    void leave();
 
     std::string caption;
     std::string toolTip;
@@ -29,6 +39,15 @@ class Control {
     bool visible = true;
     bool enabled = true;
     std::function<void()> onClick;
+    std::function<void()> onDoubleClick;
+    std::function<void()> onPick;  // F2 and double click: the screen opens a picker
+    std::function<void()> onLeave;
+    std::function<bool(const std::string& key)> onKey;  // whether it took the key
+
+  protected:
+    // Under the screen's guard; nothing when there is no handler.
+    void run(const std::function<void()>& handler);
+    Screen& screen() const { return screen_; }
 
   private:
     Screen& screen_;
@@ -53,6 +72,74 @@ class ProgressBar : public Control {
 
     size_t value = 0;
     size_t maximum = 0;
+};
+
+class CheckBox : public Control {
+  public:
+    using Control::Control;
+    std::string text() const override { return value ? "Yes" : "No"; }
+    bool click() override { return set(!value); }
+    // The user's tick; onClick runs when it changed something.
+    bool set(bool on);
+
+    bool value = false;
+};
+
+class OptionButton;
+
+// Of the buttons of one group at most one is chosen.
+class OptionGroup {
+  public:
+    // Place among its buttons, in the order of their making; -1 when none is chosen.
+    int chosen() const;
+    void choose(int index);
+    const std::vector<OptionButton*>& buttons() const { return buttons_; }
+
+  private:
+    friend class OptionButton;
+    std::vector<OptionButton*> buttons_;
+};
+
+class OptionButton : public Control {
+  public:
+    OptionButton(Screen& screen, OptionGroup& group, std::string name, std::string caption);
+    std::string text() const override { return value_ ? "Yes" : "No"; }
+    bool value() const { return value_; }
+    // The others of the group are no longer chosen.
+    void choose();
+    bool click() override;
+
+  private:
+    friend class OptionGroup;
+    OptionGroup& group_;
+    bool value_ = false;
+};
+
+// Pages of controls, one of which is in front.
+class Tabs : public Control {
+  public:
+    Tabs(Screen& screen, std::string name, std::vector<std::string> pages)
+        : Control(screen, std::move(name)), pages(std::move(pages)) {}
+    std::string text() const override { return page < pages.size() ? pages[page] : ""; }
+    bool select(size_t index);
+
+    std::vector<std::string> pages;
+    size_t page = 0;
+};
+
+// An item of the menu that a right click on a control opens. An item with items below it only opens
+// those. Items of an array are named "mnuAll(5)".
+class MenuItem : public Control {
+  public:
+    MenuItem(Screen& screen, Control& over, std::string name, std::string caption,
+             MenuItem* parent = nullptr)
+        : Control(screen, std::move(name), std::move(caption)), over(over), parent(parent) {}
+    bool click() override;
+
+    Control& over;
+    MenuItem* const parent;
+    bool checkable = false;
+    bool checked = false;
 };
 
 }  // namespace owb

@@ -15,6 +15,22 @@ Control* Screen::find(std::string_view name) const {
     return nullptr;
 }
 
+void Screen::remove(Control& control) {
+    std::erase(controls_, &control);
+    if (focus_ == &control) focus_ = nullptr;
+}
+
+Layout Screen::layout() {
+    std::vector<Layout> parts;
+    for (Control* control : controls_)
+        if (!dynamic_cast<MenuItem*>(control)) parts.push_back(item(*control));
+    return column(std::move(parts));
+}
+
+Layout tabs(Tabs& control, std::vector<Layout> pages, int stretch) {
+    return {Layout::Kind::Tabs, &control, "", std::move(pages), stretch};
+}
+
 void Screen::showModal() {
     open_ = true;
     if (!guard([this] { onLoad(); })) open_ = false;

@@ -5,10 +5,12 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "screen/control.h"
 #include "screen/front_end.h"
+#include "screen/layout.h"
 
 namespace owb {
 
@@ -24,6 +26,13 @@ class Screen {
     const std::vector<Control*>& controls() const { return controls_; }
     // By name, in any letter case; null when there is none.
     Control* find(std::string_view name) const;
+
+    // How the controls stand; without a layout of its own a screen shows them one below the other.
+    virtual Layout layout();
+    // The control that the focus goes to once the running handler has returned; the front end takes
+    // it from here.
+    void setFocus(Control& control) { focus_ = &control; }
+    Control* takeFocus() { return std::exchange(focus_, nullptr); }
 
     // Load, draw, activate, take input, unload; returns when the screen has closed. A load that
     // fails or closes the screen keeps it from being drawn.
@@ -45,10 +54,12 @@ class Screen {
   private:
     friend class Control;
     void add(Control& control) { controls_.push_back(&control); }
+    void remove(Control& control);
 
     FrontEnd& frontEnd_;
     std::string name_;
     std::vector<Control*> controls_;
+    Control* focus_ = nullptr;
     bool open_ = false;
 };
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/utf8.h"
+#include "script/script_commands.h"
 
 namespace owb {
 
@@ -38,21 +39,6 @@ std::optional<BoxAnswer> answerNamed(const std::string& word) {
     for (size_t i = 0; i < kAnswerNames.size(); ++i)
         if (equalsIgnoreCaseAscii(word, kAnswerNames[i])) return static_cast<BoxAnswer>(i);
     return std::nullopt;
-}
-
-std::string oneLine(const std::string& text) {
-    std::string out;
-    for (const char c : text) {
-        if (c == '\n')
-            out += "\\n";
-        else if (c != '\r')
-            out += c;
-    }
-    return out;
-}
-
-const char* yesNo(bool value) {
-    return value ? "Yes" : "No";
 }
 
 }  // namespace
@@ -109,18 +95,12 @@ void ScriptFrontEnd::command(Screen& screen, const std::string& line) {
             answers_.push_back(*answer);
         else
             fail("no such answer: " + rest);
-    } else if (verb == "click" || verb == "show") {
-        Control* control = screen.find(rest);
-        if (control == nullptr)
-            fail("no control " + rest + " on " + screen.name());
-        else if (verb == "show")
-            out_ << control->name() << ": " << oneLine(control->text()) << " | "
-                 << oneLine(control->caption) << " | " << yesNo(control->enabled) << " | "
-                 << yesNo(control->visible) << std::endl;
-        else if (!control->click())
-            fail(control->name() + " takes no click now");
     } else {
-        fail("no such command: " + verb);
+        try {
+            if (!runControlCommand(screen, line, out_)) fail("no such command: " + verb);
+        } catch (const ScriptError& e) {
+            fail(e.reason);
+        }
     }
 }
 

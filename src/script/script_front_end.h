@@ -1,11 +1,19 @@
 // Drives screens by text: one command a line in, what happens out. Used by tests, by owbctl and by
 // anyone who wants to automate an entry.
 //
-//   click NAME     a command or label
-//   show NAME      prints NAME: text | caption | enabled | visible
-//   answer WORD    queues Yes, No, Cancel or OK for the next question
-//   close          closes the current screen
+//   set NAME VALUE            text box, combo box, tab; Yes/No for a check box; the index of an
+//                             option in its array; the entry of a list
+//   click NAME                command, label, option; menu NAME is the same for a menu item
+//   key NAME KEY              F2, F5, Enter, Esc, Ctrl+G ...
+//   cell GRID ROW COL         makes it the current cell; with "= TEXT" edits it as a user does
+//   dblclick NAME [ROW COL]   rightclick GRID ROW COL
+//   check GRID ROW COL Yes|No, check LIST ENTRY Yes|No
+//   answer WORD               queues Yes, No, Cancel or OK for the next question
+//   show NAME                 prints NAME: text | caption | enabled | visible
+//   dump GRID                 prints the visible rows and columns as CSV
+//   close                     closes the current screen
 //
+// ROW and COL count what is visible from 1; COL may be a caption.
 // Blank lines and lines that begin with # say nothing. Out go "open: <screen>|<caption>",
 // "close: <screen>" and "box: <icon>|<title>|<text>|<buttons>|<answer>", line breaks as \n. A
 // question without a queued answer takes its default button. When the input ends, the open screens

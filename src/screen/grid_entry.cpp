@@ -1,0 +1,171 @@
+// What a user does in a grid: moving, clicking, editing, pasting, copying.
+#include <algorithm>
+
+#include "base/date_time.h"
+#include "base/number_text.h"
+#include "base/utf8.h"
+#include "screen/grid.h"
+
+namespace owb {
+
+bool Grid::goTo(size_t row, size_t c) {
+    if (!takesInput() || row >= rows_ || c >= columns_.size()) return false;
+    if (static_cast<int>(row) == currentRow_ && static_cast<int>(c) == currentColumn_) return true;
+    setCurrent(static_cast<int>(row), static_cast<int>(c));
+    if (onCurrentChange) run([&] { onCurrentChange(row, c); });
+    return true;
+}
+
+bool Grid::clickCell(size_t row, size_t c) {
+    if (!goTo(row, c)) return false;
+    if (onCellClick) run([&] { onCellClick(row, c); });
+    return true;
+}
+
+bool Grid::doubleClickCell(size_t row, size_t c) {
+    if (!goTo(row, c)) return false;
+    if (onCellDoubleClick) run([&] { onCellDoubleClick(row, c); });
+    return true;
+}
+
+bool Grid::rightClickCell(size_t row, size_t c) {
+    if (!goTo(row, c)) return false;
+    if (onRightClick) run([&] { onRightClick(row, c); });
+    return true;
+}
+
+std::string Grid::cellName(size_t row, size_t c) const {
+    size_t visible = 1;
+    for (size_t r = 0; r < row; ++r) visible += !hiddenRows_[r];
+    return "row " + std::to_string(visible) + ", \"" + columns_[c].caption + "\"";
+}
+
+bool Grid::takesEdit(size_t row, size_t c, std::string& reason) const {
+    if (!takesInput())
+        reason = name() + " takes no entry now.";
+    else if (row >= rows_ || c >= columns_.size())
+        reason = "There is no such cell.";
+    else if (locked(row, c))
+        reason = "The cell in " + cellName(row, c) + " is locked.";
+    else
+        return true;
+    return false;
+}
+
+std::optional<std::string> Grid::fitted(size_t row, size_t c, const std::string& text,
+                                        std::string& reason) const {
+    const std::string trimmed = trim(text);
+    const auto refused = [&](const char* what) -> std::optional<std::string> {
+        reason = "\"" + trimmed + "\" is no " + what + ": " + cellName(row, c) + ".";
+        return std::nullopt;
+    };
+    switch (cellType(row, c)) {
+        case CellType::Text:
+            return text;
+        case CellType::Number: {
+            if (trimmed.empty()) return trimmed;
+            std::string plain = trimmed;
+            std::erase(plain, ',');
+            const size_t digits = plain.find_first_not_of("+-");
+            const bool good = digits != std::string::npos && digits <= 1 &&
+                              plain.find_first_not_of("0123456789.", digits) == std::string::npos &&
+                              plain.find_first_of("0123456789") != std::string::npos &&
+                              std::count(plain.begin(), plain.end(), '.') <= 1;
+            if (!good) return refused("number");
+            const int decimals = columns_[c].decimals;
+            return formatNumber(textToNumber(plain[0] == '+' ? plain.substr(1) : plain),
+                                decimals > 0 ? "0." + std::string(decimals, '0') : "0");
+        }
+        case CellType::Date: {
+            if (trimmed.empty()) return trimmed;
+            const auto date = parseDate(trimmed, DateOrder::DayFirst);
+            if (!date) return refused("date");
+            return dateText(*date, "dd/mm/yyyy");
+        }
+        case CellType::Check:
+            if (equalsIgnoreCaseAscii(trimmed, "Yes") || trimmed == "1") return "1";
+            if (equalsIgnoreCaseAscii(trimmed, "No") || trimmed == "0" || trimmed.empty())
+                return "0";
+            return refused("Yes or No");
+        case CellType::Combo: {
+            for (const std::string& choice : choices(row, c))
+                if (compareText(choice, trimmed) == 0) return choice;
+            if (trimmed.empty() || columns_[c].editable) return trimmed;
+            return refused("entry of the list");
+        }
+    }
+    return std::nullopt;
+}
+
+bool Grid::beginEdit(size_t row, size_t c, std::string& reason) {
+    if (!takesEdit(row, c, reason)) return false;
+    goTo(row, c);
+    if (onEditBegin) run([&] { onEditBegin(row, c); });
+    return takesEdit(row, c, reason);  // the handler may have locked it
+}
+
+bool Grid::edit(size_t row, size_t c, const std::string& text, std::string& reason) {
+    if (!beginEdit(row, c, reason)) return false;
+    const std::optional<std::string> fits = fitted(row, c, text, reason);
+    if (!fits) return false;
+    const std::string before = cell(row, c);
+    if (*fits == before) return true;
+    setCell(row, c, *fits);
+    if (onEditEnd) run([&] { onEditEnd(row, c, before); });
+    return true;
+}
+
+bool Grid::check(size_t row, size_t c, bool on, std::string& reason) {
+    if (row < rows_ && c < columns_.size() && cellType(row, c) != CellType::Check) {
+        reason = "There is no check box in " + cellName(row, c) + ".";
+        return false;
+    }
+    return edit(row, c, on ? "Yes" : "No", reason);
+}
+
+bool Grid::paste(size_t row, size_t c, const std::vector<std::vector<std::string>>& block,
+                 std::string& reason) {
+    struct Target {
+        size_t row, column;
+        const std::string* text;
+    };
+    std::vector<Target> targets;
+    size_t r = row;
+    for (const std::vector<std::string>& line : block) {
+        while (r < rows_ && hiddenRows_[r]) ++r;
+        size_t at = c;
+        for (const std::string& text : line) {
+            while (at < columns_.size() && columns_[at].hidden) ++at;
+            if (r >= rows_ || at >= columns_.size()) {
+                reason = "The block is larger than what is left of the grid.";
+                return false;
+            }
+            if (!takesEdit(r, at, reason) || !fitted(r, at, text, reason)) return false;
+            targets.push_back({r, at, &text});
+            ++at;
+        }
+        ++r;
+    }
+    for (const Target& t : targets)
+        if (!edit(t.row, t.column, *t.text, reason)) return false;
+    return true;
+}
+
+std::string Grid::copy(size_t row, size_t c, size_t toRow, size_t toColumn) const {
+    std::string out;
+    for (size_t r = row; r <= toRow && r < rows_; ++r) {
+        if (hiddenRows_[r]) continue;
+        std::string line;
+        bool first = true;
+        for (size_t at = c; at <= toColumn && at < columns_.size(); ++at) {
+            if (columns_[at].hidden) continue;
+            if (!first) line += '\t';
+            first = false;
+            line += cell(r, at);
+        }
+        out += line + '\n';
+    }
+    return out;
+}
+
+}  // namespace owb

@@ -1,0 +1,32 @@
+// A box that the user types into. Characters pass the box's key filter one by one, typed, pasted or
+// sent by a script alike.
+#pragma once
+
+#include "screen/control.h"
+
+namespace owb {
+
+class TextBox : public Control {
+  public:
+    using Control::Control;
+    std::string text() const override { return value; }
+
+    // The character that stands in the text when `typed` is pressed with `before` in the box
+    // (`before` without what is selected); 0: refused.
+    char32_t accepted(char32_t typed, const std::string& before) const;
+    // What is left of the text when it is typed into the empty box.
+    std::string filtered(const std::string& text) const;
+    // The user has made this the content; false when the box takes no input.
+    bool edit(const std::string& text);
+
+    std::string value;
+    size_t maxLength = 0;  // characters; 0: no limit
+    bool locked = false;   // shows and copies, takes no change
+    bool multiLine = false;
+    bool focusSelects = true;  // the whole text is selected when the focus comes
+    // One of the key filters: the typed character's code comes back, or 0.
+    std::function<int(int key, const std::string& before)> filter;
+    std::function<void()> onChange;  // after each change by the user
+};
+
+}  // namespace owb

@@ -1,0 +1,182 @@
+// What a user can do to each kind of control, and what it then holds.
+#include <gtest/gtest.h>
+
+#include "screen/grid.h"
+#include "screen/lists.h"
+#include "screen/screen.h"
+#include "screen/text_box.h"
+#include "support/screens.h"
+
+namespace owb {
+namespace {
+
+class Sheet final : public Screen {
+  public:
+    explicit Sheet(FrontEnd& frontEnd) : Screen(frontEnd, "Sheet", "Sheet") {
+        txtAmount.filter = [](int key, const std::string& before) {
+            const bool point = key == '.' && before.find('.') == std::string::npos;
+            return (key >= '0' && key <= '9') || point ? key
+                   : key >= 'a' && key <= 'f'          ? key - 32
+                                                       : 0;
+        };
+        txtAmount.maxLength = 5;
+        txtAmount.onPick = [this] { events += "pick "; };
+        cmbHead.add("Staff", 7);
+        cmbHead.add("Works", 9);
+        cmbHead.onChange = [this] { events += "head=" + std::to_string(cmbHead.key()) + " "; };
+        fpgDays.onEditEnd = [this](size_t row, size_t c, const std::string& before) {
+            events += before + ">" + fpgDays.cell(row, c) + " ";
+            if (fpgDays.cell(row, c) == "13")
+                fpgDays.setCell(row, c, before);  // the screen says no
+        };
+        fpgDays.onCurrentChange = [this](size_t row, size_t) {
+            events += "row" + std::to_string(row) + " ";
+        };
+    }
+    TextBox txtAmount{*this, "txtAmount"};
+    Combo cmbHead{*this, "cmbHead"};
+    ListBox lstLeaves{*this, "lstLeaves"};
+    CheckBox chkAll{*this, "chkAll"};
+    OptionGroup groupType;
+    OptionButton optType[3] = {{*this, groupType, "optType(0)", "Daily"},
+                               {*this, groupType, "optType(1)", "Hourly"},
+                               {*this, groupType, "optType(2)", "Monthly"}};
+    Grid fpgDays{
+        *this,
+        "fpgDays",
+        {{.caption = "Id", .hidden = true},
+         {.caption = "Name"},
+         {.caption = "Days", .type = CellType::Number, .decimals = 1, .locked = false},
+         {.caption = "From", .type = CellType::Date, .locked = false},
+         {.caption = "Leave", .type = CellType::Combo, .locked = false, .choices = {"CL", "SL"}}}};
+    std::string events;
+};
+
+class Controls : public ::testing::Test {
+  protected:
+    test::RecordedBoxes boxes;
+    test::TestFrontEnd frontEnd{boxes};
+    Sheet sheet{frontEnd};
+};
+
+TEST_F(Controls, ATextBoxTakesWhatItsFilterLetsThrough) {
+    const TextBox& box = sheet.txtAmount;
+    EXPECT_EQ(box.filtered("1x2.5."), "12.5");
+    EXPECT_EQ(box.filtered("ab"), "AB") << "a filter may change the character";
+    EXPECT_EQ(box.filtered("1234567"), "12345") << "no more than its length";
+    EXPECT_EQ(box.accepted('\n', ""), 0U);
+    sheet.txtAmount.locked = true;
+    EXPECT_FALSE(sheet.txtAmount.edit("1"));
+    EXPECT_TRUE(sheet.txtAmount.key("F2"));
+    EXPECT_TRUE(sheet.txtAmount.doubleClick());
+    sheet.txtAmount.enabled = false;
+    EXPECT_FALSE(sheet.txtAmount.key("F2"));
+    EXPECT_EQ(sheet.events, "pick pick ");
+}
+
+TEST_F(Controls, AComboIsOneOfItsEntriesOrFreeText) {
+    Combo& combo = sheet.cmbHead;
+    EXPECT_TRUE(combo.edit("wORKS"));
+    EXPECT_EQ(combo.value, "Works");
+    EXPECT_TRUE(combo.edit("Nobody"));
+    EXPECT_FALSE(combo.isInList());
+    EXPECT_EQ(combo.key(), 0);
+    combo.editable = false;
+    EXPECT_FALSE(combo.edit("Somebody"));
+    EXPECT_EQ(combo.value, "Nobody");
+    EXPECT_FALSE(combo.choose(2));
+    EXPECT_TRUE(combo.choose(0));
+    EXPECT_EQ(sheet.events, "head=9 head=0 head=7 ");
+    // Two entries of one text are told apart by the choice.
+    combo.add("Staff", 8);
+    combo.select(2);
+    EXPECT_EQ(combo.key(), 8);
+}
+
+TEST_F(Controls, OneOptionOfAGroup) {
+    EXPECT_EQ(sheet.groupType.chosen(), -1);
+    EXPECT_TRUE(sheet.optType[2].click());
+    EXPECT_TRUE(sheet.optType[1].click());
+    EXPECT_EQ(sheet.groupType.chosen(), 1);
+    sheet.optType[0].enabled = false;
+    EXPECT_FALSE(sheet.optType[0].click());
+    EXPECT_EQ(sheet.groupType.chosen(), 1);
+}
+
+TEST_F(Controls, AGridCellTakesWhatItsTypeHolds) {
+    Grid& grid = sheet.fpgDays;
+    grid.addRow({"1", "Asha"});
+    grid.addRow({"2", "Ravi"});
+    grid.setLocked(1, 2, true);
+    struct Case {
+        size_t row, column;
+        const char* text;
+        const char* holds;  // null: refused
+        const char* reason;
+    };
+    for (const Case& c : {
+             Case{0, 2, " 1,234.25 ", "1234.3", ""},
+             {0, 2, "-0.5", "-0.5", ""},
+             {0, 2, "1.2.3", nullptr, "\"1.2.3\" is no number: row 1, \"Days\"."},
+             {0, 2, "-", nullptr, "\"-\" is no number: row 1, \"Days\"."},
+             {0, 2, "", "", ""},
+             {0, 3, "5/1/2014", "05/01/2014", ""},
+             {0, 3, "31/02/2014", nullptr, "\"31/02/2014\" is no date: row 1, \"From\"."},
+             {0, 4, "cl", "CL", ""},
+             {0, 4, "XL", nullptr, "\"XL\" is no entry of the list: row 1, \"Leave\"."},
+             {0, 1, "Usha", nullptr, "The cell in row 1, \"Name\" is locked."},
+             {1, 2, "3", nullptr, "The cell in row 2, \"Days\" is locked."},
+             {5, 2, "3", nullptr, "There is no such cell."},
+         }) {
+        std::string reason;
+        const bool taken = grid.edit(c.row, c.column, c.text, reason);
+        EXPECT_EQ(taken, c.holds != nullptr) << c.text;
+        EXPECT_EQ(reason, c.reason);
+        if (taken) EXPECT_EQ(grid.cell(c.row, c.column), c.holds);
+    }
+}
+
+TEST_F(Controls, ABlockIsPastedWholeOrNotAtAll) {
+    Grid& grid = sheet.fpgDays;
+    for (int i = 0; i < 4; ++i) grid.addRow({std::to_string(i), "N", "1.0", "", "CL"});
+    grid.setRowHidden(1, true);
+    std::string reason;
+    EXPECT_TRUE(grid.paste(0, 2, {{"2", "01/01/2014"}, {"3", ""}}, reason)) << reason;
+    EXPECT_EQ(grid.copy(0, 0, 3, 3), "N\t2.0\t01/01/2014\nN\t3.0\t\nN\t1.0\t\n")
+        << "hidden rows and columns are passed over";
+    EXPECT_EQ(grid.cell(1, 2), "1.0");
+    for (const std::vector<std::vector<std::string>>& block :
+         {std::vector<std::vector<std::string>>{{"7"}, {"x"}},
+          {{"7"}, {"7"}, {"7"}, {"7"}},
+          {{"7", "", "SL", ""}}}) {
+        EXPECT_FALSE(grid.paste(0, 2, block, reason));
+        EXPECT_EQ(grid.cell(0, 2), "2.0") << reason;
+    }
+    // The screen's own handler has the last word on each cell.
+    EXPECT_TRUE(grid.paste(3, 2, {{"13"}}, reason));
+    EXPECT_EQ(grid.cell(3, 2), "1.0");
+}
+
+TEST_F(Controls, WhatStandsApartFromTheCellsKeepsToItsRow) {
+    Grid& grid = sheet.fpgDays;
+    for (int i = 0; i < 3; ++i) grid.addRow({std::to_string(i)});
+    grid.setCellTag(1, 2, "one");
+    grid.setCellTag(2, 2, "two");
+    grid.setChoices(2, 4, {"PL"});
+    grid.setBackColor(2, 1, 0x80C0FF);
+    grid.setCurrent(2, 1);
+    grid.removeRow(1);
+    EXPECT_EQ(grid.cell(1, 0), "2");
+    EXPECT_EQ(grid.cellTag(1, 2), "two");
+    EXPECT_EQ(grid.choices(1, 4), std::vector<std::string>{"PL"});
+    EXPECT_EQ(grid.choices(0, 4).size(), 2U);
+    EXPECT_EQ(grid.backColor(1, 1), 0x80C0FFU);
+    EXPECT_EQ(grid.currentRow(), -1) << "its row has gone";
+    grid.setRowCount(1);
+    grid.setRowCount(2);
+    EXPECT_EQ(grid.cellTag(1, 2), "");
+    EXPECT_EQ(grid.backColor(1, 1), kDefaultColor);
+}
+
+}  // namespace
+}  // namespace owb
