@@ -132,7 +132,9 @@ TEST_F(Controls, AGridCellTakesWhatItsTypeHolds) {
         const bool taken = grid.edit(c.row, c.column, c.text, reason);
         EXPECT_EQ(taken, c.holds != nullptr) << c.text;
         EXPECT_EQ(reason, c.reason);
-        if (taken) EXPECT_EQ(grid.cell(c.row, c.column), c.holds);
+        if (taken) {
+            EXPECT_EQ(grid.cell(c.row, c.column), c.holds);
+        }
     }
 }
 

@@ -1,0 +1,60 @@
+// "Weekly Holiday": which halves of which occurrences of a weekday are off, from a month on. With
+// head 0 it is the company's rule, which flows to every head whose own rule has not diverged from
+// it (EDITEDYN 0). Saving and deleting mark the register, month and ledger rows from the month on.
+#pragma once
+
+#include <array>
+
+#include "data/screens/SessionScreen.h"
+#include "screen/grid.h"
+
+namespace owb {
+
+class modHolidayWeekly final : public SessionScreen {
+  public:
+    modHolidayWeekly(Session& session, FrontEnd& frontEnd);
+
+    Combo cmbWeekDay{*this, "cmbWeekDay"};      // key 1 Sunday to 7 Saturday
+    Combo cmbMonthYear{*this, "cmbMonthYear"};  // key: month key
+    std::array<CheckBox, 5> chkFirst;
+    std::array<CheckBox, 5> chkSecond;
+    Grid fpgWeeklyHoliday{*this, "fpgWeeklyHoliday"};
+    Command cmdSave{*this, "cmdSave", "&Save"};
+    Command cmdDelete{*this, "cmdDelete", "&Delete"};
+    Command cmdAdvanced{*this, "cmdAdvanced", "&Rotating"};
+    Command cmdClose{*this, "cmdClose", "Cl&ose"};
+
+    void cmdSave_Click();
+    void cmdDelete_Click();
+    void cmdAdvanced_Click();
+    void fpgWeeklyHoliday_Click(size_t row);
+
+  private:
+    // FH1YN, SH1YN, FH2YN ... SH5YN.
+    using Halves = std::array<bool, 10>;
+    struct Rule {
+        int32_t monthYear = 0, weekDay = 0;
+        Halves halves{};
+    };
+
+    void onLoad() override;
+    Layout layout() override;
+    void loadGrid();
+    Rule ruleOnScreen() const;
+    void show(const Rule& rule);
+    bool monthsLocked(int32_t lngMonthYear);
+    // The row's flags; false when there is no row.
+    bool readRow(int32_t intAttHeadId, const Rule& key, Halves& halves);
+    void SaveWeeklyRow(int32_t intAttHeadId, const Rule& rule);
+    bool FnBlnSameAsCompanyRow(const Rule& rule);
+    void setEdited(int32_t intAttHeadId, const Rule& rule, bool edited);
+    void markHead(int32_t intAttHeadId, int32_t lngMonthYear);
+    void markAfterSave(const Rule& rule, bool changed);
+    void markAfterDelete(int32_t lngMonthYear);
+    void auditSave(const Rule& rule, bool isNew, const Halves& before);
+    std::string attendanceName();
+
+    int32_t attHeadId_;
+};
+
+}  // namespace owb
