@@ -1,0 +1,72 @@
+// "Holiday List": the general holidays of the company, of an attendance head or of a branch. A
+// company's holiday is taken from one head or branch by an exception, not by deleting it. Each save
+// and delete marks the salary, register, month and ledger rows of the holiday's month.
+#pragma once
+
+#include "data/screens/SessionScreen.h"
+#include "screen/grid.h"
+
+namespace owb {
+
+class modHolidayList final : public SessionScreen {
+  public:
+    modHolidayList(Session& session, FrontEnd& frontEnd);
+
+    CheckBox chkBranchWise{*this, "chkBranchWise", "Branch Wise"};
+    Label lblAttHead{*this, "lblAttHead", "Attendance Head"};
+    Combo cmbAttHead{*this, "cmbAttHead"};  // key: head or branch; "ALL" is the company
+    Label lblEffFrom{*this, "lblEffFrom", "N/A"};
+    Label fmeFilter{*this, "fmeFilter", "Filter"};
+    Combo cmbHFilter{*this, "cmbHFilter"};
+    TextBox txtFilterFrom{*this, "txtFilterFrom"};
+    TextBox txtFilterTo{*this, "txtFilterTo"};
+    Grid fpgHDetail{*this, "fpgHDetail"};
+    TextBox txtHDate{*this, "txtHDate"};
+    TextBox txtHDesc{*this, "txtHDesc"};
+    CheckBox chkNH{*this, "chkNH", "National Holiday"};
+    Command cmdNew{*this, "cmdNew", "&New"};
+    Command cmdSave{*this, "cmdSave", "&Save"};
+    Command cmdDelete{*this, "cmdDelete", "&Delete"};
+    Command cmdClose{*this, "cmdClose", "Cl&ose"};
+    Label lblImport{*this, "lblImport", "Import"};
+    Label lblExport{*this, "lblExport", "Export"};
+
+    void chkBranchWise_Click();
+    void cmbAttHead_Click();
+    void filter_Change();
+    void fpgHDetail_Click(size_t row);
+    void cmdNew_Click();
+    void cmdSave_Click();
+    void cmdDelete_Click();
+
+    // One holiday as it is typed or imported.
+    struct Holiday {
+        int64_t id = 0;  // 0: new
+        DateTime date;
+        std::string description;
+        bool national = false;
+    };
+
+  private:
+    void onLoad() override;
+    Layout layout() override;
+    void loadScopes();
+    void LoadList();
+    std::string scopeColumn() const { return chkBranchWise.value ? " BRANCHID " : " ATTHEADID "; }
+    int64_t scopeId() const { return cmbAttHead.key(); }
+    std::string scopeName() const { return cmbAttHead.value; }
+    // The checks of a save in their order; "" when all pass.
+    std::string refusal(const Holiday& holiday, int32_t& lngMonthYear);
+    std::string lockText() const;
+    void SaveHolidayRow(const Holiday& holiday);
+    void MarkHolidayMonth(int32_t lngMonthYear);
+    void refreshBranchStart();
+    int32_t monthOf(const DateTime& date);
+    std::string scopeAudit() const;
+    std::string describe(const Holiday& holiday) const;
+    void auditSave(const Holiday& holiday);
+
+    Holiday selected_;  // the grid's row that is being edited
+};
+
+}  // namespace owb
