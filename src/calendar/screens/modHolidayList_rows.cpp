@@ -1,5 +1,6 @@
 // Saving and deleting holidays: the checks in their order, the rows and exceptions, the marks, the
 // audit.
+#include "base/utf8.h"
 #include "calendar/screens/modHolidayList.h"
 #include "data/modAuditTrail.h"
 #include "data/modCommon.h"
