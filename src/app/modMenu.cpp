@@ -1,6 +1,8 @@
 #include "app/modMenu.h"
 
 #include "app/ThisApp.h"
+#include "calendar/screens/modHolidayList.h"
+#include "calendar/screens/modHolidayWeekly.h"
 #include "leave/screens/modLeaveProcess.h"
 
 namespace owb {
@@ -23,6 +25,11 @@ void openRecalculation(Session& session, FrontEnd& frontEnd) {
     modLeaveProcess(session, frontEnd).showModal();
 }
 
+template <class S>
+void openScreen(Session& session, FrontEnd& frontEnd) {
+    S(session, frontEnd).showModal();
+}
+
 constexpr MenuScreen kMenu[] = {
     {1500, "modLeaveDef", "Leave / Non-Leave Definition"},
     {1501, "frmLeaveSettings", "Leave Settings"},
@@ -35,8 +42,8 @@ constexpr MenuScreen kMenu[] = {
     {1508, "modLeaveProcess", "Process Leave", openRecalculation},
     {1509, "modExtraOT", "Special Over Time Setting"},
     {1510, "modLeaveOB", "Set Opening Balance"},
-    {1511, "modHolidayWeekly", "Weekly Holiday"},
-    {1512, "modHolidayList", "Holiday List"},
+    {1511, "modHolidayWeekly", "Weekly Holiday", openScreen<modHolidayWeekly>},
+    {1512, "modHolidayList", "Holiday List", openScreen<modHolidayList>},
     {1514, "modLeave", "Leave Register"},
     {1515, "modDayToDay", "Attendance Detail"},
     {1516, "modLeaveMonth", "Attendance - Monthly"},

@@ -26,7 +26,7 @@ class Sheet final : public Screen {
         cmbHead.onChange = [this] { events += "head=" + std::to_string(cmbHead.key()) + " "; };
         fpgDays.onEditEnd = [this](size_t row, size_t c, const std::string& before) {
             events += before + ">" + fpgDays.cell(row, c) + " ";
-            if (fpgDays.cell(row, c) == "13")
+            if (fpgDays.cell(row, c) == "13.0")
                 fpgDays.setCell(row, c, before);  // the screen says no
         };
         fpgDays.onCurrentChange = [this](size_t row, size_t) {

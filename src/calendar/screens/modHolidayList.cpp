@@ -1,8 +1,6 @@
 #include "calendar/screens/modHolidayList.h"
 
-#include "data/modAuditTrail.h"
 #include "data/modCommon.h"
-#include "data/modOWBSetting.h"
 #include "db/recordset.h"
 
 namespace owb {
@@ -13,10 +11,6 @@ enum Column : size_t { kId, kHeadId, kBranchId, kDate, kDescription, kType };
 
 std::string number(int64_t value) {
     return std::to_string(value);
-}
-
-const char* yesNo(bool value) {
-    return value ? "Yes" : "No";
 }
 
 }  // namespace
