@@ -43,6 +43,7 @@ std::unique_ptr<Command> makeCreateCommand();
 std::unique_ptr<Command> makeSampleCommand();
 std::unique_ptr<Command> makeSqlCommand();
 std::unique_ptr<Command> makeProcessCommand();
+std::unique_ptr<Command> makeScreenCommand();
 std::unique_ptr<Command> makeRegisterCommand();
 std::unique_ptr<Command> makeCheckCommand();
 std::unique_ptr<Command> makeBackupCommand();

@@ -31,6 +31,7 @@ TEST(Owbctl, WrongUsageIsStatus2AndOneLine) {
                                                          {"sql"},
                                                          {"sql", "x", "-c", "a", "-f", "b"},
                                                          {"process", "x", "--menu", "1507"},
+                                                         {"screen", "x", "1511"},
                                                          {"sample", "x", "--employees", "0"},
                                                          {"sample", "x", "--employees", "20001"},
                                                          {"help", "nosuch"},
@@ -47,7 +48,8 @@ TEST(Owbctl, WrongUsageIsStatus2AndOneLine) {
 TEST(Owbctl, HelpOfEachCommandTellsItsContract) {
     const Outcome all = owbctl({"help"});
     EXPECT_EQ(all.status, 0);
-    for (const char* name : {"create", "sample", "sql", "process", "register", "check", "backup"}) {
+    for (const char* name :
+         {"create", "sample", "sql", "process", "screen", "register", "check", "backup"}) {
         EXPECT_NE(all.out.find(name), std::string::npos) << name;
         const Outcome one = owbctl({"help", name});
         EXPECT_EQ(one.status, 0);
@@ -69,6 +71,7 @@ TEST_F(OwbctlFile, WhatCannotBeOpenedIsStatus1) {
         {"sql", none, "-c", "SELECT 1"},
         {"check", none},
         {"process", none},
+        {"screen", none, "1511", "0"},
         {"register", none},
         {"sql", dir.file("letter"), "-c", "SELECT 1"},
         {"check", dir.file("letter")},
@@ -258,6 +261,35 @@ TEST_F(OwbctlFile, CheckFindsADamagedFile) {
         }
     }
     EXPECT_EQ(owbctl({"check", db}).status, 1);
+}
+
+TEST_F(OwbctlFile, ScreenRunsAScriptOnTheScreenOfTheMenu) {
+    ASSERT_EQ(owbctl({"create", db}).status, 0);
+    ASSERT_EQ(
+        owbctl({"sql", db, "-c",
+                "INSERT INTO SEC_USERLIST (USERID, USERNAME, READONLYYN) VALUES (2, 'AUDITOR', "
+                "1)"})
+            .status,
+        0);
+    const std::string opened =
+        "open: frmConfiguring|Initializing Advanced Leave Management\nclose: frmConfiguring\n";
+    const std::string screen = "open: modHolidayWeekly|Weekly Holiday\n";
+    std::ofstream(dir.file("script")) << "# nothing chosen\nclick cmdSave\nclose\n";
+    const Outcome o = owbctl({"screen", db, "1511", "0", "-f", dir.file("script")});
+    EXPECT_EQ(o.status, 0);
+    EXPECT_EQ(o.err, "");
+    EXPECT_EQ(o.out, opened + screen +
+                         "box: information|Orvane Wagebook|Select effective Month/Year.|OK|OK\n"
+                         "close: modHolidayWeekly\n");
+
+    const Outcome denied =
+        owbctl({"screen", db, "1511", "0", "--user", "AUDITOR"}, "click cmdSave");
+    EXPECT_EQ(denied.status, 1);
+    EXPECT_EQ(denied.err, "error: line 1: cmdSave takes no click now\n");
+
+    const Outcome none = owbctl({"screen", db, "1513", "0"});
+    EXPECT_EQ(none.out, opened + "box: information|Orvane Wagebook|Invalid form reference|OK|OK\n");
+    EXPECT_EQ(owbctl({"screen", db, "1511", "0", "-f", dir.file("none")}).status, 1);
 }
 
 TEST_F(OwbctlFile, ASmallCompanyFromMakingToRegister) {
