@@ -1,14 +1,27 @@
 // What renders screens and takes the user's input: a toolkit's windows, or a script.
 #pragma once
 
+#include <string>
+
 #include "screen/message_boxes.h"
 
 namespace owb {
 
 class Screen;
 
+// Where a spreadsheet goes to, or comes from.
+struct FileQuestion {
+    std::string title;
+    std::string suggested;  // path or name that stands there at first
+    bool save = false;      // otherwise a file to open
+};
+
 class FrontEnd : public MessageBoxes {
   public:
+    // The file that the user names; "" when there is none.
+    virtual std::string askFile(const FileQuestion&) { return ""; }
+    // Shows a file that was written in the desktop's program for it.
+    virtual void openFile(const std::string&) {}
     // The screen has loaded: it is drawn before its activation runs.
     virtual void opened(Screen& screen) = 0;
     // Takes input for the screen and returns when it is no longer open.

@@ -63,6 +63,22 @@ BoxAnswer ScriptFrontEnd::show(const Box& box) {
     return answer;
 }
 
+// Without a queued path nobody names a file.
+std::string ScriptFrontEnd::askFile(const FileQuestion& question) {
+    std::string path;
+    if (!files_.empty()) {
+        path = files_.front();
+        files_.pop_front();
+    }
+    out_ << "file: " << (question.save ? "save" : "open") << '|' << oneLine(question.title) << '|'
+         << path << std::endl;
+    return path;
+}
+
+void ScriptFrontEnd::openFile(const std::string& path) {
+    out_ << "show: " << path << std::endl;
+}
+
 void ScriptFrontEnd::opened(Screen& screen) {
     out_ << "open: " << screen.name() << '|' << oneLine(screen.caption) << std::endl;
 }
@@ -95,6 +111,8 @@ void ScriptFrontEnd::command(Screen& screen, const std::string& line) {
             answers_.push_back(*answer);
         else
             fail("no such answer: " + rest);
+    } else if (verb == "file") {
+        files_.push_back(rest);
     } else {
         try {
             if (!runControlCommand(screen, line, out_)) fail("no such command: " + verb);

@@ -9,6 +9,7 @@
 //   dblclick NAME [ROW COL]   rightclick GRID ROW COL
 //   check GRID ROW COL Yes|No, check LIST ENTRY Yes|No
 //   answer WORD               queues Yes, No, Cancel or OK for the next question
+//   file PATH                 queues the answer to the next question for a file
 //   show NAME                 prints NAME: text | caption | enabled | visible
 //   dump GRID                 prints the visible rows and columns as CSV
 //   close                     closes the current screen
@@ -38,6 +39,8 @@ class ScriptFrontEnd final : public FrontEnd {
     bool failed() const { return failed_; }
 
     BoxAnswer show(const Box& box) override;
+    std::string askFile(const FileQuestion& question) override;
+    void openFile(const std::string& path) override;
     void opened(Screen& screen) override;
     void run(Screen& screen) override;
     void closed(Screen& screen) override;
@@ -52,6 +55,7 @@ class ScriptFrontEnd final : public FrontEnd {
     std::ostream& out_;
     std::ostream& errors_;
     std::deque<BoxAnswer> answers_;
+    std::deque<std::string> files_;
     size_t line_ = 0;
     bool failed_ = false;
 };

@@ -46,6 +46,8 @@ modHolidayList::modHolidayList(Session& session, FrontEnd& frontEnd)
     cmbHFilter.onChange = txtFilterFrom.onChange =
         txtFilterTo.onChange = [this] { filter_Change(); };
     fpgHDetail.onCurrentChange = [this](size_t row, size_t) { fpgHDetail_Click(row); };
+    lblImport.onClick = [this] { lblImport_Click(); };
+    lblExport.onClick = [this] { lblExport_Click(); };
     cmdNew.onClick = [this] { cmdNew_Click(); };
     cmdSave.onClick = [this] { cmdSave_Click(); };
     cmdDelete.onClick = [this] { cmdDelete_Click(); };

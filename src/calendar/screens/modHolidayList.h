@@ -4,6 +4,8 @@
 #pragma once
 
 #include "data/screens/SessionScreen.h"
+#include "exchange/screens/frmImport.h"
+#include "exchange/sheet_file.h"
 #include "screen/grid.h"
 
 namespace owb {
@@ -38,6 +40,8 @@ class modHolidayList final : public SessionScreen {
     void cmdNew_Click();
     void cmdSave_Click();
     void cmdDelete_Click();
+    void lblImport_Click();
+    void lblExport_Click();
 
     // One holiday as it is typed or imported.
     struct Holiday {
@@ -61,6 +65,9 @@ class modHolidayList final : public SessionScreen {
     void SaveHolidayRow(const Holiday& holiday);
     void MarkHolidayMonth(int32_t lngMonthYear);
     void refreshBranchStart();
+    // The sheet's rows with what an import does with each, and the holidays that it brings.
+    void readHolidays(const std::vector<SheetRow>& sheet, std::vector<frmImport::Row>& rows,
+                      std::vector<Holiday>& holidays);
     int32_t monthOf(const DateTime& date);
     std::string scopeAudit() const;
     std::string describe(const Holiday& holiday) const;

@@ -1,0 +1,94 @@
+#include "exchange/modExpToExcel.h"
+
+#include <filesystem>
+
+#include "base/number_text.h"
+#include "data/Session.h"
+#include "data/modCommon.h"
+#include "exchange/clsEXLFunc.h"
+#include "screen/front_end.h"
+
+namespace owb {
+
+namespace {
+
+constexpr const char* kSection = "LeaveMgmt";
+constexpr const char* kFolder = "ExportFolder";
+
+std::string askFile(Session& session, FrontEnd& frontEnd, FileQuestion question) {
+    const std::string folder = session.settings.GetSetting(kSection, kFolder, "");
+    if (!folder.empty())
+        question.suggested = (std::filesystem::path(folder) / question.suggested).string();
+    const std::string path = frontEnd.askFile(question);
+    if (!path.empty())
+        session.settings.SaveSetting(kSection, kFolder,
+                                     std::filesystem::absolute(path).parent_path().string());
+    return path;
+}
+
+void ShowExportProgress(Progress& progress, size_t done, size_t all) {
+    progress.status(
+        "Generating Excel Report " +
+        formatNumber(100.0 * static_cast<double>(done) / static_cast<double>(all), "0.00") +
+        "% completed.");
+    progress.step(done, all);
+}
+
+}  // namespace
+
+bool ExportGridToExcel(Session& session, FrontEnd& frontEnd, const Grid& grid,
+                       const std::string& title, Progress& progress, size_t rowsToSkip,
+                       bool showHeader) {
+    std::vector<size_t> columns;
+    SheetTable table;
+    table.name = title;
+    for (size_t c = 0; c < grid.columnCount(); ++c) {
+        const GridColumn& column = grid.column(c);
+        if (column.hidden) continue;
+        columns.push_back(c);
+        if (showHeader) table.header.push_back(column.caption);
+        table.columns.push_back(
+            {column.type == CellType::Number ? SheetColumn::Number : SheetColumn::Text,
+             column.decimals});
+    }
+    for (size_t r = rowsToSkip; r < grid.rowCount(); ++r) {
+        if (grid.rowHidden(r)) continue;
+        std::vector<std::string> cells;
+        for (const size_t c : columns)
+            cells.push_back(grid.cellType(r, c) == CellType::Check
+                                ? (grid.checked(r, c) ? "Yes" : "No")
+                                : grid.cell(r, c));
+        table.rows.push_back(std::move(cells));
+        if (table.rows.size() % 200 == 0) {
+            ShowExportProgress(progress, r, grid.rowCount());
+            if (progress.cancelled()) return false;
+        }
+    }
+    if (table.rows.empty()) {
+        frontEnd.information("No record found for Excel export.");
+        return false;
+    }
+    table.headings = {FnVarGetValue(session, "SELECT CMPNAME FROM MAS_COMPANY").toText(),
+                      FnVarGetValue(session, "SELECT ADDRESS FROM MAS_COMPANY").toText(), title};
+    clsGenCmn& texts = session.gGenCmn;
+    const std::string path = askFile(session, frontEnd,
+                                     {.title = title,
+                                      .suggested = texts.FnStrClearAllNonFileChar(title) + ".xlsx",
+                                      .save = true});
+    if (path.empty()) return false;
+    try {
+        writeSheet(path, table);
+    } catch (const std::exception& e) {
+        clsEXLFunc(frontEnd).ExlFnIntErrorHandler(1004, e.what());
+        return false;
+    }
+    ShowExportProgress(progress, 1, 1);
+    frontEnd.openFile(path);
+    return true;
+}
+
+std::string AskImportFile(Session& session, FrontEnd& frontEnd, const std::string& title) {
+    return askFile(session, frontEnd, {.title = title});
+}
+
+}  // namespace owb
