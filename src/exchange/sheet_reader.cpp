@@ -55,6 +55,28 @@ class SharedStrings final : public os::iface::import_shared_strings {
     std::string segments_;
 };
 
+// "C7" and "A1:C7", as the parts of the file name cells.
+class CellNames final : public os::iface::import_reference_resolver {
+  public:
+    os::src_address_t resolve_address(std::string_view name) override {
+        os::src_address_t cell{0, 0, 0};
+        for (const char c : name) {
+            if (c >= 'A' && c <= 'Z')
+                cell.column = cell.column * 26 + (c - 'A' + 1);
+            else if (c >= '0' && c <= '9')
+                cell.row = cell.row * 10 + (c - '0');
+        }
+        --cell.column;
+        --cell.row;
+        return cell;
+    }
+    os::src_range_t resolve_range(std::string_view name) override {
+        const size_t colon = std::min(name.find(':'), name.size());
+        const os::src_address_t first = resolve_address(name.substr(0, colon));
+        return {first, colon == name.size() ? first : resolve_address(name.substr(colon + 1))};
+    }
+};
+
 // A formula counts as the value that it had when the file was saved.
 class FormulaResults final : public os::iface::import_formula {
   public:
@@ -118,6 +140,10 @@ class Sheet final : public os::iface::import_sheet {
 class Book final : public os::iface::import_factory {
   public:
     os::iface::import_shared_strings* get_shared_strings() override { return &strings_; }
+    os::iface::import_reference_resolver* get_reference_resolver(
+        os::formula_ref_context_t) override {
+        return &names_;
+    }
     os::iface::import_sheet* append_sheet(os::sheet_t index, std::string_view) override {
         return get_sheet(index);
     }
@@ -132,6 +158,7 @@ class Book final : public os::iface::import_factory {
   private:
     std::vector<SheetRow> ignored_;
     SharedStrings strings_;
+    CellNames names_;
     Sheet first_{rows, strings_}, rest_{ignored_, strings_};
 };
 

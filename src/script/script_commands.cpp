@@ -135,7 +135,8 @@ void dumpCommand(Screen& screen, const std::string& name, std::ostream& out) {
             if (grid.column(c).hidden) continue;
             if (!first) text += ',';
             first = false;
-            text += csvField(textOf(c));
+            const std::string cell = textOf(c);
+            if (!cell.empty()) text += csvField(cell);
         }
         out << text << '\n';
     };

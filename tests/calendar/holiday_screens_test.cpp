@@ -5,6 +5,7 @@
 
 #include "calendar/screens/modHolidayList.h"
 #include "calendar/screens/modHolidayWeekly.h"
+#include "data/modAttSetting.h"
 #include "exchange/sheet_file.h"
 #include "script/script_front_end.h"
 #include "support/payroll.h"
@@ -62,6 +63,7 @@ std::string box(const std::string& text) {
 
 TEST(HolidayList, RefusesAtTheFirstFailedCheck) {
     Holidays h;
+    h.session.gOptSet.STARTMONTHYEAR = kMay;
     h.run("UPDATE MAS_MONTHYEAR SET LOCKEDYN = 1 WHERE MONTHYEAR = " + std::to_string(kMay));
     struct Case {
         const char* script;
@@ -117,6 +119,7 @@ TEST(HolidayList, MarksTheMonthOfWhatIsSaved) {
 TEST(HolidayList, TakesACompanysHolidayFromOneHead) {
     Holidays h;
     h.holiday(1, "2024-06-17");
+    h.run("UPDATE ATT_HOLIDAY SET HOLIDAYDESC = 'Eid', GENERALYN = 1");
     const std::string ask =
         "box: question|Orvane Wagebook|Do you want to delete selected record?|YesNo|";
     EXPECT_EQ(
@@ -172,7 +175,6 @@ TEST(HolidayList, GoesToASheetAndComesBack) {
 
 TEST(WeeklyHoliday, OfTheCompanyFlowsToHeadsThatHaveNotDiverged) {
     Holidays h;
-    const std::string sunday = "set cmbWeekDay Sunday\nset cmbMonthYear Jun/2024\nset chkFirst 0\n";
     EXPECT_EQ(
         h.drive<modHolidayWeekly>("click cmdSave\nset cmbMonthYear Jun/2024\nclick cmdSave\n"),
         box("Select effective Month/Year.") + box("Select proper 'Day of the Week'."));
