@@ -3,6 +3,7 @@
 #include "app/ThisApp.h"
 #include "calendar/screens/modHolidayList.h"
 #include "calendar/screens/modHolidayWeekly.h"
+#include "config/screens/modLeaveDef.h"
 #include "leave/screens/modLeaveProcess.h"
 
 namespace owb {
@@ -31,7 +32,7 @@ void openScreen(Session& session, FrontEnd& frontEnd) {
 }
 
 constexpr MenuScreen kMenu[] = {
-    {1500, "modLeaveDef", "Leave / Non-Leave Definition"},
+    {1500, "modLeaveDef", "Leave / Non-Leave Definition", openScreen<modLeaveDef>},
     {1501, "frmLeaveSettings", "Leave Settings"},
     {1502, "frmOpt", "General : Optional Configuration"},
     {1503, "modAttHead", "Attendance Configuration"},

@@ -1,0 +1,40 @@
+// Opens one screen on a test's company and drives it by a script, as owbctl does.
+#pragma once
+
+#include <sstream>
+#include <string>
+
+#include "script/script_front_end.h"
+#include "support/company.h"
+
+namespace owb::test {
+
+struct Scripted {
+    std::string boxes;   // "<text>|<answer>" of each box of the screen, a line each
+    std::string shown;   // what show and dump printed
+    std::string errors;  // lines of the script that could not be done
+};
+
+template <class S>
+Scripted drive(Company& company, const std::string& script) {
+    std::istringstream in(script);
+    std::ostringstream out, errors;
+    ScriptFrontEnd frontEnd(in, out, errors);
+    S(company.session, frontEnd).showModal();
+    Scripted result{"", "", errors.str()};
+    std::istringstream lines(out.str());
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream fields(line);
+        std::string icon, title, text, buttons, answer;
+        if (line.rfind("box: ", 0) == 0) {
+            for (std::string* field : {&icon, &title, &text, &buttons, &answer})
+                std::getline(fields, *field, '|');
+            result.boxes += text + (buttons == "OK" ? "" : "|" + answer) + "\n";
+        } else if (line.rfind("open: ", 0) != 0 && line.rfind("close: ", 0) != 0) {
+            result.shown += line + "\n";
+        }
+    }
+    return result;
+}
+
+}  // namespace owb::test
