@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "app/LocalTalk.h"
 #include "app/SettingsShellTalk.h"
 #include "app/ThisApp.h"
 #include "app/frmMain.h"
@@ -56,6 +57,31 @@ struct Launch {
                     payroll.folder.file("")};
     SettingsShellTalk shell{settings, "OWBLeaveMgmt"};
 };
+
+TEST(Launch, TellsAShellThatListensAndPassesByOneThatDied) {
+    Launch launch;
+    const std::string socket = launch.payroll.folder.file("shell");
+    launch.settings.SaveSetting("ExeTalk", "Orvane WagebookStatusHWND", socket);
+    const std::string line = "1600#True#7#10#" + launch.file("OWB:(embedded):" + launch.database);
+    const std::string who = std::to_string(getpid());
+    {
+        LocalListener shell(socket);
+        EXPECT_EQ(launch.run(line), "0");
+        EXPECT_EQ(shell.take(),
+                  (std::vector<std::string>{"opened OWBLeaveMgmt modLeaveProcess " + who,
+                                            "ended OWBLeaveMgmt " + who}));
+        // A shell that does not listen for a while loses messages and holds nobody up.
+        while (SendLocalMessage(socket, "more")) {
+        }
+        launch.shell.screenOpened("modLeaveProcess");
+    }
+    EXPECT_FALSE(SendLocalMessage(socket, "gone"));
+    std::ofstream(socket) << "left behind";
+    EXPECT_FALSE(SendLocalMessage(socket, "dead"));
+    LocalListener next(socket);
+    EXPECT_TRUE(SendLocalMessage(socket, "again"));
+    EXPECT_EQ(next.take(), std::vector<std::string>{"again"});
+}
 
 TEST(Launch, ByConnectionFileOpensTheScreenAndTellsTheShell) {
     Launch launch;
