@@ -1,0 +1,137 @@
+#include "siblings/frmFilter.h"
+
+#include <set>
+
+#include "base/utf8.h"
+#include "data/modCommon.h"
+#include "db/recordset.h"
+
+namespace owb {
+
+namespace {
+
+enum Column : size_t { kOn, kId, kReference, kName, kDepartment, kDesignation, kBranch, kHead };
+constexpr size_t kAtOnce = 500;  // employees in one statement
+
+}  // namespace
+
+frmFilter::frmFilter(Session& session, FrontEnd& frontEnd)
+    : SessionScreen(session, frontEnd, "frmFilter", "OrvaneWagebook - Filter") {
+    txtSearch.toolTip = "Search by specified characters in Employee Name and ID";
+    txtSearch.onChange = [this] { narrow(); };
+    for (Combo* combo : {&cmbDepartment, &cmbDesignation, &cmbBranch, &cmbAttHead}) {
+        combo->editable = false;
+        combo->onChange = [this] { narrow(); };
+    }
+    fpgEmployee.frozenColumns = 4;
+    cmdSelectAll.onClick = [this] { setListed(true); };
+    cmdClear.onClick = [this] { setListed(false); };
+    cmdApply.onClick = [this] { cmdApply_Click(); };
+    cmdClose.onClick = [this] { close(); };
+}
+
+Layout frmFilter::layout() {
+    return column({row({form({item("Search", txtSearch), item("Department", cmbDepartment),
+                              item("Designation", cmbDesignation)}),
+                        form({item("Branch", cmbBranch), item("Attendance Head", cmbAttHead)})}),
+                   item(fpgEmployee, 1),
+                   row({item(lblListedCount), space(), item(cmdSelectAll), item(cmdClear),
+                        item(cmdApply), item(cmdClose)})});
+}
+
+void frmFilter::onLoad() {
+    fpgEmployee.setColumns(
+        {{.caption = "Show", .width = 6, .type = CellType::Check, .locked = false},
+         {.caption = session_.gOptSet.EMPIDCAP, .width = 8, .align = Align::Right},
+         {.caption = session_.gOptSet.REFNOCAP,
+          .width = 10,
+          .hidden = !session_.gOptSet.EMPREFNOYN},
+         {.caption = session_.gEmployeeCaption + " Name", .width = 30},
+         {.caption = "Department", .width = 18},
+         {.caption = "Designation", .width = 18},
+         {.caption = "Branch", .width = 18},
+         {.caption = "Attendance Head", .width = 18}});
+    Recordset rs(
+        session_.gConn,
+        "SELECT V.FILTERYN1, V.EMPID, V.REFNO, V.EMPNAME, D.DEPARTMENT, D.DESIGNATION, "
+        "B.BRANCHNAME, H.ATTHEADNAME FROM " +
+            session_.gEmployeeView +
+            " V INNER JOIN MAS_EMPLOYEEDET D ON D.EMPID = V.EMPID AND D.EMPDETID = (SELECT "
+            "MAX(EMPDETID) FROM MAS_EMPLOYEEDET WHERE EMPID = V.EMPID) LEFT JOIN "
+            "MAS_BRANCH B ON B.BRANCHID = D.BRANCHID LEFT JOIN MAS_ATTHEAD H ON "
+            "H.ATTHEADID = D.ATTHEADID ORDER BY V.EMPID");
+    for (; !rs.IsEOF(); rs.MoveNext()) {
+        std::vector<std::string> cells;
+        for (size_t c = 0; c < rs.FieldCount(); ++c) cells.push_back(rs.Fields(c).toText());
+        cells[kOn] = rs.Fields(kOn).toBool() ? "1" : "0";
+        fpgEmployee.addRow(std::move(cells));
+    }
+    fillCombos();
+    narrow();
+}
+
+void frmFilter::fillCombos() {
+    const std::pair<Combo*, size_t> lists[] = {{&cmbDepartment, kDepartment},
+                                               {&cmbDesignation, kDesignation},
+                                               {&cmbBranch, kBranch},
+                                               {&cmbAttHead, kHead}};
+    for (const auto& [combo, c] : lists) {
+        std::set<std::string> texts;
+        for (size_t r = 0; r < fpgEmployee.rowCount(); ++r) texts.insert(fpgEmployee.cell(r, c));
+        texts.erase("");
+        combo->add("ALL");
+        for (const std::string& text : texts) combo->add(text);
+        combo->select(0);
+    }
+}
+
+void frmFilter::narrow() {
+    const std::string wanted = foldText(txtSearch.value);
+    const auto fits = [](const Combo& combo, const std::string& cell) {
+        return combo.selected() <= 0 || compareText(combo.value, cell) == 0;
+    };
+    for (size_t r = 0; r < fpgEmployee.rowCount(); ++r) {
+        const auto cell = [&](size_t c) { return fpgEmployee.cell(r, c); };
+        const bool found = foldText(cell(kName)).find(wanted) != std::string::npos ||
+                           foldText(cell(kId)).find(wanted) != std::string::npos ||
+                           foldText(cell(kReference)).find(wanted) != std::string::npos;
+        fpgEmployee.setRowHidden(
+            r, !(found && fits(cmbDepartment, cell(kDepartment)) &&
+                 fits(cmbDesignation, cell(kDesignation)) && fits(cmbBranch, cell(kBranch)) &&
+                 fits(cmbAttHead, cell(kHead))));
+    }
+    lblListedCount.caption = "Listed : " + std::to_string(fpgEmployee.visibleRowCount());
+}
+
+void frmFilter::setListed(bool on) {
+    for (size_t r = 0; r < fpgEmployee.rowCount(); ++r)
+        if (!fpgEmployee.rowHidden(r)) fpgEmployee.setCell(r, kOn, on ? "1" : "0");
+}
+
+void frmFilter::cmdApply_Click() {
+    std::vector<std::string> kept;
+    for (size_t r = 0; r < fpgEmployee.rowCount(); ++r)
+        if (!fpgEmployee.rowHidden(r) && fpgEmployee.checked(r, kOn))
+            kept.push_back(fpgEmployee.cell(r, kId));
+    if (kept.empty()) return inform("Select atleast one " + session_.gEmployeeCaption);
+    const std::string update = "UPDATE " + session_.gFilterTable + " SET FILTERYN1 = ";
+    session_.gConn.BeginTrans();
+    try {
+        session_.gConn.Execute(update + "0");
+        for (size_t from = 0; from < kept.size(); from += kAtOnce) {
+            std::string ids;
+            for (size_t i = from; i < std::min(from + kAtOnce, kept.size()); ++i)
+                ids += (ids.empty() ? "" : ",") + kept[i];
+            session_.gConn.Execute(update + "1 WHERE EMPID IN (" + ids + ")");
+        }
+        session_.gConn.CommitTrans();
+    } catch (...) {
+        session_.gConn.RollbackTrans();
+        throw;
+    }
+    session_.settings.SaveSetting("Settings", "Filter",
+                                  kept.size() < fpgEmployee.rowCount() ? "1" : "0");
+    close();
+}
+
+}  // namespace owb

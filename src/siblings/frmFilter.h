@@ -1,0 +1,41 @@
+// The employee filter: a stand-in for the family's program OWBFilter on machines without it. The
+// user narrows the list by text, department, designation, branch and head and ticks who stays;
+// Apply marks those, and only those, with FILTERYN1 and leaves in Settings/Filter whether anybody
+// was left out.
+#pragma once
+
+#include <string>
+
+#include "data/screens/SessionScreen.h"
+#include "screen/grid.h"
+
+namespace owb {
+
+class frmFilter final : public SessionScreen {
+  public:
+    frmFilter(Session& session, FrontEnd& frontEnd);
+
+    TextBox txtSearch{*this, "txtSearch"};
+    Combo cmbDepartment{*this, "cmbDepartment"};
+    Combo cmbDesignation{*this, "cmbDesignation"};
+    Combo cmbBranch{*this, "cmbBranch"};
+    Combo cmbAttHead{*this, "cmbAttHead"};
+    Grid fpgEmployee{*this, "fpgEmployee"};
+    Label lblListedCount{*this, "lblListedCount"};
+    Command cmdSelectAll{*this, "cmdSelectAll", "Select &All"};
+    Command cmdClear{*this, "cmdClear", "C&lear All"};
+    Command cmdApply{*this, "cmdApply", "&Apply"};
+    Command cmdClose{*this, "cmdClose", "Cl&ose"};
+
+    // The ticks of what the list shows; employees out of sight are never in the filter.
+    void setListed(bool on);
+    void narrow();
+    void cmdApply_Click();
+
+  private:
+    void onLoad() override;
+    Layout layout() override;
+    void fillCombos();
+};
+
+}  // namespace owb
