@@ -3,6 +3,7 @@
 #include "app/ThisApp.h"
 #include "calendar/screens/modHolidayList.h"
 #include "calendar/screens/modHolidayWeekly.h"
+#include "config/screens/modAttHead.h"
 #include "config/screens/modLeaveDef.h"
 #include "leave/screens/modLeaveProcess.h"
 
@@ -35,7 +36,7 @@ constexpr MenuScreen kMenu[] = {
     {1500, "modLeaveDef", "Leave / Non-Leave Definition", openScreen<modLeaveDef>},
     {1501, "frmLeaveSettings", "Leave Settings"},
     {1502, "frmOpt", "General : Optional Configuration"},
-    {1503, "modAttHead", "Attendance Configuration"},
+    {1503, "modAttHead", "Attendance Configuration", openScreen<modAttHead>},
     {1504, "frmOptDaily", "Daily Attendance Options"},
     {1505, "modLeaveAutoConfig", "Automatic Allotment Configuration (Periodical)"},
     {1506, "modLeaveAutoConfig", "Automatic Allotment Configuration (Monthly)"},

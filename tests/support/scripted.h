@@ -3,6 +3,7 @@
 
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "script/script_front_end.h"
 #include "support/company.h"
@@ -15,12 +16,13 @@ struct Scripted {
     std::string errors;  // lines of the script that could not be done
 };
 
-template <class S>
-Scripted drive(Company& company, const std::string& script) {
+// The arguments are the screen's own, after session and front end.
+template <class S, class... Arguments>
+Scripted drive(Company& company, const std::string& script, Arguments&&... arguments) {
     std::istringstream in(script);
     std::ostringstream out, errors;
     ScriptFrontEnd frontEnd(in, out, errors);
-    S(company.session, frontEnd).showModal();
+    S(company.session, frontEnd, std::forward<Arguments>(arguments)...).showModal();
     Scripted result{"", "", errors.str()};
     std::istringstream lines(out.str());
     for (std::string line; std::getline(lines, line);) {
