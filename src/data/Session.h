@@ -21,6 +21,7 @@ namespace owb {
 
 class clsNODNDPCalc;
 class clsOTDetCalc;
+class SiblingLauncher;
 
 // MAS_COMPANY: which statutory matters the company keeps.
 struct CompanyRecord {
@@ -115,10 +116,11 @@ struct Session {
     // --- the outside world, injected ---
     SettingsStore& settings;
     MessageBoxes& boxes;
-    std::function<DateTime()> now;  // wall clock
-    std::string programFolder;      // where marker files are looked for
-    std::string windowsUser;        // the environment's USERNAME, for the audit trail
-    ShellTalk* shell = nullptr;     // null: nobody listens
+    std::function<DateTime()> now;        // wall clock
+    std::string programFolder;            // where marker files are looked for
+    std::string windowsUser;              // the environment's USERNAME, for the audit trail
+    ShellTalk* shell = nullptr;           // null: nobody listens
+    SiblingLauncher* siblings = nullptr;  // null: no other program can be opened
 
     // --- the launch ---
     Connection gConn;
@@ -147,6 +149,7 @@ struct Session {
     std::string gFilterTable;         // in brackets
     std::string gEmployeeDetView;     // in brackets
     std::string gLeaveSummaryView;    // in brackets
+    bool gFilterActive = false;       // the filter program has left somebody out
     bool gLeaveCalcFlag = false;      // the user cancelled the running pass
     bool gFullPassAutoClose = false;  // menu 1600: full pass, the closing message goes by itself
     bool gOpenedFromMenu = false;

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "app/ProcessLauncher.h"
 #include "app/SettingsShellTalk.h"
 #include "app/frmMain.h"
 #include "data/FileSettingsStore.h"
@@ -21,6 +22,8 @@ int main(int argc, char** argv) {
         session.exeName = executable.stem().string();
         SettingsShellTalk shell(settings, session.exeName);
         session.shell = &shell;
+        ProcessLauncher siblings(settings);
+        session.siblings = &siblings;
         const int status = frmMain(session, frontEnd).Run(commandLine);
         return frontEnd.failed() ? 1 : status;
     } catch (const std::exception& e) {
