@@ -23,6 +23,6 @@ fi
 # <ignored>:<server>:<database>:<user>:<password>; without user and password.
 link="$data/sample.owblink"
 printf 'OWB:(embedded):%s::\n' "$company" >"$link"
-build/release/src/OWBLeaveMgmt "1600#False#0#0#$link" </dev/null
+OWB_SCRIPT=1 build/release/src/OWBLeaveMgmt "1600#False#0#0#$link" </dev/null
 
 build/release/src/owbctl register "$company"

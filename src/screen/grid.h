@@ -89,6 +89,8 @@ class Grid : public Control {
     // Begins an edit: what stands in the cell may change by it. False, with the reason, when the
     // cell takes none.
     bool beginEdit(size_t row, size_t c, std::string& reason);
+    // Ends one that has begun. False, with the reason, when the text does not fit.
+    bool endEdit(size_t row, size_t c, const std::string& text, std::string& reason);
     // A whole edit, from beginning to end. False, with the reason, when nothing changed.
     bool edit(size_t row, size_t c, const std::string& text, std::string& reason);
     bool check(size_t row, size_t c, bool on, std::string& reason);
@@ -96,6 +98,12 @@ class Grid : public Control {
     // looked at first: one that is locked, beyond the end or does not fit refuses the whole block.
     bool paste(size_t row, size_t c, const std::vector<std::vector<std::string>>& block,
                std::string& reason);
+    // The same for cells that the front end has chosen.
+    struct CellText {
+        size_t row, column;
+        std::string text;
+    };
+    bool paste(const std::vector<CellText>& targets, std::string& reason);
     // The visible cells between two corners, tab-separated lines.
     std::string copy(size_t row, size_t c, size_t toRow, size_t toColumn) const;
 

@@ -105,7 +105,11 @@ bool Grid::beginEdit(size_t row, size_t c, std::string& reason) {
 }
 
 bool Grid::edit(size_t row, size_t c, const std::string& text, std::string& reason) {
-    if (!beginEdit(row, c, reason)) return false;
+    return beginEdit(row, c, reason) && endEdit(row, c, text, reason);
+}
+
+bool Grid::endEdit(size_t row, size_t c, const std::string& text, std::string& reason) {
+    if (!takesEdit(row, c, reason)) return false;
     const std::optional<std::string> fits = fitted(row, c, text, reason);
     if (!fits) return false;
     const std::string before = cell(row, c);
@@ -125,11 +129,7 @@ bool Grid::check(size_t row, size_t c, bool on, std::string& reason) {
 
 bool Grid::paste(size_t row, size_t c, const std::vector<std::vector<std::string>>& block,
                  std::string& reason) {
-    struct Target {
-        size_t row, column;
-        const std::string* text;
-    };
-    std::vector<Target> targets;
+    std::vector<CellText> targets;
     size_t r = row;
     for (const std::vector<std::string>& line : block) {
         while (r < rows_ && hiddenRows_[r]) ++r;
@@ -140,14 +140,20 @@ bool Grid::paste(size_t row, size_t c, const std::vector<std::vector<std::string
                 reason = "The block is larger than what is left of the grid.";
                 return false;
             }
-            if (!takesEdit(r, at, reason) || !fitted(r, at, text, reason)) return false;
-            targets.push_back({r, at, &text});
+            targets.push_back({r, at, text});
             ++at;
         }
         ++r;
     }
-    for (const Target& t : targets)
-        if (!edit(t.row, t.column, *t.text, reason)) return false;
+    return paste(targets, reason);
+}
+
+bool Grid::paste(const std::vector<CellText>& targets, std::string& reason) {
+    for (const CellText& t : targets)
+        if (!takesEdit(t.row, t.column, reason) || !fitted(t.row, t.column, t.text, reason))
+            return false;
+    for (const CellText& t : targets)
+        if (!edit(t.row, t.column, t.text, reason)) return false;
     return true;
 }
 

@@ -23,6 +23,7 @@ class Screen {
 
     const std::string& name() const { return name_; }
     std::string caption;
+    bool popup = false;  // small and borderless; closes when the focus leaves it
     const std::vector<Control*>& controls() const { return controls_; }
     // By name, in any letter case; null when there is none.
     Control* find(std::string_view name) const;

@@ -19,6 +19,7 @@ frmOwbCalender::frmOwbCalender(Session& session, FrontEnd& frontEnd)
     : Screen(frontEnd, "frmOwbCalender", "Calendar"),
       lblDate(dateLabels(*this, std::make_index_sequence<42>())),
       session_(session) {
+    popup = true;
     cmbMonth.editable = cmbYear.editable = false;
     cmbMonth.onChange = cmbYear.onChange = [this] { loadCalender(); };
     for (size_t i = 0; i < lblDate.size(); ++i)

@@ -22,6 +22,7 @@ frmSelMonth::frmSelMonth(Session& session, FrontEnd& frontEnd)
     : Screen(frontEnd, "frmSelMonth", "Select Month Year"),
       lblMonth(monthLabels(*this, std::make_index_sequence<12>())),
       session_(session) {
+    popup = true;
     lstYear.onChange = [this] { lstYear_Click(); };
     for (int i = 0; i < 12; ++i)
         lblMonth[static_cast<size_t>(i)].onClick = [this, i] { lblMonth_Click(i); };

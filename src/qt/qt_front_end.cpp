@@ -1,0 +1,119 @@
+#include "qt/qt_front_end.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
+
+#include "qt/qt_text.h"
+#include "qt/screen_window.h"
+
+namespace owb {
+
+namespace {
+
+QMessageBox::Icon iconOf(BoxIcon icon) {
+    switch (icon) {
+        case BoxIcon::Critical:
+            return QMessageBox::Critical;
+        case BoxIcon::Question:
+            return QMessageBox::Question;
+        case BoxIcon::Warning:
+            return QMessageBox::Warning;
+        case BoxIcon::Information:
+            return QMessageBox::Information;
+        case BoxIcon::None:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons buttonsOf(BoxButtons buttons) {
+    switch (buttons) {
+        case BoxButtons::Ok:
+            return QMessageBox::Ok;
+        case BoxButtons::OkCancel:
+            return QMessageBox::Ok | QMessageBox::Cancel;
+        case BoxButtons::YesNo:
+            return QMessageBox::Yes | QMessageBox::No;
+        case BoxButtons::YesNoCancel:
+            return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    }
+    return QMessageBox::Ok;
+}
+
+QMessageBox::StandardButton buttonOf(BoxAnswer answer) {
+    switch (answer) {
+        case BoxAnswer::Cancel:
+            return QMessageBox::Cancel;
+        case BoxAnswer::Yes:
+            return QMessageBox::Yes;
+        case BoxAnswer::No:
+            return QMessageBox::No;
+        case BoxAnswer::Ok:
+            break;
+    }
+    return QMessageBox::Ok;
+}
+
+BoxAnswer answerOf(int button, BoxAnswer otherwise) {
+    for (const BoxAnswer answer : {BoxAnswer::Ok, BoxAnswer::Cancel, BoxAnswer::Yes, BoxAnswer::No})
+        if (buttonOf(answer) == button) return answer;
+    return otherwise;
+}
+
+}  // namespace
+
+QtFrontEnd::QtFrontEnd(SettingsStore& settings) : memory_(settings) {}
+
+QtFrontEnd::~QtFrontEnd() = default;
+
+ScreenWindow* QtFrontEnd::top() const {
+    return windows_.empty() ? nullptr : windows_.back().get();
+}
+
+ScreenWindow* QtFrontEnd::windowOf(const Screen& screen) const {
+    for (const auto& window : windows_)
+        if (&window->screen() == &screen) return window.get();
+    return nullptr;
+}
+
+BoxAnswer QtFrontEnd::show(const Box& box) {
+    if (ScreenWindow* window = top()) window->sync();
+    QMessageBox shown(iconOf(box.icon), toQt(box.title), toQt(box.text), buttonsOf(box.buttons),
+                      top());
+    shown.setTextFormat(Qt::PlainText);
+    shown.setDefaultButton(buttonOf(box.defaultAnswer));
+    if (box.buttons == BoxButtons::YesNo) shown.setEscapeButton(QMessageBox::No);
+    if (box.closesAfterSeconds > 0)
+        QTimer::singleShot(box.closesAfterSeconds * 1000, &shown, &QMessageBox::accept);
+    return answerOf(shown.exec(), box.defaultAnswer);
+}
+
+void QtFrontEnd::opened(Screen& screen) {
+    windows_.push_back(std::make_unique<ScreenWindow>(screen, memory_, top()));
+    windows_.back()->show();
+    windows_.back()->activateWindow();
+    QApplication::processEvents();
+}
+
+void QtFrontEnd::run(Screen& screen) {
+    windowOf(screen)->run();
+}
+
+void QtFrontEnd::closed(Screen& screen) {
+    std::erase_if(windows_, [&](const auto& window) { return &window->screen() == &screen; });
+    if (ScreenWindow* window = top()) window->activateWindow();
+}
+
+void QtFrontEnd::refresh(Screen& screen) {
+    if (ScreenWindow* window = windowOf(screen)) window->sync();
+    QApplication::processEvents();
+}
+
+void QtFrontEnd::pause(int milliseconds) {
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+}  // namespace owb

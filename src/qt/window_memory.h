@@ -1,0 +1,32 @@
+// Where windows stood and how wide columns were, kept in the user's settings store between sessions
+// (section LeaveMgmt, keys "Window <screen>" and "Columns <screen>.<grid>").
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "data/SettingsStore.h"
+
+class QWidget;
+
+namespace owb {
+
+class WindowMemory {
+  public:
+    explicit WindowMemory(SettingsStore& settings) : settings_(settings) {}
+
+    void restoreWindow(const std::string& screen, QWidget& window) const;
+    void rememberWindow(const std::string& screen, const QWidget& window);
+
+    // Widths in pixels, negative for a column that the user has hidden; empty when nothing is
+    // known for a grid of this many columns.
+    std::vector<int> columns(const std::string& grid, size_t count) const;
+    void rememberColumns(const std::string& grid, const std::vector<int>& widths);
+
+  private:
+    void save(const std::string& key, const std::string& value);
+
+    SettingsStore& settings_;
+};
+
+}  // namespace owb

@@ -1,0 +1,90 @@
+// Pictures of the screens on the sample company. Made when OWB_PICTURES names a folder; with
+// OWB_DARK set, on a dark palette.
+#include <gtest/gtest.h>
+
+#include <QPalette>
+#include <set>
+
+#include "app/frmMain.h"
+#include "ctl/sample.h"
+#include "qt/desk.h"
+#include "screen/progress.h"
+#include "support/company.h"
+
+namespace owb::test {
+namespace {
+
+QPalette darkPalette() {
+    QPalette dark(QColor(53, 53, 53), QColor(42, 42, 42));
+    dark.setColor(QPalette::Base, QColor(36, 36, 36));
+    dark.setColor(QPalette::Highlight, QColor(61, 125, 200));
+    return dark;
+}
+
+// Takes a picture of each screen that opens; a screen that waits for input gets the next deed.
+class Photographer {
+  public:
+    Photographer(Company& company, QtFrontEnd& frontEnd, const char* folder)
+        : company_(company), frontEnd_(frontEnd), folder_(folder) {
+        wait();
+    }
+    void open(int32_t menuId, std::deque<std::function<void(ScreenWindow&)>> deeds) {
+        deeds_ = std::move(deeds);
+        company_.session.gMenuId = menuId;
+        frmMain(company_.session, frontEnd_)
+            .RunOn("Provider=OWBEmbedded;Data Source=" + company_.folder.file("company.db"), menuId,
+                   1);
+    }
+
+  private:
+    // A single shot each time: a repeating timer rests while its own work waits in a loop.
+    void wait() {
+        QTimer::singleShot(40, &life_, [this] { look(); });
+    }
+    void look() {
+        wait();
+        ScreenWindow* top = frontEnd_.top();
+        if (top == nullptr) return;
+        if (taken_.insert(top->screen().name()).second) {
+            top->grab().save(folder_ + "/" + top->objectName() + ".png");
+            return;
+        }
+        if (top->screen().name() == "frmConfiguring") return;  // works by itself
+        if (deeds_.empty()) {
+            top->close();
+            return;
+        }
+        const auto deed = std::move(deeds_.front());
+        deeds_.pop_front();
+        deed(*top);
+    }
+
+    Company& company_;
+    QtFrontEnd& frontEnd_;
+    QString folder_;
+    QObject life_;
+    std::set<std::string> taken_;
+    std::deque<std::function<void(ScreenWindow&)>> deeds_;
+};
+
+TEST(Qt, PicturesOfTheScreens) {
+    const char* folder = std::getenv("OWB_PICTURES");
+    if (folder == nullptr) GTEST_SKIP() << "no folder for pictures";
+    if (std::getenv("OWB_DARK") != nullptr) QApplication::setPalette(darkPalette());
+    Company company;
+    NoProgress quiet;
+    ctl::makeSample(company.session.gConn, {}, quiet);
+    QtFrontEnd frontEnd(company.settings);
+    Photographer photographer(company, frontEnd, folder);
+    const auto f2 = [](const char* control) {
+        return [control](ScreenWindow& top) {
+            QTest::keyClick(top.findChild<QWidget*>(control), Qt::Key_F2);
+        };
+    };
+    photographer.open(1600, {});
+    photographer.open(1511, {f2("cmbMonthYear")});
+    photographer.open(1512, {f2("txtHDate")});
+}
+
+}  // namespace
+}  // namespace owb::test
