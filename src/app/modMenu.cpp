@@ -70,6 +70,13 @@ constexpr MenuScreen kMenu[] = {
 
 }  // namespace
 
+std::vector<MenuEntry> MenuEntries() {
+    std::vector<MenuEntry> entries;
+    for (const MenuScreen& m : kMenu)
+        if (m.open != nullptr) entries.push_back({m.menuId, m.screen, m.title});
+    return entries;
+}
+
 void OpenMenuScreen(Session& session, FrontEnd& frontEnd) {
     const auto* entry = std::find_if(std::begin(kMenu), std::end(kMenu), [&](const MenuScreen& m) {
         return m.menuId == session.gMenuId;

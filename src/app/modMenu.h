@@ -1,10 +1,20 @@
 // Which screen a menu identifier opens.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "data/Session.h"
 #include "screen/front_end.h"
 
 namespace owb {
+
+struct MenuEntry {
+    int32_t menuId;
+    std::string screen, title;
+};
+// The identifiers that open a screen of this version, in their order.
+std::vector<MenuEntry> MenuEntries();
 
 // Opens the screen of gMenuId modally and tells the shell about it. An identifier without a screen
 // is refused in a box and ends the program.

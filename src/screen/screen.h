@@ -42,6 +42,13 @@ class Screen {
     void close() { open_ = false; }
     bool isOpen() const { return open_; }
 
+    // A front end calls tick() while it waits for input, about every `timerInterval` milliseconds;
+    // 0: never.
+    int timerInterval = 0;
+    void tick() {
+        guard([this] { onTimer(); });
+    }
+
     // Runs a handler; an error shows its description in a critical box and the screen stays up.
     // False when there was one.
     bool guard(const std::function<void()>& handler);
@@ -50,6 +57,7 @@ class Screen {
     virtual void onLoad() {}
     virtual void onActivate() {}  // once, after the screen has been drawn
     virtual void onUnload() {}
+    virtual void onTimer() {}
     FrontEnd& frontEnd() { return frontEnd_; }
 
   private:

@@ -96,7 +96,8 @@ void ScriptFrontEnd::run(Screen& screen) {
         }
         ++line_;
         line = trim(line);
-        if (!line.empty() && line[0] != '#') command(screen, line);
+        if (screen.timerInterval > 0) screen.tick();
+        if (screen.isOpen() && !line.empty() && line[0] != '#') command(screen, line);
     }
 }
 
