@@ -1,0 +1,197 @@
+#include "leave/screens/frmLeaveRecalc.h"
+
+#include "data/modCommon.h"
+#include "data/modEmployeeViews.h"
+#include "data/modRights.h"
+#include "data/screens/modExternal.h"
+#include "db/recordset.h"
+#include "leave/screens/modLeaveProcess.h"
+
+namespace owb {
+
+namespace {
+
+enum Column : size_t { kOn, kId, kReference, kName };
+constexpr size_t kAtOnce = 500;  // employees in one statement
+
+std::string number(int64_t value) {
+    return std::to_string(value);
+}
+
+}  // namespace
+
+frmLeaveRecalc::frmLeaveRecalc(Session& session, FrontEnd& frontEnd)
+    : SessionScreen(session, frontEnd, "frmLeaveRecalc", "Allotment Recalculation") {
+    for (Combo* combo : {&cmbFromMonth, &cmbToMonth}) {
+        combo->editable = false;
+        combo->onChange = [this] { month_Change(); };
+        pickMonths(*combo);
+    }
+    cmbAttHead.editable = false;
+    cmbAttHead.onChange = [this] { cmbAttHead_Click(); };
+    lstLeave.caption = "Leaves";
+    lstLeave.checkable = true;
+    lstLeave.onChange = [this] { count(); };
+    chkAllEmployees.caption = "Select All &" + session.gEmployeeCaption + "s";
+    fpgEmployee.caption = session.gEmployeeCaption + "s";
+    fpgEmployee.setColumns(
+        {{.caption = "Select", .width = 7, .type = CellType::Check, .locked = false},
+         {.caption = session.gOptSet.EMPIDCAP, .width = 8, .align = Align::Right},
+         {.caption = session.gOptSet.REFNOCAP, .width = 12, .hidden = !session.gOptSet.EMPREFNOYN},
+         {.caption = session.gEmployeeCaption + " Name", .width = 32}});
+    fpgEmployee.frozenColumns = 1;
+    fpgEmployee.onEditEnd = [this](size_t, size_t, const std::string&) { count(); };
+    chkAllLeaves.onClick = [this] { chkAllLeaves_Click(); };
+    chkAllEmployees.onClick = [this] { chkAllEmployees_Click(); };
+    cmdFilter.onClick = [this] { cmdFilter_Click(); };
+    cmdRecalculate.onClick = [this] { cmdRecalculate_Click(); };
+    cmdClose.onClick = [this] { close(); };
+}
+
+Layout frmLeaveRecalc::layout() {
+    return column({row({item("From", cmbFromMonth), item("To", cmbToMonth),
+                        item("Attendance Head", cmbAttHead)}),
+                   row({group("Leaves", {item(lstLeave, 1),
+                                         row({item(chkAllLeaves), space(), item(lblLeaveCount)})}),
+                        column({item(fpgEmployee, 1),
+                                row({item(chkAllEmployees), space(), item(lblEmployeeCount)})},
+                               1)},
+                       1),
+                   row({item(cmdFilter), space(), item(cmdRecalculate), item(cmdClose)})});
+}
+
+void frmLeaveRecalc::onLoad() {
+    applyRights({&cmdRecalculate});
+    ClearEmployeeFilter(session_);
+    for (Combo* combo : {&cmbFromMonth, &cmbToMonth}) {
+        loadMonths(*combo, session_.gFirstLeaveMonth);
+        if (!combo->items.empty()) combo->select(0);
+    }
+    if (!cmbFromMonth.items.empty()) loadLists();
+}
+
+std::string frmLeaveRecalc::inMonths() const {
+    const auto day = [](const DateTime& date) { return FnStrIsoDate(date); };
+    return " WHERE ALLOTFROM BETWEEN '" +
+           day(FnDteMonthStart(session_, static_cast<int32_t>(cmbFromMonth.key()))) + "' AND '" +
+           day(FnDteMonthEnd(session_, static_cast<int32_t>(cmbToMonth.key()))) + "' AND ";
+}
+
+void frmLeaveRecalc::loadLists() {
+    lstLeave.clear();
+    chkAllLeaves.value = false;
+    cmbAttHead.clear();
+    cmbAttHead.add("ALL", 0);
+    Recordset leaves(session_.gConn,
+                     "SELECT LEVID, LEVSHORT, LEVNAME, LEAVEYN FROM ATT_DEFINITION WHERE LEVID IN "
+                     "(SELECT  DISTINCT LEVID FROM  LEV_ALLOTMENT" +
+                         inMonths() + "(LEVID=2 OR LEVID>4)) ");
+    for (; !leaves.IsEOF(); leaves.MoveNext())
+        lstLeave.add(leaves.Fields("LEVSHORT").toText() + " - " + leaves.Fields("LEVNAME").toText(),
+                     leaves.Fields("LEVID").toInt());
+    Recordset heads(session_.gConn,
+                    "SELECT ATTHEADID, ATTHEADNAME FROM MAS_ATTHEAD WHERE ATTHEADID IN (SELECT  "
+                    "DISTINCT ATTHEADID FROM  LEV_ALLOTMENT" +
+                        inMonths() + "LEVID<>4) ");
+    for (; !heads.IsEOF(); heads.MoveNext())
+        cmbAttHead.add(heads.Fields("ATTHEADNAME").toText(), heads.Fields("ATTHEADID").toInt());
+    cmbAttHead.select(0);
+    loadEmployees();
+}
+
+void frmLeaveRecalc::loadEmployees() {
+    fpgEmployee.setRowCount(0);
+    const std::string head =
+        cmbAttHead.key() == 0 ? "" : " AND ATTHEADID = " + number(cmbAttHead.key());
+    Recordset rs(session_.gConn,
+                 "SELECT ME.EMPID, ME.REFNO, ME.EMPNAME FROM " + session_.gEmployeeView +
+                     " ME WHERE FILTERYN1=1 AND ME.EMPID IN (SELECT EMPID FROM LEV_ALLOTMENT" +
+                     inMonths() + "LEVID<>4" + head + ")" +
+                     FnStrClassSecurityFilter(session_, 0, 0) + " ORDER BY ME.EMPID");
+    for (; !rs.IsEOF(); rs.MoveNext())
+        fpgEmployee.addRow({"0", rs.Fields("EMPID").toText(), rs.Fields("REFNO").toText(),
+                            rs.Fields("EMPNAME").toText()});
+    chkAllEmployees.value = false;
+    count();
+}
+
+void frmLeaveRecalc::count() {
+    lblLeaveCount.caption =
+        "Selected : " + number(static_cast<int64_t>(lstLeave.checkedKeys().size()));
+    lblEmployeeCount.caption =
+        "Selected : " + number(static_cast<int64_t>(chosenEmployees().size()));
+}
+
+std::vector<std::string> frmLeaveRecalc::chosenEmployees() const {
+    std::vector<std::string> employees;
+    for (size_t row = 0; row < fpgEmployee.rowCount(); ++row)
+        if (fpgEmployee.checked(row, kOn)) employees.push_back(fpgEmployee.cell(row, kId));
+    return employees;
+}
+
+void frmLeaveRecalc::month_Change() {
+    loadLists();
+}
+
+void frmLeaveRecalc::cmbAttHead_Click() {
+    loadEmployees();
+}
+
+void frmLeaveRecalc::chkAllLeaves_Click() {
+    for (ListItem& leave : lstLeave.items) leave.checked = chkAllLeaves.value;
+    count();
+}
+
+void frmLeaveRecalc::chkAllEmployees_Click() {
+    for (size_t row = 0; row < fpgEmployee.rowCount(); ++row)
+        fpgEmployee.setCell(row, kOn, chkAllEmployees.value ? "1" : "0");
+    count();
+}
+
+void frmLeaveRecalc::cmdFilter_Click() {
+    ShowFilterProgram(session_, frontEnd());
+    loadEmployees();
+}
+
+// --- recalculating ---
+
+void frmLeaveRecalc::cmdRecalculate_Click() {
+    if (denied(cmdRecalculate)) return;
+    if (cmbFromMonth.key() > cmbToMonth.key())
+        return refuse("From Month is greater than To month", cmbFromMonth);
+    if (lstLeave.checkedKeys().empty()) return refuse("Select atleast one Leave Type", lstLeave);
+    const std::vector<std::string> employees = chosenEmployees();
+    if (employees.empty())
+        return refuse("Select atleast one " + session_.gEmployeeCaption, fpgEmployee);
+    chooseInTable(employees);
+    if (FnVarReadValue(session_, "SELECT COUNT(ALLOTID)" + chosenRows()).toInt() == 0)
+        return inform("No leaves to recalculate");
+    session_.gConn.Execute("UPDATE lev_allotment SET EDITMODEYN=1" + chosenRows());
+    modLeaveProcess(session_, frontEnd()).showModal();
+    if (!session_.gLeaveCalcFlag) inform("Recalculated Successfully");
+}
+
+void frmLeaveRecalc::chooseInTable(const std::vector<std::string>& employees) {
+    session_.gConn.Execute("UPDATE " + session_.gFilterTable + " SET REPTYN1 = 0");
+    for (size_t from = 0; from < employees.size(); from += kAtOnce) {
+        std::string ids;
+        for (size_t i = from; i < std::min(from + kAtOnce, employees.size()); ++i)
+            ids += (ids.empty() ? "" : ",") + employees[i];
+        session_.gConn.Execute("UPDATE " + session_.gFilterTable +
+                               " SET REPTYN1 = 1 WHERE EMPID IN (" + ids + ")");
+    }
+}
+
+std::string frmLeaveRecalc::chosenRows() const {
+    std::string leaves;
+    for (const int64_t levId : lstLeave.checkedKeys())
+        leaves += (leaves.empty() ? "" : ",") + number(levId);
+    const int64_t head = cmbAttHead.key();
+    return " FROM lev_allotment LEV," + session_.gFilterTable +
+           " MAS WHERE LEV.EMPID=MAS.EMPID AND MAS.REPTYN1=1 AND LEVID IN ( " + leaves +
+           ") AND ALLOTFROM >= '" +
+           FnStrIsoDate(FnDteMonthStart(session_, static_cast<int32_t>(cmbFromMonth.key()))) +
+           "'  AND ATTHEADID " + (head == 0 ? ">= 0" : "= " + number(head));
+}
+
+}  // namespace owb

@@ -1,0 +1,49 @@
+// "Allotment Recalculation": marks the ledger rows of chosen leaves, employees and heads from a
+// month on and has everything marked recalculated. The lists offer what has ledger rows that begin
+// in the months from - to.
+#pragma once
+
+#include "data/screens/SessionScreen.h"
+#include "screen/grid.h"
+
+namespace owb {
+
+class frmLeaveRecalc final : public SessionScreen {
+  public:
+    frmLeaveRecalc(Session& session, FrontEnd& frontEnd);
+
+    Combo cmbFromMonth{*this, "cmbFromMonth"};  // key: month key
+    Combo cmbToMonth{*this, "cmbToMonth"};
+    Combo cmbAttHead{*this, "cmbAttHead"};  // key 0: all heads
+    ListBox lstLeave{*this, "lstLeave"};    // key LEVID, ticked when chosen
+    Label lblLeaveCount{*this, "lblLeaveCount"};
+    Grid fpgEmployee{*this, "fpgEmployee"};
+    Label lblEmployeeCount{*this, "lblEmployeeCount"};
+    CheckBox chkAllLeaves{*this, "chkAllLeaves", "Select All &Leaves"};
+    CheckBox chkAllEmployees{*this, "chkAllEmployees"};
+    Command cmdFilter{*this, "cmdFilter", "&Filter"};
+    Command cmdRecalculate{*this, "cmdRecalculate", "&Recalculate"};
+    Command cmdClose{*this, "cmdClose", "Cl&ose"};
+
+    void month_Change();
+    void cmbAttHead_Click();
+    void chkAllLeaves_Click();
+    void chkAllEmployees_Click();
+    void cmdFilter_Click();
+    void cmdRecalculate_Click();
+
+  private:
+    void onLoad() override;
+    Layout layout() override;
+    void loadLists();
+    void loadEmployees();
+    void count();
+    std::vector<std::string> chosenEmployees() const;
+    // " WHERE ALLOTFROM BETWEEN ..." of ledger rows that begin in the months.
+    std::string inMonths() const;
+    // FROM and WHERE of the ledger rows that are to be recomputed.
+    std::string chosenRows() const;
+    void chooseInTable(const std::vector<std::string>& employees);
+};
+
+}  // namespace owb
