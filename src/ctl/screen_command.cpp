@@ -25,7 +25,7 @@ class ScreenCommand final : public Command {
                "  set NAME VALUE            click NAME          menu NAME     key NAME KEY\n"
                "  cell GRID ROW COL [= TEXT]   check GRID ROW COL Yes|No   dump GRID\n"
                "  dblclick NAME [ROW COL]   rightclick GRID ROW COL        show NAME\n"
-               "  answer Yes|No|Cancel|OK   close\n"
+               "  answer Yes|No|Cancel|OK   file PATH   close\n"
                "Prints the screens that open and close, each box with its answer, and what is "
                "asked\n"
                "for. A line that cannot be done is told on stderr, and the status is then 1.";

@@ -8,6 +8,7 @@
 #include "app/frmMain.h"
 #include "ctl/sample.h"
 #include "qt/desk.h"
+#include "screen/grid.h"
 #include "screen/progress.h"
 #include "support/company.h"
 
@@ -82,6 +83,11 @@ TEST(Qt, PicturesOfTheScreens) {
         };
     };
     photographer.open(1600, {});
+    photographer.open(1500, {});
+    photographer.open(1503, {[](ScreenWindow& top) {
+                          dynamic_cast<Grid*>(top.screen().find("fpgAtt"))->clickCell(2, 0);
+                          top.screen().find("cmdSetting")->click();
+                      }});
     photographer.open(1511, {f2("cmbMonthYear")});
     photographer.open(1512, {f2("txtHDate")});
 }

@@ -68,24 +68,28 @@ modAttHead::modAttHead(Session& session, FrontEnd& frontEnd)
 }
 
 Layout modAttHead::layout() {
-    std::vector<Layout> allot, nwd;
+    std::vector<Layout> allot, nwdLeft, nwdRight;
     for (OptionButton& option : optAllotType) allot.push_back(item(option));
-    nwd.push_back(row({item(lblSalary), column({item(lblDaysPaid), item(lblNWD)}), space()}));
-    for (OptionButton& option : optNODForCalc) nwd.push_back(item(option));
-    nwd.push_back(item(chkAllowMore));
+    for (size_t i = 0; i < optNODForCalc.size(); ++i)
+        (i < optNODForCalc.size() / 2 ? nwdLeft : nwdRight).push_back(item(optNODForCalc[i]));
     return column(
         {item(fpgAtt, 1),
          row({form({item("Sl. No.", txtAttID), item("Attendance Head Name", txtAttName),
                     item("Short Name for menu caption.", txtShortName),
                     item("Remarks", txtDescription), item("", chkInactive),
                     item("", lblEmployees)}),
-              group(fmeNWDOption.caption, std::move(nwd))}),
-         row({group("Salary Calculation", {item(optTightIntegrate), item(optLooseIntegrate)}),
+              group(fmeNWDOption.caption,
+                    {row({item(lblSalary), column({item(lblDaysPaid), item(lblNWD)}), space()}),
+                     row({column(std::move(nwdLeft)), column(std::move(nwdRight))}),
+                     item(chkAllowMore), space()})}),
+         row({group("Salary Calculation",
+                    {item(optTightIntegrate), item(optLooseIntegrate), space()}),
               group("Attendance Register Type", {item(optAttLeave), item(optAttDaily),
                                                  item(optAttHourly), item(OptAttMonthly)}),
               group("Allotment Type", std::move(allot)),
-              group("Over Time", {item(chkOT1), item(chkOT2)}),
-              group("Over Time for Day to day attendance", {item(optOTHourly), item(optOTDaily)})}),
+              group("Over Time", {item(chkOT1), item(chkOT2), space()}),
+              group("Over Time for Day to day attendance",
+                    {item(optOTHourly), item(optOTDaily), space()})}),
          row({item(cmdSetting), item(cmdCreateCopy), space(), item(cmdNew), item(cmdSave),
               item(cmdDelete), item(cmdClose)})});
 }
