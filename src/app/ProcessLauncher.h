@@ -18,6 +18,7 @@ class ProcessLauncher final : public SiblingLauncher {
     void start(const std::string& path, const std::string& parameter,
                const std::string& folder) override;
     bool hasEnded(int milliseconds) override;
+    int process() const { return sibling_; }  // 0: none
 
   private:
     const SettingsStore& settings_;

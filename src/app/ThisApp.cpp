@@ -114,8 +114,14 @@ void InitCommandLine(Session& session, const std::string& commandLine) {
     session.gLaunchOption = wholeNumber<int16_t>(fields[2], "option");
     session.gAttHeadId = wholeNumber<int32_t>(fields[fields.size() - (session.gFileLaunch ? 2 : 1)],
                                               "attendance head");
-    OpenDatabase(session, session.gFileLaunch ? connectionOfFile(session, fields.back())
-                                              : connectionOfSettings(session));
+    if (session.gFileLaunch)
+        OpenDatabase(session, connectionOfFile(session, fields.back()));
+    else
+        OpenSettingsDatabase(session);
+}
+
+void OpenSettingsDatabase(Session& session) {
+    OpenDatabase(session, connectionOfSettings(session));
 }
 
 void OpenDatabase(Session& session, const std::string& connectionString) {

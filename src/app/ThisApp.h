@@ -20,6 +20,8 @@ struct EndOfProgram {
 // the connection file and the head is the next to last. Blank connection data is told in a box and
 // ends the program.
 void InitCommandLine(Session& session, const std::string& commandLine);
+// Opens the database that the settings store names, as a launch without a connection file does.
+void OpenSettingsDatabase(Session& session);
 // Opens gConn (closing it first when it is open) with the time-outs of the settings store.
 void OpenDatabase(Session& session, const std::string& connectionString);
 // gHelpFile, when the file that the shell names exists.

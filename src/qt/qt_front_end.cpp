@@ -1,8 +1,11 @@
 #include "qt/qt_front_end.h"
 
 #include <QApplication>
+#include <QDesktopServices>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QTimer>
+#include <QUrl>
 
 #include "qt/qt_text.h"
 #include "qt/screen_window.h"
@@ -87,6 +90,20 @@ BoxAnswer QtFrontEnd::show(const Box& box) {
     if (box.closesAfterSeconds > 0)
         QTimer::singleShot(box.closesAfterSeconds * 1000, &shown, &QMessageBox::accept);
     return answerOf(shown.exec(), box.defaultAnswer);
+}
+
+std::string QtFrontEnd::askFile(const FileQuestion& question) {
+    const QString title = toQt(question.title), suggested = toQt(question.suggested);
+    const QString sheets = question.save ? QStringLiteral("Spreadsheets (*.xlsx)")
+                                         : QStringLiteral("Spreadsheets (*.xlsx *.xls)");
+    const QString path = question.save
+                             ? QFileDialog::getSaveFileName(top(), title, suggested, sheets)
+                             : QFileDialog::getOpenFileName(top(), title, suggested, sheets);
+    return fromQt(path);
+}
+
+void QtFrontEnd::openFile(const std::string& path) {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(toQt(path)));
 }
 
 void QtFrontEnd::opened(Screen& screen) {

@@ -19,6 +19,8 @@ class QtFrontEnd final : public FrontEnd {
     ~QtFrontEnd() override;
 
     BoxAnswer show(const Box& box) override;
+    std::string askFile(const FileQuestion& question) override;
+    void openFile(const std::string& path) override;
     void opened(Screen& screen) override;
     void run(Screen& screen) override;
     void closed(Screen& screen) override;

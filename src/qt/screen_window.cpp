@@ -10,6 +10,7 @@
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QTabWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "base/utf8.h"
@@ -180,6 +181,14 @@ void ScreenWindow::run() {
     sync();
     takeFocus();
     if (closeWanted_) screen_.close();
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, this, [this] {
+        if (!idle_) return;  // a handler is at work
+        screen_.tick();
+        sync();
+        if (!screen_.isOpen()) loop_.quit();
+    });
+    if (screen_.timerInterval > 0) timer.start(screen_.timerInterval);
     while (screen_.isOpen()) loop_.exec();
     idle_ = false;
 }
