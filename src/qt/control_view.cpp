@@ -39,6 +39,11 @@ void ControlView::sync() {
     show();
 }
 
+bool ControlView::editorHasFocus() const {
+    const QWidget* focus = QApplication::focusWidget();
+    return focus != widget_ && widget_->isAncestorOf(focus);
+}
+
 bool ControlView::keyPressed(const std::string& name) {
     if (!control_.onKey && !(name == "F2" && control_.onPick)) return false;
     bool taken = false;
@@ -52,6 +57,7 @@ bool ControlView::keyPressed(const std::string& name) {
 bool ControlView::eventFilter(QObject*, QEvent* event) {
     switch (event->type()) {
         case QEvent::KeyPress: {
+            if (editorHasFocus()) return false;
             const std::string name = keyName(*static_cast<QKeyEvent*>(event));
             if (name.empty()) return false;
             if (keyPressed(name)) return true;
@@ -65,7 +71,7 @@ bool ControlView::eventFilter(QObject*, QEvent* event) {
             if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason)
                 return false;
             // An editor within the widget keeps it busy.
-            if (widget_->isAncestorOf(QApplication::focusWidget())) return false;
+            if (editorHasFocus()) return false;
             commit();
             if (control_.onLeave) window_.act(control_, [&] { control_.leave(); });
             return false;

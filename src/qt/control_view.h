@@ -35,6 +35,7 @@ class ControlView : public QObject {
     ScreenWindow& window() const { return window_; }
 
   private:
+    bool editorHasFocus() const;
     bool keyPressed(const std::string& name);
 
     ScreenWindow& window_;

@@ -41,6 +41,7 @@ GridTable::GridTable(GridModel& model, Owner& owner, GridTable* under)
         setStyleSheet("QTableView { border-right: 1px solid palette(mid); }");
         return;
     }
+    horizontalHeader()->setStretchLastSection(true);
     frozen_ = new GridTable(model, owner, this);
     frozen_->hide();
     connect(verticalScrollBar(), &QScrollBar::valueChanged, frozen_->verticalScrollBar(),
@@ -111,6 +112,8 @@ void GridTable::scrollTo(const QModelIndex& index, ScrollHint hint) {
 
 void GridTable::keyPressEvent(QKeyEvent* event) {
     const int key = event->key();
+    // An editor leaves Enter to whoever is above it; it has its own way to end.
+    if (state() == EditingState && !hasFocus()) return event->accept();
     if (event->matches(QKeySequence::Copy)) return owner_.copyCells();
     if (event->matches(QKeySequence::Paste)) return owner_.pasteCells();
     if (key == Qt::Key_Return || key == Qt::Key_Enter) {

@@ -30,13 +30,13 @@ class GridView final : public ControlView, private GridTable::Owner {
           model_(grid),
           table_(new GridTable(model_, *this)) {
         attach(table_);
-        auto* delegate = new GridDelegate(
-            grid, model_,
-            {[this](const QModelIndex& at) { return beginEdit(at); },
-             [this](const QModelIndex& at, const QString& text) { endEdit(at, text); }},
-            table_);
         for (GridTable* table : {table_, table_->frozen()}) {
-            table->setItemDelegate(delegate);
+            // Each has a delegate of its own: one that is shared would tell both of every editor.
+            table->setItemDelegate(new GridDelegate(
+                grid, model_,
+                {[this](const QModelIndex& at) { return beginEdit(at); },
+                 [this](const QModelIndex& at, const QString& text) { endEdit(at, text); }},
+                table));
             table->setSelectionBehavior(grid.singleRows ? QTableView::SelectRows
                                                         : QTableView::SelectItems);
             table->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -114,7 +114,9 @@ class GridView final : public ControlView, private GridTable::Owner {
             // A hidden column is 0 wide.
             const int width =
                 table_->isColumnHidden(at) ? -defaultWidths_[c] : table_->columnWidth(at);
-            widths.push_back(width == defaultWidths_[c] ? 0 : width);
+            // The last one takes the room that is left.
+            const bool last = c + 1 == defaultWidths_.size() && width > 0;
+            widths.push_back(last || width == defaultWidths_[c] ? 0 : width);
             changed = changed || widths.back() != 0;
         }
         if (changed || !window().memory().columns(memoryName(), widths.size()).empty())

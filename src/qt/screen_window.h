@@ -31,6 +31,7 @@ class ScreenWindow final : public QWidget {
     WindowMemory& memory() const { return memory_; }
     // Takes input until the screen has closed.
     void run();
+    bool waitsForInput() const { return idle_; }
     // Brings every widget in step with its model.
     void sync();
     // Runs what the user did on a control and draws what came of it; false when no input is taken.

@@ -33,6 +33,7 @@ class Desk {
     void type(const char* name, const char* text) { QTest::keyClicks(widget(name), text); }
     QString status() { return widget<QLabel>("statusLine")->text(); }
 
+    bool fromInput = true;  // the first step waits until the screen takes input
     MemorySettingsStore settings;
     QtFrontEnd frontEnd{settings};
 
@@ -43,6 +44,9 @@ class Desk {
     }
     void next() {
         wait();
+        const ScreenWindow* window = frontEnd.top();
+        if (fromInput && (window == nullptr || !window->waitsForInput())) return;
+        fromInput = false;
         if (steps_.empty()) {
             if (ScreenWindow* top = frontEnd.top()) top->close();
             return;
