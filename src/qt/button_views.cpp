@@ -5,7 +5,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSignalBlocker>
+#include <QToolButton>
 
 #include "qt/qt_text.h"
 #include "qt/screen_window.h"
@@ -129,9 +129,11 @@ std::unique_ptr<ControlView> makeCommandView(ScreenWindow& window, Command& comm
 std::unique_ptr<ControlView> makeLabelView(ScreenWindow& window, Label& label) {
     if (!label.onClick && !window.hasMenu(label))
         return std::make_unique<TextLabelView>(window, label);
-    auto* button = new QPushButton;
-    button->setFlat(true);
-    button->setMinimumWidth(button->fontMetrics().horizontalAdvance("0000"));
+    auto* button = new QToolButton;
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::StrongFocus);
+    button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
+    button->setMinimumWidth(button->fontMetrics().horizontalAdvance("00000"));
     return std::make_unique<ButtonView>(window, label, button);
 }
 

@@ -96,7 +96,7 @@ void ScreenWindow::fill(QBoxLayout& into, const std::vector<Layout>& parts) {
 
 void ScreenWindow::place(QBoxLayout& into, const Layout& part) {
     const auto box = [&](QBoxLayout* inner) {
-        inner->setSpacing(kSpacing);
+        inner->setSpacing(screen_.popup ? kSpacing / 3 : kSpacing);
         fill(*inner, part.parts);
         return inner;
     };
@@ -108,6 +108,9 @@ void ScreenWindow::place(QBoxLayout& into, const Layout& part) {
                 made.setCompanion(label);
                 into.addWidget(label);
             }
+            // A text that shares a row evenly stands as the buttons below it do.
+            if (auto* text = dynamic_cast<QLabel*>(made.widget()); text && part.stretch > 0)
+                text->setAlignment(Qt::AlignCenter);
             into.addWidget(made.widget(), part.stretch);
             break;
         }

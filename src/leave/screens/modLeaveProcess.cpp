@@ -12,6 +12,11 @@ modLeaveProcess::modLeaveProcess(Session& session, FrontEnd& frontEnd)
     cmdClose.onClick = [this] { cmdClose_Click(); };
 }
 
+Layout modLeaveProcess::layout() {
+    return column({item(lblProgress), item(barProgress), item(lblStatus),
+                   row({space(), item(cmdCancel), item(cmdClose)})});
+}
+
 void modLeaveProcess::cmdCancel_Click() {
     session_.gLeaveCalcFlag = true;
 }

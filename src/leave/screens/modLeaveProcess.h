@@ -24,6 +24,7 @@ class modLeaveProcess final : public Screen, private Progress {
 
   private:
     void onLoad() override;
+    Layout layout() override;
     void onActivate() override;
     void onUnload() override;
     void runPasses();
