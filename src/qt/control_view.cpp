@@ -81,7 +81,12 @@ bool ControlView::eventFilter(QObject*, QEvent* event) {
             window_.act(control_, [&] { control_.doubleClick(); });
             return true;
         case QEvent::ContextMenu:
-            return window_.openMenu(control_, static_cast<QContextMenuEvent*>(event)->globalPos());
+            if (window_.openMenu(control_, static_cast<QContextMenuEvent*>(event)->globalPos()))
+                return true;
+            // What a label offers a click it offers the other button too.
+            if (dynamic_cast<Label*>(&control_) == nullptr || !control_.onClick) return false;
+            window_.act(control_, [&] { control_.click(); });
+            return true;
         default:
             return false;
     }

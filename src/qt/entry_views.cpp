@@ -1,10 +1,12 @@
 #include "qt/entry_views.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QCompleter>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
 
@@ -24,6 +26,23 @@ constexpr int kListRows = 8;
 
 int widthOf(const QWidget& widget, int chars) {
     return widget.fontMetrics().horizontalAdvance(QString(chars, '0')) + 24;
+}
+
+// A small table of days in the palette's own colour.
+QIcon pickerIcon(const QWidget& widget) {
+    constexpr int kSide = 16, kInset = 2, kHead = 4, kDay = 2, kStep = 4;
+    QPixmap picture(QSize(kSide, kSide) * widget.devicePixelRatioF());
+    picture.setDevicePixelRatio(widget.devicePixelRatioF());
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    const QColor ink = widget.palette().color(QPalette::Text);
+    painter.setPen(ink);
+    painter.drawRect(kInset, kInset, kSide - 2 * kInset - 1, kSide - 2 * kInset - 1);
+    painter.fillRect(kInset, kInset, kSide - 2 * kInset, kHead, ink);
+    for (int y = kInset + kHead + kDay; y < kSide - kInset - kDay; y += kStep)
+        for (int x = kInset + kDay; x < kSide - kInset - kDay; x += kStep)
+            painter.fillRect(x, y, kDay, kDay, ink);
+    return picture;
 }
 
 // Asks the model of each typed character; what comes otherwise (pasted, dropped) is filtered whole.
@@ -70,6 +89,13 @@ class LineView final : public ControlView {
         line_->setMinimumWidth(widthOf(*line_, std::min(chars, kUsualChars)));
         if (!grows) line_->setMaximumWidth(widthOf(*line_, std::max(chars, kPickedChars)));
         connect(line_, &QLineEdit::textChanged, this, [this](const QString& text) { typed(text); });
+        if (!box.onPick) return;
+        picker_ = line_->addAction(pickerIcon(*line_), QLineEdit::TrailingPosition);
+        picker_->setToolTip("F2");
+        connect(picker_, &QAction::triggered, this, [this] {
+            line_->setFocus();
+            this->window().act(box_, [this] { box_.key("F2"); });
+        });
     }
 
   private:
@@ -86,11 +112,13 @@ class LineView final : public ControlView {
         const QString text = toQt(box_.value);
         if (line_->text() != text) line_->setText(text);
         if (line_->isReadOnly() != box_.locked) line_->setReadOnly(box_.locked);
+        if (picker_ != nullptr) picker_->setVisible(!box_.locked);
     }
     bool enterGoesOn() const override { return true; }
 
     TextBox& box_;
     FilteredLine* line_;
+    QAction* picker_ = nullptr;  // the mouse's way to what F2 opens
 };
 
 class MultiLineView final : public ControlView {

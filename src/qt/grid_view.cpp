@@ -237,8 +237,10 @@ class GridView final : public ControlView, private GridTable::Owner {
                 }
             }
         QString text;
-        if (count > 1) text = "Count " + QString::number(count);
-        if (count > 1 && numbers > 0) text += "     Sum " + toQt(formatNumber(sum, "0.00"));
+        const bool wholeRow =
+            grid_.singleRows && table_->selectionModel()->selectedRows().size() < 2;
+        if (count > 1 && !wholeRow) text = "Count " + QString::number(count);
+        if (!text.isEmpty() && numbers > 0) text += "     Sum " + toQt(formatNumber(sum, "0.00"));
         window().say(text);
     }
 

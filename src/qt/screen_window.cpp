@@ -267,7 +267,7 @@ bool ScreenWindow::openMenu(const Control& control, const QPoint& at) {
     if (!idle_ || !control.takesInput() || !hasMenu(control)) return false;
     QMenu menu(this);
     std::map<const MenuItem*, QMenu*> below{{nullptr, &menu}};
-    std::map<QAction*, MenuItem*> itemOf;
+    MenuItem* chosen = nullptr;
     for (Control* other : screen_.controls()) {
         auto* item = dynamic_cast<MenuItem*>(other);
         if (item == nullptr || &item->over != &control || !item->visible) continue;
@@ -291,10 +291,10 @@ bool ScreenWindow::openMenu(const Control& control, const QPoint& at) {
         action->setEnabled(item->enabled);
         action->setCheckable(item->checkable);
         action->setChecked(item->checked);
-        itemOf[action] = item;
+        connect(action, &QAction::triggered, this, [&chosen, item] { chosen = item; });
     }
-    const auto chosen = itemOf.find(menu.exec(at));
-    if (chosen != itemOf.end()) act(*chosen->second, [&] { chosen->second->click(); });
+    menu.exec(at);
+    if (chosen != nullptr) act(*chosen, [&] { chosen->click(); });
     return true;
 }
 

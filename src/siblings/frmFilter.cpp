@@ -4,6 +4,7 @@
 
 #include "base/utf8.h"
 #include "data/modCommon.h"
+#include "data/screens/FnGrid.h"
 #include "db/recordset.h"
 
 namespace owb {
@@ -86,19 +87,15 @@ void frmFilter::fillCombos() {
 }
 
 void frmFilter::narrow() {
-    const std::string wanted = foldText(txtSearch.value);
+    FnGridFirstMatch(fpgEmployee, txtSearch.value, {kId, kReference, kName});
     const auto fits = [](const Combo& combo, const std::string& cell) {
         return combo.selected() <= 0 || compareText(combo.value, cell) == 0;
     };
     for (size_t r = 0; r < fpgEmployee.rowCount(); ++r) {
         const auto cell = [&](size_t c) { return fpgEmployee.cell(r, c); };
-        const bool found = foldText(cell(kName)).find(wanted) != std::string::npos ||
-                           foldText(cell(kId)).find(wanted) != std::string::npos ||
-                           foldText(cell(kReference)).find(wanted) != std::string::npos;
-        fpgEmployee.setRowHidden(
-            r, !(found && fits(cmbDepartment, cell(kDepartment)) &&
-                 fits(cmbDesignation, cell(kDesignation)) && fits(cmbBranch, cell(kBranch)) &&
-                 fits(cmbAttHead, cell(kHead))));
+        if (!fits(cmbDepartment, cell(kDepartment)) || !fits(cmbDesignation, cell(kDesignation)) ||
+            !fits(cmbBranch, cell(kBranch)) || !fits(cmbAttHead, cell(kHead)))
+            fpgEmployee.setRowHidden(r, true);
     }
     lblListedCount.caption = "Listed : " + std::to_string(fpgEmployee.visibleRowCount());
 }

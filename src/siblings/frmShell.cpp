@@ -54,7 +54,7 @@ frmShell::frmShell(Session& session, FrontEnd& frontEnd, const std::string& sock
       start_(std::move(start)),
       hasEnded_(std::move(hasEnded)) {
     timerInterval = 200;
-    fpgScreen.setColumns({{.caption = "Menu", .hidden = true},
+    fpgScreen.setColumns({{.caption = "Menu", .width = 7},
                           {.caption = "Group", .width = 16},
                           {.caption = "Screen", .width = 44},
                           {.caption = "State", .width = 12}});
@@ -107,11 +107,7 @@ void frmShell::onTimer() {
         while (words >> word) {
         }
         const auto known = running_.find(std::atoi(word.c_str()));
-        if (known == running_.end()) continue;
-        if (verb == "opened")
-            known->second.open = true;
-        else
-            known->second.open = false;
+        if (known != running_.end()) known->second.open = verb == "opened";
     }
     std::erase_if(running_, [&](const auto& entry) { return hasEnded_(entry.first); });
     showState();

@@ -1,6 +1,7 @@
 // The renderer as a user meets it: keys, filters, blocks, refusals, errors and closing.
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
@@ -81,6 +82,9 @@ TEST_F(Qt_, TypedAndPastedTextPassTheFilters) {
     desk.then([&] {
         EXPECT_EQ(screen.txtAmount.value, "1250.00");
         desk.press("txtAmount", Qt::Key_F2);
+        EXPECT_EQ(screen.txtAmount.value, "31");
+        screen.txtAmount.value = "";
+        desk.widget("txtAmount")->findChild<QAction*>()->trigger();
     });
     desk.then([&] {
         EXPECT_EQ(desk.widget<QLineEdit>("txtAmount")->text(), "31");

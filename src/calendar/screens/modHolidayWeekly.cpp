@@ -44,7 +44,7 @@ modHolidayWeekly::modHolidayWeekly(Session& session, FrontEnd& frontEnd)
                                     {.caption = "WEEKID", .hidden = true},
                                     {.caption = "Eff. From Month", .width = 12},
                                     {.caption = "Day", .width = 12}};
-    for (const char* week : kWeeks) columns.push_back({.caption = week, .width = 14});
+    for (const char* week : kWeeks) columns.push_back({.caption = week, .width = 11});
     fpgWeeklyHoliday.setColumns(std::move(columns));
     fpgWeeklyHoliday.singleRows = true;
     fpgWeeklyHoliday.onCurrentChange = [this](size_t row, size_t) { fpgWeeklyHoliday_Click(row); };

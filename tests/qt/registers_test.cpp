@@ -1,0 +1,205 @@
+// Registers in a window: columns that stay in sight, the header's menu, the screen's own menus,
+// finding by typing, tabs.
+#include <gtest/gtest.h>
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QMenu>
+#include <QScrollBar>
+#include <QTabWidget>
+#include <QTableView>
+
+#include "qt/desk.h"
+#include "qt/qt_text.h"
+#include "screen/grid.h"
+#include "screen/text_box.h"
+
+namespace owb::test {
+namespace {
+
+// A register: more columns than the window shows, two of them always in sight, and a menu.
+class Register final : public Screen {
+  public:
+    explicit Register(FrontEnd& frontEnd) : Screen(frontEnd, "Register", "Register") {
+        std::vector<GridColumn> columns{{.caption = "Id", .type = CellType::Number, .decimals = 0},
+                                        {.caption = "Name", .width = 20}};
+        for (int day = 1; day <= 31; ++day)
+            columns.push_back({.caption = std::to_string(day), .width = 8, .locked = false});
+        fpgDays.setColumns(std::move(columns));
+        fpgDays.frozenColumns = 2;
+        for (const auto& [id, name] : std::vector<std::pair<const char*, const char*>>{
+                 {"10", "Meena"}, {"9", "Arun"}, {"100", "Zoya"}, {"20", "Bala"}})
+            fpgDays.addRow({id, name});
+        mnuClear.onClick = [this] { log += "clear " + fpgDays.text() + ";"; };
+        mnuAll.onClick = [this] { log += "all;"; };
+        mnuDenied.enabled = false;
+        txtRemarks.multiLine = true;
+        txtRemarks.filter = [](int key, const std::string&) { return key == '|' ? 0 : key; };
+        tabPages.onClick = [this] { log += tabPages.text() + ";"; };
+        lblExport.onClick = [this] { log += "export;"; };
+    }
+    Grid fpgDays{*this, "fpgDays"};
+    MenuItem mnuClear{*this, fpgDays, "mnuClear", "&Clear"};
+    MenuItem mnuCalc{*this, fpgDays, "mnuCalc", "&Re Calculate"};
+    MenuItem mnuAll{*this, fpgDays, "mnuAll", "&All", &mnuCalc};
+    MenuItem mnuDenied{*this, fpgDays, "mnuDenied", "&Mark"};
+    TextBox txtRemarks{*this, "txtRemarks"};
+    TextBox txtHidden{*this, "txtHidden"};
+    Label lblExport{*this, "lblExport", "Export"};
+    Tabs tabPages{*this, "tabPages", {"Days", "Remarks"}};
+    std::string log;
+
+    Layout layout() override {
+        return column({tabs(tabPages, {column({item(fpgDays, 1), item(lblExport)}),
+                                       column({item(txtRemarks), item(txtHidden)})})});
+    }
+};
+
+struct QtRegister : ::testing::Test {
+    Desk desk;
+    Register screen{desk.frontEnd};
+
+    QTableView& table() { return *desk.widget<QTableView>("fpgDays"); }
+    QTableView& frozen() { return *table().findChild<QTableView*>(); }
+    std::string names() {
+        std::string all;
+        for (int row = 0; row < table().model()->rowCount(); ++row)
+            all += fromQt(table().model()->index(row, 1).data().toString()) + " ";
+        return all;
+    }
+    // Runs the item of the menu that a deed opens.
+    void choose(std::initializer_list<const char*> path, const std::function<void()>& open) {
+        QTimer::singleShot(0, &table(),
+                           [path = std::vector<std::string>(path.begin(), path.end())] {
+                               auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+                               ASSERT_NE(menu, nullptr);
+                               QAction* chosen = nullptr;
+                               QMenu* at = menu;
+                               for (const std::string& caption : path) {
+                                   ASSERT_NE(at, nullptr);
+                                   chosen = nullptr;
+                                   for (QAction* action : at->actions())
+                                       if (action->text() == toQt(caption)) chosen = action;
+                                   ASSERT_NE(chosen, nullptr) << caption;
+                                   at = chosen->menu();
+                               }
+                               menu->setActiveAction(chosen);
+                               chosen->trigger();
+                               menu->close();
+                           });
+        open();
+        desk.frontEnd.top()->activateWindow();  // nobody else does it on this platform
+    }
+    void columnMenu(int column, std::initializer_list<const char*> path) {
+        choose(path, [this, column] {
+            const int at = table().horizontalHeader()->sectionViewportPosition(column) + 3;
+            Q_EMIT table().horizontalHeader()->customContextMenuRequested(QPoint(at, 3));
+        });
+    }
+};
+
+TEST_F(QtRegister, IdAndNameStayInSight) {
+    desk.then([&] {
+        desk.frontEnd.top()->resize(700, 300);
+        table().setFocus();
+        table().setCurrentIndex(table().model()->index(0, 30));
+    });
+    desk.then([&] {
+        EXPECT_GT(table().horizontalScrollBar()->value(), 0);
+        EXPECT_LT(table().columnViewportPosition(0), 0);
+        EXPECT_TRUE(frozen().isVisible());
+        EXPECT_EQ(frozen().columnViewportPosition(1), table().columnWidth(0));
+        EXPECT_TRUE(frozen().isColumnHidden(2));
+        table().setColumnWidth(1, 211);
+        EXPECT_EQ(frozen().columnWidth(1), 211);
+        // Walking back to a column that lies under the fixed ones brings it out from there.
+        table().setCurrentIndex(table().model()->index(0, 2));
+        EXPECT_GE(table().columnViewportPosition(2), frozen().width() - 1);
+    });
+    screen.showModal();
+}
+
+TEST_F(QtRegister, SortingAndHidingLeaveTheGridItself) {
+    desk.then([&] { columnMenu(0, {"Sort &ascending"}); });
+    desk.then([&] {
+        EXPECT_EQ(names(), "Arun Meena Bala Zoya ") << "numbers sort as numbers";
+        columnMenu(1, {"Sort &descending"});
+    });
+    desk.then([&] {
+        EXPECT_EQ(names(), "Zoya Meena Bala Arun ");
+        EXPECT_EQ(screen.fpgDays.cell(0, 1), "Meena");
+        // An edit goes to the row that the user sees.
+        table().setFocus();
+        table().setCurrentIndex(table().model()->index(0, 2));
+        QTest::keyClicks(&table(), "P");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    });
+    desk.then([&] {
+        EXPECT_EQ(screen.fpgDays.cell(2, 2), "P");
+        columnMenu(1, {"&Order of the screen"});
+    });
+    desk.then([&] {
+        EXPECT_EQ(names(), "Meena Arun Zoya Bala ");
+        columnMenu(2, {"Co&lumns", "1"});
+    });
+    desk.then([&] {
+        EXPECT_TRUE(table().isColumnHidden(2));
+        EXPECT_FALSE(screen.fpgDays.column(2).hidden);
+    });
+    screen.showModal();
+}
+
+TEST_F(QtRegister, TypingFindsTheRowAndMenusRunTheirItems) {
+    const auto rightClick = [&](int row, int column) {
+        return [this, row, column] {
+            Q_EMIT table().customContextMenuRequested(
+                table().visualRect(table().model()->index(row, column)).center());
+        };
+    };
+    desk.then([&] {
+        table().setFocus();
+        table().setCurrentIndex(table().model()->index(0, 1));
+        QTest::keyClicks(&table(), "ba");
+    });
+    desk.then([&] {
+        EXPECT_EQ(screen.fpgDays.currentRow(), 3);
+        choose({"&Clear"}, rightClick(1, 1));
+    });
+    desk.then([&] {
+        EXPECT_EQ(screen.fpgDays.currentRow(), 1) << "a right click makes its cell the current one";
+        choose({"&Re Calculate", "&All"}, rightClick(0, 1));
+    });
+    desk.then([&] { choose({"&Mark"}, rightClick(0, 1)); });
+    desk.then([&] {
+        QContextMenuEvent right(QContextMenuEvent::Mouse, QPoint(2, 2),
+                                desk.widget("lblExport")->mapToGlobal(QPoint(2, 2)));
+        QApplication::sendEvent(desk.widget("lblExport"), &right);
+    });
+    screen.showModal();
+    EXPECT_EQ(screen.log, "clear Arun;all;export;");
+}
+
+TEST_F(QtRegister, TabsAndLinesOfText) {
+    desk.then([&] {
+        desk.widget<QTabWidget>("tabPages")->setCurrentIndex(1);
+        EXPECT_EQ(screen.tabPages.text(), "Remarks");
+        desk.widget("txtRemarks")->setFocus();
+        desk.type("txtRemarks", "one|");
+        desk.press("txtRemarks", Qt::Key_Return);
+        desk.type("txtRemarks", "two");
+    });
+    desk.then([&] {
+        EXPECT_EQ(screen.txtRemarks.value, "one\ntwo");
+        desk.press("txtRemarks", Qt::Key_Tab);
+        EXPECT_TRUE(desk.widget("txtHidden")->hasFocus());
+        screen.tabPages.page = 0;
+        screen.txtHidden.visible = false;
+        desk.frontEnd.top()->sync();
+        EXPECT_TRUE(table().isVisible());
+    });
+    screen.showModal();
+    EXPECT_EQ(screen.log, "Remarks;");
+}
+
+}  // namespace
+}  // namespace owb::test
