@@ -47,20 +47,24 @@ void frmFilter::onLoad() {
          {.caption = session_.gOptSet.REFNOCAP,
           .width = 10,
           .hidden = !session_.gOptSet.EMPREFNOYN},
-         {.caption = session_.gEmployeeCaption + " Name", .width = 30},
-         {.caption = "Department", .width = 18},
-         {.caption = "Designation", .width = 18},
-         {.caption = "Branch", .width = 18},
+         {.caption = session_.gEmployeeCaption + " Name", .width = 24},
+         {.caption = "Department", .width = 14},
+         {.caption = "Designation", .width = 14},
+         {.caption = "Branch", .width = 12},
          {.caption = "Attendance Head", .width = 18}});
+    // A version holds the key of its department and designation, or the text itself.
     Recordset rs(
         session_.gConn,
-        "SELECT V.FILTERYN1, V.EMPID, V.REFNO, V.EMPNAME, D.DEPARTMENT, D.DESIGNATION, "
+        "SELECT V.FILTERYN1, V.EMPID, V.REFNO, V.EMPNAME, ISNULL(MD.DEPARTMENT, "
+        "D.DEPARTMENT), ISNULL(MG.DESIGNATION, D.DESIGNATION), "
         "B.BRANCHNAME, H.ATTHEADNAME FROM " +
             session_.gEmployeeView +
             " V INNER JOIN MAS_EMPLOYEEDET D ON D.EMPID = V.EMPID AND D.EMPDETID = (SELECT "
             "MAX(EMPDETID) FROM MAS_EMPLOYEEDET WHERE EMPID = V.EMPID) LEFT JOIN "
             "MAS_BRANCH B ON B.BRANCHID = D.BRANCHID LEFT JOIN MAS_ATTHEAD H ON "
-            "H.ATTHEADID = D.ATTHEADID ORDER BY V.EMPID");
+            "H.ATTHEADID = D.ATTHEADID LEFT JOIN MAS_DEPARTMENT MD ON "
+            "CAST(MD.DEPARTMENTID AS NVARCHAR(100)) = D.DEPARTMENT LEFT JOIN MAS_DESIGNATION MG "
+            "ON CAST(MG.DESIGNATIONID AS NVARCHAR(100)) = D.DESIGNATION ORDER BY V.EMPID");
     for (; !rs.IsEOF(); rs.MoveNext()) {
         std::vector<std::string> cells;
         for (size_t c = 0; c < rs.FieldCount(); ++c) cells.push_back(rs.Fields(c).toText());

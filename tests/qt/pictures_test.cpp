@@ -3,13 +3,23 @@
 #include <gtest/gtest.h>
 
 #include <QPalette>
+#include <filesystem>
+#include <fstream>
 #include <set>
 
+#include "app/ProcessLauncher.h"
 #include "app/frmMain.h"
 #include "ctl/sample.h"
+#include "data/modEmployeeViews.h"
+#include "data/modOWBSetting.h"
+#include "data/screens/modExternal.h"
+#include "exchange/screens/frmImport.h"
+#include "leave/screens/frmLeaveRecalc.h"
 #include "qt/desk.h"
 #include "screen/grid.h"
 #include "screen/progress.h"
+#include "siblings/frmFilter.h"
+#include "siblings/frmShell.h"
 #include "support/company.h"
 
 namespace owb::test {
@@ -29,7 +39,13 @@ class Photographer {
         : company_(company), frontEnd_(frontEnd), folder_(folder) {
         wait();
     }
-    void open(int32_t menuId, std::deque<std::function<void(ScreenWindow&)>> deeds) {
+    using Deeds = std::deque<std::function<void(ScreenWindow&)>>;
+    // A screen that no launch line opens.
+    void show(Screen& screen, Deeds deeds = {}) {
+        deeds_ = std::move(deeds);
+        screen.showModal();
+    }
+    void open(int32_t menuId, Deeds deeds) {
         deeds_ = std::move(deeds);
         company_.session.gMenuId = menuId;
         frmMain(company_.session, frontEnd_)
@@ -50,7 +66,7 @@ class Photographer {
             top->grab().save(folder_ + "/" + top->objectName() + ".png");
             return;
         }
-        if (top->screen().name() == "frmConfiguring") return;  // works by itself
+        if (!top->waitsForInput()) return;  // works by itself
         if (deeds_.empty()) {
             top->close();
             return;
@@ -82,6 +98,34 @@ TEST(Qt, PicturesOfTheScreens) {
             QTest::keyClick(top.findChild<QWidget*>(control), Qt::Key_F2);
         };
     };
+    SetHostNames(company.session);
+    LoadOptSet(company.session);
+    LoadCaptions(company.session);
+    company.session.gFirstLeaveMonth = static_cast<int32_t>(
+        std::atoi(company.value("SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR").c_str()));
+    CreateFilterObjects(company.session);
+    frmShell shell(
+        company.session, frontEnd, company.folder.file("shell"),
+        [](const std::string&) { return 1; }, [](int) { return false; });
+    photographer.show(shell, {[](ScreenWindow& top) {
+                          dynamic_cast<Grid*>(top.screen().find("fpgScreen"))->goTo(3, 1);
+                          top.screen().find("cmdOpen")->click();
+                      }});
+    frmFilter filter(company.session, frontEnd);
+    photographer.show(filter);
+    frmLeaveRecalc recalc(company.session, frontEnd);
+    photographer.show(recalc);
+    frmImport import(
+        frontEnd, "Import Holiday List", {"Date", "Description", "Type"},
+        {{4, {"15/08/2026", "Independence Day", "National"}, "Holiday already available.", true},
+         {5, {"09/11/2026", "Bhai Dooj", "General"}, "Add", false}});
+    photographer.show(import);
+    ProcessLauncher launcher(company.settings);
+    company.session.siblings = &launcher;
+    std::ofstream(company.folder.file("OWBFilter")) << "#!/bin/sh\nsleep 0.3\n";
+    std::filesystem::permissions(company.folder.file("OWBFilter"),
+                                 std::filesystem::perms::owner_all);
+    ShowFilterProgram(company.session, frontEnd);
     photographer.open(1600, {});
     photographer.open(1500, {});
     photographer.open(1503, {[](ScreenWindow& top) {
