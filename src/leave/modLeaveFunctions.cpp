@@ -187,7 +187,10 @@ void SaveMonthDays(Session& session, double& dblNOD, double& dblNDP, int64_t lng
     session.gConn.Execute("UPDATE LEV_MONTHDET SET NODCALC = " + numberText(calc) +
                           ", NOD=" + numberText(dblNOD) + ", NDP=" + numberText(dblNDP) +
                           " WHERE " + rowKey(lngEmpId, lngEmpDetId, lngMonthYear));
-    if (session.gOpt.AUTOALLOTYN) MarkAllotmentDirty(session, intAttHeadId, lngEmpId);
+    if (!session.gOpt.AUTOALLOTYN) return;
+    MarkAllotmentDirty(session, intAttHeadId, lngEmpId);
+    NoProgress hidden;
+    ProcessAllotmentsOld(session, hidden, " AND LA.EMPID = " + text(lngEmpId) + " ");
 }
 
 void RefreshMonthRow(Session& session, double& dblNOD, double& dblNDP, Progress& frm,

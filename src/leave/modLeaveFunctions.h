@@ -43,14 +43,29 @@ void MarkSalaryDirty(Session& session, int32_t lngMonthYear, bool blnOnlyThisMon
 // Recomputes the marked LEV_MONTHDET rows: overtime of the register row, NODCALC, NOD, NDP, OT1,
 // OT2, ADJHRS. Limited to the employees of gEmpFilter. Marks the salary rows.
 void UpdateMonthDays(Session& session, Progress& frm);
-// One span at once, written to its LEV_MONTHDET row without touching the row's mark; the ledger
-// rows of the employee are marked while the head allots automatically.
+// One span at once, written to its LEV_MONTHDET row without touching the row's mark; while the head
+// allots automatically, the employee's ledger is worked out anew.
 void SaveMonthDays(Session& session, double& dblNOD, double& dblNDP, int64_t lngEmpId,
                    int64_t lngEmpDetId, int32_t lngMonthYear, DateTime dteFrom, DateTime dteTo,
                    int32_t intAttHeadId);
 // Marks one row, runs UpdateMonthDays and reads the row's NOD and NDP back.
 void RefreshMonthRow(Session& session, double& dblNOD, double& dblNDP, Progress& frm,
                      int64_t lngEmpId, int64_t lngEmpDetId, int32_t lngMonthYear);
+
+// --- the leave ledger (modLeaveFunctions_balance.cpp, AllotmentPass.h) ---
+
+// Balance of a leave in the slice of a month that holds the date, with all that is entered in the
+// slice; 0 before the allot-from date, the opening balance where there is no slice. intLevId 0: sum
+// of all leaves. intAttHeadId 0: under any head. Leave of dteExclude (a date after 30/12/1950) does
+// not count against itself.
+double GetClosingBalance(Session& session, int64_t lngEmpId, int32_t intLevId, DateTime dteAsOn,
+                         DateTime dteExclude, int32_t intAttHeadId);
+// Marked ledger rows in bulk, month by month. Throws DbError.
+void ProcessAllotments(Session& session, Progress& frm);
+// Marked ledger rows: in bulk, then row by row what is left; the marker file "\OldLevAllotment.dat"
+// or a filter (" AND LA.EMPID = 1") has the rows taken one by one alone. An error is shown; what is
+// not done keeps its mark.
+void ProcessAllotmentsOld(Session& session, Progress& frm, const std::string& strEmpFilter);
 
 // --- day registers (modLeaveFunctions_days.cpp) ---
 
@@ -69,5 +84,26 @@ void ReconcileMonthlyRows(Session& session);
 // LEV_MONTHDET in step with the salary rows from LVSTARTMNYEAR on, but for months whose tax has
 // been ported, which stay as they are. New rows are zero and marked.
 void ReconcileMonthDetails(Session& session);
+
+// --- rows that the ledger needs (modLeaveFunctions_ledger.cpp) ---
+
+// Rows of leaves that are not allotted (ALLOTMENTYN 0), or not defined any more, go: opening
+// balances, ledger rows, from-dates, figures; adjustments keep what was taken alone.
+void DeleteUnallottedLeaves(Session& session);
+// A zero for every employee and allotted leave without an opening balance.
+void InsertOpeningBalances(Session& session);
+// LEV_ALLOTFROM and LEV_AVAILFROM: missing rows, and new dates where CHANGEYN asks for them and
+// none was set by hand; these mark the ledger rows of the employee and leave. A base date that is
+// not known (MAS_EMPLOYEE) makes it 31/Dec/2099.
+void InsertAllotFromDate(Session& session);
+void UpdateAllotFromDate(Session& session);
+void InsertAvailFromDate(Session& session);
+void UpdateAvailFromDate(Session& session);
+// LEV_ALLOTMENT in step with salary rows and allot-from dates from LVSTARTMNYEAR on; run in this
+// order. New rows are zero and marked. Both mark rows whose period they change.
+void DeleteUnwantedLedgerRows(Session& session);
+void InsertMissingLedgerRows(Session& session);
+// Encashments whose ledger row is gone go, too, with their payments; marks their salary rows.
+void DeleteOrphanedEncashments(Session& session);
 
 }  // namespace owb

@@ -5,6 +5,7 @@
 #include "data/Session.h"
 #include "data/modCommon.h"
 #include "leave/modLeaveFunctions.h"
+#include "leave/work_table.h"
 
 namespace owb {
 
@@ -17,16 +18,6 @@ std::string text(int64_t number) {
 std::string twoDigits(int day) {
     return (day < 10 ? "0" : "") + text(day);
 }
-
-// A work table of this workstation: its name, and the statement that takes an old one away.
-struct WorkTable {
-    WorkTable(const Session& session, const std::string& kind)
-        : bare(kind + session.gHostPrefix), name("[" + bare + "]") {
-        drop = "If Exists(SELECT * FROM SYS.TABLES WHERE NAME ='" +
-               session.gSpChar.FnStrSpSQL(bare) + "') DROP TABLE " + name;
-    }
-    std::string bare, name, drop;
-};
 
 // Rows of the registers, with their head and options, on whose day nothing is entered: the cell is
 // empty, no hours are kept and no leave is taken. A cell alone proves nothing, since a writer of
@@ -168,8 +159,7 @@ void UpdateDayDetails(Session& session, Progress& frm, bool blnAll, int64_t lngF
         "AO.ATTTRANNO = AD.ATTTRANNO AND MA.ATTHEADID = AD.ATTHEADID AND AT.ATTHEADID = "
         "AD.ATTHEADID AND AD.MONTHYEAR >= " +
         text(session.gFeature.LVSTARTMNYEAR) + " AND AD.EDITMODEYN = 1" + filter);
-    session.gConn.Execute("ALTER TABLE " + table.name + " ADD CONSTRAINT [PK_" + table.bare +
-                          "] PRIMARY KEY (ATTTRANNO)");
+    session.gConn.Execute(table.key("ATTTRANNO"));
     Recordset rows(session.gConn,
                    "SELECT ATTTRANNO, EMPID FROM " + table.name + " ORDER BY EMPID, ATTTRANNO");
     for (int day = 1; day <= 31 && !rows.IsEOF() && !frm.cancelled(); ++day) {

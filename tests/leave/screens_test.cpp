@@ -135,11 +135,17 @@ TEST(Configuring, BringsTheLeaveTablesInStepWithTheMasters) {
 
     EXPECT_EQ(p.boxes.shown.size(), 0U);
     const std::vector<std::string> expected = {"Initializing Advanced Leave Management",
+                                               "Allottment methods ... ",
                                                "Clearing Records ... ",
                                                "Updating Null Values...",
                                                "Updating Option settings...",
                                                "Updating Month Dates...",
+                                               "Updating Opening Balance...",
+                                               "Updating Allotment Dates...",
+                                               "Updating Avail from Dates...",
                                                "Updating monthly records...",
+                                               "Deleteing unwanted records...",
+                                               "Inserting missing records...",
                                                "Filling default values ..."};
     EXPECT_EQ(texts, expected);
     EXPECT_EQ(p.rows("SELECT EMPDETID, DAY(LEAVEDATE), FIRSTHALFYN, SECONDHALFYN FROM "

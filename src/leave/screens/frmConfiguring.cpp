@@ -13,11 +13,17 @@ frmConfiguring::frmConfiguring(Session& session, FrontEnd& frontEnd)
     : Screen(frontEnd, "frmConfiguring", "Initializing Advanced Leave Management"),
       session_(session) {}
 
-// The order counts: rows are repaired before what cannot be repaired is deleted, registers get
-// their version's head before the sweep takes out those that differ, months have dates before rows
-// are made for them. Every step may be run again over its own result. The steps of the leave ledger
-// (opening balances, allot and avail dates, ledger rows) have their place between the month dates
-// and the monthly records.
+// The order counts, and leaves no row unmarked that needs a mark:
+//  - leaves that are not allotted lose their rows before anything is made for the others; the
+//    sweep of "Clearing Records ... " gives every allotted leave its settings;
+//  - rows are repaired before what cannot be repaired is deleted; registers get their version's
+//    head before the sweep takes out those that differ; months have dates before rows are made;
+//  - from-dates come before the ledger rows that begin with them, and mark before they change;
+//  - unwanted ledger rows go before missing ones come: both mark what stands in the year around
+//    them, and encashments are judged when all rows are there;
+//  - defaults of the registers come last, since they mark months, salaries and ledger rows that
+//    must be there to be marked. The dates of adjustments follow from masters alone.
+// Every step may be run again over its own result.
 void frmConfiguring::onActivate() {
     struct Step {
         const char* status;  // nullptr: the text before stays
@@ -25,11 +31,17 @@ void frmConfiguring::onActivate() {
     };
     static constexpr Step kSteps[] = {
         {"Initializing Advanced Leave Management", &frmConfiguring::LoadOptions},
+        {"Allottment methods ... ", &frmConfiguring::AllotmentMethods},
         {"Clearing Records ... ", &frmConfiguring::ClearRecords},
         {"Updating Null Values...", &frmConfiguring::UpdateNullValues},
         {"Updating Option settings...", &frmConfiguring::UpdateOptionSettings},
         {"Updating Month Dates...", &frmConfiguring::UpdateMonthDates},
+        {"Updating Opening Balance...", &frmConfiguring::UpdateOpeningBalance},
+        {"Updating Allotment Dates...", &frmConfiguring::UpdateAllotmentDates},
+        {"Updating Avail from Dates...", &frmConfiguring::UpdateAvailFromDates},
         {"Updating monthly records...", &frmConfiguring::UpdateMonthlyRecords},
+        {"Deleteing unwanted records...", &frmConfiguring::DeleteUnwantedRecords},
+        {"Inserting missing records...", &frmConfiguring::InsertMissingRecords},
         {"Filling default values ...", &frmConfiguring::FillDefaultValues},
         {nullptr, &frmConfiguring::DateAdjustments},
     };
@@ -55,6 +67,21 @@ void frmConfiguring::LoadOptions() {
         "(UPPERLIMITYN=1 OR LOWERLIMITYN=1)");
 }
 
+// Columns, objects and defaults that older databases lack.
+void frmConfiguring::AllotmentMethods() {
+    if (!FnBlnRecordExists(session_,
+                           "SELECT * FROM INFORMATION_SCHEMA.COLUMNS WHERE COLUMN_NAME = "
+                           "'LAPSENEGATIVE' AND TABLE_NAME = 'LEV_SETTINGS'"))
+        session_.gConn.Execute("ALTER TABLE LEV_SETTINGS ADD LAPSENEGATIVE tinyint NULL DEFAULT 0");
+    InstallLeaveSettingsFunction(session_);
+    if (!FnBlnRecordExists(session_,
+                           "Select * From Sys.Objects Where Name = 'DF__LEV_ALLOT__EDITMODEYN'"))
+        session_.gConn.Execute(
+            "ALTER TABLE LEV_ALLOTMENT ADD CONSTRAINT DF__LEV_ALLOT__EDITMODEYN DEFAULT (1) FOR "
+            "EDITMODEYN");
+    DeleteUnallottedLeaves(session_);
+}
+
 void frmConfiguring::ClearRecords() {
     if (FnBlnRecordExists(session_,
                           "SELECT ATTHEADID FROM MAS_ATTHEAD WHERE (ATTNTYPE = 2 OR ATTNTYPE = "
@@ -78,7 +105,9 @@ void frmConfiguring::UpdateNullValues() {
          {"UPDATE LEV_DETAILS SET FIRSTHALFYN = ISNULL(FIRSTHALFYN, 0), SECONDHALFYN = "
           "ISNULL(SECONDHALFYN, 0) WHERE FIRSTHALFYN IS NULL OR SECONDHALFYN IS NULL",
           "UPDATE ATT_DAYTODAY SET EDITMODEYN = 1 WHERE EDITMODEYN IS NULL",
-          "UPDATE LEV_MONTHDET SET EDITMODEYN = 1 WHERE EDITMODEYN IS NULL"})
+          "UPDATE LEV_MONTHDET SET EDITMODEYN = 1 WHERE EDITMODEYN IS NULL",
+          "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE EDITMODEYN IS NULL",
+          "UPDATE LEV_ALLOTMENT SET ACTALLOTLEV = ALLOTLEV WHERE ACTALLOTLEV IS NULL"})
         session_.gConn.Execute(sql);
 }
 
@@ -102,10 +131,33 @@ void frmConfiguring::UpdateMonthDates() {
     FnNodNdp(session_).Update_MonthYear();
 }
 
+void frmConfiguring::UpdateOpeningBalance() {
+    InsertOpeningBalances(session_);
+}
+
+void frmConfiguring::UpdateAllotmentDates() {
+    InsertAllotFromDate(session_);
+    UpdateAllotFromDate(session_);
+}
+
+void frmConfiguring::UpdateAvailFromDates() {
+    InsertAvailFromDate(session_);
+    UpdateAvailFromDate(session_);
+}
+
 // New register rows mark the months that they stand in, so the months come first.
 void frmConfiguring::UpdateMonthlyRecords() {
     ReconcileMonthDetails(session_);
     ReconcileMonthlyRows(session_);
+}
+
+void frmConfiguring::DeleteUnwantedRecords() {
+    DeleteUnwantedLedgerRows(session_);
+}
+
+void frmConfiguring::InsertMissingRecords() {
+    InsertMissingLedgerRows(session_);
+    DeleteOrphanedEncashments(session_);
 }
 
 void frmConfiguring::FillDefaultValues() {

@@ -19,11 +19,17 @@ class frmConfiguring final : public Screen {
     void status(const std::string& text);
 
     void LoadOptions();
+    void AllotmentMethods();
     void ClearRecords();
     void UpdateNullValues();
     void UpdateOptionSettings();
     void UpdateMonthDates();
+    void UpdateOpeningBalance();
+    void UpdateAllotmentDates();
+    void UpdateAvailFromDates();
     void UpdateMonthlyRecords();
+    void DeleteUnwantedRecords();
+    void InsertMissingRecords();
     void FillDefaultValues();
     void DateAdjustments();
 

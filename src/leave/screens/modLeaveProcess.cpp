@@ -52,6 +52,8 @@ void modLeaveProcess::onActivate() {
 void modLeaveProcess::runPasses() {
     UpdateDayDetails(session_, *this, true, 0);
     UpdateMonthDays(session_, *this);
+    if (session_.gMenuId != 1601 && !session_.gLeaveCalcFlag)
+        ProcessAllotmentsOld(session_, *this, "");
     status("Process Completed");
     lblStatus.caption = "Process Completed";
 }

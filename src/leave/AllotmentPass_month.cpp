@@ -1,0 +1,242 @@
+// The bulk pass: a statement for each step of a month, over all of its marked rows.
+#include "base/number_text.h"
+#include "data/Session.h"
+#include "data/modCommon.h"
+#include "leave/AllotmentPass.h"
+#include "leave/slice_sql.h"
+#include "schema/modSQLFunction.h"
+
+namespace owb {
+
+namespace {
+
+std::string text(int64_t number) {
+    return std::to_string(number);
+}
+std::string quoted(const DateTime& date) {
+    return "'" + FnStrIsoDate(date) + "'";
+}
+// Settings of the row's month under the predecessor's head.
+std::string settingsOf(int32_t lngMonthYear) {
+    return ", UDF_LSET(" + text(lngMonthYear) +
+           ") LSET WHERE LSET.LEVID = TMPALLOT.LEVID AND LSET.ATTHEADID = "
+           "TMPALLOT.PREVATTHEADID AND PREVALLOTID <> 0";
+}
+
+}  // namespace
+
+void AllotmentPass::ProcessAllotments() {
+    CreateLeaveSummaryView(session_);
+    CreatePeriodViews(session_);
+    strDuplicates_ = DividedEmployees();
+    total_ = static_cast<size_t>(
+        FnVarReadValue(
+            session_,
+            "DECLARE @TMP AS INTEGER SELECT @TMP = COUNT(*) FROM LEV_ALLOTMENT LEV,LEV_SETTINGS LS "
+            "WHERE LEV.LEVID = LS.LEVID AND LEV.ATTHEADID = LS.ATTHEADID AND EDITMODEYN = 1 AND "
+            "LS.LEVID <> 2 AND AUTOALLOTYN = 1 AND LS.MONTHYEAR = (SELECT MAX(MONTHYEAR) FROM "
+            "LEV_SETTINGS WHERE LEVID = LS.LEVID AND ATTHEADID = LS.ATTHEADID AND MONTHYEAR <= "
+            "[DBO].FNLNGMONTHYEAR(LEV.ALLOTFROM, LEV.ALLOTTO)) AND LEV.EMPID NOT IN (" +
+                strDuplicates_ + ") SELECT @TMP",
+            0)
+            .toInt());
+    bool any = false;
+    for (int32_t month = NextMonth(0); month != 0 && !frm_.cancelled(); month = NextMonth(month)) {
+        any = true;
+        ProcessAllotmentMonth(month);
+    }
+    if (any && !frm_.cancelled()) frm_.status("Processing Leave Allotment 100.00% Completed.");
+    session_.gConn.Execute(tmp_.drop);
+    session_.gConn.Execute(prev_.drop);
+}
+
+// Employees with two rows of one leave in a month, a change of version: within such a month one row
+// opens from another. Only who has more than one version can have such a month.
+std::string AllotmentPass::DividedEmployees() {
+    return FnVarReadValue(
+               session_,
+               "DECLARE @TMP AS NVARCHAR(MAX) SET @TMP = '0' SELECT @TMP = @TMP + ',' + CAST(EMPID "
+               "AS NVARCHAR(MAX)) FROM (SELECT DISTINCT EMPID FROM LEV_ALLOTMENT LEV WHERE EMPID "
+               "IN (SELECT EMPID FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1) AND EMPID IN (SELECT "
+               "EMPID FROM MAS_EMPLOYEEDET GROUP BY EMPID HAVING COUNT(*) > 1) GROUP BY "
+               "[DBO].FNLNGMONTHYEAR(ALLOTFROM, ALLOTTO),EMPID,LEVID Having Count(EMPID) > 1 ) TMP "
+               "SELECT @TMP",
+               "0")
+        .toText();
+}
+
+// The first month after another that holds marked rows; 0 none. Asked after each month, since its
+// rows mark later ones.
+int32_t AllotmentPass::NextMonth(int32_t lngAfter) {
+    return static_cast<int32_t>(
+        FnVarReadValue(session_,
+                       "SELECT TOP 1 MONTHYEAR FROM MAS_MONTHYEAR MM WHERE MONTHYEAR > " +
+                           text(lngAfter) +
+                           " AND EXISTS (SELECT * FROM LEV_ALLOTMENT ALLOT,ATT_DEFINITION LEV "
+                           "WHERE LEV.LEVID = ALLOT.LEVID AND LEV.ALLOTMENTYN = 1 AND "
+                           "ALLOT.ALLOTFROM BETWEEN CALCSTARTDATE AND CALCENDDATE AND "
+                           "ALLOT.EDITMODEYN = 1 AND ALLOT.EMPID NOT IN (" +
+                           strDuplicates_ + ")) ORDER BY MONTHYEAR",
+                       0)
+            .toInt());
+}
+
+void AllotmentPass::ProcessAllotmentMonth(int32_t lngMonthYear) {
+    BuildWorkTable(lngMonthYear);
+    CompensatoryOff();
+    if (!AutoAllotments()) return;  // cancelled: the month keeps its marks
+    Openings();
+    Closings(lngMonthYear);
+    CarryOver(lngMonthYear);
+    WithinPeriod(lngMonthYear);
+    WriteBack();
+}
+
+void AllotmentPass::BuildWorkTable(int32_t lngMonthYear) {
+    DateTime from, to;
+    calc_.periods.GetMonthBounds(lngMonthYear, from, to);
+    const std::string month = text(lngMonthYear);
+    session_.gConn.Execute(tmp_.drop);
+    session_.gConn.Execute(
+        "SELECT ISNULL(LA.ALLOTID,0) AS ALLOTID, LA.EMPID, LA.ATTHEADID,LA.EMPDETID, LA.LEVID, "
+        "LA.ALLOTFROM, "
+        "LA.ALLOTTO, LS.AUTOALLOTYN, CAST(0 AS NUMERIC(15,2)) AS COLEV, CAST(0 AS NUMERIC(15,2)) "
+        "AS LAPSE, CAST(0 AS NUMERIC(15,2)) AS TAKENADJ, CAST(0 AS NUMERIC(15,2)) AS AVAILED, "
+        "CAST(0 AS NUMERIC(15,2)) AS OPBAL, CAST(0 AS NUMERIC(15,2)) AS CLSBAL, "
+        "ISNULL(PV.ALLOTID,0) AS PREVALLOTID, ISNULL(PV.ATTHEADID,0) AS PREVATTHEADID INTO " +
+        tmp_.name + " FROM LEV_ALLOTMENT LA INNER JOIN UDF_LSET(" + month +
+        ") LS ON LA.ATTHEADID = LS.ATTHEADID  AND LA.LEVID = LS.LEVID LEFT JOIN LEV_ALLOTMENT PV "
+        "ON PV.EMPID = LA.EMPID AND PV.LEVID = LA.LEVID AND PV.ALLOTTO = LA.ALLOTFROM - 1 WHERE "
+        "LA.EMPID NOT IN (" +
+        strDuplicates_ + ") AND LA.ALLOTFROM BETWEEN " + quoted(from) + " AND " + quoted(to) +
+        " AND [DBO].FNLNGMONTHYEAR( LA.ALLOTFROM, LA.ALLOTTO)  = " + month +
+        " AND LA.EDITMODEYN = 1");
+    session_.gConn.Execute(tmp_.key("ALLOTID"));
+}
+
+void AllotmentPass::CompensatoryOff() {
+    session_.gConn.Execute(
+        "UPDATE LEV_ALLOTMENT SET ALLOTLEV = " + slice_sql::compensatoryWork("LEV_ALLOTMENT") +
+        " WHERE ALLOTID IN (SELECT ALLOTID FROM " + tmp_.name + " WHERE LEVID = 2)");
+}
+
+// False when the user has cancelled.
+bool AllotmentPass::AutoAllotments() {
+    Recordset rs(session_.gConn, FnStrAllotRows(tmp_.name + " LA",
+                                                "WHERE LA.LEVID <> 2 AND LA.AUTOALLOTYN = 1 ORDER "
+                                                "BY LA.EMPID, LA.LEVID"));
+    for (; !rs.IsEOF(); rs.MoveNext()) {
+        if (frm_.cancelled()) return false;
+        ++done_;
+        showPercent();
+        const AllotRow row = FnReadAllotRow(rs);
+        if (!WriteCredit(row))
+            session_.gConn.Execute("DELETE FROM " + tmp_.name +
+                                   " WHERE ALLOTID = " + text(row.lngAllotId));
+    }
+    return !frm_.cancelled();
+}
+
+void AllotmentPass::showPercent() {
+    const double percent =
+        total_ == 0
+            ? 100
+            : std::min(100.0, static_cast<double>(done_) * 100.0 / static_cast<double>(total_));
+    const std::string shown = formatNumber(percent, "#0.00");
+    if (shown == percent_) return;
+    percent_ = shown;
+    frm_.status("Processing Leave Allotment " + shown + "% Completed.");
+    frm_.step(done_, total_);
+}
+
+void AllotmentPass::Openings() {
+    DateTime since, end;
+    calc_.periods.GetMonthBounds(session_.gFeature.LVSTARTMNYEAR, since, end);
+    const std::string from = "'" + dateText(since, "yyyy/MM/dd") + "'", &tmp = tmp_.name;
+    session_.gConn.Execute(
+        "UPDATE " + tmp + " SET TAKENADJ = " + slice_sql::openingTaken(tmp, from) +
+        ", AVAILED = " + slice_sql::openingAvailed(tmp, from) +
+        ", OPBAL = " + slice_sql::openingBalance(tmp) + " WHERE PREVALLOTID = 0 UPDATE " + tmp +
+        " SET COLEV = OPBAL - (AVAILED + TAKENADJ),LAPSE = 0  WHERE PREVALLOTID "
+        "= 0");
+}
+
+void AllotmentPass::Closings(int32_t lngMonthYear) {
+    const std::string &tmp = tmp_.name, &prev = prev_.name;
+    session_.gConn.Execute(prev_.drop);
+    session_.gConn.Execute("SELECT *,[DBO].FNLNGMONTHYEAR(ALLOTFROM, ALLOTTO) AS MONTHYEAR INTO " +
+                           prev + " FROM LEV_ALLOTMENT  WHERE ALLOTID IN(SELECT PREVALLOTID FROM " +
+                           tmp + ")");
+    session_.gConn.Execute(prev_.key("ALLOTID"));
+    // A predecessor that lies before the allot-from date closes at nothing.
+    session_.gConn.Execute(
+        "UPDATE " + tmp + " SET OPBAL = -1000 FROM " + tmp + " TMPALLOT, " + prev +
+        " TMPPREV,ATT_DEFINITION AD,LEV_ALLOTFROM LA Where TMPALLOT.PREVALLOTID = TMPPREV.ALLOTID "
+        "And LA.LEVID = AD.LEVID And TMPPREV.EMPID = LA.EMPID AND TMPALLOT.LEVID = LA.LEVID AND "
+        "AD.ALLOTMENTYN = 1 AND LA.ALLOTFROM > TMPPREV.ALLOTTO AND PREVALLOTID <> 0");
+    session_.gConn.Execute(
+        "UPDATE " + tmp +
+        " SET CLSBAL = [dbo].FnDblRndOff(ISNULL(TMPPREV.ALLOTLEV, 0) + ISNULL(TMPPREV.COLEV, 0) "
+        "+ " +
+        slice_sql::adjusted("TMPPREV", "TMPPREV.MONTHYEAR") + " - (" +
+        slice_sql::encashed("TMPPREV") + " + " + slice_sql::availed("TMPPREV") +
+        "), LSET.RNDTYPE) FROM " + tmp + " TMPALLOT, " + prev + " TMPPREV" +
+        settingsOf(lngMonthYear) +
+        " AND TMPALLOT.PREVALLOTID = TMPPREV.ALLOTID AND TMPALLOT.OPBAL <> -1000");
+}
+
+void AllotmentPass::CarryOver(int32_t lngMonthYear) {
+    const std::string& tmp = tmp_.name;
+    const std::string due = "ISNULL(LAPSEMONTH,0) <> 0 AND " + text((lngMonthYear - 1) % 12 + 1) +
+                            " = CASE WHEN LAPSEMONTH = 12 THEN 1 ELSE LAPSEMONTH + 1 END";
+    const std::string kept =
+        "CASE WHEN CLSBAL >= ISNULL(LAPSELIMIT,0) THEN ISNULL(LAPSELIMIT,0) ELSE CLSBAL END";
+    const std::string negative = "ISNULL(LAPSENEGATIVE,0) <> 0 AND " + kept + " < 0";
+    const std::string above = "UPPERLIMITYN = 1 AND CLSBAL >= ISNULL(COLIMIT,0)";
+    const std::string below = "LOWERLIMITYN = 1 AND CLSBAL < ISNULL(COLOWERLIMIT,0)";
+    session_.gConn.Execute(
+        "UPDATE " + tmp + " SET COLEV = CASE WHEN " + due + " THEN (CASE WHEN " + negative +
+        " THEN 0 ELSE " + kept + " END) WHEN " + above + " THEN ISNULL(COLIMIT,0) WHEN " + below +
+        " THEN 0 ELSE CLSBAL END, LAPSE = CASE WHEN " + due + " THEN (CASE WHEN " + negative +
+        " THEN " + kept + " ELSE CLSBAL - (" + kept + ") END) WHEN " + above +
+        " THEN CLSBAL - ISNULL(COLIMIT,0) WHEN " + below + " THEN CLSBAL ELSE 0 END FROM " + tmp +
+        " TMPALLOT" + settingsOf(lngMonthYear) + " AND COYN = 1");
+}
+
+// A predecessor of this pass stands in the month before: who has two rows in a month is left out.
+void AllotmentPass::WithinPeriod(int32_t lngMonthYear) {
+    std::string ended = "(1 = 0";
+    for (const auto& [types, allotType, allotOn] :
+         {std::tuple<const char*, int, int>{"ALLOTTYPE IN (0,1)", 0, 0},
+          {"ALLOTTYPE = 2 AND ALLOTON = 1", 2, 1},
+          {"ALLOTTYPE = 2 AND ALLOTON = 2", 2, 2},
+          {"ALLOTTYPE = 3", 3, 0},
+          {"ALLOTTYPE = 4 AND ALLOTON = 1", 4, 1},
+          {"ALLOTTYPE = 4 AND ALLOTON = 2", 4, 2}}) {
+        DateTime end;
+        FnBlnPeriodEnd(calc_.periods, allotType, allotOn, lngMonthYear - 1, end);
+        ended += std::string(" OR (") + types + " AND PREVALLOT.ALLOTTO = " + quoted(end) + ")";
+    }
+    ended += ")";
+    session_.gConn.Execute("UPDATE " + tmp_.name + " SET COLEV = CASE WHEN " + ended +
+                           " THEN 0 ELSE CLSBAL END, LAPSE = CASE WHEN " + ended +
+                           " THEN CLSBAL ELSE 0 END FROM " + tmp_.name + " TMPALLOT, " +
+                           prev_.name + " PREVALLOT" + settingsOf(lngMonthYear) +
+                           " AND TMPALLOT.PREVALLOTID = PREVALLOT.ALLOTID AND ISNULL(COYN,0) <> 1");
+}
+
+void AllotmentPass::WriteBack() {
+    const std::string& tmp = tmp_.name;
+    session_.gConn.Execute(
+        "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 FROM " + tmp +
+        " TMPALLOT,LEV_ALLOTMENT LEVALLOT Where TMPALLOT.EMPID = LEVALLOT.EMPID And "
+        "TMPALLOT.LEVID = LEVALLOT.LEVID And LEVALLOT.ALLOTFROM >= DATEADD(DD,1,TMPALLOT.ALLOTTO) "
+        "AND LEVALLOT.EDITMODEYN <> 1");
+    session_.gConn.Execute(
+        "UPDATE LEV_ALLOTMENT SET LAPSE = TMPALLOT.LAPSE FROM " + tmp +
+        " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.PREVALLOTID UPDATE "
+        "LEV_ALLOTMENT SET COLEV = TMPALLOT.COLEV, LAPSE = 0, EDITMODEYN = 0  FROM " +
+        tmp + " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.ALLOTID");
+}
+
+}  // namespace owb

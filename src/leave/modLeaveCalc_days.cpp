@@ -1,0 +1,162 @@
+// What days count for a row's credit: of its own slice, of the service in its period, of the month
+// or the period before.
+#include "base/number_text.h"
+#include "calendar/clsNODNDPCalc.h"
+#include "data/Session.h"
+#include "data/modCommon.h"
+#include "leave/modLeaveCalc.h"
+
+namespace owb {
+
+namespace {
+
+std::string text(int64_t number) {
+    return std::to_string(number);
+}
+std::string quoted(const DateTime& date) {
+    return "'" + FnStrIsoDate(date) + "'";
+}
+
+}  // namespace
+
+LeaveCalc::Days LeaveCalc::CountDays(int64_t lngEmpId, int lngEmpDetId, int32_t lngMonthYear,
+                                     int intAttHeadId, DateTime dteFrom, DateTime dteTo,
+                                     int intDaysBasis) {
+    if (lngEmpId != lngCountedEmpId_) counted_.clear();
+    lngCountedEmpId_ = lngEmpId;
+    const auto [at, fresh] = counted_.try_emplace(
+        {lngEmpDetId, lngMonthYear, intAttHeadId, dteFrom.day, dteTo.day, intDaysBasis});
+    Days& days = at->second;
+    bool workingDaysOnly = false, prorateAlt = false, prorate = true;
+    if (fresh &&
+        !FnNodNdp(session_).SetNODNDP(days.NODCALC, days.NOD, days.NDP, lngEmpId, lngEmpDetId,
+                                      lngMonthYear, intAttHeadId, dteFrom, dteTo, workingDaysOnly,
+                                      prorateAlt, prorate, intDaysBasis)) {
+        counted_.erase(at);
+        throw DaysNotCounted{};
+    }
+    return days;
+}
+
+LeaveCalc::Days LeaveCalc::RowDays(const Task& task, int intDaysBasis) {
+    const AllotRow& row = task.row;
+    Days days;
+    if (task.blnUseStored) {
+        const std::string ofRow = " FROM LEV_MONTHDET WHERE EMPDETID=" + text(row.lngEmpDetId) +
+                                  " AND EMPID =" + text(row.lngEmpId) +
+                                  " AND MONTHYEAR=" + text(row.lngMonthYear);
+        days.NODCALC = FnVarReadValue(session_, "SELECT NODCALC" + ofRow, 0).toDouble();
+        days.NOD = FnVarReadValue(session_, "SELECT NOD" + ofRow, 0).toDouble();
+        days.NDP = FnVarReadValue(session_, "SELECT NDP" + ofRow, 0).toDouble();
+    } else {
+        days = CountDays(row.lngEmpId, row.lngEmpDetId, row.lngMonthYear, row.intAttHeadId,
+                         row.dteFrom, row.dteTo, intDaysBasis);
+    }
+    tell("days", [&] {
+        return "Pay Days " + numberText(days.NOD) + ", Present Days " + numberText(days.NDP) +
+               ", salary calendar days " + numberText(days.NODCALC);
+    });
+    return days;
+}
+
+void LeaveCalc::SumPrevMonthDays(int64_t lngEmpId, int32_t lngMonthYear, Days& days,
+                                 DateTime& dteFrom, DateTime& dteTo) {
+    const std::string month = text(lngMonthYear);
+    Recordset rs(session_.gConn,
+                 "SELECT EMPDETID, ATTHEADID, [dbo].FnDteFromDate(EMPID, EMPDETID, " + month +
+                     "), [dbo].FnDteToDate(EMPID, EMPDETID, " + month +
+                     ") FROM MAS_EMPLOYEEDET WHERE EFFFROMDATE <= dbo.FnDteGetLastDate(" + month +
+                     ") AND (EFFTODATE IS NULL OR EFFTODATE >= dbo.FnDteGetFirstDate(" + month +
+                     ")) AND EMPID = " + text(lngEmpId) + " ORDER BY EMPDETID");
+    for (; !rs.IsEOF(); rs.MoveNext()) {
+        dteFrom = rs.Fields(2).toDate();
+        dteTo = rs.Fields(3).toDate();
+        const Days part = CountDays(lngEmpId, static_cast<int>(rs.Fields(0).toInt()), lngMonthYear,
+                                    static_cast<int>(rs.Fields(1).toInt()), dteFrom, dteTo, 0);
+        days = {part.NODCALC, days.NOD + part.NOD, days.NDP + part.NDP};
+    }
+    tell("days", [&] {
+        return "month before: Pay Days " + numberText(days.NOD) + ", Present Days " +
+               numberText(days.NDP) + ", salary calendar days " + numberText(days.NODCALC);
+    });
+}
+
+void LeaveCalc::SumPeriodDays(int64_t lngEmpId, DateTime dteFrom, DateTime dteTo, Days& days) {
+    const std::string from = quoted(dteFrom), to = quoted(dteTo);
+    Recordset rs(
+        session_.gConn,
+        "SELECT MT.EMPDETID, MT.ATTHEADID, MM.MONTHYEAR, MM.CALCSTARTDATE, MM.CALCENDDATE, "
+        "MT.EFFFROMDATE, MT.EFFTODATE FROM MAS_MONTHYEAR MM, MAS_EMPLOYEEDET MT WHERE "
+        "MM.CALCSTARTDATE <= " +
+            to + " AND MM.CALCENDDATE >= " + from + " AND MT.EFFFROMDATE <= MM.CALCENDDATE AND " +
+            "(MT.EFFTODATE IS NULL OR MT.EFFTODATE >= MM.CALCSTARTDATE) AND MT.EFFFROMDATE <= " +
+            to + " AND (MT.EFFTODATE IS NULL OR MT.EFFTODATE >= " + from +
+            ") AND MT.EMPID = " + text(lngEmpId) + " ORDER BY MM.MONTHYEAR, MT.EMPDETID");
+    for (; !rs.IsEOF(); rs.MoveNext()) {
+        const DateTime first = std::max({rs.Fields(3).toDate(), rs.Fields(5).toDate(), dteFrom});
+        DateTime last = std::min(rs.Fields(4).toDate(), dteTo);
+        if (!rs.Fields(6).isNull()) last = std::min(last, rs.Fields(6).toDate());
+        if (first > last) continue;
+        const Days part = CountDays(lngEmpId, static_cast<int>(rs.Fields(0).toInt()),
+                                    static_cast<int32_t>(rs.Fields(2).toInt()),
+                                    static_cast<int>(rs.Fields(1).toInt()), first, last, 0);
+        days = {days.NODCALC + part.NODCALC, days.NOD + part.NOD, days.NDP + part.NDP};
+    }
+}
+
+void LeaveCalc::GetServiceDays(const Task& task, double& dblPeriodDays, double& dblServiceDays) {
+    const AllotRow& row = task.row;
+    DateTime from, to;
+    periods.GetBounds(task.settings.ALLOTTYPE, task.settings.ALLOTON, row.lngMonthYear, from, to);
+    dblPeriodDays = FnDblDays(from, to);
+
+    const std::string emp = text(row.lngEmpId), det = text(row.lngEmpDetId),
+                      lev = text(row.intLevId);
+    auto readDate = [&](const std::string& sql, const DateTime& otherwise) {
+        return FnVarReadValue(session_, sql, otherwise).toDate();
+    };
+    from = readDate("SELECT MIN(ALLOTFROM) FROM LEV_ALLOTMENT WHERE EMPID = " + emp +
+                        " AND EMPDETID = " + det + " AND LEVID = " + lev +
+                        " AND ALLOTFROM >= " + quoted(from),
+                    from);
+    const std::string withSettings =
+        " FROM LEV_ALLOTMENT A,LEV_SETTINGS B Where A.LEVID = b.LEVID And A.ATTHEADID = "
+        "b.ATTHEADID  AND b.MONTHYEAR =(SELECT MAX(Monthyear) FROM LEV_SETTINGS WHERE "
+        "levid=b.levid AND attheadid=b.attheadid AND Monthyear<= dbo.FnLngMonthYear(A.ALLOTFROM,"
+        "a.ALLOTTO))  And A.LEVID = " +
+        lev + " And A.EMPID = " + emp + "  And A.EMPDETID = " + det;
+    from = readDate("SELECT MIN(ALLOTFROM)" + withSettings + " AND A.ALLOTFROM >= " + quoted(from) +
+                        " AND MONTHYEAR=" + text(task.settings.MONTHYEAR),
+                    from);
+    to = readDate("SELECT MIN(ALLOTFROM)-1" + withSettings + "   AND A.ALLOTFROM > " +
+                      quoted(from) + " AND A.ALLOTFROM -1 < " + quoted(to) + " AND MONTHYEAR>" +
+                      text(row.lngMonthYear),
+                  to);
+    if (!task.settings.EXCLDOLYN)
+        to = readDate(
+            "SELECT DOL FROM MAS_EMPLOYEE WHERE EMPID = " + emp + " AND DOL <= " + quoted(to), to);
+    if (task.settings.EXCLDOJYN) {
+        DateTime first, last;
+        periods.GetMonthBounds(row.lngMonthYear, first, last);
+        from =
+            readDate("SELECT CAST(" + quoted(first) +
+                         " AS datetime)   FROM MAS_EMPLOYEE WHERE "
+                         "EMPID = " +
+                         emp + " AND DOJ > " + quoted(first) + " AND  DOJ <= " + quoted(to) + "  ",
+                     from);
+    }
+    to = readDate("SELECT (SELECT CASE WHEN ISNULL(MIN(EFFFROMDATE) - 1, " + quoted(to) +
+                      ") >= " + quoted(to) + " THEN CAST(" + quoted(to) +
+                      " AS datetime) ELSE Min (EFFFROMDATE) - 1 END FROM MAS_EMPLOYEEDET WHERE "
+                      "EMPID = MT.EMPID AND ATTHEADID <> MT.ATTHEADID AND EFFFROMDATE >= "
+                      "DATEADD(DAY, 1, MT.EFFTODATE)) FROM MAS_EMPLOYEEDET MT WHERE MT.EMPID = " +
+                      emp + " AND MT.EMPDETID = " + det,
+                  to);
+    dblServiceDays = FnDblDays(from, to);
+    tell("days", [&] {
+        return "service from " + FnStrIsoDate(from) + " to " + FnStrIsoDate(to) + ": " +
+               numberText(dblServiceDays) + " of " + numberText(dblPeriodDays);
+    });
+}
+
+}  // namespace owb

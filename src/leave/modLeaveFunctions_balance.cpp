@@ -1,0 +1,91 @@
+#include "base/db_error.h"
+#include "calendar/clsNODNDPCalc.h"
+#include "data/Session.h"
+#include "data/modCommon.h"
+#include "data/modFiles.h"
+#include "leave/AllotmentPass.h"
+#include "leave/modLeaveFunctions.h"
+#include "leave/slice_sql.h"
+
+namespace owb {
+
+namespace {
+
+std::string text(int64_t number) {
+    return std::to_string(number);
+}
+
+// Up to this date an excluded day means that none is left out.
+const DateTime kNoExclusion = DateTime::fromCivil(1950, 12, 30);
+
+}  // namespace
+
+void ProcessAllotments(Session& session, Progress& frm) {
+    AllotmentPass(session, frm).ProcessAllotments();
+}
+
+void ProcessAllotmentsOld(Session& session, Progress& frm, const std::string& strEmpFilter) {
+    try {
+        AllotmentPass pass(session, frm);
+        if (strEmpFilter.empty() && !FnBlnMarkerFile(session, "\\OldLevAllotment.dat"))
+            pass.ProcessAllotments();
+        pass.RowByRow(strEmpFilter);
+    } catch (const DbError& e) {
+        session.boxes.critical(text(e.number) + ": " + e.what(), "");
+    }
+}
+
+double GetClosingBalance(Session& session, int64_t lngEmpId, int32_t intLevId, DateTime dteAsOn,
+                         DateTime dteExclude, int32_t intAttHeadId) {
+    const std::string emp = text(lngEmpId), lev = text(intLevId), head = text(intAttHeadId);
+    const std::string date = "'" + FnStrIsoDate(dteAsOn) + "'";
+    // A total is open when one of its leaves is.
+    const std::string open = "CASE WHEN LA.ALLOTFROM > " + date + " THEN 0 ELSE 1 END";
+    if (FnVarReadValue(session,
+                       "SELECT " + (intLevId == 0 ? "MAX(" + open + ")" : open) +
+                           " FROM ATT_DEFINITION AD, LEV_ALLOTFROM LA WHERE LA.EMPID = " + emp +
+                           " AND AD.LEVID = LA.LEVID AND AD.ALLOTMENTYN = 1 " +
+                           (intLevId == 0 ? "" : " AND LA.LEVID = " + lev),
+                       -1)
+            .toInt() == 0)
+        return 0;
+
+    int32_t month = 0;
+    std::string monthName;
+    GetMonthOfDate(session, dteAsOn, month, monthName);
+    Value balance;
+    if (month != 0) {
+        DateTime first, last;
+        GetMonthPeriod(session, month, first, last);
+        const bool excludes = dteExclude > kNoExclusion;
+        const std::string rounded =
+            "[dbo].FnDblRndOff((ISNULL(LA.ALLOTLEV,0) + ISNULL(LA.COLEV,0) + " +
+            slice_sql::adjusted("LA", text(month)) + ") - (" + slice_sql::encashed("LA") +
+            " + ISNULL(LA.LAPSE,0) + " +
+            slice_sql::availed(
+                "LA", excludes ? " AND LD.LEAVEDATE <> '" + FnStrIsoDate(dteExclude) + "'" : "") +
+            "), LS.RNDTYPE)";
+        const std::string slice =
+            " FROM LEV_ALLOTMENT LA, UDF_LSET(" + text(month) + ") LS WHERE LA.EMPID = " + emp +
+            (intLevId == 0 ? "" : " AND LA.LEVID = " + lev) +
+            (intAttHeadId == 0 ? "" : " AND LA.ATTHEADID = " + head) +
+            " AND LA.LEVID = LS.LEVID AND LS.ATTHEADID = LA.ATTHEADID AND LA.ALLOTFROM >= '" +
+            FnStrIsoDate(first) + "' AND LA.ALLOTTO <= '" + FnStrIsoDate(last) +
+            "' AND LA.EMPDETID = [dbo].FnIntMaxEmpDetID(" + emp + ", " + date + "," + date + ")";
+        balance =
+            FnVarReadValue(session, intLevId == 0 ? "SELECT SUM(LEVBAL) FROM (SELECT " + rounded +
+                                                        " AS LEVBAL" + slice + ") TEMP"
+                                                  : "SELECT " + rounded + slice);
+    }
+    if (balance.isNull())
+        balance = FnVarReadValue(
+            session, "SELECT OPBAL FROM ATT_OPBAL WHERE EMPID = " + emp + " AND LEVID  = " + lev,
+            0);
+    double earned = 0;  // by work of the day that is being entered again
+    if (intLevId == 2 && dteExclude > kNoExclusion && session.gAtt.ATTNTYPE != 4)
+        FnNodNdp(session).FnDblLeaveAvailed(lngEmpId, 3, dteExclude, dteExclude, intAttHeadId,
+                                            false, earned);
+    return balance.toDouble() - earned;
+}
+
+}  // namespace owb
