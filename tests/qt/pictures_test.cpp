@@ -5,7 +5,7 @@
 #include <QPalette>
 #include <filesystem>
 #include <fstream>
-#include <set>
+#include <map>
 
 #include "app/ProcessLauncher.h"
 #include "app/frmMain.h"
@@ -14,7 +14,9 @@
 #include "data/modOWBSetting.h"
 #include "data/screens/modExternal.h"
 #include "exchange/screens/frmImport.h"
+#include "leave/screens/frmConfiguring.h"
 #include "leave/screens/frmLeaveRecalc.h"
+#include "leave/screens/modLeaveProcess.h"
 #include "qt/desk.h"
 #include "screen/grid.h"
 #include "screen/progress.h"
@@ -62,7 +64,10 @@ class Photographer {
         wait();
         ScreenWindow* top = frontEnd_.top();
         if (top == nullptr) return;
-        if (taken_.insert(top->screen().name()).second) {
+        // Of one that works by itself, a picture while it does.
+        const bool first = taken_[top->screen().name()]++ == 0;
+        const bool works = !top->waitsForInput() && taken_[top->screen().name()] < 4;
+        if (first || works) {
             top->grab().save(folder_ + "/" + top->objectName() + ".png");
             return;
         }
@@ -80,7 +85,7 @@ class Photographer {
     QtFrontEnd& frontEnd_;
     QString folder_;
     QObject life_;
-    std::set<std::string> taken_;
+    std::map<std::string, int> taken_;  // looks at each
     std::deque<std::function<void(ScreenWindow&)>> deeds_;
 };
 
@@ -104,6 +109,10 @@ TEST(Qt, PicturesOfTheScreens) {
     company.session.gFirstLeaveMonth = static_cast<int32_t>(
         std::atoi(company.value("SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR").c_str()));
     CreateFilterObjects(company.session);
+    frmConfiguring configuring(company.session, frontEnd);
+    photographer.show(configuring);
+    modLeaveProcess process(company.session, frontEnd);
+    photographer.show(process);
     frmShell shell(
         company.session, frontEnd, company.folder.file("shell"),
         [](const std::string&) { return 1; }, [](int) { return false; });
@@ -126,7 +135,6 @@ TEST(Qt, PicturesOfTheScreens) {
     std::filesystem::permissions(company.folder.file("OWBFilter"),
                                  std::filesystem::perms::owner_all);
     ShowFilterProgram(company.session, frontEnd);
-    photographer.open(1600, {});
     photographer.open(1500, {});
     photographer.open(1503, {[](ScreenWindow& top) {
                           dynamic_cast<Grid*>(top.screen().find("fpgAtt"))->clickCell(2, 0);

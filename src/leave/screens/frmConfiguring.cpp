@@ -45,9 +45,11 @@ void frmConfiguring::onActivate() {
         {"Filling default values ...", &frmConfiguring::FillDefaultValues},
         {nullptr, &frmConfiguring::DateAdjustments},
     };
+    barProgress.maximum = std::size(kSteps);
     for (const Step& step : kSteps) {
         if (step.status != nullptr) status(step.status);
         if (!guard([&] { (this->*step.run)(); })) break;
+        ++barProgress.value;
     }
     close();
 }

@@ -13,6 +13,7 @@ class frmConfiguring final : public Screen {
     frmConfiguring(Session& session, FrontEnd& frontEnd);
 
     Label lblProgress{*this, "lblProgress"};
+    ProgressBar barProgress{*this, "barProgress"};  // steps done
 
   private:
     void onActivate() override;
