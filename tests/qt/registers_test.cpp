@@ -4,6 +4,7 @@
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QMenu>
 #include <QScrollBar>
 #include <QTabWidget>
@@ -88,7 +89,6 @@ struct QtRegister : ::testing::Test {
                                menu->close();
                            });
         open();
-        desk.frontEnd.top()->activateWindow();  // nobody else does it on this platform
     }
     void columnMenu(int column, std::initializer_list<const char*> path) {
         choose(path, [this, column] {
@@ -132,7 +132,8 @@ TEST_F(QtRegister, SortingAndHidingLeaveTheGridItself) {
         table().setFocus();
         table().setCurrentIndex(table().model()->index(0, 2));
         QTest::keyClicks(&table(), "P");
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        // The platform gives no focus back after a menu, so the editor is asked for.
+        QTest::keyClick(table().viewport()->findChild<QLineEdit*>(), Qt::Key_Return);
     });
     desk.then([&] {
         EXPECT_EQ(screen.fpgDays.cell(2, 2), "P");
