@@ -58,29 +58,58 @@ Value clsNODNDPCalc::FirstValue(const std::string& sql, const Value& defaultValu
     return FnVarReadValue(session_, sql, defaultValue);
 }
 
+Value clsNODNDPCalc::RuleValue(const std::string& sql, const Value& defaultValue) {
+    if (intKeeping_ == 0) return FirstValue(sql, defaultValue);
+    constexpr size_t kMost = 50000;  // rotating employees have answers of their own
+    if (kept_.size() > kMost) kept_.clear();
+    const auto found = kept_.find(sql);
+    if (found != kept_.end()) return found->second;
+    return kept_[sql] = FirstValue(sql, defaultValue);
+}
+
+void clsNODNDPCalc::ForgetRules() {
+    kept_.clear();
+    blnMonthsComplete_ = false;
+    heads_.clear();
+}
+
+void clsNODNDPCalc::LoadHead(int32_t lngAttHeadId) {
+    const auto kept = heads_.find(lngAttHeadId);
+    if (kept != heads_.end()) {
+        session_.gAtt = kept->second.first;
+        session_.gOpt = kept->second.second;
+        return;
+    }
+    LoadAttHead(session_, lngAttHeadId);
+    LoadAttOptions(session_, lngAttHeadId);
+    if (intKeeping_ > 0) heads_[lngAttHeadId] = {session_.gAtt, session_.gOpt};
+}
+
 bool clsNODNDPCalc::SetNODNDP(double& dblNODCalc, double& dblNOD, double& dblNDP, int64_t lngEmpId,
                               int64_t lngEmpDetId, int32_t lngMonthYear, int32_t lngAttHeadId,
                               DateTime dteFrom, DateTime dteTo, bool& blnWorkingDaysOnly,
                               bool& blnProrateAlt, bool& blnProrate, int& intDaysBasis) {
     try {
         double calc = dblNODCalc, nod = dblNOD, ndp = dblNDP;
-        Update_MonthYear();
+        if (!blnMonthsComplete_) Update_MonthYear();
+        blnMonthsComplete_ = intKeeping_ > 0;
         Span month{lngEmpId, lngEmpDetId, lngAttHeadId, {}, {}};
         GetMonthPeriod(session_, lngMonthYear, month.dteFrom, month.dteTo);
         Span span{lngEmpId, lngEmpDetId, lngAttHeadId, dteFrom, dteTo};
         if (!blnWorkingDaysOnly) {
-            auto inside = [&](const char* column) {
-                return std::string("SELECT ") + column + " FROM MAS_EMPLOYEE WHERE " + column +
-                       " >= '" + FnStrIsoDate(span.dteFrom) + "' AND " + column + " <= '" +
-                       FnStrIsoDate(span.dteTo) + "' AND EMPID=" + std::to_string(lngEmpId);
+            auto inside = [&](const std::string& column) {
+                return "CASE WHEN " + column + " >= '" + FnStrIsoDate(span.dteFrom) + "' AND " +
+                       column + " <= '" + FnStrIsoDate(span.dteTo) + "' THEN " + column + " END";
             };
-            span.dteFrom = FirstValue(inside("SALCALCFROM"), span.dteFrom).toDate();
-            span.dteTo = FirstValue(inside("DOL"), span.dteTo).toDate();
+            Recordset rs(session_.gConn,
+                         "SELECT " + inside("SALCALCFROM") + ", " + inside("DOL") +
+                             " FROM MAS_EMPLOYEE WHERE EMPID=" + std::to_string(lngEmpId));
+            if (!rs.IsEOF() && !rs.Fields(0).isNull()) span.dteFrom = rs.Fields(0).toDate();
+            if (!rs.IsEOF() && !rs.Fields(1).isNull()) span.dteTo = rs.Fields(1).toDate();
         }
         const double spanDays = daysInclusive(span.dteFrom, span.dteTo);
 
-        LoadAttHead(session_, lngAttHeadId);
-        LoadAttOptions(session_, lngAttHeadId);
+        LoadHead(lngAttHeadId);
         if (intDaysBasis != 0) intDaysBasis -= 3;
         const int basis = intDaysBasis != 0 ? intDaysBasis : session_.gAtt.NODFORCALC;
 
@@ -151,7 +180,7 @@ void clsNODNDPCalc::FnDblNODLimit(int64_t lngEmpId, int32_t lngMonthYear, int32_
 }
 
 double clsNODNDPCalc::FnDblAttHeadNOD(int32_t lngAttHeadId, int32_t lngMonthYear) {
-    return FirstValue(
+    return RuleValue(
                "SELECT NOD FROM SLC_ATTHEADNOD WHERE ATTHEADID = " + std::to_string(lngAttHeadId) +
                    " AND MONTHYEAR = " + std::to_string(lngMonthYear),
                0)

@@ -3,22 +3,37 @@
 //   NODCALC  salary calendar days, the divisor of the month's salary (shown as NWD)
 //   NOD      Pay Days
 //   NDP      Present Days
-// Nothing is kept between calls; each call reads the database afresh and writes no figure.
+// Nothing is kept between calls, but for rules in a pass that says so (KeepRules); each call reads
+// the database afresh and writes no figure.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <unordered_map>
 
 #include "base/date_time.h"
 #include "base/value.h"
+#include "data/Session.h"
 
 namespace owb {
-
-struct Session;
 
 class clsNODNDPCalc {
   public:
     explicit clsNODNDPCalc(Session& session);
+
+    // While it lives, answers about rules (heads, options, months, holidays, weekly offs) are kept:
+    // for a pass over many rows. What changes meanwhile marks its rows for the next pass.
+    class KeepRules {
+      public:
+        explicit KeepRules(clsNODNDPCalc& calc) : calc_(calc) { ++calc_.intKeeping_; }
+        ~KeepRules() {
+            if (--calc_.intKeeping_ == 0) calc_.ForgetRules();
+        }
+        KeepRules(const KeepRules&) = delete;
+
+      private:
+        clsNODNDPCalc& calc_;
+    };
 
     // The three counts of a span (dteFrom to dteTo, one EMPDETID inside the month). Loads the
     // head's records into gAtt and gOpt.
@@ -88,9 +103,16 @@ class clsNODNDPCalc {
     };
 
     Value FirstValue(const std::string& sql, const Value& defaultValue = {});
+    // The same for a query about rules, whose answer may be kept.
+    Value RuleValue(const std::string& sql, const Value& defaultValue);
+    void ForgetRules();
+    void LoadHead(int32_t lngAttHeadId);
     double FnDblAttHeadNOD(int32_t lngAttHeadId, int32_t lngMonthYear);
     double HolidaysOf(const Span& span, int intMode);
     double LeavesOf(const Span& span, int intGroup);
+    // Days of the leaves that a condition on LEVID names ("= 5", "IN (...)").
+    double LeaveTaken(int64_t lngEmpId, const std::string& strLeaves, DateTime dteFrom,
+                      DateTime dteTo, int32_t intAttHeadId, bool blnWithAdjustment);
     bool MonthDays(int intBasis, const Span& month, int32_t lngMonthYear, double& dblResult);
     void AddBackLeaveOnHolidays(const Span& span, int intBasis, double& dblNOD, double& dblNDP);
     int32_t MonthOfDate(DateTime dteDate);
@@ -102,6 +124,11 @@ class clsNODNDPCalc {
 
     Session& session_;
     std::string strBranchHolidayFrom;  // "dd/mmm/yy"; from then on holidays are kept by branch
+
+    int intKeeping_ = 0;                           // KeepRules alive
+    std::unordered_map<std::string, Value> kept_;  // answers by their query
+    bool blnMonthsComplete_ = false;               // Update_MonthYear has run while keeping
+    std::unordered_map<int32_t, std::pair<AttHeadRecord, AttOptionsRecord>> heads_;  // kept
 };
 
 // The session's shared instance, made on first use.

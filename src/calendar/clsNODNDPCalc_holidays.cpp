@@ -95,7 +95,7 @@ void clsNODNDPCalc::ListHoliday(int64_t lngEmpId, int32_t lngAttHeadId, DateTime
         FnIntAttHeadID(lngEmpId, dteFrom, head);
         lngAttHeadId = static_cast<int32_t>(head);
     }
-    strList += FirstValue(
+    strList += RuleValue(
                    "DECLARE @tmp AS varchar(MAX) SET @tmp ='' SELECT @tmp=@tmp+',' "
                    "+CAST(DAY(HOLIDAYDATE) AS VARCHAR(2))" +
                        holidaysOf("ATTHEADID", lngAttHeadId) +
@@ -125,18 +125,20 @@ void clsNODNDPCalc::FnBlnGenHoliday(int32_t lngAttHeadId, DateTime dteDate, int6
         FnIntBranchID(lngEmpId, dteDate, branch);
         holidays = holidaysOf("BRANCHID", static_cast<int64_t>(branch));
     }
-    blnResult = FirstValue("SELECT COUNT(HOLIDAYID)" + holidays + " AND HOLIDAYDATE = '" +
-                               FnStrIsoDate(dteDate) + "'",
-                           0)
+    blnResult = RuleValue("SELECT COUNT(HOLIDAYID)" + holidays + " AND HOLIDAYDATE = '" +
+                              FnStrIsoDate(dteDate) + "'",
+                          0)
                     .toBool();
 }
 
 // The payroll month that holds the date, or the calendar month where none does.
 int32_t clsNODNDPCalc::MonthOfDate(DateTime dteDate) {
-    int32_t key = FnLngMonthYearOfDate(dteDate);
-    std::string monthName;
-    GetMonthOfDate(session_, dteDate, key, monthName);
-    return key;
+    const std::string date = "'" + FnStrIsoDate(dteDate) + "'";
+    return static_cast<int32_t>(
+        RuleValue("SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE CALCSTARTDATE <= " + date +
+                      " AND CALCENDDATE >= " + date,
+                  FnLngMonthYearOfDate(dteDate))
+            .toInt());
 }
 
 clsNODNDPCalc::WeeklySource clsNODNDPCalc::WeeklySourceOf(int64_t lngEmpId, int32_t lngAttHeadId,
@@ -146,21 +148,21 @@ clsNODNDPCalc::WeeklySource clsNODNDPCalc::WeeklySourceOf(int64_t lngEmpId, int3
         for (const std::string& owner :
              {"EMPID = " + std::to_string(lngEmpId), "ATTHEADID = " + head + " AND EMPID = 0",
               std::string("ATTHEADID = 0 AND EMPID = 0")}) {
-            if (FirstValue("SELECT COUNT(*) FROM ATT_WKLYROT WHERE WEEKDATE BETWEEN "
-                           "[dbo].FnDteGetFirstDate(" +
-                               key + ") AND [dbo].FnDteGetLastDate(" + key +
-                               ") AND (ISNULL(FIRSTHALFYN,0) + ISNULL(SECONDHALFYN,0))>0 AND " +
-                               owner,
-                           0)
+            if (RuleValue("SELECT COUNT(*) FROM ATT_WKLYROT WHERE WEEKDATE BETWEEN "
+                          "[dbo].FnDteGetFirstDate(" +
+                              key + ") AND [dbo].FnDteGetLastDate(" + key +
+                              ") AND (ISNULL(FIRSTHALFYN,0) + ISNULL(SECONDHALFYN,0))>0 AND " +
+                              owner,
+                          0)
                     .toBool())
                 return {lngMonthYear, "ATT_WKLYROT", owner};
         }
         double branch = 0;
         FnIntBranchID(lngEmpId, dteDate, branch);
         const std::string owner = "BRANCHID=" + std::to_string(static_cast<int64_t>(branch));
-        if (FirstValue("select COUNT(WHID) from LEV_WEEKLYHLDBRANCH WHERE EFFFROM <= " + key +
-                           " AND " + owner,
-                       0)
+        if (RuleValue("select COUNT(WHID) from LEV_WEEKLYHLDBRANCH WHERE EFFFROM <= " + key +
+                          " AND " + owner,
+                      0)
                 .toBool())
             return {lngMonthYear, "LEV_WEEKLYHLDBRANCH", owner};
     }
@@ -171,7 +173,7 @@ clsNODNDPCalc::WeeklySource clsNODNDPCalc::WeeklySourceOf(int64_t lngEmpId, int3
 std::string clsNODNDPCalc::ListWeekly(const WeeklySource& source, DateTime dteFrom,
                                       DateTime dteTo) {
     if (source.rotating())
-        return FirstValue(
+        return RuleValue(
                    "DECLARE @tmp AS varchar(MAX) SET @tmp ='' SELECT @tmp=@tmp+',' "
                    "+CAST(DAY(WEEKDATE) AS VARCHAR(2)) FROM ATT_WKLYROT WHERE " +
                        source.strOwner + " AND (ISNULL(FIRSTHALFYN,0) + ISNULL(SECONDHALFYN,0))>0" +
@@ -185,12 +187,12 @@ std::string clsNODNDPCalc::ListWeekly(const WeeklySource& source, DateTime dteFr
         codes += "+','+CAST(WEEKID*10+CASE WHEN FH" + week + "YN = 1 OR SH" + week +
                  "YN = 1 THEN " + week + " ELSE 0 END AS VARCHAR(2))";
     const std::string strCodes =
-        FirstValue("DECLARE @tmp AS varchar(MAX) SET @tmp ='0' SELECT @tmp=@tmp" + codes +
-                       " FROM " + source.strTable + " WH WHERE " + source.strOwner +
-                       " AND EFFFROM=(SELECT MAX(EFFFROM) FROM " + source.strTable +
-                       " WHERE WEEKID = WH.WEEKID AND " + source.strOwner +
-                       " AND EFFFROM <= " + std::to_string(source.lngMonthYear) + ") SELECT @tmp ",
-                   "0")
+        RuleValue("DECLARE @tmp AS varchar(MAX) SET @tmp ='0' SELECT @tmp=@tmp" + codes + " FROM " +
+                      source.strTable + " WH WHERE " + source.strOwner +
+                      " AND EFFFROM=(SELECT MAX(EFFFROM) FROM " + source.strTable +
+                      " WHERE WEEKID = WH.WEEKID AND " + source.strOwner +
+                      " AND EFFFROM <= " + std::to_string(source.lngMonthYear) + ") SELECT @tmp ",
+                  "0")
             .toText();
     std::string result;
     for (DateTime day = dteFrom; day <= dteTo; day = day.plusDays(1))
@@ -202,21 +204,27 @@ std::string clsNODNDPCalc::ListWeekly(const WeeklySource& source, DateTime dteFr
 
 double clsNODNDPCalc::WeeklyValue(const WeeklySource& source, DateTime dteDate, bool& blnFirstHalf,
                                   bool& blnSecondHalf) {
-    std::string sql;
+    std::string first = "FIRSTHALFYN", second = "SECONDHALFYN", rest;
     if (source.rotating()) {
-        sql = "SELECT FIRSTHALFYN, SECONDHALFYN FROM ATT_WKLYROT WHERE WEEKDATE='" +
-              FnStrIsoDate(dteDate) + "' AND " + source.strOwner;
+        rest = " FROM ATT_WKLYROT WHERE WEEKDATE='" + FnStrIsoDate(dteDate) + "' AND " +
+               source.strOwner;
     } else {
         const std::string week = std::to_string(weekOfMonth(dteDate));
         const std::string day = std::to_string(dteDate.weekday());
-        sql = "SELECT FH" + week + "YN, SH" + week + "YN FROM " + source.strTable + " WHERE " +
-              source.strOwner + " AND WEEKID=" + day + " AND EFFFROM=(SELECT MAX(EFFFROM) FROM " +
-              source.strTable + " WHERE WEEKID = " + day + " AND " + source.strOwner +
-              " AND EFFFROM <= " + std::to_string(source.lngMonthYear) + ")";
+        first = "FH" + week + "YN";
+        second = "SH" + week + "YN";
+        rest = " FROM " + source.strTable + " WHERE " + source.strOwner + " AND WEEKID=" + day +
+               " AND EFFFROM=(SELECT MAX(EFFFROM) FROM " + source.strTable +
+               " WHERE WEEKID = " + day + " AND " + source.strOwner +
+               " AND EFFFROM <= " + std::to_string(source.lngMonthYear) + ")";
     }
-    Recordset rs(session_.gConn, sql);
-    blnFirstHalf = !rs.IsEOF() && rs.Fields(0).toBool();
-    blnSecondHalf = !rs.IsEOF() && rs.Fields(1).toBool();
+    const int64_t halves = RuleValue("SELECT CASE WHEN ISNULL(" + first +
+                                         ",0) <> 0 THEN 2 ELSE 0 END + CASE WHEN ISNULL(" + second +
+                                         ",0) <> 0 THEN 1 ELSE 0 END" + rest,
+                                     0)
+                               .toInt();
+    blnFirstHalf = halves >= 2;
+    blnSecondHalf = halves % 2 == 1;
     return ((blnFirstHalf ? 1 : 0) + (blnSecondHalf ? 1 : 0)) / 2.0;
 }
 

@@ -20,22 +20,21 @@ double clsNODNDPCalc::LeavesOf(const Span& span, int intGroup) {
         "SELECT LEVID FROM ATT_DEFINITION WHERE LEVID = 3",
     };
     if (intGroup < 1 || intGroup >= static_cast<int>(kGroups.size())) return 0;
-    double sum = 0;
-    Recordset rs(session_.gConn, kGroups[static_cast<size_t>(intGroup)]);
-    for (; !rs.IsEOF(); rs.MoveNext()) {
-        double days = 0;
-        FnDblLeaveAvailed(span.lngEmpId, static_cast<int>(rs.Fields(0).toInt()), span.dteFrom,
-                          span.dteTo, span.lngAttHeadId, true, days);
-        sum += days;
-    }
-    return sum;
+    return LeaveTaken(span.lngEmpId,
+                      std::string("IN (") + kGroups[static_cast<size_t>(intGroup)] + ")",
+                      span.dteFrom, span.dteTo, span.lngAttHeadId, true);
 }
 
 void clsNODNDPCalc::FnDblLeaveAvailed(int64_t lngEmpId, int lngLevId, DateTime dteFrom,
                                       DateTime dteTo, int32_t intAttHeadId, bool blnWithAdjustment,
                                       double& dblResult) {
-    const std::string emp = std::to_string(lngEmpId), lev = std::to_string(lngLevId),
-                      head = std::to_string(intAttHeadId);
+    dblResult = LeaveTaken(lngEmpId, "= " + std::to_string(lngLevId), dteFrom, dteTo, intAttHeadId,
+                           blnWithAdjustment);
+}
+
+double clsNODNDPCalc::LeaveTaken(int64_t lngEmpId, const std::string& strLeaves, DateTime dteFrom,
+                                 DateTime dteTo, int32_t intAttHeadId, bool blnWithAdjustment) {
+    const std::string emp = std::to_string(lngEmpId), head = std::to_string(intAttHeadId);
     if (session_.gAtt.ATTNTYPE == 4) {
         // A monthly figure is dated anywhere in its version's span.
         const std::string to = "'" + FnStrIsoDate(dteTo) + "'";
@@ -50,31 +49,26 @@ void clsNODNDPCalc::FnDblLeaveAvailed(int64_t lngEmpId, int lngLevId, DateTime d
     }
     const std::string from = "'" + FnStrIsoDate(dteFrom) + "'",
                       to = "'" + FnStrIsoDate(dteTo) + "'";
-
-    double adjustment = 0;
-    if (blnWithAdjustment) {
-        const std::string ofHead = intAttHeadId != 0 ? " AND ATTHEADID = " + head : "";
-        adjustment = FirstValue("SELECT SUM(TAKEN) FROM LEV_ADJUSTMENT WHERE EMPID=" + emp +
-                                    " AND LEVID=" + lev + ofHead + " AND ASONDATE >= " + from +
-                                    " AND ASONDATE <= " + to + " ",
-                                0)
-                         .toDouble();
-    }
+    const bool ofHead = intAttHeadId != 0;
+    const std::string of = " EMPID = " + emp + " AND LEVID " + strLeaves;
+    const std::string adjustment =
+        blnWithAdjustment ? "ISNULL((SELECT SUM(TAKEN) FROM LEV_ADJUSTMENT WHERE" + of +
+                                (ofHead ? " AND ATTHEADID = " + head : "") +
+                                " AND ASONDATE >= " + from + " AND ASONDATE <= " + to + "), 0) + "
+                          : "";
     // A half that is not known was not taken.
     const std::string days =
-        "SELECT SUM(CASE WHEN LEVMONTHLY = 0 OR LEVMONTHLY IS NULL THEN CONVERT(NUMERIC, (CASE "
-        "WHEN ISNULL(FIRSTHALFYN,0) = 0 THEN 0 ELSE 1 END + CASE WHEN ISNULL(SECONDHALFYN,0) = 0 "
-        "THEN 0 ELSE 1 END))/ 2 ELSE LEVMONTHLY END) FROM LEV_DETAILS LD";
-    const std::string taken = " LD.LEVID = " + lev;
-    const std::string where =
-        " AND LD.EMPID = " + emp + " AND LD.LEAVEDATE >= " + from + " AND LD.LEAVEDATE <= " + to;
-    const std::string sql =
-        intAttHeadId != 0
-            ? days + ", MAS_EMPLOYEEDET ME WHERE" + taken +
-                  " AND ME.EMPID=LD.EMPID AND ME.EMPDETID=LD.EMPDETID AND ME.ATTHEADID= " + head +
-                  where
-            : days + " WHERE" + taken + where;
-    dblResult = adjustment + FirstValue(sql, 0).toDouble();
+        "ISNULL((SELECT SUM(CASE WHEN LEVMONTHLY = 0 OR LEVMONTHLY IS NULL THEN CONVERT(NUMERIC, "
+        "(CASE WHEN ISNULL(FIRSTHALFYN,0) = 0 THEN 0 ELSE 1 END + CASE WHEN "
+        "ISNULL(SECONDHALFYN,0) = 0 THEN 0 ELSE 1 END))/ 2 ELSE LEVMONTHLY END) FROM LEV_DETAILS "
+        "LD WHERE" +
+        of + " AND LEAVEDATE >= " + from + " AND LEAVEDATE <= " + to +
+        (ofHead ? " AND EXISTS (SELECT * FROM MAS_EMPLOYEEDET ME WHERE ME.EMPID = LD.EMPID AND "
+                  "ME.EMPDETID = LD.EMPDETID AND ME.ATTHEADID = " +
+                      head + ")"
+                : "") +
+        "), 0)";
+    return FirstValue("SELECT " + adjustment + days, 0).toDouble();
 }
 
 // Leave that fell on a holiday has been taken off twice, once as leave and once as holiday; it is

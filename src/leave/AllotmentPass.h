@@ -32,6 +32,7 @@ class AllotmentPass {
     // Marked rows one by one in order of date; strFilter is a condition on LA (" AND LA.EMPID =
     // 1").
     void RowByRow(const std::string& strFilter);
+    bool FewMarked();
 
   private:
     // --- the bulk pass (AllotmentPass_month.cpp) ---

@@ -100,7 +100,8 @@ void AllotmentPass::BuildWorkTable(int32_t lngMonthYear) {
     session_.gConn.Execute(
         "SELECT ISNULL(LA.ALLOTID,0) AS ALLOTID, LA.EMPID, LA.ATTHEADID,LA.EMPDETID, LA.LEVID, "
         "LA.ALLOTFROM, "
-        "LA.ALLOTTO, LS.AUTOALLOTYN, CAST(0 AS NUMERIC(15,2)) AS COLEV, CAST(0 AS NUMERIC(15,2)) "
+        "LA.ALLOTTO, LS.AUTOALLOTYN, LA.ALLOTLEV, LA.ACTALLOTLEV, CAST(0 AS NUMERIC(15,2)) AS "
+        "COLEV, CAST(0 AS NUMERIC(15,2)) "
         "AS LAPSE, CAST(0 AS NUMERIC(15,2)) AS TAKENADJ, CAST(0 AS NUMERIC(15,2)) AS AVAILED, "
         "CAST(0 AS NUMERIC(15,2)) AS OPBAL, CAST(0 AS NUMERIC(15,2)) AS CLSBAL, "
         "ISNULL(PV.ALLOTID,0) AS PREVALLOTID, ISNULL(PV.ATTHEADID,0) AS PREVATTHEADID INTO " +
@@ -203,7 +204,8 @@ void AllotmentPass::CarryOver(int32_t lngMonthYear) {
         " TMPALLOT" + settingsOf(lngMonthYear) + " AND COYN = 1");
 }
 
-// A predecessor of this pass stands in the month before: who has two rows in a month is left out.
+// A predecessor of this pass stands in the month before (who has two rows in a month is left out)
+// and ends the day before the row.
 void AllotmentPass::WithinPeriod(int32_t lngMonthYear) {
     std::string ended = "(1 = 0";
     for (const auto& [types, allotType, allotOn] :
@@ -215,14 +217,13 @@ void AllotmentPass::WithinPeriod(int32_t lngMonthYear) {
           {"ALLOTTYPE = 4 AND ALLOTON = 2", 4, 2}}) {
         DateTime end;
         FnBlnPeriodEnd(calc_.periods, allotType, allotOn, lngMonthYear - 1, end);
-        ended += std::string(" OR (") + types + " AND PREVALLOT.ALLOTTO = " + quoted(end) + ")";
+        ended += std::string(" OR (") + types + " AND ALLOTFROM = " + quoted(end.plusDays(1)) + ")";
     }
     ended += ")";
     session_.gConn.Execute("UPDATE " + tmp_.name + " SET COLEV = CASE WHEN " + ended +
                            " THEN 0 ELSE CLSBAL END, LAPSE = CASE WHEN " + ended +
-                           " THEN CLSBAL ELSE 0 END FROM " + tmp_.name + " TMPALLOT, " +
-                           prev_.name + " PREVALLOT" + settingsOf(lngMonthYear) +
-                           " AND TMPALLOT.PREVALLOTID = PREVALLOT.ALLOTID AND ISNULL(COYN,0) <> 1");
+                           " THEN CLSBAL ELSE 0 END FROM " + tmp_.name + " TMPALLOT" +
+                           settingsOf(lngMonthYear) + " AND ISNULL(COYN,0) <> 1");
 }
 
 void AllotmentPass::WriteBack() {
@@ -234,8 +235,9 @@ void AllotmentPass::WriteBack() {
         "AND LEVALLOT.EDITMODEYN <> 1");
     session_.gConn.Execute(
         "UPDATE LEV_ALLOTMENT SET LAPSE = TMPALLOT.LAPSE FROM " + tmp +
-        " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.PREVALLOTID UPDATE "
-        "LEV_ALLOTMENT SET COLEV = TMPALLOT.COLEV, LAPSE = 0, EDITMODEYN = 0  FROM " +
+        " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.PREVALLOTID AND "
+        "ISNULL(LEV.LAPSE, -1000) <> TMPALLOT.LAPSE UPDATE LEV_ALLOTMENT SET COLEV = "
+        "TMPALLOT.COLEV, LAPSE = 0, EDITMODEYN = 0  FROM " +
         tmp + " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.ALLOTID");
 }
 

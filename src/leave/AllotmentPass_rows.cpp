@@ -25,8 +25,7 @@ AllotmentPass::AllotmentPass(Session& session, Progress& frm)
 
 bool AllotmentPass::WriteCredit(const AllotRow& row) {
     try {
-        if (const auto credit = calc_.Credit(row))
-            session_.gConn.Execute(calc_.FnStrWriteCredit(row, *credit));
+        if (const auto credit = calc_.Credit(row)) calc_.WriteCredit(row, *credit);
         return true;
     } catch (const DaysNotCounted&) {
         // The counter has told it.
@@ -60,24 +59,27 @@ void AllotmentPass::ProcessRow(const AllotRow& row) {
                            ", LAPSE = 0, EDITMODEYN = 0 WHERE ALLOTID = " + id);
 }
 
-// A month's worth of rows at a time, so that memory does not grow with the ledger. A row that is
-// marked behind the place reached is taken by another round.
+// The list of what is to do holds numbers alone and rows are read in blocks, so that memory does
+// not grow with what a row needs. A row that is marked on the way and was not is taken by another
+// round.
 void AllotmentPass::RowByRow(const std::string& strFilter) {
-    const std::string marked = "WHERE LA.EDITMODEYN = 1" + strFilter;
-    for (bool again = true; again;) {
+    constexpr size_t kRowsAtOnce = 200;
+    for (bool again = true; again && !frm_.cancelled();) {
         again = false;
-        for (DateTime at{DateTime::kMinDay};;) {
-            const Value next = FnVarReadValue(
-                session_, "SELECT MIN(LA.ALLOTFROM) FROM LEV_ALLOTMENT LA " + marked +
-                              " AND LA.ALLOTFROM >= '" + FnStrIsoDate(at) + "'");
-            if (next.isNull()) break;
-            const DateTime from = next.toDate(), to = from.plusDays(30);
-            at = to.plusDays(1);
+        Recordset ids(session_.gConn,
+                      "SELECT LA.ALLOTID FROM LEV_ALLOTMENT LA WHERE LA.EDITMODEYN "
+                      "= 1" +
+                          strFilter + " ORDER BY LA.ALLOTFROM, LA.EMPID, LA.LEVID");
+        while (!ids.IsEOF()) {
+            std::string block = text(ids.Fields(0).toInt());
+            for (ids.MoveNext(); !ids.IsEOF() && ids.AbsolutePosition() % kRowsAtOnce != 0;
+                 ids.MoveNext())
+                block += "," + text(ids.Fields(0).toInt());
             for (Recordset rs(session_.gConn,
                               FnStrAllotRows("LEV_ALLOTMENT LA",
-                                             marked + " AND LA.ALLOTFROM BETWEEN '" +
-                                                 FnStrIsoDate(from) + "' AND '" + FnStrIsoDate(to) +
-                                                 "' ORDER BY LA.ALLOTFROM, LA.EMPID, LA.LEVID"));
+                                             "WHERE LA.ALLOTID IN (" + block +
+                                                 ") AND LA.EDITMODEYN = 1 ORDER BY LA.ALLOTFROM, "
+                                                 "LA.EMPID, LA.LEVID"));
                  !rs.IsEOF(); rs.MoveNext()) {
                 if (frm_.cancelled()) return;
                 const AllotRow row = FnReadAllotRow(rs);
@@ -85,12 +87,22 @@ void AllotmentPass::RowByRow(const std::string& strFilter) {
                     !calc_.rules.inForce(row.intLevId, row.intAttHeadId, row.lngMonthYear))
                     continue;
                 frm_.status("Processing Leave Allotment ");
-                frm_.step(rs.AbsolutePosition(), rs.RecordCount());
+                frm_.step(ids.AbsolutePosition() - 1, ids.RecordCount());
                 ProcessRow(row);
                 again = true;
             }
         }
     }
+}
+
+// Few rows are sooner done one by one than by statements over whole months.
+bool AllotmentPass::FewMarked() {
+    constexpr int64_t kFew = 500;
+    return FnVarReadValue(session_,
+                          "SELECT COUNT(*) FROM (SELECT TOP " + text(kFew) +
+                              " ALLOTID FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1) T",
+                          0)
+               .toInt() < kFew;
 }
 
 }  // namespace owb

@@ -59,7 +59,8 @@ std::string replaced(const std::string& text, const std::string& what, const std
 
 std::string FnStrAllotRows(const std::string& strFrom, const std::string& strRest) {
     return "SELECT LA.ALLOTID, LA.EMPID, LA.EMPDETID, LA.ATTHEADID, LA.LEVID, LA.ALLOTFROM, "
-           "LA.ALLOTTO, [DBO].FNLNGMONTHYEAR(LA.ALLOTFROM, LA.ALLOTTO) AS MONTHYEAR, PV.ALLOTID, "
+           "LA.ALLOTTO, [DBO].FNLNGMONTHYEAR(LA.ALLOTFROM, LA.ALLOTTO) AS MONTHYEAR, CASE WHEN "
+           "LA.ACTALLOTLEV = 0 AND LA.ALLOTLEV = 0 THEN 0 ELSE 1 END, PV.ALLOTID, "
            "PV.ATTHEADID, PV.ALLOTFROM, PV.ALLOTTO, CASE WHEN PV.ALLOTID IS NULL THEN 0 ELSE "
            "[DBO].FNLNGMONTHYEAR(PV.ALLOTFROM, PV.ALLOTTO) END FROM " +
            strFrom +
@@ -82,6 +83,7 @@ AllotRow FnReadAllotRow(Recordset& rs) {
     row.dteFrom = date();
     row.dteTo = date();
     row.lngMonthYear = whole();
+    row.blnCredited = number() != 0;
     row.lngPrevAllotId = number();
     row.intPrevHead = whole();
     row.dtePrevFrom = date();
@@ -98,7 +100,7 @@ void CalcLeaveAllotment(Session& session, int64_t lngAllotId, bool& blnUseStored
     LeaveCalc calc(session);
     const AllotRow row = FnReadAllotRow(rs);
     if (const auto credit = calc.Credit(row, blnUseStoredDays, dteMonthStart))
-        session.gConn.Execute(calc.FnStrWriteCredit(row, *credit));
+        calc.WriteCredit(row, *credit);
 }
 
 std::optional<double> LeaveCalc::Credit(const AllotRow& row, bool blnUseStoredDays,
@@ -126,13 +128,14 @@ std::optional<double> LeaveCalc::Credit(const AllotRow& row, bool blnUseStoredDa
     }
 }
 
-std::string LeaveCalc::FnStrWriteCredit(const AllotRow& row, double dblAllot) const {
+void LeaveCalc::WriteCredit(const AllotRow& row, double dblAllot) {
+    if (dblAllot == 0 && !row.blnCredited) return;  // no rounding makes something of nothing
     const LeaveSettingsRecord* settings =
         rules.inForce(row.intLevId, row.intAttHeadId, row.lngMonthYear);
     const std::string amount = numberText(dblAllot);
-    return "UPDATE LEV_ALLOTMENT SET ACTALLOTLEV = " + amount + ", ALLOTLEV = [dbo].FnDblRndOff(" +
-           amount + "," + text(settings->ALLOTRNDTYPE) +
-           ") WHERE ALLOTID = " + text(row.lngAllotId);
+    session_.gConn.Execute(
+        "UPDATE LEV_ALLOTMENT SET ACTALLOTLEV = " + amount + ", ALLOTLEV = [dbo].FnDblRndOff(" +
+        amount + "," + text(settings->ALLOTRNDTYPE) + ") WHERE ALLOTID = " + text(row.lngAllotId));
 }
 
 // The number that the figure gives: plain, by the company's own query, or by a formula.

@@ -19,6 +19,7 @@
 #include <string>
 #include <tuple>
 
+#include "calendar/clsNODNDPCalc.h"
 #include "leave/LeavePeriods.h"
 #include "leave/LeaveRules.h"
 
@@ -40,6 +41,7 @@ struct AllotRow {
     int lngEmpDetId = 0, intAttHeadId = 0, intLevId = 0;
     DateTime dteFrom, dteTo;
     int32_t lngMonthYear = 0;
+    bool blnCredited = false;  // a credit stands in it that is not 0
 
     int64_t lngPrevAllotId = 0;  // 0: there is none
     int intPrevHead = 0;
@@ -59,7 +61,11 @@ struct DaysNotCounted {};
 class LeaveCalc {
   public:
     explicit LeaveCalc(Session& session, AllotmentSteps* steps = nullptr)
-        : periods(session), rules(session), session_(session), steps_(steps) {}
+        : periods(session),
+          rules(session),
+          session_(session),
+          steps_(steps),
+          keep_(FnNodNdp(session)) {}
 
     // The unrounded credit; nothing for a leave without settings in the row's month. With
     // blnUseStoredDays the Monthly type reads the days of a row that begins at dteMonthStart from
@@ -67,8 +73,8 @@ class LeaveCalc {
     // are 0) and DaysNotCounted.
     std::optional<double> Credit(const AllotRow& row, bool blnUseStoredDays = false,
                                  DateTime dteMonthStart = {});
-    // The statement that writes a credit: ACTALLOTLEV as it is, ALLOTLEV rounded by ALLOTRNDTYPE.
-    std::string FnStrWriteCredit(const AllotRow& row, double dblAllot) const;
+    // Writes a credit: ACTALLOTLEV as it is, ALLOTLEV rounded by ALLOTRNDTYPE.
+    void WriteCredit(const AllotRow& row, double dblAllot);
 
     LeavePeriods periods;
     LeaveRules rules;
@@ -113,6 +119,7 @@ class LeaveCalc {
 
     Session& session_;
     AllotmentSteps* steps_;
+    clsNODNDPCalc::KeepRules keep_;
     // Days counted for the employee at hand, by version, month, head, span and basis.
     std::map<std::tuple<int, int32_t, int, int32_t, int32_t, int>, Days> counted_;
     int64_t lngCountedEmpId_ = 0;

@@ -144,6 +144,7 @@ void UpdateMonthDays(Session& session, Progress& frm) {
         rows += " AND LM.EMPID IN (" + session.gEmpFilter + ")";
     Recordset employees(
         session.gConn, "SELECT LM.EMPID, COUNT(*)" + rows + " GROUP BY LM.EMPID ORDER BY LM.EMPID");
+    const clsNODNDPCalc::KeepRules keep(FnNodNdp(session));
     size_t done = 0, total = 0;
     for (; !employees.IsEOF(); employees.MoveNext())
         total += static_cast<size_t>(employees.Fields(1).toInt());

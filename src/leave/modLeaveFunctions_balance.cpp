@@ -27,7 +27,8 @@ void ProcessAllotments(Session& session, Progress& frm) {
 void ProcessAllotmentsOld(Session& session, Progress& frm, const std::string& strEmpFilter) {
     try {
         AllotmentPass pass(session, frm);
-        if (strEmpFilter.empty() && !FnBlnMarkerFile(session, "\\OldLevAllotment.dat"))
+        if (strEmpFilter.empty() && !FnBlnMarkerFile(session, "\\OldLevAllotment.dat") &&
+            !pass.FewMarked())
             pass.ProcessAllotments();
         pass.RowByRow(strEmpFilter);
     } catch (const DbError& e) {
