@@ -34,6 +34,7 @@ int frmMain::runUntilEnd(Start start) {
 void frmMain::Form_Unload() {
     session_.gOtDetCalc.reset();
     session_.gNodNdp.reset();
+    session_.gEvalFormula.reset();
     if (session_.gConn.State() == 1) FreeLeaveTables(session_);
 }
 

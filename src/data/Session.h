@@ -19,6 +19,7 @@
 
 namespace owb {
 
+class clsEvalFormula;
 class clsNODNDPCalc;
 class clsOTDetCalc;
 class SiblingLauncher;
@@ -174,8 +175,9 @@ struct Session {
     // --- shared instances ---
     clsSPChar gSpChar;
     clsGenCmn gGenCmn;
-    std::shared_ptr<clsNODNDPCalc> gNodNdp;    // made by its first user
-    std::shared_ptr<clsOTDetCalc> gOtDetCalc;  // made by its first user
+    std::shared_ptr<clsNODNDPCalc> gNodNdp;        // made by its first user
+    std::shared_ptr<clsOTDetCalc> gOtDetCalc;      // made by its first user
+    std::shared_ptr<clsEvalFormula> gEvalFormula;  // made by its first user
 
     Session(SettingsStore& settings, MessageBoxes& boxes, std::function<DateTime()> now,
             std::string programFolder);

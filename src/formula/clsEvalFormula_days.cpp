@@ -1,0 +1,134 @@
+// The other data of a formula: leave, holidays, reimbursements and the three day counts.
+#include <algorithm>
+
+#include "calendar/clsNODNDPCalc.h"
+#include "data/modAttSetting.h"
+#include "formula/clsEvalFormula_task.h"
+
+namespace owb {
+
+void clsEvalFormula::FillOtherData(KeywordTable& vOther, int64_t lngEmpId, int32_t lngAttHeadId,
+                                   int32_t lngEmpDetId, int32_t lngMonthYear, DateTime dteFrom,
+                                   DateTime dteTo, double dblSalCalDays, double dblNOD,
+                                   double dblNDP, bool blnVerify) {
+    const std::string slice =
+        " EMPID = " + std::to_string(lngEmpId) + " AND MONTHYEAR = " + std::to_string(lngMonthYear);
+    const auto put = [&](const std::string& keyword, double value) {
+        vOther.push_back({keyword, numberText(value)});
+    };
+    // The counts below rest on the head's records.
+    if (session_.gAtt.ATTHEADID != lngAttHeadId) {
+        LoadAttHead(session_, lngAttHeadId);
+        LoadAttOptions(session_, lngAttHeadId);
+    }
+    const bool blnMonthly =
+        !blnVerify && !AdvancedLeave(lngMonthYear) &&
+        FirstNumber("Select ATTHEADID From MAS_ATTHEAD Where ATTNTYPE = 4 And ATTHEADID = " +
+                    std::to_string(lngAttHeadId)) > 0;
+    for (Recordset rs(session_.gConn, "Select * From ATT_DEFINITION ORDER BY LEVSHORT");
+         !rs.IsEOF(); rs.MoveNext()) {
+        const int lngLevId = static_cast<int>(rs.Fields("LEVID").toInt());
+        put("Leave{" + upperCase(rs.Fields("LEVSHORT").toText()) + "}",
+            blnVerify ? 1
+                      : LeaveTaken(lngEmpId, lngEmpDetId, lngAttHeadId, blnMonthly, lngMonthYear,
+                                   dteFrom, dteTo, lngLevId));
+    }
+    put("(AdjHours)",
+        FirstNumber("SELECT ADJHRS FROM LEV_MONTHDET  WHERE EMPID  = " + std::to_string(lngEmpId) +
+                    " AND EMPDETID = " + std::to_string(lngEmpDetId) +
+                    " AND MONTHYEAR= " + std::to_string(lngMonthYear)));
+
+    DateTime dteMonthFrom, dteMonthTo;
+    GetMonthPeriod(session_, lngMonthYear, dteMonthFrom, dteMonthTo);
+    const struct {
+        const char* keyword;
+        int kind;
+        DateTime from, to;
+    } holidays[] = {
+        {"(GenHoliday)", 3, dteFrom, dteTo},
+        {"(TotalGenHoliday)", 3, dteMonthFrom, dteMonthTo},
+        {"(WeekHoliday)", 2, dteFrom, dteTo},
+        {"(TotalWeekHoliday)", 2, dteMonthFrom, dteMonthTo},
+    };
+    for (const auto& holiday : holidays) {
+        if (!StructureUses(holiday.keyword, lngEmpId, lngEmpDetId)) continue;
+        int kind = holiday.kind;
+        double count = 0;
+        FnNodNdp(session_).FnDblGetHolAndLeave(lngAttHeadId, FnStrIsoDate(holiday.from),
+                                               FnStrIsoDate(holiday.to), lngEmpId, kind, 0, count);
+        put(holiday.keyword, count);
+    }
+    FillReimbursements(vOther, lngEmpId, lngMonthYear);
+    put("Days{Salary Calendar Days}", dblSalCalDays);
+    put("Days{Pay Days}", dblNOD);
+    put("Days{Present Days}", dblNDP);
+    put("Days{Total Pay Days}",
+        FirstNumber("SELECT SUM(NOD) FROM SLC_SALARYCALC_E WHERE NOT EMPDETID IS NULL  AND" +
+                    slice));
+    put("Days{Total Present Days}",
+        FirstNumber("SELECT SUM(NDP) FROM SLC_SALARYCALC_E WHERE NOT EMPDETID IS NULL  AND" +
+                    slice));
+}
+
+// Days of one leave in the span; with the older tables monthly heads keep a figure for the month.
+double clsEvalFormula::LeaveTaken(int64_t lngEmpId, int32_t lngEmpDetId, int32_t lngAttHeadId,
+                                  bool blnMonthly, int32_t lngMonthYear, DateTime dteFrom,
+                                  DateTime dteTo, int lngLevId) {
+    const std::string leave = std::to_string(lngLevId), employee = std::to_string(lngEmpId);
+    if (AdvancedLeave(lngMonthYear)) {
+        double taken = 0;
+        FnNodNdp(session_).FnDblLeaveAvailed(lngEmpId, lngLevId, dteFrom, dteTo, lngAttHeadId, true,
+                                             taken);
+        return taken;
+    }
+    if (blnMonthly)
+        return FirstNumber(
+            "Select Sum(ML.LEVVALUE) AS NOOFLEAVE From ATT_MONTH M, ATT_MONTHLEV ML Where "
+            "M.ATTSLNO = ML.ATTSLNO And M.EMPID = " +
+            employee + " And M.EMPDETID = " + std::to_string(lngEmpDetId) +
+            " And M.MONTHYEAR = " + std::to_string(lngMonthYear) + " And ML.LEVID = " + leave);
+    return FirstNumber(
+        "Select Sum(FIRSTHALFYN)/2.0 + Sum(SECONDHALFYN)/2.0 AS NOOFLEAVE From ATT_DETAIL Where "
+        "EMPID = " +
+        employee + " And LEVDATE Between '" + FnStrSqlDate(dteFrom) + "' And '" +
+        FnStrSqlDate(dteTo) + "' And LEVID = " + leave);
+}
+
+// Does a formula of the employee's salary structure use the word?
+bool clsEvalFormula::StructureUses(const std::string& word, int64_t lngEmpId, int32_t lngEmpDetId) {
+    return !FirstValue("SELECT FORMULAID FROM MAS_FORMULA WHERE CHARINDEX('" + word +
+                           "',FORMULA) > 0  AND FORMULAID IN (SELECT FORMULAID FROM "
+                           "SLC_SALSTRUCTDET WHERE FORMULAID>=1 AND  STRUCTID IN (SELECT STRUCTID "
+                           "FROM MAS_EMPLOYEEDET    WHERE EMPDETID = " +
+                           std::to_string(lngEmpDetId) + " AND EMPID= " + std::to_string(lngEmpId) +
+                           "))",
+                       Value())
+                .isNull();
+}
+
+void clsEvalFormula::FillReimbursements(KeywordTable& vOther, int64_t lngEmpId,
+                                        int32_t lngMonthYear) {
+    const std::string employee = std::to_string(lngEmpId), month = std::to_string(lngMonthYear);
+    for (Recordset rs(session_.gConn, "Select RMBID, RMBNAME From RMB_MASTER Order By RMBNAME");
+         !rs.IsEOF(); rs.MoveNext()) {
+        const std::string id = rs.Fields("RMBID").toText();
+        const std::string name = upperCase(rs.Fields("RMBNAME").toText());
+        const double allotted = FirstNumber(
+            "Select AD.ALLOTAMT From RMB_ALLOT A, RMB_ALLOTDET AD Where A.RMBALLOTID = "
+            "AD.RMBALLOTID And A.EMPID = " +
+            employee + " And AD.MONTHYEAR = " + month + " And A.RMBID = " + id);
+        // Claims that are tied to no salary month yet count in the month of their date.
+        const double claimed =
+            FirstNumber("Select SUM(CLAIMAMT) From RMB_CLAIM A Where A.EMPID = " + employee +
+                        " And A.SALARYMONTH = " + month + " And A.RMBID = " + id) +
+            FirstNumber("Select SUM(CLAIMAMT) From RMB_CLAIM A Where A.EMPID = " + employee +
+                        " And A.SALARYMONTH = 0  AND (YEAR(CLAIMDATE)*12) + MONTH(CLAIMDATE)= " +
+                        month + " And A.RMBID = " + id);
+        vOther.push_back({"ReimAllot{" + name + "}", numberText(allotted)});
+        vOther.push_back({"ReimClaim{" + name + "}", numberText(claimed)});
+        vOther.push_back(
+            {"ReimUnclaim{" + name + "}", numberText(std::max(0.0, allotted - claimed))});
+    }
+}
+
+}  // namespace owb
