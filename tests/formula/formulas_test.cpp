@@ -160,9 +160,8 @@ TEST(Formulas, leaveOfTheOlderTables) {
     Formulas p;
     p.session.gFeature.LVSTARTMNYEAR = kApril + 1;
     p.run(
-        "INSERT INTO ATT_DETAIL (EMPID, EMPDETID, LEVID, LEVDATE, FIRSTHALFYN, SECONDHALFYN) "
-        "VALUES (1, 1, 5, '2021-04-06', 1, 1), (1, 1, 5, '2021-04-07', 0, 1), (1, 1, 5, "
-        "'2021-05-07', 1, 1)");
+        "INSERT INTO ATT_DETAIL (EMPID, LEVID, LEVDATE, FIRSTHALFYN, SECONDHALFYN) VALUES "
+        "(1, 5, '2021-04-06', 1, 1), (1, 5, '2021-04-07', 0, 1), (1, 5, '2021-05-07', 1, 1)");
     p.expect({{"Leave{CL}", 1.5}});
     p.setHead(11, "ATTNTYPE = 4");
     p.run(
