@@ -22,7 +22,7 @@ struct FormulaTrace {
     std::string strFormula;
     KeywordTable vOther;   // the first table
     KeywordTable vSalary;  // the second table
-    ScriptValue result;    // what the expression gave; a text "ERROR: ..." when it failed
+    ExprValue result;      // what the expression gave; a text "ERROR: ..." when it failed
     std::string failure;   // a query that failed; "" none
 };
 

@@ -40,7 +40,7 @@ void replaceAll(std::string& text, const std::string& searched, const std::strin
     size_t at = 0;
     for (; found != std::string::npos; found = searched.find(key, at)) {
         result.append(text, at, found - at).append(value);
-        if (result.size() > kScriptTextLimit) throw ScriptError{ScriptError::OutOfMemory};
+        if (result.size() > kExprTextLimit) throw ExprError{ExprError::OutOfMemory};
         at = found + key.size();
     }
     text = result.append(text, at);
@@ -58,19 +58,19 @@ void replaceNames(std::string& text) {
     for (const Keyword& name : libraryNames()) replaceAll(text, text, name.keyword, name.value);
 }
 
-std::string failureText(const ScriptError& error) {
+std::string failureText(const ExprError& error) {
     switch (error.number) {
-        case ScriptError::Undeclared:
+        case ExprError::Undeclared:
             return "ERROR: Variable not defined '" + error.name + "'";
-        case ScriptError::DivisionByZero:
+        case ExprError::DivisionByZero:
             return "ERROR: Divide By Zero Error";
-        case ScriptError::InvalidFunction:
+        case ExprError::InvalidFunction:
             return "ERROR: Invalid function '" + error.name + "'";
-        case ScriptError::WrongArguments:
+        case ExprError::WrongArguments:
             return "ERROR: Invalid argument";
-        case ScriptError::ClosingParenthesis:
+        case ExprError::ClosingParenthesis:
             return "ERROR: Missing closing braces )";
-        case ScriptError::EndOfStatement:
+        case ExprError::EndOfStatement:
             return "ERROR: Either bad syntax or ( missing";
         default:
             return "ERROR: Invalid expression";
@@ -79,9 +79,9 @@ std::string failureText(const ScriptError& error) {
 
 }  // namespace
 
-ScriptValue clsExprEval::EvaluateExpression(const std::string& strExpression,
-                                            const KeywordTable* vKeywords1,
-                                            const KeywordTable* vKeywords2) {
+ExprValue clsExprEval::EvaluateExpression(const std::string& strExpression,
+                                          const KeywordTable* vKeywords1,
+                                          const KeywordTable* vKeywords2) {
     try {
         // Capitals first: no step before them tells one case from the other.
         std::string text = upperCase(strExpression);
@@ -89,16 +89,16 @@ ScriptValue clsExprEval::EvaluateExpression(const std::string& strExpression,
         replaceKeywords(text, vKeywords2);
         replaceNames(text);
         return Evaluate(text);
-    } catch (const ScriptError& error) {
-        return ScriptValue::text(failureText(error));
+    } catch (const ExprError& error) {
+        return ExprValue::text(failureText(error));
     }
 }
 
-ScriptValue clsExprEval::Evaluate(const std::string& text) {
+ExprValue clsExprEval::Evaluate(const std::string& text) {
     tokens_.read(text);
     auto program = programs_.find(tokens_.shape);
     if (program == programs_.end()) {
-        ScriptProgram parsed = parseScript(tokens_);
+        ExprProgram parsed = parseExpr(tokens_);
         programBytes_ += tokens_.shape.size();
         if (programBytes_ > kKeptShapes) {
             programs_.clear();

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "base/date_time.h"
-#include "formula/ScriptProgram.h"
-#include "formula/ScriptValue.h"
+#include "formula/ExprProgram.h"
+#include "formula/ExprValue.h"
 
 namespace owb {
 
@@ -36,21 +36,21 @@ class clsExprEval {
 
     // A number, boolean, date or text; after a failure a text that begins with "ERROR: ". A null
     // table is skipped. Throws nothing but what memory does.
-    ScriptValue EvaluateExpression(const std::string& strExpression,
-                                   const KeywordTable* vKeywords1 = nullptr,
-                                   const KeywordTable* vKeywords2 = nullptr);
+    ExprValue EvaluateExpression(const std::string& strExpression,
+                                 const KeywordTable* vKeywords1 = nullptr,
+                                 const KeywordTable* vKeywords2 = nullptr);
 
     static ExpressionSteps Explain(const std::string& strExpression, const KeywordTable* vKeywords1,
                                    const KeywordTable* vKeywords2);
 
   private:
-    ScriptValue Evaluate(const std::string& text);
+    ExprValue Evaluate(const std::string& text);
 
     std::function<DateTime()> now_;
-    std::unordered_map<std::string, ScriptProgram> programs_;  // by the shape of their text
+    std::unordered_map<std::string, ExprProgram> programs_;  // by the shape of their text
     size_t programBytes_ = 0;
-    ScriptTokens tokens_;
-    std::vector<ScriptValue> stack_;
+    ExprTokens tokens_;
+    std::vector<ExprValue> stack_;
 };
 
 }  // namespace owb

@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "base/date_time.h"
-#include "formula/ScriptLexer.h"
+#include "formula/ExprLexer.h"
 
 namespace owb {
 
-struct ScriptFunction;
+struct ExprFunction;
 
-class ScriptProgram {
+class ExprProgram {
   public:
     struct Instruction {
         enum Kind : uint8_t {
@@ -27,22 +27,22 @@ class ScriptProgram {
             Unknown,      // names[index], not declared
             Fail          // with the error number `index`
         } kind;
-        ScriptOperator op = ScriptOperator::Plus;
+        ExprOperator op = ExprOperator::Plus;
         uint32_t index = 0;
         uint32_t count = 0;
     };
 
     std::vector<Instruction> instructions;
-    std::vector<ScriptValue> constants;
-    std::vector<const ScriptFunction*> functions;
+    std::vector<ExprValue> constants;
+    std::vector<const ExprFunction*> functions;
     std::vector<std::string> names;
 
-    // Throws ScriptError. The stack is the caller's, so that it is made once.
-    ScriptValue run(std::span<const ScriptValue> literals, const std::function<DateTime()>& now,
-                    std::vector<ScriptValue>& stack) const;
+    // Throws ExprError. The stack is the caller's, so that it is made once.
+    ExprValue run(std::span<const ExprValue> literals, const std::function<DateTime()>& now,
+                  std::vector<ExprValue>& stack) const;
 };
 
-// Throws ScriptError at the first token that cannot stand where it stands.
-ScriptProgram parseScript(const ScriptTokens& tokens);
+// Throws ExprError at the first token that cannot stand where it stands.
+ExprProgram parseExpr(const ExprTokens& tokens);
 
 }  // namespace owb

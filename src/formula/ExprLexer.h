@@ -7,29 +7,29 @@
 #include <string_view>
 #include <vector>
 
-#include "formula/ScriptOperators.h"
+#include "formula/ExprOperators.h"
 
 namespace owb {
 
-struct ScriptToken {
+struct ExprToken {
     enum Kind { Literal, Name, Operator, Open, Close, Comma, Dot, End, Broken } kind;
     std::string_view text;  // of a name
-    ScriptOperator op = ScriptOperator::Plus;
-    ScriptError::Number error = ScriptError::Syntax;  // of a broken one
-    bool bracketed = false;                           // a name in brackets is never a word
+    ExprOperator op = ExprOperator::Plus;
+    ExprError::Number error = ExprError::Syntax;  // of a broken one
+    bool bracketed = false;                       // a name in brackets is never a word
 };
 
-struct ScriptTokens {
-    std::vector<ScriptToken> tokens;    // ends with End or Broken; names lie in the text
-    std::vector<ScriptValue> literals;  // in the order of the literal tokens
-    std::string shape;                  // the same for two texts whose tokens are the same
+struct ExprTokens {
+    std::vector<ExprToken> tokens;    // ends with End or Broken; names lie in the text
+    std::vector<ExprValue> literals;  // in the order of the literal tokens
+    std::string shape;                // the same for two texts whose tokens are the same
 
     void read(std::string_view text);
 
   private:
-    void add(ScriptToken token);
-    void addLiteral(ScriptValue value);
-    void broken(ScriptError::Number error) { add({ScriptToken::Broken, "", {}, error}); }
+    void add(ExprToken token);
+    void addLiteral(ExprValue value);
+    void broken(ExprError::Number error) { add({ExprToken::Broken, "", {}, error}); }
     size_t readNumber(std::string_view text, size_t at);
     size_t readText(std::string_view text, size_t at);
     size_t readDate(std::string_view text, size_t at);

@@ -1,22 +1,22 @@
-#include "formula/ScriptOperators.h"
+#include "formula/ExprOperators.h"
 
 #include <cmath>
 
-#include "formula/ScriptDates.h"
+#include "formula/ExprDates.h"
 
 namespace owb {
 
 namespace {
 
-using Type = ScriptValue::Type;
-using Op = ScriptOperator;
+using Type = ExprValue::Type;
+using Op = ExprOperator;
 
 bool isWholeType(Type type) {
     return type <= Type::Long;
 }
 
 // What a value counts as in arithmetic: Empty and Boolean are Integer, a text is its number.
-Type arithmeticType(const ScriptValue& v) {
+Type arithmeticType(const ExprValue& v) {
     switch (v.type()) {
         case Type::Empty:
         case Type::Boolean:
@@ -24,13 +24,13 @@ Type arithmeticType(const ScriptValue& v) {
         case Type::String:
             return Type::Double;
         case Type::Missing:
-            throw ScriptError{ScriptError::TypeMismatch};
+            throw ExprError{ExprError::TypeMismatch};
         default:
             return v.type();
     }
 }
 
-int64_t wholeOf(const ScriptValue& v) {
+int64_t wholeOf(const ExprValue& v) {
     return v.isEmpty() ? 0 : v.wholeValue();
 }
 
@@ -40,41 +40,41 @@ Type widerFloat(Type a, Type b) {
     return a == Type::Long || b == Type::Long ? Type::Double : Type::Single;
 }
 
-ScriptValue currencyResult(__int128 tenThousandths) {
+ExprValue currencyResult(__int128 tenThousandths) {
     if (tenThousandths > INT64_MAX || tenThousandths < INT64_MIN)
-        throw ScriptError{ScriptError::Overflow};
-    return ScriptValue::currency(static_cast<int64_t>(tenThousandths));
+        throw ExprError{ExprError::Overflow};
+    return ExprValue::currency(static_cast<int64_t>(tenThousandths));
 }
 
-ScriptValue join(const ScriptValue& a, const ScriptValue& b) {
+ExprValue join(const ExprValue& a, const ExprValue& b) {
     std::string text = a.isNull() ? "" : a.toText();
     const std::string behind = b.isNull() ? "" : b.toText();
-    if (text.size() + behind.size() > kScriptTextLimit) throw ScriptError{ScriptError::OutOfMemory};
-    return ScriptValue::text(text += behind);
+    if (text.size() + behind.size() > kExprTextLimit) throw ExprError{ExprError::OutOfMemory};
+    return ExprValue::text(text += behind);
 }
 
 // Sum of a and b, or the difference when `sign` is -1.
-ScriptValue sum(const ScriptValue& a, const ScriptValue& b, int sign) {
+ExprValue sum(const ExprValue& a, const ExprValue& b, int sign) {
     const Type left = arithmeticType(a), right = arithmeticType(b);
     if (isWholeType(left) && isWholeType(right))
-        return ScriptValue::wholeOf(std::max(left, right), wholeOf(a) + sign * wholeOf(b));
+        return ExprValue::wholeOf(std::max(left, right), wholeOf(a) + sign * wholeOf(b));
     if (left == Type::Date || right == Type::Date) {
         const double days = a.toNumber() + sign * b.toNumber();
-        return left == right && sign < 0 ? ScriptValue::number(days) : ScriptValue::date(days);
+        return left == right && sign < 0 ? ExprValue::number(days) : ExprValue::date(days);
     }
     if (left == Type::Currency || right == Type::Currency)
         return currencyResult(__int128{a.toCurrency()} + __int128{sign} * b.toCurrency());
     const double result = a.toNumber() + sign * b.toNumber();
-    return widerFloat(left, right) == Type::Single ? ScriptValue::single(result)
-                                                   : ScriptValue::number(result);
+    return widerFloat(left, right) == Type::Single ? ExprValue::single(result)
+                                                   : ExprValue::number(result);
 }
 
-ScriptValue product(const ScriptValue& a, const ScriptValue& b) {
+ExprValue product(const ExprValue& a, const ExprValue& b) {
     const Type left = arithmeticType(a), right = arithmeticType(b);
     if (isWholeType(left) && isWholeType(right))
-        return ScriptValue::wholeOf(std::max(left, right), wholeOf(a) * wholeOf(b));
+        return ExprValue::wholeOf(std::max(left, right), wholeOf(a) * wholeOf(b));
     const auto isReal = [](Type type) { return type == Type::Double || type == Type::Date; };
-    if (isReal(left) || isReal(right)) return ScriptValue::number(a.toNumber() * b.toNumber());
+    if (isReal(left) || isReal(right)) return ExprValue::number(a.toNumber() * b.toNumber());
     if (left == Type::Currency || right == Type::Currency) {
         const __int128 exact = __int128{a.toCurrency()} * b.toCurrency();
         __int128 rounded = exact / kCurrencyUnit;
@@ -85,64 +85,64 @@ ScriptValue product(const ScriptValue& a, const ScriptValue& b) {
         return currencyResult(rounded);
     }
     const double result = a.toNumber() * b.toNumber();
-    return widerFloat(left, right) == Type::Single ? ScriptValue::single(result)
-                                                   : ScriptValue::number(result);
+    return widerFloat(left, right) == Type::Single ? ExprValue::single(result)
+                                                   : ExprValue::number(result);
 }
 
-ScriptValue quotient(const ScriptValue& a, const ScriptValue& b) {
+ExprValue quotient(const ExprValue& a, const ExprValue& b) {
     const Type left = arithmeticType(a), right = arithmeticType(b);
     const double dividend = a.toNumber(), divisor = b.toNumber();
-    if (divisor == 0) throw ScriptError{ScriptError::DivisionByZero};
+    if (divisor == 0) throw ExprError{ExprError::DivisionByZero};
     const auto narrow = [](Type type) { return type <= Type::Integer || type == Type::Single; };
     if ((left == Type::Single || right == Type::Single) && narrow(left) && narrow(right))
-        return ScriptValue::single(dividend / divisor);
-    return ScriptValue::number(dividend / divisor);
+        return ExprValue::single(dividend / divisor);
+    return ExprValue::number(dividend / divisor);
 }
 
 // The wider of two types of whole numbers; whatever has a fraction is rounded to a Long.
-Type wholeType(const ScriptValue& a, const ScriptValue& b) {
+Type wholeType(const ExprValue& a, const ExprValue& b) {
     const Type left = arithmeticType(a), right = arithmeticType(b);
     return isWholeType(left) && isWholeType(right) ? std::max(left, right) : Type::Long;
 }
 
-ScriptValue wholeQuotient(const ScriptValue& a, const ScriptValue& b, bool remainder) {
+ExprValue wholeQuotient(const ExprValue& a, const ExprValue& b, bool remainder) {
     const Type type = wholeType(a, b);
     const int64_t dividend = a.toLong(), divisor = b.toLong();
-    if (divisor == 0) throw ScriptError{ScriptError::DivisionByZero};
+    if (divisor == 0) throw ExprError{ExprError::DivisionByZero};
     const int64_t result = remainder ? dividend % divisor : dividend / divisor;
-    if (result > INT32_MAX) throw ScriptError{ScriptError::Overflow};
-    return ScriptValue::wholeOf(type, result);
+    if (result > INT32_MAX) throw ExprError{ExprError::Overflow};
+    return ExprValue::wholeOf(type, result);
 }
 
-ScriptValue power(const ScriptValue& a, const ScriptValue& b) {
+ExprValue power(const ExprValue& a, const ExprValue& b) {
     const double base = a.toNumber(), exponent = b.toNumber();
     if ((base < 0 && exponent != std::trunc(exponent)) || (base == 0 && exponent < 0))
-        throw ScriptError{ScriptError::InvalidCall};
-    return ScriptValue::number(std::pow(base, exponent));
+        throw ExprError{ExprError::InvalidCall};
+    return ExprValue::number(std::pow(base, exponent));
 }
 
-ScriptValue negated(const ScriptValue& v) {
+ExprValue negated(const ExprValue& v) {
     switch (arithmeticType(v)) {
         case Type::Byte:
         case Type::Integer:
-            return ScriptValue::wholeOf(Type::Integer, -wholeOf(v));
+            return ExprValue::wholeOf(Type::Integer, -wholeOf(v));
         case Type::Long:
-            return ScriptValue::wholeOf(Type::Long, -v.wholeValue());
+            return ExprValue::wholeOf(Type::Long, -v.wholeValue());
         case Type::Currency:
             return currencyResult(-__int128{v.wholeValue()});
         case Type::Single:
-            return ScriptValue::single(-v.numberValue());
+            return ExprValue::single(-v.numberValue());
         case Type::Date:
-            return ScriptValue::date(-v.numberValue());
+            return ExprValue::date(-v.numberValue());
         default:
-            return ScriptValue::number(-v.toNumber());
+            return ExprValue::number(-v.toNumber());
     }
 }
 
 // --- logic, bit by bit ---
 
 // Boolean, Byte, Integer or Long as an operand of logic; texts are numbers or True and False.
-ScriptValue logicOperand(const ScriptValue& v) {
+ExprValue logicOperand(const ExprValue& v) {
     switch (v.type()) {
         case Type::Boolean:
         case Type::Byte:
@@ -151,40 +151,40 @@ ScriptValue logicOperand(const ScriptValue& v) {
         case Type::Null:
             return v;
         case Type::Empty:
-            return ScriptValue::integer(0);
+            return ExprValue::integer(0);
         case Type::String: {
             double number = 0;
-            if (!scriptNumber(v.textValue(), number)) return ScriptValue::boolean(v.toBoolean());
+            if (!exprNumber(v.textValue(), number)) return ExprValue::boolean(v.toBoolean());
             break;
         }
         default:
             break;
     }
-    return ScriptValue::longInt(v.toLong());
+    return ExprValue::longInt(v.toLong());
 }
 
-ScriptValue bits(Type a, Type b, int64_t result) {
-    if (a == Type::Boolean && b == Type::Boolean) return ScriptValue::boolean(result != 0);
+ExprValue bits(Type a, Type b, int64_t result) {
+    if (a == Type::Boolean && b == Type::Boolean) return ExprValue::boolean(result != 0);
     if (a == Type::Byte && b == Type::Byte)
-        return ScriptValue::wholeOf(Type::Byte, result & UINT8_MAX);
-    return ScriptValue::wholeOf(std::max({a, b, Type::Integer}), result);
+        return ExprValue::wholeOf(Type::Byte, result & UINT8_MAX);
+    return ExprValue::wholeOf(std::max({a, b, Type::Integer}), result);
 }
 
-ScriptValue inverted(const ScriptValue& v) {
+ExprValue inverted(const ExprValue& v) {
     if (v.isNull()) return v;
     return bits(v.type(), v.type(), ~v.wholeValue());
 }
 
-ScriptValue logic(Op op, const ScriptValue& left, const ScriptValue& right) {
-    const ScriptValue a = op == Op::Imp ? inverted(logicOperand(left)) : logicOperand(left);
-    const ScriptValue b = logicOperand(right);
+ExprValue logic(Op op, const ExprValue& left, const ExprValue& right) {
+    const ExprValue a = op == Op::Imp ? inverted(logicOperand(left)) : logicOperand(left);
+    const ExprValue b = logicOperand(right);
     const bool either = op == Op::Or || op == Op::Imp;  // not a or b
     if (a.isNull() || b.isNull()) {
-        const ScriptValue& known = a.isNull() ? b : a;
+        const ExprValue& known = a.isNull() ? b : a;
         if (known.isNull()) return known;
         const bool decides =
             op == Op::And ? known.wholeValue() == 0 : either && known.wholeValue() != 0;
-        return decides ? known : ScriptValue::null();
+        return decides ? known : ExprValue::null();
     }
     const int64_t x = a.wholeValue(), y = b.wholeValue();
     const int64_t result = op == Op::And   ? x & y
@@ -212,8 +212,8 @@ bool holds(Op op, int order) {
 }
 
 // What a text counts as beside another value that is no text; false when only as text.
-bool numberBeside(const std::string& text, const ScriptValue& other, double& out) {
-    return scriptNumber(text, out) || (other.isDate() && readScriptDate(text, out));
+bool numberBeside(const std::string& text, const ExprValue& other, double& out) {
+    return exprNumber(text, out) || (other.isDate() && readExprDate(text, out));
 }
 
 int order(double a, double b) {
@@ -222,8 +222,8 @@ int order(double a, double b) {
 
 }  // namespace
 
-int compareScript(const ScriptValue& a, const ScriptValue& b) {
-    if (a.isMissing() || b.isMissing()) throw ScriptError{ScriptError::TypeMismatch};
+int compareExpr(const ExprValue& a, const ExprValue& b) {
+    if (a.isMissing() || b.isMissing()) throw ExprError{ExprError::TypeMismatch};
     if (a.isText() && (b.isText() || b.isEmpty()))
         return a.textValue().compare(b.isText() ? b.textValue() : "");
     if (b.isText() && a.isEmpty()) return b.textValue().empty() ? 0 : -1;
@@ -236,17 +236,17 @@ int compareScript(const ScriptValue& a, const ScriptValue& b) {
     return order(a.toNumber(), b.toNumber());
 }
 
-ScriptValue applyOperator(ScriptOperator op, const ScriptValue& operand) {
+ExprValue applyOperator(ExprOperator op, const ExprValue& operand) {
     if (op == Op::Not) return inverted(logicOperand(operand));
     if (operand.isNull()) return operand;
     return op == Op::Negate ? negated(operand) : operand;
 }
 
-ScriptValue applyOperator(ScriptOperator op, const ScriptValue& a, const ScriptValue& b) {
+ExprValue applyOperator(ExprOperator op, const ExprValue& a, const ExprValue& b) {
     if (op >= Op::Not) return logic(op, a, b);
-    if (op == Op::Is) throw ScriptError{ScriptError::ObjectRequired};
+    if (op == Op::Is) throw ExprError{ExprError::ObjectRequired};
     if (op == Op::Join && !(a.isNull() && b.isNull())) return join(a, b);
-    if (a.isNull() || b.isNull()) return ScriptValue::null();
+    if (a.isNull() || b.isNull()) return ExprValue::null();
     switch (op) {
         case Op::Power:
             return power(a, b);
@@ -265,7 +265,7 @@ ScriptValue applyOperator(ScriptOperator op, const ScriptValue& a, const ScriptV
         case Op::Subtract:
             return sum(a, b, -1);
         default:
-            return ScriptValue::boolean(holds(op, compareScript(a, b)));
+            return ExprValue::boolean(holds(op, compareExpr(a, b)));
     }
 }
 

@@ -1,6 +1,6 @@
-#include "formula/ScriptProgram.h"
+#include "formula/ExprProgram.h"
 
-#include "formula/ScriptFunctions.h"
+#include "formula/ExprFunctions.h"
 
 namespace owb {
 
@@ -9,10 +9,10 @@ namespace {
 // Counts what texts an evaluation makes, so that none can fill the memory.
 class TextBudget {
   public:
-    void spend(const ScriptValue& made) {
+    void spend(const ExprValue& made) {
         if (!made.isText()) return;
         spent_ += made.textValue().size();
-        if (spent_ > kScriptTextTotal) throw ScriptError{ScriptError::OutOfMemory};
+        if (spent_ > kExprTextTotal) throw ExprError{ExprError::OutOfMemory};
     }
 
   private:
@@ -21,9 +21,9 @@ class TextBudget {
 
 }  // namespace
 
-ScriptValue ScriptProgram::run(std::span<const ScriptValue> literals,
-                               const std::function<DateTime()>& now,
-                               std::vector<ScriptValue>& stack) const {
+ExprValue ExprProgram::run(std::span<const ExprValue> literals,
+                           const std::function<DateTime()>& now,
+                           std::vector<ExprValue>& stack) const {
     stack.clear();
     TextBudget budget;
     size_t literal = 0;
@@ -39,27 +39,27 @@ ScriptValue ScriptProgram::run(std::span<const ScriptValue> literals,
                 stack.back() = applyOperator(code.op, stack.back());
                 break;
             case Instruction::Binary: {
-                const ScriptValue right = std::move(stack.back());
+                const ExprValue right = std::move(stack.back());
                 stack.pop_back();
                 stack.back() = applyOperator(code.op, stack.back(), right);
                 break;
             }
             case Instruction::Call: {
-                const ScriptFunction& function = *functions[code.index];
+                const ExprFunction& function = *functions[code.index];
                 if (code.count < function.least || code.count > function.most)
-                    throw ScriptError{ScriptError::WrongArguments, function.name};
+                    throw ExprError{ExprError::WrongArguments, function.name};
                 const std::span arguments(stack.data() + stack.size() - code.count, code.count);
-                ScriptValue result = function.call(ScriptArguments(arguments, now));
+                ExprValue result = function.call(ExprArguments(arguments, now));
                 stack.resize(stack.size() - code.count);
                 stack.push_back(std::move(result));
                 break;
             }
             case Instruction::UnknownCall:
-                throw ScriptError{ScriptError::InvalidFunction, names[code.index]};
+                throw ExprError{ExprError::InvalidFunction, names[code.index]};
             case Instruction::Unknown:
-                throw ScriptError{ScriptError::Undeclared, names[code.index]};
+                throw ExprError{ExprError::Undeclared, names[code.index]};
             case Instruction::Fail:
-                throw ScriptError{static_cast<ScriptError::Number>(code.index)};
+                throw ExprError{static_cast<ExprError::Number>(code.index)};
         }
         budget.spend(stack.back());
     }

@@ -1,16 +1,16 @@
-#include "formula/ScriptLexer.h"
+#include "formula/ExprLexer.h"
 
 #include <charconv>
 #include <cmath>
 
-#include "formula/ScriptDates.h"
+#include "formula/ExprDates.h"
 
 namespace owb {
 
 namespace {
 
-using Op = ScriptOperator;
-using Token = ScriptToken;
+using Op = ExprOperator;
+using Token = ExprToken;
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
@@ -51,7 +51,7 @@ bool onlyRemark(std::string_view text) {
 
 }  // namespace
 
-void ScriptTokens::add(ScriptToken token) {
+void ExprTokens::add(ExprToken token) {
     shape += static_cast<char>(token.kind + 1);
     switch (token.kind) {
         case Token::Name:
@@ -71,18 +71,18 @@ void ScriptTokens::add(ScriptToken token) {
     tokens.push_back(token);
 }
 
-void ScriptTokens::addLiteral(ScriptValue value) {
+void ExprTokens::addLiteral(ExprValue value) {
     literals.push_back(std::move(value));
     add({Token::Literal});
 }
 
-bool ScriptTokens::afterOperand() const {
+bool ExprTokens::afterOperand() const {
     return !tokens.empty() &&
            (tokens.back().kind == Token::Literal || tokens.back().kind == Token::Name ||
             tokens.back().kind == Token::Close);
 }
 
-void ScriptTokens::read(std::string_view text) {
+void ExprTokens::read(std::string_view text) {
     tokens.clear();
     literals.clear();
     shape.clear();
@@ -113,7 +113,7 @@ void ScriptTokens::read(std::string_view text) {
             at = readDate(text, at);
         } else if (c == '[') {
             const size_t end = text.find(']', at);
-            if (end == std::string_view::npos) return broken(ScriptError::InvalidCharacter);
+            if (end == std::string_view::npos) return broken(ExprError::InvalidCharacter);
             add({Token::Name, text.substr(at + 1, end - at - 1), {}, {}, true});
             at = end + 1;
         } else if (c == '(' || c == ')' || c == ',' || c == '.') {
@@ -137,7 +137,7 @@ void ScriptTokens::read(std::string_view text) {
     if (tokens.empty() || tokens.back().kind != Token::Broken) add({Token::End});
 }
 
-size_t ScriptTokens::readNumber(std::string_view text, size_t at) {
+size_t ExprTokens::readNumber(std::string_view text, size_t at) {
     const size_t from = at;
     bool whole = true;
     while (at < text.size() && isDigit(text[at])) ++at;
@@ -150,7 +150,7 @@ size_t ScriptTokens::readNumber(std::string_view text, size_t at) {
         size_t digits = at + 1;
         if (digits < text.size() && (text[digits] == '+' || text[digits] == '-')) ++digits;
         if (digits >= text.size() || !isDigit(text[digits])) {
-            broken(ScriptError::InvalidNumber);
+            broken(ExprError::InvalidNumber);
             return text.size();
         }
         whole = false;
@@ -161,7 +161,7 @@ size_t ScriptTokens::readNumber(std::string_view text, size_t at) {
     const char* end = text.data() + at;
     int32_t small = 0;
     if (whole && std::from_chars(begin, end, small).ec == std::errc()) {
-        addLiteral(ScriptValue::whole(small));
+        addLiteral(ExprValue::whole(small));
         return at;
     }
     double number = 0;
@@ -170,21 +170,21 @@ size_t ScriptTokens::readNumber(std::string_view text, size_t at) {
         const std::string_view digits = text.substr(from, at - from);
         const size_t exponent = digits.find("E-");
         if (exponent == std::string_view::npos) {
-            broken(ScriptError::Overflow);
+            broken(ExprError::Overflow);
             return text.size();
         }
         number = 0;
     }
-    addLiteral(ScriptValue::number(number));
+    addLiteral(ExprValue::number(number));
     return at;
 }
 
-size_t ScriptTokens::readText(std::string_view text, size_t at) {
+size_t ExprTokens::readText(std::string_view text, size_t at) {
     std::string value;
     for (++at;; ++at) {
         const size_t end = text.find_first_of("\"\r\n", at);
         if (end == std::string_view::npos || text[end] != '"') {
-            broken(ScriptError::UnterminatedString);
+            broken(ExprError::UnterminatedString);
             return text.size();
         }
         value += text.substr(at, end - at);
@@ -192,39 +192,39 @@ size_t ScriptTokens::readText(std::string_view text, size_t at) {
         if (at >= text.size() || text[at] != '"') break;
         value += '"';
     }
-    addLiteral(ScriptValue::text(std::move(value)));
+    addLiteral(ExprValue::text(std::move(value)));
     return at;
 }
 
-size_t ScriptTokens::readDate(std::string_view text, size_t at) {
+size_t ExprTokens::readDate(std::string_view text, size_t at) {
     const size_t end = text.find_first_of("#\r\n", at + 1);
     double days = 0;
     if (end == std::string_view::npos || text[end] != '#' ||
-        !readScriptDate(text.substr(at + 1, end - at - 1), days)) {
-        broken(ScriptError::Syntax);
+        !readExprDate(text.substr(at + 1, end - at - 1), days)) {
+        broken(ExprError::Syntax);
         return text.size();
     }
-    addLiteral(ScriptValue::date(days));
+    addLiteral(ExprValue::date(days));
     return end + 1;
 }
 
 // "&HFF", "&O17"; an "&" behind makes the number a Long.
-size_t ScriptTokens::readRadix(std::string_view text, size_t at, size_t digits, int base) {
+size_t ExprTokens::readRadix(std::string_view text, size_t at, size_t digits, int base) {
     at += digits;
     const size_t from = at;
     while (at < text.size() && (base == 16 ? isHex(text[at]) : isOctal(text[at]))) ++at;
     uint32_t bits = 0;
     if (std::from_chars(text.data() + from, text.data() + at, bits, base).ec != std::errc()) {
-        broken(ScriptError::InvalidNumber);
+        broken(ExprError::InvalidNumber);
         return text.size();
     }
     const bool longInt = at < text.size() && text[at] == '&';
-    addLiteral(longInt || bits > UINT16_MAX ? ScriptValue::longInt(static_cast<int32_t>(bits))
-                                            : ScriptValue::integer(static_cast<int16_t>(bits)));
+    addLiteral(longInt || bits > UINT16_MAX ? ExprValue::longInt(static_cast<int32_t>(bits))
+                                            : ExprValue::integer(static_cast<int16_t>(bits)));
     return longInt ? at + 1 : at;
 }
 
-size_t ScriptTokens::readOperator(std::string_view text, size_t at) {
+size_t ExprTokens::readOperator(std::string_view text, size_t at) {
     const char next = at + 1 < text.size() ? text[at + 1] : ' ';
     const auto digitAt = [&](bool (*isOne)(char)) {
         return at + 2 < text.size() && isOne(text[at + 2]);
@@ -279,7 +279,7 @@ size_t ScriptTokens::readOperator(std::string_view text, size_t at) {
             return at + 1 + two;
         }
         default:
-            broken(ScriptError::InvalidCharacter);
+            broken(ExprError::InvalidCharacter);
             return text.size();
     }
 }

@@ -1,5 +1,5 @@
 // One value of the formula language, with the types, conversions and texts that the language has.
-// Everything that fails throws ScriptError with the language's own error number.
+// Everything that fails throws ExprError with the language's own error number.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace owb {
 
-struct ScriptError {
+struct ExprError {
     enum Number {
         InvalidCall = 5,  // an argument outside what the function takes
         Overflow = 6,
@@ -33,7 +33,7 @@ struct ScriptError {
     std::string name;  // the name that the error is about; "" none
 };
 
-class ScriptValue {
+class ExprValue {
   public:
     // Missing is an argument left out between commas.
     enum class Type : uint8_t {
@@ -51,31 +51,32 @@ class ScriptValue {
         String
     };
 
-    ScriptValue() = default;
-    static ScriptValue null() { return ScriptValue(Type::Null, int64_t{0}); }
-    static ScriptValue missing() { return ScriptValue(Type::Missing, int64_t{0}); }
-    static ScriptValue boolean(bool v) { return ScriptValue(Type::Boolean, int64_t{v ? -1 : 0}); }
+    ExprValue() = default;
+    static ExprValue null() { return ExprValue(Type::Null, int64_t{0}); }
+    static ExprValue missing() { return ExprValue(Type::Missing, int64_t{0}); }
+    static ExprValue boolean(bool v) { return ExprValue(Type::Boolean, int64_t{v ? -1 : 0}); }
     // Integer where it fits, else Long, else Double: the type of a literal.
-    static ScriptValue whole(int64_t v);
+    static ExprValue whole(int64_t v);
     // The given type where it fits, else the next wider one (Byte, Integer, Long, Double).
-    static ScriptValue wholeOf(Type atLeast, int64_t v);
-    static ScriptValue integer(int64_t v) { return ScriptValue(Type::Integer, v); }
-    static ScriptValue longInt(int64_t v) { return ScriptValue(Type::Long, v); }
-    static ScriptValue single(double v);  // Double where the value is too large
-    static ScriptValue number(double v);  // Overflow when it is not finite
-    static ScriptValue currency(int64_t tenThousandths) {
-        return ScriptValue(Type::Currency, tenThousandths);
+    static ExprValue wholeOf(Type atLeast, int64_t v);
+    static ExprValue integer(int64_t v) { return ExprValue(Type::Integer, v); }
+    static ExprValue longInt(int64_t v) { return ExprValue(Type::Long, v); }
+    static ExprValue single(double v);  // Double where the value is too large
+    static ExprValue number(double v);  // Overflow when it is not finite
+    static ExprValue currency(int64_t tenThousandths) {
+        return ExprValue(Type::Currency, tenThousandths);
     }
     // Days since 1899-12-30 with the time of day as fraction; a Double beyond the calendar.
-    static ScriptValue date(double days);
-    static ScriptValue text(std::string v) {
-        ScriptValue result;
+    static ExprValue date(double days);
+    static ExprValue text(std::string v) {
+        ExprValue result;
         result.type_ = Type::String;
         result.text_ = std::move(v);
         return result;
     }
 
     Type type() const { return type_; }
+    const char* typeName() const;
     bool isNull() const { return type_ == Type::Null; }
     bool isEmpty() const { return type_ == Type::Empty; }
     bool isMissing() const { return type_ == Type::Missing; }
@@ -104,8 +105,8 @@ class ScriptValue {
     std::string display() const { return isNull() ? "" : toText(); }
 
   private:
-    ScriptValue(Type type, int64_t v) : type_(type), whole_(v) {}
-    ScriptValue(Type type, double v) : type_(type), number_(v) {}
+    ExprValue(Type type, int64_t v) : type_(type), whole_(v) {}
+    ExprValue(Type type, double v) : type_(type), number_(v) {}
 
     Type type_ = Type::Empty;
     union {
@@ -117,13 +118,13 @@ class ScriptValue {
 
 constexpr int64_t kCurrencyUnit = 10000;
 // The longest text of the language, and what one evaluation may make of texts in all, in bytes.
-constexpr size_t kScriptTextLimit = size_t{32} << 20;
-constexpr size_t kScriptTextTotal = size_t{128} << 20;
+constexpr size_t kExprTextLimit = size_t{32} << 20;
+constexpr size_t kExprTextTotal = size_t{128} << 20;
 
 // Reads a number as the language reads texts: blanks around it, a sign before or behind, commas
 // among the whole digits, a currency sign, parentheses for negative, an exponent, &H and &O.
-bool scriptNumber(std::string_view text, double& out);
+bool exprNumber(std::string_view text, double& out);
 // Up to so many significant digits, with an exponent from 1E+15 on and below 0.0001.
-std::string scriptNumberText(double value, int digits = 15);
+std::string exprNumberText(double value, int digits = 15);
 
 }  // namespace owb

@@ -2,16 +2,16 @@
 // Xor, Eqv, Imp, all from left to right.
 #include <algorithm>
 
-#include "formula/ScriptFunctions.h"
-#include "formula/ScriptProgram.h"
+#include "formula/ExprFunctions.h"
+#include "formula/ExprProgram.h"
 
 namespace owb {
 
 namespace {
 
-using Op = ScriptOperator;
-using Token = ScriptToken;
-using Code = ScriptProgram::Instruction;
+using Op = ExprOperator;
+using Token = ExprToken;
+using Code = ExprProgram::Instruction;
 
 constexpr int kDeepest = 2000;  // nested parentheses and signs
 constexpr int kSignLevel = 13, kNotLevel = 6, kLowest = 1;
@@ -62,19 +62,19 @@ bool isReserved(std::string_view name) {
 
 class Parser {
   public:
-    explicit Parser(const ScriptTokens& tokens) : tokens_(tokens.tokens) {}
+    explicit Parser(const ExprTokens& tokens) : tokens_(tokens.tokens) {}
 
-    ScriptProgram parse() {
+    ExprProgram parse() {
         parseLevel(kLowest);
-        if (here().kind != Token::End) fail(ScriptError::EndOfStatement);
+        if (here().kind != Token::End) fail(ExprError::EndOfStatement);
         return std::move(program_);
     }
 
   private:
     const Token& here() const { return tokens_[at_]; }
     void next() { ++at_; }
-    [[noreturn]] void fail(ScriptError::Number number) const {
-        throw ScriptError{here().kind == Token::Broken ? here().error : number};
+    [[noreturn]] void fail(ExprError::Number number) const {
+        throw ExprError{here().kind == Token::Broken ? here().error : number};
     }
     void emit(Code::Kind kind, Op op, size_t index = 0, size_t count = 0) {
         program_.instructions.push_back(
@@ -83,7 +83,7 @@ class Parser {
 
     // An operand and all operators behind it that bind at least as tightly as the level.
     void parseLevel(int level) {
-        if (++depth_ > kDeepest) throw ScriptError{ScriptError::OutOfStack};
+        if (++depth_ > kDeepest) throw ExprError{ExprError::OutOfStack};
         parseOperand();
         while (here().kind == Token::Operator) {
             const Op op = here().op;
@@ -106,7 +106,7 @@ class Parser {
             case Token::Operator: {
                 const bool isNot = token.op == Op::Not;
                 if (!isNot && token.op != Op::Add && token.op != Op::Subtract)
-                    fail(ScriptError::Syntax);
+                    fail(ExprError::Syntax);
                 next();
                 parseLevel(isNot ? kNotLevel : kSignLevel);
                 emit(Code::Unary, isNot                      ? Op::Not
@@ -117,22 +117,22 @@ class Parser {
             case Token::Open:
                 next();
                 parseLevel(kLowest);
-                if (here().kind != Token::Close) fail(ScriptError::ClosingParenthesis);
+                if (here().kind != Token::Close) fail(ExprError::ClosingParenthesis);
                 next();
                 return;
             case Token::Name:
-                if (!token.bracketed && isReserved(token.text)) fail(ScriptError::Syntax);
+                if (!token.bracketed && isReserved(token.text)) fail(ExprError::Syntax);
                 next();
                 if (!token.bracketed && parseWord(token.text)) return;
                 parseName(token);
                 parseMembers();
                 return;
             default:
-                fail(ScriptError::Syntax);
+                fail(ExprError::Syntax);
         }
     }
 
-    void pushConstant(const ScriptValue& value) {
+    void pushConstant(const ExprValue& value) {
         program_.constants.push_back(value);
         emit(Code::Constant, Op::Plus, program_.constants.size() - 1);
     }
@@ -140,22 +140,22 @@ class Parser {
     // A word that is a value of the language, which nothing can be asked of.
     bool parseWord(std::string_view word) {
         if (word == "TRUE" || word == "FALSE")
-            pushConstant(ScriptValue::boolean(word == "TRUE"));
+            pushConstant(ExprValue::boolean(word == "TRUE"));
         else if (word == "NULL" || word == "EMPTY")
-            pushConstant(word == "NULL" ? ScriptValue::null() : ScriptValue());
+            pushConstant(word == "NULL" ? ExprValue::null() : ExprValue());
         else if (word == "NOTHING")
-            emit(Code::Fail, Op::Plus, ScriptError::NoObject);
+            emit(Code::Fail, Op::Plus, ExprError::NoObject);
         else
             return false;
         return true;
     }
 
     void parseName(const Token& token) {
-        if (const ScriptValue* constant = findScriptConstant(token.text))
+        if (const ExprValue* constant = findExprConstant(token.text))
             return pushConstant(*constant);
         const bool call = here().kind == Token::Open;
         const size_t count = call ? parseArguments() : 0;
-        if (const ScriptFunction* function = findScriptFunction(token.text)) {
+        if (const ExprFunction* function = findExprFunction(token.text)) {
             program_.functions.push_back(function);
             return emit(Code::Call, Op::Plus, program_.functions.size() - 1, count);
         }
@@ -172,12 +172,12 @@ class Parser {
         }
         for (size_t count = 1;; ++count) {
             if (here().kind == Token::Comma || (here().kind == Token::Close && count > 1)) {
-                pushConstant(ScriptValue::missing());
+                pushConstant(ExprValue::missing());
             } else {
                 parseLevel(kLowest);
             }
             const Token::Kind kind = here().kind;
-            if (kind != Token::Comma && kind != Token::Close) fail(ScriptError::ClosingParenthesis);
+            if (kind != Token::Comma && kind != Token::Close) fail(ExprError::ClosingParenthesis);
             next();
             if (kind == Token::Close) return count;
         }
@@ -189,25 +189,25 @@ class Parser {
             const bool member = here().kind == Token::Dot;
             if (member) {
                 next();
-                if (here().kind != Token::Name) fail(ScriptError::Syntax);
+                if (here().kind != Token::Name) fail(ExprError::Syntax);
                 next();
             } else {
                 parseArguments();
             }
             emit(Code::Fail, Op::Plus,
-                 member ? ScriptError::ObjectRequired : ScriptError::TypeMismatch);
+                 member ? ExprError::ObjectRequired : ExprError::TypeMismatch);
         }
     }
 
     const std::vector<Token>& tokens_;
     size_t at_ = 0;
     int depth_ = 0;
-    ScriptProgram program_;
+    ExprProgram program_;
 };
 
 }  // namespace
 
-ScriptProgram parseScript(const ScriptTokens& tokens) {
+ExprProgram parseExpr(const ExprTokens& tokens) {
     return Parser(tokens).parse();
 }
 

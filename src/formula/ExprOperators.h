@@ -3,11 +3,11 @@
 // by a number is a date. Null makes the result Null.
 #pragma once
 
-#include "formula/ScriptValue.h"
+#include "formula/ExprValue.h"
 
 namespace owb {
 
-enum class ScriptOperator : uint8_t {
+enum class ExprOperator : uint8_t {
     Power,
     Negate,
     Plus,  // the sign
@@ -33,11 +33,11 @@ enum class ScriptOperator : uint8_t {
     Imp
 };
 
-ScriptValue applyOperator(ScriptOperator op, const ScriptValue& operand);
-ScriptValue applyOperator(ScriptOperator op, const ScriptValue& a, const ScriptValue& b);
+ExprValue applyOperator(ExprOperator op, const ExprValue& operand);
+ExprValue applyOperator(ExprOperator op, const ExprValue& a, const ExprValue& b);
 
 // Negative, 0 or positive; neither may be Null. Two texts by their characters; a numeric text
 // beside a number as its number, a date text beside a date as its date, any other text is greater.
-int compareScript(const ScriptValue& a, const ScriptValue& b);
+int compareExpr(const ExprValue& a, const ExprValue& b);
 
 }  // namespace owb

@@ -1,11 +1,11 @@
-#include "formula/ScriptDates.h"
+#include "formula/ExprDates.h"
 
 #include <cmath>
 #include <optional>
 #include <vector>
 
 #include "base/utf8.h"
-#include "formula/ScriptValue.h"
+#include "formula/ExprValue.h"
 
 namespace owb {
 
@@ -18,46 +18,46 @@ int floorDivide(int a, int b) {
     return a / b - (a % b != 0 && (a % b < 0) != (b < 0));
 }
 
-int64_t allSeconds(const ScriptMoment& moment) {
+int64_t allSeconds(const ExprMoment& moment) {
     return int64_t{moment.day} * kSecondsPerDay + moment.seconds;
 }
 
 }  // namespace
 
-ScriptMoment scriptMoment(double days) {
+ExprMoment exprMoment(double days) {
     const double whole = std::trunc(days);
-    ScriptMoment moment{static_cast<int>(whole),
-                        static_cast<int>(std::lround(std::fabs(days - whole) * kSecondsPerDay))};
+    ExprMoment moment{static_cast<int>(whole),
+                      static_cast<int>(std::lround(std::fabs(days - whole) * kSecondsPerDay))};
     if (moment.seconds == kSecondsPerDay) moment = {moment.day + 1, 0};
     return moment;
 }
 
-double scriptDays(const ScriptMoment& moment) {
+double exprDays(const ExprMoment& moment) {
     const double fraction = static_cast<double>(moment.seconds) / kSecondsPerDay;
     return moment.day < 0 ? moment.day - fraction : moment.day + fraction;
 }
 
-double scriptDays(const DateTime& date) {
-    return scriptDays(ScriptMoment{date.day + kEpoch, date.milliseconds() / 1000});
+double exprDays(const DateTime& date) {
+    return exprDays(ExprMoment{date.day + kEpoch, date.milliseconds() / 1000});
 }
 
-CivilDate scriptCivil(int day) {
+CivilDate exprCivil(int day) {
     return DateTime{day - kEpoch}.civil();
 }
 
-bool scriptDayNumber(int64_t year, int64_t month, int64_t day, int& out) {
+bool exprDayNumber(int64_t year, int64_t month, int64_t day, int& out) {
     if (year >= 0 && year < 100) year += year < 30 ? 2000 : 1900;
     const int64_t months = year * 12 + month - 1;
     if (months < 0 || months >= int64_t{10000} * 12 || std::llabs(day) > 4000000) return false;
     const int64_t number =
         DateTime::dayNumber(static_cast<int>(months / 12), static_cast<int>(months % 12) + 1, 1) +
         kEpoch + day - 1;
-    if (number < kFirstScriptDay || number > kLastScriptDay) return false;
+    if (number < kFirstExprDay || number > kLastExprDay) return false;
     out = static_cast<int>(number);
     return true;
 }
 
-int scriptWeekday(int day) {
+int exprWeekday(int day) {
     return DateTime{day - kEpoch}.weekday();
 }
 
@@ -152,8 +152,8 @@ bool takeTime(std::vector<Piece>& pieces, std::optional<int>& seconds) {
 
 bool validDay(const Piece& year, int month, int day, int& out) {
     if (year.digits == 3 || month < 1 || month > 12) return false;
-    if (!scriptDayNumber(year.value, month, 1, out)) return false;
-    if (day < 1 || day > daysInMonth(scriptCivil(out).year, month)) return false;
+    if (!exprDayNumber(year.value, month, 1, out)) return false;
+    if (day < 1 || day > daysInMonth(exprCivil(out).year, month)) return false;
     out += day - 1;
     return true;
 }
@@ -188,32 +188,32 @@ bool dateOf(const std::vector<Piece>& pieces, int& day) {
 
 }  // namespace
 
-bool readScriptDate(std::string_view text, double& days) {
+bool readExprDate(std::string_view text, double& days) {
     std::vector<Piece> pieces;
     std::optional<int> seconds;
     if (!splitDate(text, pieces) || pieces.empty() || !takeTime(pieces, seconds)) return false;
-    ScriptMoment moment{0, seconds.value_or(0)};
+    ExprMoment moment{0, seconds.value_or(0)};
     if (!pieces.empty() || !seconds) {
         if (!dateOf(pieces, moment.day)) return false;
     }
-    days = scriptDays(moment);
+    days = exprDays(moment);
     return true;
 }
 
-std::string scriptTimeText(int seconds) {
+std::string exprTimeText(int seconds) {
     const int hour = seconds / 3600;
     const auto two = [](int n) { return std::string(n < 10 ? ":0" : ":") + std::to_string(n); };
     return std::to_string((hour + 11) % 12 + 1) + two(seconds / 60 % 60) + two(seconds % 60) +
            (hour < 12 ? " AM" : " PM");
 }
 
-std::string scriptDateText(double days) {
-    const ScriptMoment moment = scriptMoment(days);
-    if (moment.day == 0) return scriptTimeText(moment.seconds);
-    const CivilDate civil = scriptCivil(moment.day);
+std::string exprDateText(double days) {
+    const ExprMoment moment = exprMoment(days);
+    if (moment.day == 0) return exprTimeText(moment.seconds);
+    const CivilDate civil = exprCivil(moment.day);
     const std::string date = std::to_string(civil.month) + "/" + std::to_string(civil.day) + "/" +
                              std::to_string(civil.year);
-    return moment.seconds == 0 ? date : date + " " + scriptTimeText(moment.seconds);
+    return moment.seconds == 0 ? date : date + " " + exprTimeText(moment.seconds);
 }
 
 // --- intervals ---
@@ -230,20 +230,20 @@ Unit unitOf(std::string_view interval) {
     };
     for (const auto& [name, unit] : kUnits)
         if (equalsIgnoreCaseAscii(interval, name)) return unit;
-    throw ScriptError{ScriptError::InvalidCall};
+    throw ExprError{ExprError::InvalidCall};
 }
 
 int weekIndex(int day, int firstDayOfWeek) {
-    return floorDivide(day + scriptWeekday(0) - firstDayOfWeek, 7);
+    return floorDivide(day + exprWeekday(0) - firstDayOfWeek, 7);
 }
 
 int weekOfYear(int day, int firstDayOfWeek, int firstWeekOfYear) {
-    const int year = scriptCivil(day).year;
+    const int year = exprCivil(day).year;
     // First day of week 1 of a year.
     const auto start = [&](int of) {
         int january1 = 0;
-        scriptDayNumber(of, 1, 1, january1);
-        const int before = (scriptWeekday(january1) - firstDayOfWeek + 7) % 7;
+        exprDayNumber(of, 1, 1, january1);
+        const int before = (exprWeekday(january1) - firstDayOfWeek + 7) % 7;
         const bool ownWeek =
             before == 0 || firstWeekOfYear == 1 || (firstWeekOfYear == 2 && before <= 3);
         return january1 - before + (ownWeek ? 0 : 7);
@@ -255,19 +255,19 @@ int weekOfYear(int day, int firstDayOfWeek, int firstWeekOfYear) {
 
 }  // namespace
 
-double scriptDateAdd(std::string_view interval, double number, double days) {
-    ScriptMoment moment = scriptMoment(days);
+double exprDateAdd(std::string_view interval, double number, double days) {
+    ExprMoment moment = exprMoment(days);
     const double count = std::nearbyint(number);
     const Unit unit = unitOf(interval);
-    if (!(std::fabs(count) <= 400000000000.0)) throw ScriptError{ScriptError::Overflow};
+    if (!(std::fabs(count) <= 400000000000.0)) throw ExprError{ExprError::Overflow};
     const int64_t n = static_cast<int64_t>(count);
     const auto movedBy = [&](int64_t months) {
-        const CivilDate civil = scriptCivil(moment.day);
+        const CivilDate civil = exprCivil(moment.day);
         const int64_t target = int64_t{civil.year} * 12 + civil.month - 1 + months;
-        if (target < 1200 || target >= 120000) throw ScriptError{ScriptError::InvalidCall};
+        if (target < 1200 || target >= 120000) throw ExprError{ExprError::InvalidCall};
         const int year = static_cast<int>(target / 12), month = static_cast<int>(target % 12) + 1;
-        scriptDayNumber(year, month, std::min(civil.day, daysInMonth(year, month)), moment.day);
-        return scriptDays(moment);
+        exprDayNumber(year, month, std::min(civil.day, daysInMonth(year, month)), moment.day);
+        return exprDays(moment);
     };
     int64_t seconds = kSecondsPerDay;
     switch (unit) {
@@ -294,14 +294,14 @@ double scriptDateAdd(std::string_view interval, double number, double days) {
     }
     const int64_t total = allSeconds(moment) + n * seconds;
     const int64_t day = total >= 0 ? total / kSecondsPerDay : (total + 1) / kSecondsPerDay - 1;
-    if (day < kFirstScriptDay || day > kLastScriptDay) throw ScriptError{ScriptError::InvalidCall};
-    return scriptDays(
-        ScriptMoment{static_cast<int>(day), static_cast<int>(total - day * kSecondsPerDay)});
+    if (day < kFirstExprDay || day > kLastExprDay) throw ExprError{ExprError::InvalidCall};
+    return exprDays(
+        ExprMoment{static_cast<int>(day), static_cast<int>(total - day * kSecondsPerDay)});
 }
 
-double scriptDateDiff(std::string_view interval, double from, double to, int firstDayOfWeek) {
-    const ScriptMoment a = scriptMoment(from), b = scriptMoment(to);
-    const CivilDate first = scriptCivil(a.day), last = scriptCivil(b.day);
+double exprDateDiff(std::string_view interval, double from, double to, int firstDayOfWeek) {
+    const ExprMoment a = exprMoment(from), b = exprMoment(to);
+    const CivilDate first = exprCivil(a.day), last = exprCivil(b.day);
     const int years = last.year - first.year;
     switch (unitOf(interval)) {
         case Unit::Year:
@@ -327,10 +327,9 @@ double scriptDateDiff(std::string_view interval, double from, double to, int fir
     return static_cast<double>(allSeconds(b) - allSeconds(a));
 }
 
-int scriptDatePart(std::string_view interval, double days, int firstDayOfWeek,
-                   int firstWeekOfYear) {
-    const ScriptMoment moment = scriptMoment(days);
-    const CivilDate civil = scriptCivil(moment.day);
+int exprDatePart(std::string_view interval, double days, int firstDayOfWeek, int firstWeekOfYear) {
+    const ExprMoment moment = exprMoment(days);
+    const CivilDate civil = exprCivil(moment.day);
     int january1 = 0;
     switch (unitOf(interval)) {
         case Unit::Year:
@@ -340,12 +339,12 @@ int scriptDatePart(std::string_view interval, double days, int firstDayOfWeek,
         case Unit::Month:
             return civil.month;
         case Unit::DayOfYear:
-            scriptDayNumber(civil.year, 1, 1, january1);
+            exprDayNumber(civil.year, 1, 1, january1);
             return moment.day - january1 + 1;
         case Unit::Day:
             return civil.day;
         case Unit::Weekday:
-            return (scriptWeekday(moment.day) - firstDayOfWeek + 7) % 7 + 1;
+            return (exprWeekday(moment.day) - firstDayOfWeek + 7) % 7 + 1;
         case Unit::Week:
             return weekOfYear(moment.day, firstDayOfWeek, firstWeekOfYear);
         case Unit::Hour:

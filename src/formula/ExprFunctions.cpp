@@ -1,25 +1,25 @@
-#include "formula/ScriptFunctions.h"
+#include "formula/ExprFunctions.h"
 
 #include <string>
 #include <unordered_map>
 
 namespace owb {
 
-const ScriptFunction* findScriptFunction(std::string_view name) {
+const ExprFunction* findExprFunction(std::string_view name) {
     static const auto functions = [] {
-        std::unordered_map<std::string_view, const ScriptFunction*> all;
-        for (const auto& group : {scriptNumberFunctions(), scriptConversions(),
-                                  scriptTextFunctions(), scriptDateFunctions(), scriptLibrary()})
-            for (const ScriptFunction& function : group) all.emplace(function.name, &function);
+        std::unordered_map<std::string_view, const ExprFunction*> all;
+        for (const auto& group : {exprNumberFunctions(), exprConversions(), exprTextFunctions(),
+                                  exprDateFunctions(), exprLibrary()})
+            for (const ExprFunction& function : group) all.emplace(function.name, &function);
         return all;
     }();
     const auto found = functions.find(name);
     return found == functions.end() ? nullptr : found->second;
 }
 
-const ScriptValue* findScriptConstant(std::string_view name) {
+const ExprValue* findExprConstant(std::string_view name) {
     static const auto constants = [] {
-        std::unordered_map<std::string_view, ScriptValue> all;
+        std::unordered_map<std::string_view, ExprValue> all;
         static constexpr std::pair<const char*, int> kNumbers[] = {
             {"VBBINARYCOMPARE", 0}, {"VBTEXTCOMPARE", 1},   {"VBUSESYSTEMDAYOFWEEK", 0},
             {"VBSUNDAY", 1},        {"VBMONDAY", 2},        {"VBTUESDAY", 3},
@@ -35,13 +35,13 @@ const ScriptValue* findScriptConstant(std::string_view name) {
             {"VBBOOLEAN", 11},      {"VBVARIANT", 12},      {"VBDATAOBJECT", 13},
             {"VBDECIMAL", 14},      {"VBBYTE", 17},         {"VBARRAY", 8192},
         };
-        for (const auto& [word, value] : kNumbers) all[word] = ScriptValue::whole(value);
+        for (const auto& [word, value] : kNumbers) all[word] = ExprValue::whole(value);
         static constexpr std::pair<const char*, std::string_view> kTexts[] = {
             {"VBCR", "\r"},          {"VBLF", "\n"},       {"VBCRLF", "\r\n"},
             {"VBNEWLINE", "\r\n"},   {"VBTAB", "\t"},      {"VBFORMFEED", "\f"},
             {"VBVERTICALTAB", "\v"}, {"VBNULLSTRING", ""}, {"VBNULLCHAR", {"\0", 1}},
         };
-        for (const auto& [word, value] : kTexts) all[word] = ScriptValue::text(std::string(value));
+        for (const auto& [word, value] : kTexts) all[word] = ExprValue::text(std::string(value));
         return all;
     }();
     const auto found = constants.find(name);

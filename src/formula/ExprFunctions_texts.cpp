@@ -6,31 +6,31 @@
 #include "base/decimal.h"
 #include "base/number_text.h"
 #include "base/utf8.h"
-#include "formula/ScriptFunctions.h"
+#include "formula/ExprFunctions.h"
 
 namespace owb {
 
 namespace {
 
-using Arguments = ScriptArguments;
+using Arguments = ExprArguments;
 
 [[noreturn]] void invalidCall() {
-    throw ScriptError{ScriptError::InvalidCall};
+    throw ExprError{ExprError::InvalidCall};
 }
 
 void checkLength(size_t bytes) {
-    if (bytes > kScriptTextLimit) throw ScriptError{ScriptError::OutOfMemory};
+    if (bytes > kExprTextLimit) throw ExprError{ExprError::OutOfMemory};
 }
 
-size_t countOf(const ScriptValue& v) {
+size_t countOf(const ExprValue& v) {
     const int64_t n = v.toLong();
     if (n < 0) invalidCall();
     return static_cast<size_t>(n);
 }
 
 // Null stays Null in the functions that go through here.
-ScriptValue ofText(const ScriptValue& v, std::string (*change)(std::string_view)) {
-    return v.isNull() ? v : ScriptValue::text(change(v.toText()));
+ExprValue ofText(const ExprValue& v, std::string (*change)(std::string_view)) {
+    return v.isNull() ? v : ExprValue::text(change(v.toText()));
 }
 
 std::string trimLeft(std::string_view text) {
@@ -50,24 +50,24 @@ std::string reversed(std::string_view text) {
     return result;
 }
 
-ScriptValue left(const Arguments& a) {
+ExprValue left(const Arguments& a) {
     if (a[0].isNull()) return a[0];
-    return ScriptValue::text(utf8Substr(a[0].toText(), 0, countOf(a[1])));
+    return ExprValue::text(utf8Substr(a[0].toText(), 0, countOf(a[1])));
 }
 
-ScriptValue right(const Arguments& a) {
+ExprValue right(const Arguments& a) {
     if (a[0].isNull()) return a[0];
     const std::string text = a[0].toText();
     const size_t length = utf8Length(text), count = std::min(countOf(a[1]), length);
-    return ScriptValue::text(utf8Substr(text, length - count, count));
+    return ExprValue::text(utf8Substr(text, length - count, count));
 }
 
-ScriptValue middle(const Arguments& a) {
+ExprValue middle(const Arguments& a) {
     if (a[0].isNull()) return a[0];
     const size_t start = countOf(a[1]);
     if (start == 0) invalidCall();
     const size_t count = a.has(2) ? countOf(a[2]) : std::string::npos;
-    return ScriptValue::text(utf8Substr(a[0].toText(), start - 1, count));
+    return ExprValue::text(utf8Substr(a[0].toText(), start - 1, count));
 }
 
 // 0 compares characters, 1 in any case.
@@ -77,7 +77,7 @@ bool anyCase(const Arguments& a, size_t i) {
     return mode == 1;
 }
 
-std::string searchable(const ScriptValue& v, bool ignoreCase) {
+std::string searchable(const ExprValue& v, bool ignoreCase) {
     const std::string text = v.toText();
     return ignoreCase ? lowerCase(text) : text;
 }
@@ -97,58 +97,57 @@ size_t offsetOf(std::string_view text, size_t character) {
     return at;
 }
 
-ScriptValue inStr(const Arguments& a) {
+ExprValue inStr(const Arguments& a) {
     const size_t first = a.count() > 2 ? 1 : 0;
-    if (first == 1 && a[0].isNull()) throw ScriptError{ScriptError::InvalidNull};
+    if (first == 1 && a[0].isNull()) throw ExprError{ExprError::InvalidNull};
     const int64_t start = first == 1 ? a.longOr(0, 1) : 1;
     const bool ignoreCase = anyCase(a, 3);
-    if (a[first].isNull() || a[first + 1].isNull()) return ScriptValue::null();
+    if (a[first].isNull() || a[first + 1].isNull()) return ExprValue::null();
     if (start < 1) invalidCall();
     const std::string text = searchable(a[first], ignoreCase);
     const std::string key = searchable(a[first + 1], ignoreCase);
-    if (text.empty() || static_cast<size_t>(start) > utf8Length(text))
-        return ScriptValue::longInt(0);
-    if (key.empty()) return ScriptValue::longInt(start);
+    if (text.empty() || static_cast<size_t>(start) > utf8Length(text)) return ExprValue::longInt(0);
+    if (key.empty()) return ExprValue::longInt(start);
     const size_t found = findText(text, key, offsetOf(text, static_cast<size_t>(start) - 1));
-    return ScriptValue::longInt(found == std::string::npos
-                                    ? 0
-                                    : static_cast<int64_t>(utf8Length(text.substr(0, found))) + 1);
+    return ExprValue::longInt(found == std::string::npos
+                                  ? 0
+                                  : static_cast<int64_t>(utf8Length(text.substr(0, found))) + 1);
 }
 
-ScriptValue inStrRev(const Arguments& a) {
+ExprValue inStrRev(const Arguments& a) {
     const bool ignoreCase = anyCase(a, 3);
-    if (a[0].isNull() || a[1].isNull()) return ScriptValue::null();
+    if (a[0].isNull() || a[1].isNull()) return ExprValue::null();
     int64_t start = a.longOr(2, -1);
     if (start == 0 || start < -1) invalidCall();
     std::string text = searchable(a[0], ignoreCase);
     const std::string key = searchable(a[1], ignoreCase);
     const auto length = static_cast<int64_t>(utf8Length(text));
     if (start == -1) start = length;
-    if (text.empty() || start > length) return ScriptValue::longInt(0);
-    if (key.empty()) return ScriptValue::longInt(start);
+    if (text.empty() || start > length) return ExprValue::longInt(0);
+    if (key.empty()) return ExprValue::longInt(start);
     text.resize(offsetOf(text, static_cast<size_t>(start)));
     const std::string backText = reversed(text), backKey = reversed(key);
     const size_t found = findText(backText, backKey, 0);
-    if (found == std::string::npos) return ScriptValue::longInt(0);
+    if (found == std::string::npos) return ExprValue::longInt(0);
     const size_t at = text.size() - found - key.size();
-    return ScriptValue::longInt(static_cast<int64_t>(utf8Length(text.substr(0, at))) + 1);
+    return ExprValue::longInt(static_cast<int64_t>(utf8Length(text.substr(0, at))) + 1);
 }
 
-ScriptValue strComp(const Arguments& a) {
+ExprValue strComp(const Arguments& a) {
     const bool ignoreCase = anyCase(a, 2);
-    if (a[0].isNull() || a[1].isNull()) return ScriptValue::null();
+    if (a[0].isNull() || a[1].isNull()) return ExprValue::null();
     const int order = searchable(a[0], ignoreCase).compare(searchable(a[1], ignoreCase));
-    return ScriptValue::integer(order < 0 ? -1 : order > 0);
+    return ExprValue::integer(order < 0 ? -1 : order > 0);
 }
 
-ScriptValue replaced(const Arguments& a) {
+ExprValue replaced(const Arguments& a) {
     const std::string whole = a[0].toText(), key = a[1].toText(), with = a[2].toText();
     const int64_t start = a.longOr(3, 1);
     int64_t count = a.longOr(4, -1);
     const bool ignoreCase = anyCase(a, 5);
     if (start < 1 || count < -1) invalidCall();
     const std::string text = whole.substr(offsetOf(whole, static_cast<size_t>(start) - 1));
-    if (key.empty()) return ScriptValue::text(text);
+    if (key.empty()) return ExprValue::text(text);
     // A letter whose other case has more bytes would shift the places: then cases must match.
     std::string searched = ignoreCase ? lowerCase(text) : text;
     if (searched.size() != text.size()) searched = text;
@@ -162,10 +161,10 @@ ScriptValue replaced(const Arguments& a) {
         checkLength(result.size() + text.size() - found);
         at = found + wanted.size();
     }
-    return ScriptValue::text(result.append(text, std::min(at, text.size())));
+    return ExprValue::text(result.append(text, std::min(at, text.size())));
 }
 
-ScriptValue repeated(const Arguments& a) {
+ExprValue repeated(const Arguments& a) {
     const size_t count = countOf(a[0]);
     std::string character;
     if (a[1].isNull()) return a[1];
@@ -179,41 +178,41 @@ ScriptValue repeated(const Arguments& a) {
     std::string text;
     text.reserve(count * character.size());
     for (size_t i = 0; i < count; ++i) text += character;
-    return ScriptValue::text(std::move(text));
+    return ExprValue::text(std::move(text));
 }
 
-ScriptValue spaces(const Arguments& a) {
+ExprValue spaces(const Arguments& a) {
     const size_t count = countOf(a[0]);
     checkLength(count);
-    return ScriptValue::text(std::string(count, ' '));
+    return ExprValue::text(std::string(count, ' '));
 }
 
-char32_t firstCharacter(const ScriptValue& v) {
+char32_t firstCharacter(const ExprValue& v) {
     const std::string text = v.toText();
     if (text.empty()) invalidCall();
     size_t at = 0;
     return nextCodePoint(text, at);
 }
 
-ScriptValue ansiCode(const Arguments& a) {
+ExprValue ansiCode(const Arguments& a) {
     const int byte = ansiByte(firstCharacter(a[0]));
-    return ScriptValue::integer(byte < 0 ? '?' : byte);
+    return ExprValue::integer(byte < 0 ? '?' : byte);
 }
 
-ScriptValue ansiCharacter(const Arguments& a) {
+ExprValue ansiCharacter(const Arguments& a) {
     const int64_t code = a[0].toLong();
     if (code < 0 || code > 255) invalidCall();
     std::string text;
     appendCodePoint(text, ansiCodePoint(static_cast<uint8_t>(code)));
-    return ScriptValue::text(text);
+    return ExprValue::text(text);
 }
 
-ScriptValue wideCharacter(const Arguments& a) {
+ExprValue wideCharacter(const Arguments& a) {
     const int64_t code = a[0].toWhole(INT16_MIN, UINT16_MAX) & UINT16_MAX;
     if (code >= 0xD800 && code < 0xE000) invalidCall();  // half of a character
     std::string text;
     appendCodePoint(text, static_cast<char32_t>(code));
-    return ScriptValue::text(text);
+    return ExprValue::text(text);
 }
 
 // --- numbers as text ---
@@ -221,7 +220,7 @@ ScriptValue wideCharacter(const Arguments& a) {
 // A number without its sign, with so many places: halves away from zero, judged on the 15 digits
 // that a number shows.
 std::string fixedText(double value, size_t places) {
-    const double shown = std::fabs(textToNumber(scriptNumberText(value)));
+    const double shown = std::fabs(textToNumber(exprNumberText(value)));
     std::string text = shown < 1e-20 ? "0" : numberText(shown);
     Decimal exact;
     if (Decimal::parse(text, exact) && exact.scale() > static_cast<int>(places))
@@ -261,12 +260,11 @@ std::string behindSign(std::string text, const std::string& mark) {
     return text;
 }
 
-constexpr ScriptFunction kTextFunctions[] = {
+constexpr ExprFunction kTextFunctions[] = {
     {"LEN", 1, 1,
      [](const Arguments& a) {
-         return a[0].isNull()
-                    ? a[0]
-                    : ScriptValue::longInt(static_cast<int64_t>(utf8Length(a[0].toText())));
+         return a[0].isNull() ? a[0]
+                              : ExprValue::longInt(static_cast<int64_t>(utf8Length(a[0].toText())));
      }},
     {"LEFT", 2, 2, left},
     {"RIGHT", 2, 2, right},
@@ -285,33 +283,33 @@ constexpr ScriptFunction kTextFunctions[] = {
     {"SPACE", 1, 1, spaces},
     {"STRING", 2, 2, repeated},
     {"STRREVERSE", 1, 1,
-     [](const Arguments& a) { return ScriptValue::text(reversed(a[0].toText())); }},
+     [](const Arguments& a) { return ExprValue::text(reversed(a[0].toText())); }},
     {"STRCOMP", 2, 3, strComp},
     {"ASC", 1, 1, ansiCode},
     {"ASCW", 1, 1,
      [](const Arguments& a) {
-         return ScriptValue::integer(static_cast<int16_t>(firstCharacter(a[0])));
+         return ExprValue::integer(static_cast<int16_t>(firstCharacter(a[0])));
      }},
     {"CHR", 1, 1, ansiCharacter},
     {"CHRW", 1, 1, wideCharacter},
     {"FORMATNUMBER", 1, 5,
-     [](const Arguments& a) { return ScriptValue::text(formatted(a, a[0].toNumber())); }},
+     [](const Arguments& a) { return ExprValue::text(formatted(a, a[0].toNumber())); }},
     {"FORMATCURRENCY", 1, 5,
      [](const Arguments& a) {
          const std::string text = formatted(a, a[0].toNumber(), -1);
-         return ScriptValue::text(behindSign(text, "$"));
+         return ExprValue::text(behindSign(text, "$"));
      }},
     {"FORMATPERCENT", 1, 5,
      [](const Arguments& a) {
          std::string text = formatted(a, a[0].toNumber() * 100);
          text.insert(text.back() == ')' ? text.size() - 1 : text.size(), "%");
-         return ScriptValue::text(text);
+         return ExprValue::text(text);
      }},
 };
 
 }  // namespace
 
-std::span<const ScriptFunction> scriptTextFunctions() {
+std::span<const ExprFunction> exprTextFunctions() {
     return kTextFunctions;
 }
 

@@ -1,10 +1,10 @@
-#include "formula/ScriptValue.h"
+#include "formula/ExprValue.h"
 
 #include <charconv>
 #include <cmath>
 
 #include "base/utf8.h"
-#include "formula/ScriptDates.h"
+#include "formula/ExprDates.h"
 
 namespace owb {
 
@@ -17,11 +17,11 @@ bool isBlank(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-bool fits(ScriptValue::Type type, int64_t v) {
+bool fits(ExprValue::Type type, int64_t v) {
     switch (type) {
-        case ScriptValue::Type::Byte:
+        case ExprValue::Type::Byte:
             return v >= 0 && v <= UINT8_MAX;
-        case ScriptValue::Type::Integer:
+        case ExprValue::Type::Integer:
             return v >= INT16_MIN && v <= INT16_MAX;
         default:
             return v >= INT32_MIN && v <= INT32_MAX;
@@ -40,38 +40,45 @@ bool radixNumber(std::string_view digits, int base, double& out) {
 
 }  // namespace
 
-ScriptValue ScriptValue::whole(int64_t v) {
+const char* ExprValue::typeName() const {
+    static constexpr const char* kNames[] = {"Empty",  "Null",     "Error", "Boolean",
+                                             "Byte",   "Integer",  "Long",  "Single",
+                                             "Double", "Currency", "Date",  "String"};
+    return kNames[static_cast<size_t>(type_)];
+}
+
+ExprValue ExprValue::whole(int64_t v) {
     return wholeOf(Type::Integer, v);
 }
 
-ScriptValue ScriptValue::wholeOf(Type atLeast, int64_t v) {
+ExprValue ExprValue::wholeOf(Type atLeast, int64_t v) {
     for (Type type : {Type::Byte, Type::Integer, Type::Long})
-        if (type >= atLeast && fits(type, v)) return ScriptValue(type, v);
-    return ScriptValue(Type::Double, static_cast<double>(v));
+        if (type >= atLeast && fits(type, v)) return ExprValue(type, v);
+    return ExprValue(Type::Double, static_cast<double>(v));
 }
 
-ScriptValue ScriptValue::single(double v) {
+ExprValue ExprValue::single(double v) {
     const float narrow = static_cast<float>(v);
     if (!std::isfinite(narrow)) return number(v);
-    return ScriptValue(Type::Single, static_cast<double>(narrow));
+    return ExprValue(Type::Single, static_cast<double>(narrow));
 }
 
-ScriptValue ScriptValue::number(double v) {
-    if (!std::isfinite(v)) throw ScriptError{ScriptError::Overflow};
-    return ScriptValue(Type::Double, v);
+ExprValue ExprValue::number(double v) {
+    if (!std::isfinite(v)) throw ExprError{ExprError::Overflow};
+    return ExprValue(Type::Double, v);
 }
 
-ScriptValue ScriptValue::date(double days) {
-    if (!(days >= kFirstScriptDay && days < kLastScriptDay + 1)) return number(days);
-    return ScriptValue(Type::Date, days);
+ExprValue ExprValue::date(double days) {
+    if (!(days >= kFirstExprDay && days < kLastExprDay + 1)) return number(days);
+    return ExprValue(Type::Date, days);
 }
 
-double ScriptValue::toNumber() const {
+double ExprValue::toNumber() const {
     switch (type_) {
         case Type::Empty:
             return 0;
         case Type::Null:
-            throw ScriptError{ScriptError::InvalidNull};
+            throw ExprError{ExprError::InvalidNull};
         case Type::Boolean:
         case Type::Byte:
         case Type::Integer:
@@ -85,35 +92,35 @@ double ScriptValue::toNumber() const {
             return number_;
         case Type::String: {
             double result = 0;
-            if (!scriptNumber(text_, result)) throw ScriptError{ScriptError::TypeMismatch};
-            if (!std::isfinite(result)) throw ScriptError{ScriptError::Overflow};
+            if (!exprNumber(text_, result)) throw ExprError{ExprError::TypeMismatch};
+            if (!std::isfinite(result)) throw ExprError{ExprError::Overflow};
             return result;
         }
         case Type::Missing:
             break;
     }
-    throw ScriptError{ScriptError::TypeMismatch};
+    throw ExprError{ExprError::TypeMismatch};
 }
 
-int64_t ScriptValue::toWhole(int64_t low, int64_t high) const {
+int64_t ExprValue::toWhole(int64_t low, int64_t high) const {
     if (isWhole() && type_ != Type::Currency) {
-        if (whole_ < low || whole_ > high) throw ScriptError{ScriptError::Overflow};
+        if (whole_ < low || whole_ > high) throw ExprError{ExprError::Overflow};
         return whole_;
     }
     const double rounded = std::nearbyint(toNumber());
     if (!(rounded >= static_cast<double>(low) && rounded <= static_cast<double>(high)))
-        throw ScriptError{ScriptError::Overflow};
+        throw ExprError{ExprError::Overflow};
     return static_cast<int64_t>(rounded);
 }
 
-int64_t ScriptValue::toCurrency() const {
+int64_t ExprValue::toCurrency() const {
     if (type_ == Type::Currency) return whole_;
     const double scaled = std::nearbyint(toNumber() * kCurrencyUnit);
-    if (!(std::fabs(scaled) < 9223372036854775807.0)) throw ScriptError{ScriptError::Overflow};
+    if (!(std::fabs(scaled) < 9223372036854775807.0)) throw ExprError{ExprError::Overflow};
     return static_cast<int64_t>(scaled);
 }
 
-bool ScriptValue::toBoolean() const {
+bool ExprValue::toBoolean() const {
     if (type_ == Type::String) {
         if (equalsIgnoreCaseAscii(text_, "TRUE")) return true;
         if (equalsIgnoreCaseAscii(text_, "FALSE")) return false;
@@ -121,12 +128,12 @@ bool ScriptValue::toBoolean() const {
     return toNumber() != 0;
 }
 
-std::string ScriptValue::toText() const {
+std::string ExprValue::toText() const {
     switch (type_) {
         case Type::Empty:
             return "";
         case Type::Null:
-            throw ScriptError{ScriptError::InvalidNull};
+            throw ExprError{ExprError::InvalidNull};
         case Type::Boolean:
             return whole_ ? "True" : "False";
         case Type::Byte:
@@ -141,29 +148,28 @@ std::string ScriptValue::toText() const {
                    (places.empty() ? "" : "." + places);
         }
         case Type::Single:
-            return scriptNumberText(number_, 7);
+            return exprNumberText(number_, 7);
         case Type::Double:
-            return scriptNumberText(number_);
+            return exprNumberText(number_);
         case Type::Date:
-            return scriptDateText(number_);
+            return exprDateText(number_);
         case Type::String:
             return text_;
         case Type::Missing:
             break;
     }
-    throw ScriptError{ScriptError::TypeMismatch};
+    throw ExprError{ExprError::TypeMismatch};
 }
 
-double ScriptValue::toDate() const {
+double ExprValue::toDate() const {
     double days = 0;
-    if (type_ == Type::String && readScriptDate(text_, days)) return days;
+    if (type_ == Type::String && readExprDate(text_, days)) return days;
     days = toNumber();
-    if (!(days >= kFirstScriptDay && days < kLastScriptDay + 1))
-        throw ScriptError{ScriptError::Overflow};
+    if (!(days >= kFirstExprDay && days < kLastExprDay + 1)) throw ExprError{ExprError::Overflow};
     return days;
 }
 
-bool scriptNumber(std::string_view text, double& out) {
+bool exprNumber(std::string_view text, double& out) {
     const auto skipBlanks = [&text] {
         while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
     };
@@ -233,7 +239,7 @@ bool scriptNumber(std::string_view text, double& out) {
     return true;
 }
 
-std::string scriptNumberText(double value, int digits) {
+std::string exprNumberText(double value, int digits) {
     if (value == 0) return "0";
     char buffer[64];
     if (std::fabs(value) < 1e15 && digits == 15 && value == std::floor(value)) {

@@ -1,0 +1,133 @@
+#include <CLI/CLI.hpp>
+#include <ostream>
+
+#include "base/number_text.h"
+#include "ctl/command.h"
+#include "ctl/database.h"
+#include "ctl/text_table.h"
+#include "data/MemorySettingsStore.h"
+#include "data/Session.h"
+#include "data/modCommon.h"
+#include "data/modOWBSetting.h"
+#include "formula/clsEvalFormula.h"
+
+namespace owb::ctl {
+
+namespace {
+
+// Boxes of engines are failures here: nobody sees them.
+class FailureBoxes final : public MessageBoxes {
+  public:
+    BoxAnswer show(const Box& box) override {
+        text += (text.empty() ? "" : "; ") + box.text;
+        return box.defaultAnswer;
+    }
+    std::string text;
+};
+
+class FormulaCommand final : public Command {
+  public:
+    const char* name() const override { return "formula"; }
+    const char* summary() const override {
+        return "Evaluate a stored formula for an employee and month";
+    }
+    const char* contract() const override {
+        return "Prints the number that the formula gives, 0 when it cannot be evaluated. "
+               "MONTHYEAR\n"
+               "is Mmm/YYYY or a month key (year * 12 + month). EMPDETID 0 takes the last version\n"
+               "that has a salary row in the month. Leave and holidays are counted over the "
+               "month,\n"
+               "or from --from to --to. --explain shows the keywords that were filled with their\n"
+               "values, the text after each step of replacement, and the result or the error.";
+    }
+
+    void declare(CLI::App& app) override {
+        app.add_option("DB", db_, "Database")->required();
+        app.add_option("FORMULAID", formula_, "Formula (MAS_FORMULA)")->required();
+        app.add_option("EMPID", employee_, "Employee")->required();
+        app.add_option("EMPDETID", version_, "Version of the employee")->required();
+        app.add_option("MONTHYEAR", month_, "Month")->required();
+        app.add_option("--from", from_, "First day of the span (YYYY-MM-DD)");
+        app.add_option("--to", to_, "Last day of the span (YYYY-MM-DD)");
+        app.add_flag("--explain", explain_, "Tell step by step");
+    }
+
+    int run(Streams& io) override {
+        FailureBoxes boxes;
+        MemorySettingsStore settings;
+        Session session(settings, boxes, wallClock, ".");
+        openDatabase(session.gConn, db_);
+        session.gHostPrefix = FnStrHostPrefix(session);
+        LoadOptSet(session);
+        LoadCaptions(session);
+
+        const int32_t month = monthKey();
+        FormulaTrace trace;
+        double value = 0;
+        if (version_ == 0) {
+            value = FnEvalFormula(session).FnDblEvalSalFormula(formula_, employee_, month, &trace);
+        } else {
+            DateTime from, to;
+            GetMonthPeriod(session, month, from, to);
+            value = FnEvalFormula(session).FnDblEvalFormula(formula_, employee_, version_, month,
+                                                            dateOr(from_, from), dateOr(to_, to),
+                                                            false, "", &trace);
+        }
+        if (explain_) explain(io.out, trace);
+        io.out << numberText(value) << '\n';
+        if (!boxes.text.empty()) throw CommandError(boxes.text);
+        return 0;
+    }
+
+  private:
+    int32_t monthKey() const {
+        const bool key = month_.find_first_not_of("0123456789") == std::string::npos;
+        const int32_t month =
+            key ? static_cast<int32_t>(textToNumber(month_)) : FnLngMonthYearOfText(month_);
+        if (month <= 0) throw CommandError("\"" + month_ + "\" is no month (Mmm/YYYY or its key)");
+        return month;
+    }
+
+    static DateTime dateOr(const std::string& text, DateTime otherwise) {
+        if (text.empty()) return otherwise;
+        const auto date = parseDate(text);
+        if (!date) throw CommandError("\"" + text + "\" is no date (YYYY-MM-DD)");
+        return *date;
+    }
+
+    static void explain(std::ostream& out, const FormulaTrace& trace) {
+        const auto table = [&out](const char* title, const KeywordTable& keywords) {
+            out << title << '\n';
+            std::vector<std::vector<std::string>> rows = {{"Keyword", "Value"}};
+            for (const Keyword& entry : keywords) rows.push_back({entry.keyword, entry.value});
+            out << textTable(rows, {false, false}) << '\n';
+        };
+        out << "Formula: " << trace.strFormula << "\n\n";
+        table("First table", trace.vOther);
+        table("Second table", trace.vSalary);
+        const ExpressionSteps steps =
+            clsExprEval::Explain(trace.strFormula, &trace.vOther, &trace.vSalary);
+        out << "After the first table:  " << steps.keywords1 << '\n'
+            << "After the second table: " << steps.keywords2 << '\n'
+            << "Function names:         " << steps.names << '\n'
+            << "Capitals:               " << steps.capitals << '\n';
+        if (trace.failure.empty())
+            out << "Result:                 " << trace.result.display() << " ("
+                << trace.result.typeName() << ")\n\n";
+        else
+            out << "Failed:                 " << trace.failure << "\n\n";
+    }
+
+    std::string db_, month_, from_, to_;
+    int32_t formula_ = 0, version_ = 0;
+    int64_t employee_ = 0;
+    bool explain_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeFormulaCommand() {
+    return std::make_unique<FormulaCommand>();
+}
+
+}  // namespace owb::ctl
