@@ -183,6 +183,7 @@ void ScreenWindow::run() {
     idle_ = true;
     sync();
     takeFocus();
+    if (focusWidget() == nullptr) focusNext();  // whatever the desktop does when it opens
     if (closeWanted_) screen_.close();
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, this, [this] {
