@@ -45,6 +45,8 @@ std::unique_ptr<Command> makeSqlCommand();
 std::unique_ptr<Command> makeProcessCommand();
 std::unique_ptr<Command> makeScreenCommand();
 std::unique_ptr<Command> makeRegisterCommand();
+std::unique_ptr<Command> makeBalanceCommand();
+std::unique_ptr<Command> makeExplainCommand();
 std::unique_ptr<Command> makeEvalCommand();
 std::unique_ptr<Command> makeFormulaCommand();
 std::unique_ptr<Command> makeCheckCommand();

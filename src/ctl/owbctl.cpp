@@ -13,8 +13,8 @@ using Maker = std::unique_ptr<Command> (*)();
 // The order in which `owbctl help` lists them.
 constexpr Maker kMakers[] = {makeCreateCommand,  makeSampleCommand,  makeSqlCommand,
                              makeProcessCommand, makeScreenCommand,  makeRegisterCommand,
-                             makeEvalCommand,    makeFormulaCommand, makeCheckCommand,
-                             makeBackupCommand};
+                             makeBalanceCommand, makeExplainCommand, makeEvalCommand,
+                             makeFormulaCommand, makeCheckCommand,   makeBackupCommand};
 
 struct Entry {
     std::unique_ptr<Command> command;
