@@ -7,6 +7,7 @@
 #include "base/utf8.h"
 #include "data/Session.h"
 #include "data/modCommon.h"
+#include "formula/clsEvalFormula.h"
 
 namespace owb {
 
@@ -158,6 +159,13 @@ double LeaveCalc::NumberOfLeaves(const AllotRow& row, const AllotFigure& figure)
             tell("figure", [&] { return numberText(custom) + " leaves by the custom query"; });
             return custom;
         }
+    }
+    if (figure.QUERYYN == 2) {
+        const double custom = FnEvalFormula(session_).FnDblEvalFormula(
+            static_cast<int32_t>(figure.FID), row.lngEmpId, row.lngEmpDetId, row.lngMonthYear,
+            row.dteFrom, row.dteTo);
+        tell("figure", [&] { return numberText(custom) + " leaves by the formula"; });
+        return custom;
     }
     tell("figure", [&] { return numberText(figure.NOL) + " leaves"; });
     return figure.NOL;

@@ -158,7 +158,7 @@ TEST(Credit, FiguresChangeByMonthOrYear) {
     EXPECT_EQ(p.credits(1, 12), "4:8.00/8.00 16:8.00/8.00") << "January 2024 is of the year 2023";
 }
 
-TEST(Credit, OwnQueriesReplaceTheNumber) {
+TEST(Credit, OwnQueriesAndFormulasReplaceTheNumber) {
     Worked p;
     struct Query {
         const char *text, *credits;
@@ -175,12 +175,17 @@ TEST(Credit, OwnQueriesReplaceTheNumber) {
         p.run("UPDATE LEV_ALLOTCONFIG SET QUERYYN = 1, FID = LEVID WHERE LEVID = " + p.text(leave));
         ++leave;
     }
+    p.rule(13, 10, kJan, "AUTOALLOTYN = 1, ALLOTTYPE = 1, ALLOTON = 0");
+    p.figure(13, 10, kJan, "4");
+    p.run("INSERT INTO MAS_FORMULA (FORMULAID, FORMULA) VALUES (3, 'Days{PAY DAYS} / 10')");
+    p.run("UPDATE LEV_ALLOTCONFIG SET QUERYYN = 2, FID = 3 WHERE LEVID = 13");
     p.run("DELETE FROM SLC_SALARYCALC_E WHERE EMPID <> 1 OR MONTHYEAR > 24290");
     p.ledgerRows();
     p.process(Way::Bulk);
     EXPECT_EQ(p.credits(1, 10), "1:1.25/1.25 2:1.25/1.25");
     EXPECT_EQ(p.credits(1, 11), "") << "no row is no leave";
     EXPECT_EQ(p.credits(1, 12), "1:4.00/4.00 2:4.00/4.00") << "without a query the number stands";
+    EXPECT_EQ(p.credits(1, 13), "1:3.10/3.10 2:2.90/2.90") << "by a formula";
 }
 
 TEST(Credit, WhatCannotBeWorkedOutIsToldOnceAndStaysMarked) {
