@@ -169,7 +169,7 @@ class DrawnLedger {
         for (size_t v = 0; v < spans.size(); ++v)
             for (int32_t key = kFirst; key <= kLast; ++key) {
                 const auto& [from, to] = months_[static_cast<size_t>(key - kFirst)];
-                if (spans[v].first > to || spans[v].second < from) continue;
+                if (spans[v].first > to || spans[v].second < from || chance(3)) continue;
                 payroll_.salary(id, static_cast<int>(v) + 1, key, key);
                 for (Day day = std::max(from, spans[v].first); day <= std::min(to, spans[v].second);
                      ++day) {

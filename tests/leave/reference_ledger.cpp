@@ -549,9 +549,21 @@ Cents ReferenceLedger::takenIn(int employee, int leave, int head, Day from, Day 
     return sum;
 }
 
+// The opening balance less what was taken since the ledger's beginning: of leave under the row's
+// version, of adjustments under its head.
 Cents ReferenceLedger::opening(const LedgerRow& row) const {
+    const Day start = months_.at(start_).from;
     const auto held = opening_.find({row.employee, row.leave});
-    return held == opening_.end() ? 0 : held->second;
+    Cents balance = held == opening_.end() ? 0 : held->second;
+    for (const Taken& t : taken_)
+        if (t.employee == row.employee && t.version == row.version && t.leave == row.leave &&
+            start <= t.day && t.day < row.from)
+            balance -= t.amount;
+    for (const Adjusted& a : adjusted_)
+        if (a.employee == row.employee && a.head == row.head && a.leave == row.leave &&
+            start <= a.day && a.day < row.from)
+            balance -= a.taken;
+    return balance;
 }
 
 Cents ReferenceLedger::closing(const LedgerRow& last, int rounding) const {
