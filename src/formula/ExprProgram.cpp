@@ -50,6 +50,7 @@ ExprValue ExprProgram::run(std::span<const ExprValue> literals,
                     throw ExprError{ExprError::WrongArguments, function.name};
                 const std::span arguments(stack.data() + stack.size() - code.count, code.count);
                 ExprValue result = function.call(ExprArguments(arguments, now));
+                if (result.isMissing()) throw ExprError{ExprError::TypeMismatch};
                 stack.resize(stack.size() - code.count);
                 stack.push_back(std::move(result));
                 break;
