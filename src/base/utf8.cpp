@@ -108,6 +108,13 @@ bool validUtf8(std::string_view text) {
 }
 
 std::string upperCase(std::string_view text) {
+    std::string ascii(text);
+    unsigned char beyond = 0;
+    for (char& c : ascii) {
+        beyond |= static_cast<unsigned char>(c);
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
+    }
+    if (beyond < 0x80) return ascii;
     return mapped(text, [](char32_t c) {
         if (c < 0x80) return static_cast<char32_t>(c >= 'a' && c <= 'z' ? c - 32 : c);
         return static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(c)));
