@@ -32,6 +32,13 @@ class Company : public Payroll {
         weekly(13, 7, "FS -S FS F- --");
         holiday(1, "2024-06-17");
         leaveKind(5, "CL", false);
+        for (int h : {11, 12, 13, 14})
+            run("INSERT INTO LEV_SETTINGS (LEVID, ATTHEADID, MONTHYEAR, AUTOALLOTYN, ALLOTTYPE, "
+                "ALLOTON, COYN, LAPSEMONTH, MINDAYS) VALUES (5, " +
+                std::to_string(h) +
+                ", 24294, 1, 1, 1, 1, 6, 3) INSERT INTO LEV_ALLOTCONFIG "
+                "(EFFFROM, LEVID, ATTHEADID, ALLOTTYPE, PERIOD, NOL) VALUES (24294, 5, " +
+                std::to_string(h) + ", 1, 30, 2)");
         employee(1, "2020-01-01", 12);
         version(1, 2, "2024-06-16", 13);
         employee(2, "2024-06-25", 13, "2024-07-05");
@@ -75,6 +82,10 @@ class Company : public Payroll {
               "SELECT * FROM ATT_OVERTIME ORDER BY ATTTRANNO",
               "SELECT * FROM LEV_DETAILS ORDER BY EMPID, LEAVEDATE, LEVID",
               "SELECT * FROM LEV_OTDETAILS ORDER BY EMPID, EMPDETID, OTDATE",
+              "SELECT * FROM LEV_ALLOTMENT ORDER BY EMPID, LEVID, ALLOTFROM",
+              "SELECT * FROM LEV_ALLOTFROM ORDER BY EMPID, LEVID",
+              "SELECT * FROM LEV_AVAILFROM ORDER BY EMPID, LEVID",
+              "SELECT * FROM ATT_OPBAL ORDER BY EMPID, LEVID",
               "SELECT EMPID, EMPDETID, MONTHYEAR, EDITMODEYN FROM SLC_SALARYCALC_E ORDER BY "
               "EMPID, EMPDETID, MONTHYEAR",
               "SELECT * FROM SLC_ATTHEADNOD ORDER BY ATTHEADID, MONTHYEAR",
@@ -93,6 +104,8 @@ TEST(BrokenOffStart, IsMadeGoodByTheNext) {
     const std::string expected = undisturbed.tables();
     ASSERT_TRUE(undisturbed.boxes.shown.size() == 1) << undisturbed.boxes.shown[0].text;
     EXPECT_EQ(undisturbed.value("SELECT COUNT(*) FROM LEV_MONTHDET WHERE EDITMODEYN = 1"), "0");
+    EXPECT_EQ(undisturbed.value("SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1"), "0");
+    EXPECT_NE(undisturbed.value("SELECT SUM(ALLOTLEV) FROM LEV_ALLOTMENT"), "");
     undisturbed.reconnect();
     undisturbed.start();
     EXPECT_EQ(undisturbed.tables(), expected) << "a second start finds nothing to do";

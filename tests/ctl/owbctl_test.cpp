@@ -3,6 +3,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/number_text.h"
 #include "ctl/command.h"
 #include "ctl/sql_prompt.h"
 #include "db/connection.h"
@@ -48,8 +49,8 @@ TEST(Owbctl, WrongUsageIsStatus2AndOneLine) {
 TEST(Owbctl, HelpOfEachCommandTellsItsContract) {
     const Outcome all = owbctl({"help"});
     EXPECT_EQ(all.status, 0);
-    for (const char* name :
-         {"create", "sample", "sql", "process", "screen", "register", "check", "backup"}) {
+    for (const char* name : {"create", "sample", "sql", "process", "screen", "register", "balance",
+                             "explain", "check", "backup"}) {
         EXPECT_NE(all.out.find(name), std::string::npos) << name;
         const Outcome one = owbctl({"help", name});
         EXPECT_EQ(one.status, 0);
@@ -303,6 +304,75 @@ TEST_F(OwbctlFile, ASmallCompanyFromMakingToRegister) {
     EXPECT_NE(register_.out.find("Pay Days"), std::string::npos);
     EXPECT_EQ(register_.out.find('*'), std::string::npos) << register_.out;
     EXPECT_EQ(owbctl({"check", db}).out.find("not sound"), std::string::npos);
+}
+
+// What explain tells must be what the passes wrote, for every row of a small company.
+TEST_F(OwbctlFile, ExplainTellsWhatTheLedgerHolds) {
+    ASSERT_EQ(owbctl({"sample", db, "--employees", "8", "--months", "14"}).err, "");
+    ASSERT_EQ(owbctl({"process", db}).status, 0);
+    const std::string everything = "SELECT * FROM LEV_ALLOTMENT ORDER BY ALLOTID";
+    const std::string before = owbctl({"sql", db, "-c", everything}).out;
+
+    std::istringstream rows(
+        owbctl({"sql", db, "-c",
+                "SELECT LA.EMPID, LEVSHORT, [dbo].FnStrMonthName([dbo].FnLngMonthYear(ALLOTFROM, "
+                "ALLOTTO)), CAST(ALLOTLEV AS float), CAST(COLEV AS float), LA.LEVID FROM "
+                "LEV_ALLOTMENT LA, ATT_DEFINITION AD WHERE AD.LEVID = LA.LEVID AND LA.EMPID IN (3, "
+                "6) ORDER BY ALLOTID"})
+            .out);
+    std::string row;
+    std::getline(rows, row);
+    size_t explained = 0;
+    for (; std::getline(rows, row); ++explained) {
+        std::istringstream fields(row);
+        std::string employee, leave, month, credit, carried;
+        for (std::string* field : {&employee, &leave, &month, &credit, &carried})
+            std::getline(fields, *field, ',');
+        const Outcome o = owbctl({"explain", db, employee, leave, month});
+        EXPECT_EQ(o.status, 0) << o.err;
+        if (leave != "CO") {
+            EXPECT_NE(o.out.find(" is " + formatNumber(textToNumber(credit), "0.00") + "\n"),
+                      std::string::npos)
+                << row << "\n"
+                << o.out;
+        }
+        const bool first = o.out.find("no row ends the day before: opening") != std::string::npos;
+        if (!first) {
+            EXPECT_NE(o.out.find("result           " + carried + " brought forward"),
+                      std::string::npos)
+                << row << "\n"
+                << o.out;
+        }
+    }
+    EXPECT_GT(explained, 50U);
+    EXPECT_EQ(owbctl({"sql", db, "-c", everything}).out, before) << "nothing is written";
+
+    EXPECT_EQ(owbctl({"explain", db, "3", "XX", "May/2024"}).status, 1);
+    EXPECT_EQ(owbctl({"explain", db, "99", "CL", "May/2024"}).err,
+              "error: the ledger holds no such row\n");
+    EXPECT_EQ(owbctl({"balance", db, "6", "5", "2024-13-10"}).status, 1);
+    EXPECT_EQ(owbctl({"balance", db, "6", "7", "2024-04-10"}).out,
+              owbctl({"sql", db, "-c",
+                      "SELECT COLEV FROM LEV_ALLOTMENT WHERE EMPID = 6 AND LEVID = 7 AND ALLOTFROM "
+                      "= '2024-05-01'"})
+                  .out.substr(std::string("COLEV\n").size()))
+        << "what May opens with";
+}
+
+TEST_F(OwbctlFile, CheckFollowsTheLedgersLinks) {
+    ASSERT_EQ(owbctl({"sample", db, "--employees", "4", "--months", "3"}).err, "");
+    ASSERT_EQ(owbctl({"process", db}).status, 0);
+    EXPECT_EQ(owbctl({"check", db}).out, "sound\n");
+    owbctl(
+        {"sql", db, "-c",
+         "UPDATE LEV_ALLOTMENT SET COLEV = COLEV + 1 WHERE EMPID = 1 AND LEVID = 5 AND ALLOTFROM "
+         "= '2024-05-01' UPDATE LEV_ALLOTMENT SET ALLOTTO = ALLOTTO + 1, LAPSE = NULL WHERE EMPID "
+         "= 2 AND LEVID = 6 AND ALLOTFROM = '2024-05-01'"});
+    const Outcome o = owbctl({"check", db});
+    for (const char* line : {"LEV_ALLOTMENT: 2 ledger rows that do not open with",
+                             "LEV_ALLOTMENT: 1 ledger rows that begin within another",
+                             "LEV_ALLOTMENT: 1 ledger rows without figures", "not sound"})
+        EXPECT_NE(o.out.find(line), std::string::npos) << line << "\n" << o.out;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "leave/modLeaveFunctions.h"
 #include "leave/screens/frmConfiguring.h"
 #include "leave/screens/modLeaveProcess.h"
 #include "support/payroll.h"
@@ -88,6 +89,39 @@ TEST(ProcessLeave, ClosesByItselfWhereNobodyWaits) {
         modLeaveProcess(m.session, m.frontEnd).showModal();
         ASSERT_EQ(m.boxes.shown.size(), c.boxes) << c.what;
         for (const Box& box : m.boxes.shown) EXPECT_EQ(box.closesAfterSeconds, 1);
+    }
+}
+
+// The ledger comes last, and not at all from the menu that leaves it out or after a cancel.
+TEST(ProcessLeave, WorksTheLedgerOutBehindTheDays) {
+    struct Case {
+        const char* what;
+        int32_t menu;
+        const char* cancelAt;
+        const char* marked;
+    };
+    for (const Case& c : {Case{"the whole pass", 1600, "", "0"},
+                          {"without allotment", 1601, "", "3"},
+                          {"cancelled in the month days", 1600,
+                           "Updating Pay Days and Present Days ---3-----", "3"},
+                          {"cancelled in the ledger", 1508, "Processing Leave Allotment ", "2"}}) {
+        Marked m;
+        m.run(
+            "INSERT INTO LEV_SETTINGS (LEVID, ATTHEADID, MONTHYEAR, AUTOALLOTYN, COYN) VALUES (2, "
+            "10, 24294, 0, 1)");
+        InsertAllotFromDate(m.session);
+        DeleteUnwantedLedgerRows(m.session);
+        InsertMissingLedgerRows(m.session);
+        m.session.gMenuId = c.menu;
+        m.session.gOpenedFromMenu = true;
+        modLeaveProcess screen(m.session, m.frontEnd);
+        m.frontEnd.atRefresh = [&](Screen&) {
+            if (screen.lblProgress.caption == c.cancelAt) screen.cmdCancel.click();
+        };
+        screen.showModal();
+        EXPECT_EQ(m.value("SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1"), c.marked)
+            << c.what;
+        EXPECT_EQ(m.marked(), "") << c.what;
     }
 }
 
