@@ -178,6 +178,8 @@ bool dateOf(const std::vector<Piece>& pieces, int& day) {
             return true;
         return numbers[1].digits <= 2 && validDay(numbers[0], month, numbers[1].value, day);
     }
+    if (month == 0 && numbers.size() == 2)
+        return numbers[1].digits == 4 && validDay(numbers[1], numbers[0].value, 1, day);
     if (month != 0 || numbers.size() != 3) return false;
     const auto& [a, b, c] = std::tie(numbers[0], numbers[1], numbers[2]);
     if (a.digits > 2)

@@ -156,7 +156,11 @@ constexpr ExprFunction kNumberFunctions[] = {
 constexpr ExprFunction kConversions[] = {
     {"CBOOL", 1, 1, [](const Arguments& a) { return ExprValue::boolean(a[0].toBoolean()); }},
     {"CBYTE", 1, 1,
-     [](const Arguments& a) { return ExprValue::wholeOf(Type::Byte, a[0].toWhole(0, UINT8_MAX)); }},
+     [](const Arguments& a) {
+         return ExprValue::wholeOf(Type::Byte, a[0].type() == Type::Boolean
+                                                   ? a[0].wholeValue() & UINT8_MAX
+                                                   : a[0].toWhole(0, UINT8_MAX));
+     }},
     {"CINT", 1, 1,
      [](const Arguments& a) { return ExprValue::integer(a[0].toWhole(INT16_MIN, INT16_MAX)); }},
     {"CLNG", 1, 1, [](const Arguments& a) { return ExprValue::longInt(a[0].toLong()); }},

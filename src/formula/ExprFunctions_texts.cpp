@@ -1,6 +1,4 @@
 // Text functions. Positions and lengths count characters from 1.
-#include <string.h>
-
 #include <cmath>
 
 #include "base/decimal.h"
@@ -82,14 +80,6 @@ std::string searchable(const ExprValue& v, bool ignoreCase) {
     return ignoreCase ? lowerCase(text) : text;
 }
 
-// Byte offset of `key` in the text from an offset on; npos when it is not there. In linear time.
-size_t findText(std::string_view text, std::string_view key, size_t from) {
-    if (from > text.size()) return std::string::npos;
-    const void* found = memmem(text.data() + from, text.size() - from, key.data(), key.size());
-    return found ? static_cast<size_t>(static_cast<const char*>(found) - text.data())
-                 : std::string::npos;
-}
-
 // Byte offset of a character counted from 0; the text's size behind its end.
 size_t offsetOf(std::string_view text, size_t character) {
     size_t at = 0;
@@ -108,7 +98,7 @@ ExprValue inStr(const Arguments& a) {
     const std::string key = searchable(a[first + 1], ignoreCase);
     if (text.empty() || static_cast<size_t>(start) > utf8Length(text)) return ExprValue::longInt(0);
     if (key.empty()) return ExprValue::longInt(start);
-    const size_t found = findText(text, key, offsetOf(text, static_cast<size_t>(start) - 1));
+    const size_t found = findExprText(text, key, offsetOf(text, static_cast<size_t>(start) - 1));
     return ExprValue::longInt(found == std::string::npos
                                   ? 0
                                   : static_cast<int64_t>(utf8Length(text.substr(0, found))) + 1);
@@ -127,7 +117,7 @@ ExprValue inStrRev(const Arguments& a) {
     if (key.empty()) return ExprValue::longInt(start);
     text.resize(offsetOf(text, static_cast<size_t>(start)));
     const std::string backText = reversed(text), backKey = reversed(key);
-    const size_t found = findText(backText, backKey, 0);
+    const size_t found = findExprText(backText, backKey, 0);
     if (found == std::string::npos) return ExprValue::longInt(0);
     const size_t at = text.size() - found - key.size();
     return ExprValue::longInt(static_cast<int64_t>(utf8Length(text.substr(0, at))) + 1);
@@ -155,7 +145,7 @@ ExprValue replaced(const Arguments& a) {
     std::string result;
     size_t at = 0;
     for (; count != 0; --count) {
-        const size_t found = findText(searched, wanted, at);
+        const size_t found = findExprText(searched, wanted, at);
         if (found == std::string::npos) break;
         result.append(text, at, found - at).append(with);
         checkLength(result.size() + text.size() - found);

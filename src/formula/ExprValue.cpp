@@ -1,5 +1,7 @@
 #include "formula/ExprValue.h"
 
+#include <string.h>
+
 #include <charconv>
 #include <cmath>
 
@@ -237,6 +239,13 @@ bool exprNumber(std::string_view text, double& out) {
         out = plain.find("e-") == std::string::npos ? HUGE_VAL : 0;
     if (negative) out = -out;
     return true;
+}
+
+size_t findExprText(std::string_view text, std::string_view key, size_t from) {
+    if (from > text.size()) return std::string::npos;
+    const void* found = memmem(text.data() + from, text.size() - from, key.data(), key.size());
+    return found ? static_cast<size_t>(static_cast<const char*>(found) - text.data())
+                 : std::string::npos;
 }
 
 std::string exprNumberText(double value, int digits) {

@@ -124,6 +124,8 @@ constexpr size_t kExprTextTotal = size_t{128} << 20;
 // Reads a number as the language reads texts: blanks around it, a sign before or behind, commas
 // among the whole digits, a currency sign, parentheses for negative, an exponent, &H and &O.
 bool exprNumber(std::string_view text, double& out);
+// Byte offset of `key` in the text from an offset on, npos when it is not there; in linear time.
+size_t findExprText(std::string_view text, std::string_view key, size_t from);
 // Up to so many significant digits, with an exponent from 1E+15 on and below 0.0001.
 std::string exprNumberText(double value, int digits = 15);
 

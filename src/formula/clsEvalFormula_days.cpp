@@ -17,10 +17,8 @@ void clsEvalFormula::FillOtherData(KeywordTable& vOther, int64_t lngEmpId, int32
         vOther.push_back({keyword, numberText(value)});
     };
     // The counts below rest on the head's records.
-    if (session_.gAtt.ATTHEADID != lngAttHeadId) {
-        LoadAttHead(session_, lngAttHeadId);
-        LoadAttOptions(session_, lngAttHeadId);
-    }
+    LoadAttHead(session_, lngAttHeadId);
+    LoadAttOptions(session_, lngAttHeadId);
     const bool blnMonthly =
         !blnVerify && !AdvancedLeave(lngMonthYear) &&
         FirstNumber("Select ATTHEADID From MAS_ATTHEAD Where ATTNTYPE = 4 And ATTHEADID = " +

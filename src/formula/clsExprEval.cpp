@@ -8,6 +8,8 @@ namespace {
 
 // What the kept formulas may take of memory, counted by their shapes.
 constexpr size_t kKeptShapes = size_t{4} << 20;
+// The longest formula, its keywords replaced.
+constexpr size_t kFormulaLimit = size_t{4} << 20;
 
 constexpr std::pair<const char*, const char*> kNames[] = {
     {"OWIF", "IIF"},
@@ -34,13 +36,13 @@ const KeywordTable& libraryNames() {
 // Replaces every occurrence. `searched` is the text in capitals, or the text itself.
 void replaceAll(std::string& text, const std::string& searched, const std::string& key,
                 const std::string& value) {
-    size_t found = key.empty() ? std::string::npos : searched.find(key);
+    size_t found = key.empty() ? std::string::npos : findExprText(searched, key, 0);
     if (found == std::string::npos) return;
     std::string result;
     size_t at = 0;
-    for (; found != std::string::npos; found = searched.find(key, at)) {
+    for (; found != std::string::npos; found = findExprText(searched, key, at)) {
         result.append(text, at, found - at).append(value);
-        if (result.size() > kExprTextLimit) throw ExprError{ExprError::OutOfMemory};
+        if (result.size() > kFormulaLimit) throw ExprError{ExprError::OutOfMemory};
         at = found + key.size();
     }
     text = result.append(text, at);
@@ -95,6 +97,7 @@ ExprValue clsExprEval::EvaluateExpression(const std::string& strExpression,
 }
 
 ExprValue clsExprEval::Evaluate(const std::string& text) {
+    if (text.size() > kFormulaLimit) throw ExprError{ExprError::OutOfMemory};
     tokens_.read(text);
     auto program = programs_.find(tokens_.shape);
     if (program == programs_.end()) {

@@ -159,6 +159,7 @@ CInt(32768) => !Invalid expression
 CByte(255.4) => 255
 CByte(255.5) => !Invalid expression
 CByte(-1) => !Invalid expression
+CByte(True) => 255
 Int(-2.5) => -3
 Fix(-2.5) => -2
 Int("7.9") => 7
@@ -395,6 +396,7 @@ CDate("2021-04-01") => 4/1/2021
 CDate("4/1/2021") => 4/1/2021
 CDate("31/1/2021") => 1/31/2021
 CDate("Apr 2021") => 4/1/2021
+CDate("4/2021") => 4/1/2021
 CDate("1/1/29") => 1/1/2029
 CDate("1/1/30") => 1/1/1930
 CDate("30/Feb/2021") => !Invalid expression
@@ -649,6 +651,10 @@ TEST(Expressions, greatTextsEndInAnAnswer) {
     EXPECT_EQ(eval.EvaluateExpression("InStr(" + half + " & " + half + ", " + half + " & \"b\")")
                   .display(),
               "0");
+    const KeywordTable almost{{std::string(500000, 'A') + "B", "1"}};
+    EXPECT_EQ(
+        eval.EvaluateExpression("Len(\"" + std::string(1000000, 'A') + "\")", &almost).display(),
+        "1000000");
     KeywordTable doubling;
     for (char c = 'A'; c < 'Z'; ++c)
         doubling.push_back({std::string(1, c), std::string(8, static_cast<char>(c + 1))});
