@@ -56,8 +56,8 @@ frmShell::frmShell(Session& session, FrontEnd& frontEnd, const std::string& sock
     timerInterval = 200;
     fpgScreen.setColumns({{.caption = "Menu", .width = 7},
                           {.caption = "Group", .width = 16},
-                          {.caption = "Screen", .width = 44},
-                          {.caption = "State", .width = 12}});
+                          {.caption = "Screen", .width = 34},
+                          {.caption = "State", .width = 10}});
     fpgScreen.singleRows = true;
     fpgScreen.onCellDoubleClick = [this](size_t, size_t) { cmdOpen_Click(); };
     cmdOpen.onClick = [this] { cmdOpen_Click(); };

@@ -15,6 +15,7 @@
 #include "data/modOWBSetting.h"
 #include "data/screens/modExternal.h"
 #include "exchange/screens/frmImport.h"
+#include "formula/screens/frmFormulacustom.h"
 #include "leave/screens/frmConfiguring.h"
 #include "leave/screens/frmLeaveRecalc.h"
 #include "leave/screens/modLeaveProcess.h"
@@ -72,20 +73,25 @@ class Photographer {
         const bool first = taken_[top->screen().name()]++ == 0;
         const bool works = !top->waitsForInput() && taken_[top->screen().name()] < 4;
         if (first || works) {
-            if (!folder_.isEmpty()) top->grab().save(folder_ + "/" + top->objectName() + ".png");
+            take(*top);
             if (first) checkReach(*top);
             return;
         }
         if (!top->waitsForInput()) return;  // works by itself
         if (deeds_.empty()) {
+            take(*top);  // as the deeds have left it
             top->close();
             return;
         }
         const auto deed = std::move(deeds_.front());
         deeds_.pop_front();
         deed(*top);
+        if (ScreenWindow* now = frontEnd_.top()) now->sync();
     }
 
+    void take(ScreenWindow& window) {
+        if (!folder_.isEmpty()) window.grab().save(folder_ + "/" + window.objectName() + ".png");
+    }
     static void checkReach(ScreenWindow& window) {
         const std::string screen = window.screen().name();
         for (const Control* control : window.screen().controls()) {
@@ -141,6 +147,14 @@ TEST(Qt, EveryScreenIsReachedByKeysAndNamed) {
     photographer.show(filter);
     frmLeaveRecalc recalc(company.session, frontEnd);
     photographer.show(recalc);
+    company.run(
+        "INSERT INTO MAS_FORMULACUSTOM (FID, FNAME, FTYPE, FQUERY, MODULEID) SELECT COUNT(*) + 1, "
+        "'Years of service', 'Leave', 'SELECT DATEDIFF(YEAR, DOJ, GETDATE()) FROM MAS_EMPLOYEE "
+        "WHERE EMPID = $EMPID$', 2 FROM MAS_FORMULACUSTOM");
+    frmFormulacustom queries(company.session, frontEnd);
+    photographer.show(queries, {[](ScreenWindow& top) {
+                          dynamic_cast<Grid*>(top.screen().find("fpgFormulaQry"))->goTo(0, 1);
+                      }});
     frmImport import(
         frontEnd, "Import Holiday List", {"Date", "Description", "Type"},
         {{4, {"15/08/2026", "Independence Day", "National"}, "Holiday already available.", true},
@@ -159,7 +173,7 @@ TEST(Qt, EveryScreenIsReachedByKeysAndNamed) {
                       }});
     photographer.open(1511, {f2("cmbMonthYear")});
     photographer.open(1512, {f2("txtHDate")});
-    EXPECT_EQ(photographer.screens(), 14U);
+    EXPECT_EQ(photographer.screens(), 15U);
 }
 
 }  // namespace
