@@ -12,11 +12,16 @@ namespace {
 
 using nlohmann::json;
 
+// A number may stand bare.
+std::string entryText(const json& entry) {
+    return entry.is_string() ? entry.get<std::string>() : entry.dump();
+}
+
 KeywordTable keywordTable(const json& line, const char* name) {
     KeywordTable table;
     if (!line.contains(name)) return table;
     for (const json& entry : line.at(name))
-        table.push_back({entry.at(0).get<std::string>(), entry.at(1).get<std::string>()});
+        table.push_back({entry.at(0).get<std::string>(), entryText(entry.at(1))});
     return table;
 }
 

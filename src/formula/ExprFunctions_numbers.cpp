@@ -18,8 +18,9 @@ double positive(double v, bool zeroToo) {
     return v;
 }
 
-// Applies a rounding that keeps the value's type.
-ExprValue roundedBy(const ExprValue& v, double (*round)(double)) {
+// The whole part, below the value (Int) or towards zero (Fix), of the value's own type.
+ExprValue wholePart(const ExprValue& v, bool towardsZero) {
+    const auto part = [&](double d) { return towardsZero ? std::trunc(d) : std::floor(d); };
     switch (v.type()) {
         case Type::Empty:
         case Type::Boolean:
@@ -29,16 +30,19 @@ ExprValue roundedBy(const ExprValue& v, double (*round)(double)) {
         case Type::Integer:
         case Type::Long:
             return v;
-        case Type::Currency:
-            return ExprValue::currency(
-                static_cast<int64_t>(round(static_cast<double>(v.wholeValue()) / kCurrencyUnit)) *
-                kCurrencyUnit);
+        case Type::Currency: {
+            const int64_t places = v.wholeValue() % kCurrencyUnit;
+            const int64_t cut = v.wholeValue() - places;
+            if (towardsZero || places >= 0) return ExprValue::currency(cut);
+            if (cut < INT64_MIN + kCurrencyUnit) throw ExprError{ExprError::Overflow};
+            return ExprValue::currency(cut - kCurrencyUnit);
+        }
         case Type::Single:
-            return ExprValue::single(round(v.numberValue()));
+            return ExprValue::single(part(v.numberValue()));
         case Type::Date:
-            return ExprValue::date(round(v.numberValue()));
+            return ExprValue::date(part(v.numberValue()));
         default:
-            return ExprValue::number(round(v.toNumber()));
+            return ExprValue::number(part(v.toNumber()));
     }
 }
 
@@ -140,8 +144,8 @@ constexpr ExprFunction kNumberFunctions[] = {
     {"COS", 1, 1, real<std::cos>},
     {"TAN", 1, 1, real<std::tan>},
     {"ATN", 1, 1, real<std::atan>},
-    {"INT", 1, 1, [](const Arguments& a) { return roundedBy(a[0], std::floor); }},
-    {"FIX", 1, 1, [](const Arguments& a) { return roundedBy(a[0], std::trunc); }},
+    {"INT", 1, 1, [](const Arguments& a) { return wholePart(a[0], false); }},
+    {"FIX", 1, 1, [](const Arguments& a) { return wholePart(a[0], true); }},
     {"ROUND", 1, 2, rounded},
     {"HEX", 1, 1, [](const Arguments& a) { return radixText(a[0], 16); }},
     {"OCT", 1, 1, [](const Arguments& a) { return radixText(a[0], 8); }},

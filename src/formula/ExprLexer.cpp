@@ -36,6 +36,16 @@ constexpr std::pair<std::string_view, Op> kWords[] = {
     {"XOR", Op::Xor}, {"EQV", Op::Eqv}, {"IMP", Op::Imp}, {"IS", Op::Is},
 };
 
+// Longer ones first. The two characters of a comparison may stand either way round.
+constexpr std::pair<std::string_view, Op> kSigns[] = {
+    {"<=", Op::LessEqual},    {"=<", Op::LessEqual},   {">=", Op::GreaterEqual},
+    {"=>", Op::GreaterEqual}, {"<>", Op::NotEqual},    {"><", Op::NotEqual},
+    {"=", Op::Equal},         {"<", Op::Less},         {">", Op::Greater},
+    {"+", Op::Add},           {"-", Op::Subtract},     {"*", Op::Multiply},
+    {"/", Op::Divide},        {"\\", Op::WholeDivide}, {"^", Op::Power},
+    {"&", Op::Join},
+};
+
 // What may stand behind the expression: line ends and a comment.
 bool onlyRemark(std::string_view text) {
     for (size_t at = 0; at < text.size(); ++at) {
@@ -225,63 +235,20 @@ size_t ExprTokens::readRadix(std::string_view text, size_t at, size_t digits, in
 }
 
 size_t ExprTokens::readOperator(std::string_view text, size_t at) {
-    const char next = at + 1 < text.size() ? text[at + 1] : ' ';
-    const auto digitAt = [&](bool (*isOne)(char)) {
-        return at + 2 < text.size() && isOne(text[at + 2]);
-    };
-    switch (text[at]) {
-        case '+':
-            add({Token::Operator, "", Op::Add});
-            return at + 1;
-        case '-':
-            add({Token::Operator, "", Op::Subtract});
-            return at + 1;
-        case '*':
-            add({Token::Operator, "", Op::Multiply});
-            return at + 1;
-        case '/':
-            add({Token::Operator, "", Op::Divide});
-            return at + 1;
-        case '\\':
-            add({Token::Operator, "", Op::WholeDivide});
-            return at + 1;
-        case '^':
-            add({Token::Operator, "", Op::Power});
-            return at + 1;
-        case '&':
-            if (next == 'H' && digitAt(isHex)) return readRadix(text, at, 2, 16);
-            if (next == 'O' && digitAt(isOctal)) return readRadix(text, at, 2, 8);
-            if (isOctal(next) && !afterOperand()) return readRadix(text, at, 1, 8);
-            add({Token::Operator, "", Op::Join});
-            return at + 1;
-        case '=': {
-            const bool two = next == '<' || next == '>';
-            add({Token::Operator, "",
-                 next == '<'   ? Op::LessEqual
-                 : next == '>' ? Op::GreaterEqual
-                               : Op::Equal});
-            return at + 1 + two;
-        }
-        case '<': {
-            const bool two = next == '=' || next == '>';
-            add({Token::Operator, "",
-                 next == '='   ? Op::LessEqual
-                 : next == '>' ? Op::NotEqual
-                               : Op::Less});
-            return at + 1 + two;
-        }
-        case '>': {
-            const bool two = next == '=' || next == '<';
-            add({Token::Operator, "",
-                 next == '='   ? Op::GreaterEqual
-                 : next == '<' ? Op::NotEqual
-                               : Op::Greater});
-            return at + 1 + two;
-        }
-        default:
-            broken(ExprError::InvalidCharacter);
-            return text.size();
+    const std::string_view rest = text.substr(at);
+    if (rest[0] == '&' && rest.size() > 1) {
+        const char digit = rest.size() > 2 ? rest[2] : ' ';
+        if (rest[1] == 'H' && isHex(digit)) return readRadix(text, at, 2, 16);
+        if (rest[1] == 'O' && isOctal(digit)) return readRadix(text, at, 2, 8);
+        if (isOctal(rest[1]) && !afterOperand()) return readRadix(text, at, 1, 8);
     }
+    for (const auto& [sign, op] : kSigns)
+        if (rest.substr(0, sign.size()) == sign) {
+            add({Token::Operator, "", op});
+            return at + sign.size();
+        }
+    broken(ExprError::InvalidCharacter);
+    return text.size();
 }
 
 }  // namespace owb

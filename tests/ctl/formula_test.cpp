@@ -1,26 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "ctl/command.h"
-#include "ctl/database.h"
+#include "run_owbctl.h"
 #include "support/payroll.h"
 
 namespace owb::ctl {
 namespace {
-
-struct Outcome {
-    int status;
-    std::string out, err;
-};
-
-Outcome owbctl(std::vector<std::string> arguments, const std::string& input = "") {
-    std::istringstream in(input);
-    std::ostringstream out, err;
-    Streams io{in, out, err};
-    const int status = runOwbctl(std::move(arguments), io);
-    return {status, out.str(), err.str()};
-}
 
 TEST(OwbctlEval, ALineForEachLine) {
     const Outcome good =

@@ -4,26 +4,13 @@
 #include <sstream>
 
 #include "base/number_text.h"
-#include "ctl/command.h"
 #include "ctl/sql_prompt.h"
 #include "db/connection.h"
+#include "run_owbctl.h"
 #include "support/temp_dir.h"
 
 namespace owb::ctl {
 namespace {
-
-struct Outcome {
-    int status;
-    std::string out, err;
-};
-
-Outcome owbctl(std::vector<std::string> arguments, const std::string& input = "") {
-    std::istringstream in(input);
-    std::ostringstream out, err;
-    Streams io{in, out, err};
-    const int status = runOwbctl(std::move(arguments), io);
-    return {status, out.str(), err.str()};
-}
 
 TEST(Owbctl, WrongUsageIsStatus2AndOneLine) {
     const std::vector<std::vector<std::string>> cases = {{},
