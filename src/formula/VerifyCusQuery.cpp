@@ -13,8 +13,8 @@ bool isLetter(char c) {
     return (c >= 'A' && c <= 'Z') || c == '_' || c == '@' || c == '#';
 }
 
-// Words that would end the transaction in which the query is tried, and texts run as statements,
-// which could hide them; a procedure may be called by its name.
+// Words that would begin or end a transaction, for the query is tried in one, and texts run as
+// statements, which could hide them; a procedure may be called by its name.
 bool escapesTrial(const std::string& capitals) {
     for (size_t at = 0; at < capitals.size();) {
         size_t end = at;
@@ -22,7 +22,8 @@ bool escapesTrial(const std::string& capitals) {
                (isLetter(capitals[end]) || (capitals[end] >= '0' && capitals[end] <= '9')))
             ++end;
         const std::string word = capitals.substr(at, end - at);
-        if (word == "COMMIT" || word == "ROLLBACK" || word == "SP_EXECUTESQL") return true;
+        for (const char* refused : {"COMMIT", "ROLLBACK", "TRAN", "TRANSACTION", "SP_EXECUTESQL"})
+            if (word == refused) return true;
         if (word == "EXEC" || word == "EXECUTE") {
             const size_t next = capitals.find_first_not_of(" \t\r\n", end);
             const bool named =

@@ -38,6 +38,7 @@ TEST(CustomQuery, VerifyTellsWhatIsWrong) {
         {"ALTER TABLE MAS_BRANCH ADD X int", kForbidden},
         {"SELECT 1 COMMIT", kForbidden},
         {"ROLLBACK INSERT INTO MAS_BRANCH VALUES (9, 'x', 1)", kForbidden},
+        {"BEGIN TRAN SELECT 5", kForbidden},
         {"EXEC ('COM' + 'MIT')", kForbidden},
         {"EXEC/**/('COM' + 'MIT')", kForbidden},
         {"exec sp_executesql N'x'", kForbidden},
