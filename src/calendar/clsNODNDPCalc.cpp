@@ -71,6 +71,7 @@ void clsNODNDPCalc::ForgetRules() {
     kept_.clear();
     blnMonthsComplete_ = false;
     heads_.clear();
+    groups_.clear();
 }
 
 void clsNODNDPCalc::LoadHead(int32_t lngAttHeadId) {
@@ -127,17 +128,18 @@ bool clsNODNDPCalc::SetNODNDP(double& dblNODCalc, double& dblNOD, double& dblNDP
         if (blnWorkingDaysOnly) {
             ndp = nod - HolidaysOf(span, holidaysInBase(basis));
         } else {
+            const std::map<int, double> taken = TakenByLeave(span);
             if (session_.gAtt.ATTNTYPE != 4 && !blnProrate && !session_.gAtt.TIGHTYN) {
-                nod -= LeavesOf(span, 3);
+                nod -= LeavesOf(taken, 3);
                 ndp = nod;
             } else {
-                ndp = nod - LeavesOf(span, 1);
-                nod -= LeavesOf(span, 2);
+                ndp = nod - LeavesOf(taken, 1);
+                nod -= LeavesOf(taken, 2);
             }
             ndp -= HolidaysOf(span, holidaysInBase(basis));
             if (session_.gOpt.COCWYN) {
-                ndp -= LeavesOf(span, 7);
-                ndp += LeavesOf(span, 8);
+                ndp -= LeavesOf(taken, 7);
+                ndp += LeavesOf(taken, 8);
             }
             AddBackLeaveOnHolidays(span, basis, nod, ndp);
         }

@@ -8,8 +8,10 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "base/date_time.h"
 #include "base/value.h"
@@ -109,10 +111,11 @@ class clsNODNDPCalc {
     void LoadHead(int32_t lngAttHeadId);
     double FnDblAttHeadNOD(int32_t lngAttHeadId, int32_t lngMonthYear);
     double HolidaysOf(const Span& span, int intMode);
-    double LeavesOf(const Span& span, int intGroup);
-    // Days of the leaves that a condition on LEVID names ("= 5", "IN (...)").
-    double LeaveTaken(int64_t lngEmpId, const std::string& strLeaves, DateTime dteFrom,
-                      DateTime dteTo, int32_t intAttHeadId, bool blnWithAdjustment);
+    // Days of a group of leaves; taken is what TakenByLeave gave for the span.
+    double LeavesOf(const std::map<int, double>& taken, int intGroup);
+    std::map<int, double> TakenByLeave(const Span& span);
+    const std::vector<int>& LeavesOfGroup(int intGroup);
+    DateTime LastDayTaken(int64_t lngEmpId, DateTime dteTo);
     bool MonthDays(int intBasis, const Span& month, int32_t lngMonthYear, double& dblResult);
     void AddBackLeaveOnHolidays(const Span& span, int intBasis, double& dblNOD, double& dblNDP);
     int32_t MonthOfDate(DateTime dteDate);
@@ -127,6 +130,7 @@ class clsNODNDPCalc {
 
     int intKeeping_ = 0;                           // KeepRules alive
     std::unordered_map<std::string, Value> kept_;  // answers by their query
+    std::map<int, std::vector<int>> groups_;       // leaves of each group
     bool blnMonthsComplete_ = false;               // Update_MonthYear has run while keeping
     std::unordered_map<int32_t, std::pair<AttHeadRecord, AttOptionsRecord>> heads_;  // kept
 };

@@ -45,7 +45,7 @@ void clsNODNDPCalc::FnDblGetHolAndLeave(int32_t lngAttHeadId, const std::string&
     Span span{lngEmpId, 0, lngAttHeadId, parseDate(strFrom).value(), parseDate(strTo).value()};
     dblResult = 0;
     if (intMode == 4) {
-        dblResult = LeavesOf(span, intGroup);
+        dblResult = LeavesOf(TakenByLeave(span), intGroup);
         return;
     }
     const int32_t key = MonthOfDate(span.dteFrom);
@@ -117,6 +117,9 @@ void clsNODNDPCalc::FnBlnGenHoliday(int32_t lngAttHeadId, DateTime dteDate, int6
         FnIntAttHeadID(lngEmpId, dteDate, head);
         lngAttHeadId = static_cast<int32_t>(head);
     }
+    const std::string onDate = "HOLIDAYDATE = '" + FnStrIsoDate(dteDate) + "'";
+    blnResult = RuleValue("SELECT COUNT(HOLIDAYID) FROM ATT_HOLIDAY WHERE " + onDate, 0).toBool();
+    if (!blnResult) return;  // most days are nobody's holiday
     std::string holidays;
     if (strBranchHolidayFrom.empty() || parseDate(strBranchHolidayFrom).value() > dteDate) {
         holidays = holidaysOf("ATTHEADID", lngAttHeadId);
@@ -125,10 +128,7 @@ void clsNODNDPCalc::FnBlnGenHoliday(int32_t lngAttHeadId, DateTime dteDate, int6
         FnIntBranchID(lngEmpId, dteDate, branch);
         holidays = holidaysOf("BRANCHID", static_cast<int64_t>(branch));
     }
-    blnResult = RuleValue("SELECT COUNT(HOLIDAYID)" + holidays + " AND HOLIDAYDATE = '" +
-                              FnStrIsoDate(dteDate) + "'",
-                          0)
-                    .toBool();
+    blnResult = RuleValue("SELECT COUNT(HOLIDAYID)" + holidays + " AND " + onDate, 0).toBool();
 }
 
 // The payroll month that holds the date, or the calendar month where none does.

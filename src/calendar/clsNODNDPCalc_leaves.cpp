@@ -7,7 +7,31 @@
 
 namespace owb {
 
-double clsNODNDPCalc::LeavesOf(const Span& span, int intGroup) {
+namespace {
+
+// A half that is not known was not taken.
+constexpr const char* kDays =
+    "CASE WHEN LEVMONTHLY = 0 OR LEVMONTHLY IS NULL THEN CONVERT(NUMERIC, (CASE WHEN "
+    "ISNULL(FIRSTHALFYN,0) = 0 THEN 0 ELSE 1 END + CASE WHEN ISNULL(SECONDHALFYN,0) = 0 THEN 0 "
+    "ELSE 1 END))/ 2 ELSE LEVMONTHLY END";
+
+std::string ofVersions(int32_t intAttHeadId) {
+    return intAttHeadId == 0 ? ""
+                             : " AND EXISTS (SELECT * FROM MAS_EMPLOYEEDET ME WHERE ME.EMPID = "
+                               "LD.EMPID AND ME.EMPDETID = LD.EMPDETID AND ME.ATTHEADID = " +
+                                   std::to_string(intAttHeadId) + ")";
+}
+std::string ofHead(int32_t intAttHeadId) {
+    return intAttHeadId == 0 ? "" : " AND ATTHEADID = " + std::to_string(intAttHeadId);
+}
+std::string between(const char* column, DateTime dteFrom, DateTime dteTo) {
+    return std::string(" AND ") + column + " >= '" + FnStrIsoDate(dteFrom) + "' AND " + column +
+           " <= '" + FnStrIsoDate(dteTo) + "'";
+}
+
+}  // namespace
+
+const std::vector<int>& clsNODNDPCalc::LeavesOfGroup(int intGroup) {
     static constexpr std::array<const char*, 9> kGroups = {
         nullptr,
         "Select LEVID From ATT_DEFINITION Where LEVID Not In (2,3) And LEAVEYN = 1",
@@ -19,56 +43,69 @@ double clsNODNDPCalc::LeavesOf(const Span& span, int intGroup) {
         "SELECT LEVID FROM ATT_DEFINITION WHERE LEVID = 2",
         "SELECT LEVID FROM ATT_DEFINITION WHERE LEVID = 3",
     };
-    if (intGroup < 1 || intGroup >= static_cast<int>(kGroups.size())) return 0;
-    return LeaveTaken(span.lngEmpId,
-                      std::string("IN (") + kGroups[static_cast<size_t>(intGroup)] + ")",
-                      span.dteFrom, span.dteTo, span.lngAttHeadId, true);
+    if (intKeeping_ == 0) groups_.erase(intGroup);
+    const auto [at, fresh] = groups_.try_emplace(intGroup);
+    if (fresh && intGroup >= 1 && intGroup < static_cast<int>(kGroups.size()))
+        for (Recordset rs(session_.gConn, kGroups[static_cast<size_t>(intGroup)]); !rs.IsEOF();
+             rs.MoveNext())
+            at->second.push_back(static_cast<int>(rs.Fields(0).toInt()));
+    return at->second;
+}
+
+double clsNODNDPCalc::LeavesOf(const std::map<int, double>& taken, int intGroup) {
+    double sum = 0;
+    for (const int lngLevId : LeavesOfGroup(intGroup)) {
+        const auto found = taken.find(lngLevId);
+        if (found != taken.end()) sum += found->second;
+    }
+    return sum;
+}
+
+// Days of every leave in the span under its head, with what adjustments took.
+std::map<int, double> clsNODNDPCalc::TakenByLeave(const Span& span) {
+    const DateTime dteTo = LastDayTaken(span.lngEmpId, span.dteTo);
+    const std::string emp = " WHERE EMPID = " + std::to_string(span.lngEmpId);
+    std::map<int, double> taken;
+    for (Recordset rs(session_.gConn,
+                      std::string("SELECT LEVID, SUM(TAKEN) FROM (SELECT LEVID, TAKEN FROM "
+                                  "LEV_ADJUSTMENT") +
+                          emp + ofHead(span.lngAttHeadId) +
+                          between("ASONDATE", span.dteFrom, dteTo) + " UNION ALL SELECT LEVID, " +
+                          kDays + " FROM LEV_DETAILS LD" + emp +
+                          between("LEAVEDATE", span.dteFrom, dteTo) +
+                          ofVersions(span.lngAttHeadId) + ") T GROUP BY LEVID");
+         !rs.IsEOF(); rs.MoveNext())
+        taken[static_cast<int>(rs.Fields(0).toInt())] = rs.Fields(1).toDouble();
+    return taken;
+}
+
+// Under a monthly head a figure is dated anywhere in its version's span.
+DateTime clsNODNDPCalc::LastDayTaken(int64_t lngEmpId, DateTime dteTo) {
+    if (session_.gAtt.ATTNTYPE != 4) return dteTo;
+    const std::string to = "'" + FnStrIsoDate(dteTo) + "'";
+    const DateTime monthEnd = FnDteMonthEnd(session_, MonthOfDate(dteTo));
+    dteTo = FirstValue("SELECT ISNULL(EFFTODATE," + to +
+                           ") FROM MAS_EMPLOYEEDET  WHERE EFFFROMDATE <= " + to +
+                           " AND ISNULL(EFFTODATE,'2099/12/31')  >= " + to +
+                           "  AND EMPID = " + std::to_string(lngEmpId),
+                       dteTo)
+                .toDate();
+    return std::min(dteTo, monthEnd);
 }
 
 void clsNODNDPCalc::FnDblLeaveAvailed(int64_t lngEmpId, int lngLevId, DateTime dteFrom,
                                       DateTime dteTo, int32_t intAttHeadId, bool blnWithAdjustment,
                                       double& dblResult) {
-    dblResult = LeaveTaken(lngEmpId, "= " + std::to_string(lngLevId), dteFrom, dteTo, intAttHeadId,
-                           blnWithAdjustment);
-}
-
-double clsNODNDPCalc::LeaveTaken(int64_t lngEmpId, const std::string& strLeaves, DateTime dteFrom,
-                                 DateTime dteTo, int32_t intAttHeadId, bool blnWithAdjustment) {
-    const std::string emp = std::to_string(lngEmpId), head = std::to_string(intAttHeadId);
-    if (session_.gAtt.ATTNTYPE == 4) {
-        // A monthly figure is dated anywhere in its version's span.
-        const std::string to = "'" + FnStrIsoDate(dteTo) + "'";
-        const DateTime monthEnd = FnDteMonthEnd(session_, MonthOfDate(dteTo));
-        dteTo =
-            FirstValue("SELECT ISNULL(EFFTODATE," + to +
-                           ") FROM MAS_EMPLOYEEDET  WHERE EFFFROMDATE <= " + to +
-                           " AND ISNULL(EFFTODATE,'2099/12/31')  >= " + to + "  AND EMPID = " + emp,
-                       dteTo)
-                .toDate();
-        dteTo = std::min(dteTo, monthEnd);
-    }
-    const std::string from = "'" + FnStrIsoDate(dteFrom) + "'",
-                      to = "'" + FnStrIsoDate(dteTo) + "'";
-    const bool ofHead = intAttHeadId != 0;
-    const std::string of = " EMPID = " + emp + " AND LEVID " + strLeaves;
-    const std::string adjustment =
-        blnWithAdjustment ? "ISNULL((SELECT SUM(TAKEN) FROM LEV_ADJUSTMENT WHERE" + of +
-                                (ofHead ? " AND ATTHEADID = " + head : "") +
-                                " AND ASONDATE >= " + from + " AND ASONDATE <= " + to + "), 0) + "
-                          : "";
-    // A half that is not known was not taken.
-    const std::string days =
-        "ISNULL((SELECT SUM(CASE WHEN LEVMONTHLY = 0 OR LEVMONTHLY IS NULL THEN CONVERT(NUMERIC, "
-        "(CASE WHEN ISNULL(FIRSTHALFYN,0) = 0 THEN 0 ELSE 1 END + CASE WHEN "
-        "ISNULL(SECONDHALFYN,0) = 0 THEN 0 ELSE 1 END))/ 2 ELSE LEVMONTHLY END) FROM LEV_DETAILS "
-        "LD WHERE" +
-        of + " AND LEAVEDATE >= " + from + " AND LEAVEDATE <= " + to +
-        (ofHead ? " AND EXISTS (SELECT * FROM MAS_EMPLOYEEDET ME WHERE ME.EMPID = LD.EMPID AND "
-                  "ME.EMPDETID = LD.EMPDETID AND ME.ATTHEADID = " +
-                      head + ")"
-                : "") +
-        "), 0)";
-    return FirstValue("SELECT " + adjustment + days, 0).toDouble();
+    dteTo = LastDayTaken(lngEmpId, dteTo);
+    const std::string of =
+        " WHERE EMPID = " + std::to_string(lngEmpId) + " AND LEVID = " + std::to_string(lngLevId);
+    std::string sql = "SELECT ";
+    if (blnWithAdjustment)
+        sql += "ISNULL((SELECT SUM(TAKEN) FROM LEV_ADJUSTMENT" + of + ofHead(intAttHeadId) +
+               between("ASONDATE", dteFrom, dteTo) + "), 0) + ";
+    sql += std::string("ISNULL((SELECT SUM(") + kDays + ") FROM LEV_DETAILS LD" + of +
+           between("LEAVEDATE", dteFrom, dteTo) + ofVersions(intAttHeadId) + "), 0)";
+    dblResult = FirstValue(sql, 0).toDouble();
 }
 
 // Leave that fell on a holiday has been taken off twice, once as leave and once as holiday; it is

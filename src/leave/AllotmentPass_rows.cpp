@@ -78,8 +78,7 @@ void AllotmentPass::RowByRow(const std::string& strFilter) {
             for (Recordset rs(session_.gConn,
                               FnStrAllotRows("LEV_ALLOTMENT LA",
                                              "WHERE LA.ALLOTID IN (" + block +
-                                                 ") AND LA.EDITMODEYN = 1 ORDER BY LA.ALLOTFROM, "
-                                                 "LA.EMPID, LA.LEVID"));
+                                                 ") ORDER BY LA.ALLOTFROM, LA.EMPID, LA.LEVID"));
                  !rs.IsEOF(); rs.MoveNext()) {
                 if (frm_.cancelled()) return;
                 const AllotRow row = FnReadAllotRow(rs);
