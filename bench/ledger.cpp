@@ -39,7 +39,7 @@ class LoudBoxes final : public MessageBoxes {
     }
 };
 
-// Counts statements and their time, told apart by how they begin.
+// Counts statements and their time, told apart by how they begin before a value stands in them.
 struct Spent {
     size_t batches = 0;
     double seconds = 0;
@@ -63,7 +63,9 @@ class Counting final : public Driver {
     Counting(std::unique_ptr<Driver> inner, Ledger& ledger)
         : inner_(std::move(inner)), ledger_(ledger) {}
     BatchResult run(std::string_view batch) override {
-        Spent& spent = ledger_[std::string(batch.substr(0, 60))];
+        const std::string_view head = batch.substr(0, 60);
+        const size_t value = head.find_first_of("0123456789-");
+        Spent& spent = ledger_[std::string(head.substr(0, std::max<size_t>(value, 20)))];
         BatchResult result;
         spent.seconds += seconds([&] { result = inner_->run(batch); });
         ++spent.batches;

@@ -7,8 +7,9 @@
 //  2. the closing of the row before, from that row's own credit and opening, before any lapse: the
 //     row before is done (it comes earlier in date order) or still marked, and then marks this one;
 //  3. marks on all later rows of the employee and leave, which open from this one;
-//  4. in one batch: the lapse on the row before, the opening, the row's own lapse back to 0 (its
-//     successor, marked by 3, writes it) and the cleared mark.
+//  4. behind them or in one batch with them: the lapse on the row before, the opening, the row's
+//  own
+//     lapse back to 0 (its successor, marked by 3, writes it) and the cleared mark.
 // The work tables hold nothing that is not made anew by the next run.
 #pragma once
 
@@ -26,7 +27,8 @@ class AllotmentPass {
   public:
     AllotmentPass(Session& session, Progress& frm);
 
-    // All marked months in bulk, but for employees with two rows of one leave in a month.
+    // All marked months in order, each in bulk; who has two rows of one leave in a month is taken
+    // row by row in that month.
     void ProcessAllotments();
     void ProcessAllotmentMonth(int32_t lngMonthYear);
     // Marked rows one by one in order of date; strFilter is a condition on LA (" AND LA.EMPID =
@@ -36,9 +38,9 @@ class AllotmentPass {
 
   private:
     // --- the bulk pass (AllotmentPass_month.cpp) ---
-    std::string DividedEmployees();
+    std::string DividedEmployees(const std::string& strInMonth);
     int32_t NextMonth(int32_t lngAfter);
-    void BuildWorkTable(int32_t lngMonthYear);
+    void BuildWorkTable(int32_t lngMonthYear, const std::string& strInMonth);
     void CompensatoryOff();
     bool AutoAllotments();
     void Openings();
@@ -58,7 +60,7 @@ class AllotmentPass {
     LeaveCalc calc_;
     LeaveChain chain_;
     WorkTable tmp_, prev_;
-    std::string strDuplicates_ = "0";  // employees that the bulk pass leaves out
+    std::string strDuplicates_ = "0";  // employees that the bulk leaves out in the month at hand
     size_t done_ = 0, total_ = 0;
     std::string percent_;
     std::set<int64_t> failed_;    // rows that could not be worked out in this run

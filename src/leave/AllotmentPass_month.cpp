@@ -28,7 +28,6 @@ std::string settingsOf(int32_t lngMonthYear) {
 void AllotmentPass::ProcessAllotments() {
     CreateLeaveSummaryView(session_);
     CreatePeriodViews(session_);
-    strDuplicates_ = DividedEmployees();
     total_ = static_cast<size_t>(
         FnVarReadValue(
             session_,
@@ -36,8 +35,7 @@ void AllotmentPass::ProcessAllotments() {
             "WHERE LEV.LEVID = LS.LEVID AND LEV.ATTHEADID = LS.ATTHEADID AND EDITMODEYN = 1 AND "
             "LS.LEVID <> 2 AND AUTOALLOTYN = 1 AND LS.MONTHYEAR = (SELECT MAX(MONTHYEAR) FROM "
             "LEV_SETTINGS WHERE LEVID = LS.LEVID AND ATTHEADID = LS.ATTHEADID AND MONTHYEAR <= "
-            "[DBO].FNLNGMONTHYEAR(LEV.ALLOTFROM, LEV.ALLOTTO)) AND LEV.EMPID NOT IN (" +
-                strDuplicates_ + ") SELECT @TMP",
+            "[DBO].FNLNGMONTHYEAR(LEV.ALLOTFROM, LEV.ALLOTTO)) SELECT @TMP",
             0)
             .toInt());
     bool any = false;
@@ -50,17 +48,13 @@ void AllotmentPass::ProcessAllotments() {
     session_.gConn.Execute(prev_.drop);
 }
 
-// Employees with two rows of one leave in a month, a change of version: within such a month one row
-// opens from another. Only who has more than one version can have such a month.
-std::string AllotmentPass::DividedEmployees() {
+// Employees with two rows of one leave in the month, a change of version: one opens from the other.
+std::string AllotmentPass::DividedEmployees(const std::string& strInMonth) {
     return FnVarReadValue(
                session_,
                "DECLARE @TMP AS NVARCHAR(MAX) SET @TMP = '0' SELECT @TMP = @TMP + ',' + CAST(EMPID "
-               "AS NVARCHAR(MAX)) FROM (SELECT DISTINCT EMPID FROM LEV_ALLOTMENT LEV WHERE EMPID "
-               "IN (SELECT EMPID FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1) AND EMPID IN (SELECT "
-               "EMPID FROM MAS_EMPLOYEEDET GROUP BY EMPID HAVING COUNT(*) > 1) GROUP BY "
-               "[DBO].FNLNGMONTHYEAR(ALLOTFROM, ALLOTTO),EMPID,LEVID Having Count(EMPID) > 1 ) TMP "
-               "SELECT @TMP",
+               "AS NVARCHAR(MAX)) FROM (SELECT DISTINCT EMPID FROM LEV_ALLOTMENT LA WHERE " +
+                   strInMonth + " GROUP BY EMPID,LEVID Having Count(EMPID) > 1 ) TMP SELECT @TMP",
                "0")
         .toText();
 }
@@ -75,14 +69,17 @@ int32_t AllotmentPass::NextMonth(int32_t lngAfter) {
                            " AND EXISTS (SELECT * FROM LEV_ALLOTMENT ALLOT,ATT_DEFINITION LEV "
                            "WHERE LEV.LEVID = ALLOT.LEVID AND LEV.ALLOTMENTYN = 1 AND "
                            "ALLOT.ALLOTFROM BETWEEN CALCSTARTDATE AND CALCENDDATE AND "
-                           "ALLOT.EDITMODEYN = 1 AND ALLOT.EMPID NOT IN (" +
-                           strDuplicates_ + ")) ORDER BY MONTHYEAR",
+                           "ALLOT.EDITMODEYN = 1) ORDER BY MONTHYEAR",
                        0)
             .toInt());
 }
 
 void AllotmentPass::ProcessAllotmentMonth(int32_t lngMonthYear) {
-    BuildWorkTable(lngMonthYear);
+    DateTime from, to;
+    calc_.periods.GetMonthBounds(lngMonthYear, from, to);
+    const std::string inMonth = "LA.ALLOTFROM BETWEEN " + quoted(from) + " AND " + quoted(to);
+    strDuplicates_ = DividedEmployees(inMonth);
+    BuildWorkTable(lngMonthYear, inMonth);
     CompensatoryOff();
     if (!AutoAllotments()) return;  // cancelled: the month keeps its marks
     Openings();
@@ -90,26 +87,25 @@ void AllotmentPass::ProcessAllotmentMonth(int32_t lngMonthYear) {
     CarryOver(lngMonthYear);
     WithinPeriod(lngMonthYear);
     WriteBack();
+    if (strDuplicates_ != "0")
+        RowByRow(" AND " + inMonth + " AND LA.EMPID IN (" + strDuplicates_ + ")");
 }
 
-void AllotmentPass::BuildWorkTable(int32_t lngMonthYear) {
-    DateTime from, to;
-    calc_.periods.GetMonthBounds(lngMonthYear, from, to);
+void AllotmentPass::BuildWorkTable(int32_t lngMonthYear, const std::string& strInMonth) {
     const std::string month = text(lngMonthYear);
     session_.gConn.Execute(tmp_.drop);
     session_.gConn.Execute(
         "SELECT ISNULL(LA.ALLOTID,0) AS ALLOTID, LA.EMPID, LA.ATTHEADID,LA.EMPDETID, LA.LEVID, "
-        "LA.ALLOTFROM, "
-        "LA.ALLOTTO, LS.AUTOALLOTYN, LA.ALLOTLEV, LA.ACTALLOTLEV, CAST(0 AS NUMERIC(15,2)) AS "
-        "COLEV, CAST(0 AS NUMERIC(15,2)) "
-        "AS LAPSE, CAST(0 AS NUMERIC(15,2)) AS TAKENADJ, CAST(0 AS NUMERIC(15,2)) AS AVAILED, "
+        "LA.ALLOTFROM, LA.ALLOTTO, LS.AUTOALLOTYN, LA.ALLOTLEV, LA.ACTALLOTLEV, CAST(0 AS "
+        "NUMERIC(15,2)) AS COLEV, CAST(0 AS NUMERIC(15,2)) AS LAPSE, CAST(0 AS NUMERIC(15,2)) AS "
+        "TAKENADJ, CAST(0 AS NUMERIC(15,2)) AS AVAILED, "
         "CAST(0 AS NUMERIC(15,2)) AS OPBAL, CAST(0 AS NUMERIC(15,2)) AS CLSBAL, "
         "ISNULL(PV.ALLOTID,0) AS PREVALLOTID, ISNULL(PV.ATTHEADID,0) AS PREVATTHEADID INTO " +
         tmp_.name + " FROM LEV_ALLOTMENT LA INNER JOIN UDF_LSET(" + month +
         ") LS ON LA.ATTHEADID = LS.ATTHEADID  AND LA.LEVID = LS.LEVID LEFT JOIN LEV_ALLOTMENT PV "
         "ON PV.EMPID = LA.EMPID AND PV.LEVID = LA.LEVID AND PV.ALLOTTO = LA.ALLOTFROM - 1 WHERE "
         "LA.EMPID NOT IN (" +
-        strDuplicates_ + ") AND LA.ALLOTFROM BETWEEN " + quoted(from) + " AND " + quoted(to) +
+        strDuplicates_ + ") AND " + strInMonth +
         " AND [DBO].FNLNGMONTHYEAR( LA.ALLOTFROM, LA.ALLOTTO)  = " + month +
         " AND LA.EDITMODEYN = 1");
     session_.gConn.Execute(tmp_.key("ALLOTID"));
@@ -128,7 +124,6 @@ bool AllotmentPass::AutoAllotments() {
                                                 "BY LA.EMPID, LA.LEVID"));
     for (; !rs.IsEOF(); rs.MoveNext()) {
         if (frm_.cancelled()) return false;
-        ++done_;
         showPercent();
         const AllotRow row = FnReadAllotRow(rs);
         if (!WriteCredit(row))

@@ -24,6 +24,7 @@ AllotmentPass::AllotmentPass(Session& session, Progress& frm)
       prev_(session, "TMPPREVALLOT") {}
 
 bool AllotmentPass::WriteCredit(const AllotRow& row) {
+    ++done_;
     try {
         if (const auto credit = calc_.Credit(row)) calc_.WriteCredit(row, *credit);
         return true;
@@ -49,13 +50,14 @@ void AllotmentPass::ProcessRow(const AllotRow& row) {
         return;
 
     const LeaveChain::Link link = chain_.Chain(row);
-    session_.gConn.Execute(
+    std::string batch =
         "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE EMPID = " + text(row.lngEmpId) +
         " AND LEVID = " + text(row.intLevId) + " AND ALLOTFROM >= '" +
-        FnStrIsoDate(row.dteTo.plusDays(1)) + "' AND EDITMODEYN <> 1");
-    session_.gConn.Execute("UPDATE LEV_ALLOTMENT SET LAPSE = " + numberText(link.dblLapsed) +
-                           " WHERE ALLOTID = " + text(row.lngPrevAllotId) +
-                           " UPDATE LEV_ALLOTMENT SET COLEV = " + numberText(link.COLEV) +
+        FnStrIsoDate(row.dteTo.plusDays(1)) + "' AND EDITMODEYN <> 1";
+    if (row.lngPrevAllotId != 0)
+        batch += " UPDATE LEV_ALLOTMENT SET LAPSE = " + numberText(link.dblLapsed) +
+                 " WHERE ALLOTID = " + text(row.lngPrevAllotId);
+    session_.gConn.Execute(batch + " UPDATE LEV_ALLOTMENT SET COLEV = " + numberText(link.COLEV) +
                            ", LAPSE = 0, EDITMODEYN = 0 WHERE ALLOTID = " + id);
 }
 
