@@ -70,11 +70,11 @@ void clsEvalFormula::FillSalaryComponents(KeywordTable& vSalary, Recordset& rsSa
                                   " AND EMPDETID = " + rsSalary.Fields("EMPDETID").toText() +
                                   " AND PAIDFOR = " + rsSalary.Fields("MONTHYEAR").toText());
         vSalary.push_back(
-            {family + "{" + upperCase(rs.Fields("SALHEADING").toText()) + "}", numberText(amount)});
+            {family + "{" + upperCase(rs.Fields("SALHEADING").toText()) + "}", valueText(amount)});
     }
     vSalary.push_back(
         {"(GrossSalary)",
-         numberText(rsSalary.Fields(blnCalculated ? "ETotal" : "TOTALENTERED").toDouble())});
+         valueText(rsSalary.Fields(blnCalculated ? "ETotal" : "TOTALENTERED").toDouble())});
 }
 
 void clsEvalFormula::FillUnits(const Task& task, KeywordTable& vOther) {
@@ -94,7 +94,7 @@ void clsEvalFormula::FillUnits(const Task& task, KeywordTable& vOther) {
             " AND STRUCTID=(SELECT structid FROM MAS_EMPLOYEEDET WHERE empid= " + task.employee() +
             " AND empdetid= " + task.version() + ") AND EMPID= " + task.employee() +
             " AND MONTHYEAR=" + task.month());
-        vOther.push_back({"UNIT{" + rs.Fields("SALHEADING").toText() + "}", numberText(units)});
+        vOther.push_back({"UNIT{" + rs.Fields("SALHEADING").toText() + "}", valueText(units)});
     }
 }
 

@@ -35,9 +35,15 @@ inline std::string quotedText(const std::string& text) {
     return result + "\"";
 }
 
+// A number as plain decimals, with the 15 digits that the formula language shows: 0.1 + 0.2 of a
+// float column is 0.3 in a formula.
+inline std::string valueText(double value) {
+    return numberText(textToNumber(exprNumberText(value)));
+}
+
 inline std::string fieldText(const Value& v) {
     if (v.isDate()) return FnStrSqlDate(v.toDate());
-    return v.isNumber() ? numberText(v.toDouble()) : v.toText();
+    return v.isNumber() ? valueText(v.toDouble()) : v.toText();
 }
 
 inline std::string dateCall(const std::string& date) {

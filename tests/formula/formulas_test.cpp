@@ -83,6 +83,12 @@ TEST(Formulas, salaryRatesAndCalculatedValues) {
         {"1 / 0", 0},
     });
     EXPECT_EQ(p.eval("(GrossSalary)", 1, nullptr, false, "C"), 18000);
+    p.run(
+        "UPDATE SLC_SALARYRATE_E SET ECOMP01 = CAST(0.1 AS float) + CAST(0.2 AS float), BASIC = "
+        "CAST(1 AS float) / 3000000, TOTALENTERED = 1E16 WHERE MONTHYEAR = 24256");
+    p.expect({{"OWIF(Component{HRA} = 0.3, 1, 2)", 1},
+              {"OWIF(Component{Basic} = 0.000000333333333333333, 1, 2)", 1},
+              {"(GrossSalary) / 1E16", 1}});
     p.run("DELETE FROM SLC_SALARYRATE_E");
     p.expect({{"Component{Basic} + 1", 0}, {"Component{Basic} * 0 + 1", 0}});
     p.run("DELETE FROM MAS_BRANCH");
