@@ -36,13 +36,13 @@ constexpr std::pair<std::string_view, Op> kWords[] = {
     {"XOR", Op::Xor}, {"EQV", Op::Eqv}, {"IMP", Op::Imp}, {"IS", Op::Is},
 };
 
-// Longer ones first. The two characters of a comparison may stand either way round.
+// Of the comparisons the longer ones first; their two characters may stand either way round.
 constexpr std::pair<std::string_view, Op> kSigns[] = {
-    {"<=", Op::LessEqual},    {"=<", Op::LessEqual},   {">=", Op::GreaterEqual},
-    {"=>", Op::GreaterEqual}, {"<>", Op::NotEqual},    {"><", Op::NotEqual},
-    {"=", Op::Equal},         {"<", Op::Less},         {">", Op::Greater},
-    {"+", Op::Add},           {"-", Op::Subtract},     {"*", Op::Multiply},
-    {"/", Op::Divide},        {"\\", Op::WholeDivide}, {"^", Op::Power},
+    {"+", Op::Add},           {"-", Op::Subtract},      {"*", Op::Multiply},
+    {"/", Op::Divide},        {"<=", Op::LessEqual},    {"=<", Op::LessEqual},
+    {">=", Op::GreaterEqual}, {"=>", Op::GreaterEqual}, {"<>", Op::NotEqual},
+    {"><", Op::NotEqual},     {"=", Op::Equal},         {"<", Op::Less},
+    {">", Op::Greater},       {"\\", Op::WholeDivide},  {"^", Op::Power},
     {"&", Op::Join},
 };
 
@@ -243,7 +243,7 @@ size_t ExprTokens::readOperator(std::string_view text, size_t at) {
         if (isOctal(rest[1]) && !afterOperand()) return readRadix(text, at, 1, 8);
     }
     for (const auto& [sign, op] : kSigns)
-        if (rest.substr(0, sign.size()) == sign) {
+        if (rest[0] == sign[0] && rest.substr(0, sign.size()) == sign) {
             add({Token::Operator, "", op});
             return at + sign.size();
         }

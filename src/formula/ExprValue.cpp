@@ -243,6 +243,7 @@ bool exprNumber(std::string_view text, double& out) {
 
 size_t findExprText(std::string_view text, std::string_view key, size_t from) {
     if (from > text.size()) return std::string::npos;
+    if (key.size() <= 64) return text.find(key, from);  // quicker, and bounded by so short a key
     const void* found = memmem(text.data() + from, text.size() - from, key.data(), key.size());
     return found ? static_cast<size_t>(static_cast<const char*>(found) - text.data())
                  : std::string::npos;
