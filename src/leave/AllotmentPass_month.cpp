@@ -146,9 +146,8 @@ void AllotmentPass::showPercent() {
 }
 
 void AllotmentPass::Openings() {
-    DateTime since, end;
-    calc_.periods.GetMonthBounds(session_.gFeature.LVSTARTMNYEAR, since, end);
-    const std::string from = "'" + dateText(since, "yyyy/MM/dd") + "'", &tmp = tmp_.name;
+    const std::string from = "'" + dateText(calc_.periods.LeaveStart(), "yyyy/MM/dd") + "'",
+                      &tmp = tmp_.name;
     session_.gConn.Execute(
         "UPDATE " + tmp + " SET TAKENADJ = " + slice_sql::openingTaken(tmp, from) +
         ", AVAILED = " + slice_sql::openingAvailed(tmp, from) +

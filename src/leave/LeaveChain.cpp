@@ -43,8 +43,7 @@ LeaveChain::Link LeaveChain::Chain(const AllotRow& row) {
 }
 
 double LeaveChain::OpeningBalance(const AllotRow& row) {
-    DateTime since, end;
-    periods_.GetMonthBounds(session_.gFeature.LVSTARTMNYEAR, since, end);
+    const DateTime since = periods_.LeaveStart();
     const std::string from = "'" + FnStrIsoDate(since) + "'";
     Recordset rs(session_.gConn,
                  "SELECT " + slice_sql::openingBalance("LA") + ", " +

@@ -70,6 +70,13 @@ void LeavePeriods::GetMonthBounds(int32_t lngMonthYear, DateTime& dteFrom, DateT
     }
 }
 
+DateTime LeavePeriods::LeaveStart() {
+    DateTime from{DateTime::kMinDay}, to;
+    if (session_.gFeature.LVSTARTMNYEAR > 0)
+        GetMonthBounds(session_.gFeature.LVSTARTMNYEAR, from, to);
+    return from;
+}
+
 // A period whose first month begins in mid-month begins and ends with that day.
 void LeavePeriods::shift(DateTime& dteFrom, DateTime& dteTo) {
     if (!session_.gFeature.CALCINMIDYN) return;

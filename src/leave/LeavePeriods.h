@@ -23,6 +23,8 @@ class LeavePeriods {
 
     // First and last day of a payroll month.
     void GetMonthBounds(int32_t lngMonthYear, DateTime& dteFrom, DateTime& dteTo);
+    // First day of LVSTARTMNYEAR; where none is set, a day before all others.
+    DateTime LeaveStart();
     // First and last day of the period that the month (a key) lies in. Half years and quarters that
     // no row of MAS_MONTHYEAR touches leave the dates as they are.
     void GetYearBounds(int intYearType, int32_t lngMonthYear, DateTime& dteFrom, DateTime& dteTo);

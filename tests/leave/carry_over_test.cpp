@@ -152,6 +152,17 @@ TEST(CarryOver, TheFirstRowOpensLessWhatWasTakenBefore) {
     }
 }
 
+TEST(CarryOver, WithoutAFirstLeaveMonthAllThatWasEverTakenCounts) {
+    for (const Way way : {Way::Bulk, Way::RowByRow}) {
+        Used p;
+        p.run("UPDATE MAS_OPTSETFEATURE SET LVSTARTMNYEAR = 0");
+        p.session.gFeature.LVSTARTMNYEAR = 0;
+        p.leave(1, 1, 10, "2021-02-01", "FS");
+        p.process(way);
+        EXPECT_EQ(p.balances(1, 10), "4/0 5/0 4.5/0 7.5/0 8/0 6/0");
+    }
+}
+
 TEST(CarryOver, CompensatoryOffIsWhatWasWorked) {
     for (const Way way : {Way::Bulk, Way::RowByRow}) {
         Carried p;

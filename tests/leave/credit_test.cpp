@@ -210,6 +210,26 @@ TEST(Credit, WhatCannotBeWorkedOutIsToldOnceAndStaysMarked) {
     }
 }
 
+TEST(Credit, FollowsDaysSavedForOneMonth) {
+    Worked p;
+    p.setOptions(10, "AUTOALLOTYN = 1");
+    p.rule(10, 10, kJan, "AUTOALLOTYN = 1, ALLOTTYPE = 1, ALLOTON = 1, COYN = 1");
+    p.figure(10, 10, kJan, "3");
+    p.reconcile();
+    p.ledgerRows();
+    p.process(Way::Bulk);
+    EXPECT_EQ(p.column("ALLOTLEV", 1, 10, " AND MONTH(ALLOTFROM) = 4"), "1.50 3.00");
+    p.run("DELETE FROM LEV_DETAILS WHERE DAY(LEAVEDATE) > 5");
+    double nod = 0, ndp = 0;
+    SaveMonthDays(p.session, nod, ndp, 1, 1, kJan + 3, parseDate("2024-04-01").value(),
+                  parseDate("2024-04-30").value(), 10);
+    EXPECT_EQ(nod, 25);
+    EXPECT_EQ(p.column("ALLOTLEV", 1, 10, " AND MONTH(ALLOTFROM) = 4"), "2.50 3.00");
+    EXPECT_EQ(p.value("SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE EMPID = 1 AND EDITMODEYN = 1"),
+              "0");
+    EXPECT_EQ(p.column("COLEV", 1, 10, " AND ALLOTFROM = '2024-05-01'"), "11.50");
+}
+
 TEST(Periods, FollowTheYearTypeAndTheDayOnWhichMonthsBegin) {
     struct Bounds {
         const char* what;
