@@ -1,3 +1,4 @@
+// Rows taken one at a time, in order of date.
 #include "base/db_error.h"
 #include "base/number_text.h"
 #include "data/Session.h"

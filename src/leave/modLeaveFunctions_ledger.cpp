@@ -141,7 +141,7 @@ void DeleteUnwantedLedgerRows(Session& session) {
     const std::string unwanted =
         std::string("LEV_ALLOTMENT WHERE NOT EXISTS (SELECT * FROM #TEMPTABLE1 T1 WHERE ") +
         kSameRow + ")";
-    if (!FnBlnRecordExists(session, "SELECT TOP 1 ALLOTID FROM " + unwanted)) return;
+    if (Recordset(session.gConn, "SELECT TOP 1 ALLOTID FROM " + unwanted).IsEOF()) return;
     session.gConn.Execute(markPeriods(unwanted) + " DELETE FROM " + unwanted);
 }
 
@@ -177,7 +177,7 @@ void DeleteOrphanedEncashments(Session& session) {
     const std::string orphans =
         "ATT_ENCASH WHERE ALLOTID NOT IN (SELECT ALLOTID FROM LEV_ALLOTMENT) AND MONTHYEAR>=" +
         std::to_string(session.gFeature.LVSTARTMNYEAR);
-    if (!FnBlnRecordExists(session, "SELECT * FROM " + orphans)) return;
+    if (Recordset(session.gConn, "SELECT TOP 1 ALLOTID FROM " + orphans).IsEOF()) return;
     const std::string entries = "(SELECT ADDENTRYID FROM " + orphans + ")";
     session.gConn.Execute(
         "UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1 WHERE EXISTS (SELECT * FROM " + orphans +
