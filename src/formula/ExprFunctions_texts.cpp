@@ -2,7 +2,6 @@
 #include <cmath>
 
 #include "base/decimal.h"
-#include "base/number_text.h"
 #include "base/utf8.h"
 #include "formula/ExprFunctions.h"
 
@@ -210,12 +209,14 @@ ExprValue wideCharacter(const Arguments& a) {
 // A number without its sign, with so many places: halves away from zero, judged on the 15 digits
 // that a number shows.
 std::string fixedText(double value, size_t places) {
-    const double shown = std::fabs(textToNumber(exprNumberText(value)));
-    std::string text = shown < 1e-20 ? "0" : numberText(shown);
-    Decimal exact;
-    if (Decimal::parse(text, exact) && exact.scale() > static_cast<int>(places))
+    std::string text = std::fabs(value) < 1e-20 ? "0" : exprPlainText(std::fabs(value));
+    size_t point = text.find('.');
+    Decimal exact;  // at most 34 digits, where there is a point
+    if (point != std::string::npos && Decimal::parse(text, exact) &&
+        exact.scale() > static_cast<int>(places)) {
         text = exact.rescaled(static_cast<int>(places)).toText();
-    const size_t point = text.find('.');
+        point = text.find('.');
+    }
     const size_t there = point == std::string::npos ? 0 : text.size() - point - 1;
     if (point == std::string::npos && places > 0) text += '.';
     if (there < places) text.append(places - there, '0');

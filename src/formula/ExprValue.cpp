@@ -264,4 +264,19 @@ std::string exprNumberText(double value, int digits) {
     return std::string(buffer, end);
 }
 
+std::string exprPlainText(double value) {
+    const std::string text = exprNumberText(value);
+    const size_t mark = text.find('E');
+    if (mark == std::string::npos) return text;
+    const size_t exponent = std::stoul(text.substr(mark + 2));
+    std::string digits;
+    for (char c : text.substr(0, mark))
+        if (isDigit(c)) digits += c;
+    if (text[mark + 1] == '+')
+        digits.append(exponent + 1 - digits.size(), '0');
+    else
+        digits = "0." + std::string(exponent - 1, '0') + digits;
+    return (value < 0 ? "-" : "") + digits;
+}
+
 }  // namespace owb

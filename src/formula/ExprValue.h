@@ -128,5 +128,7 @@ bool exprNumber(std::string_view text, double& out);
 size_t findExprText(std::string_view text, std::string_view key, size_t from);
 // Up to so many significant digits, with an exponent from 1E+15 on and below 0.0001.
 std::string exprNumberText(double value, int digits = 15);
+// The same 15 digits without an exponent.
+std::string exprPlainText(double value);
 
 }  // namespace owb

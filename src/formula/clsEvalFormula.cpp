@@ -1,5 +1,6 @@
 #include "formula/clsEvalFormula.h"
 
+#include "base/number_text.h"
 #include "calendar/clsNODNDP.h"
 #include "calendar/clsNODNDPCalc.h"
 #include "formula/clsEvalFormula_task.h"

@@ -14,7 +14,7 @@ void clsEvalFormula::FillOtherData(KeywordTable& vOther, int64_t lngEmpId, int32
     const std::string slice =
         " EMPID = " + std::to_string(lngEmpId) + " AND MONTHYEAR = " + std::to_string(lngMonthYear);
     const auto put = [&](const std::string& keyword, double value) {
-        vOther.push_back({keyword, valueText(value)});
+        vOther.push_back({keyword, exprPlainText(value)});
     };
     // The counts below rest on the head's records.
     LoadAttHead(session_, lngAttHeadId);
@@ -122,10 +122,10 @@ void clsEvalFormula::FillReimbursements(KeywordTable& vOther, int64_t lngEmpId,
             FirstNumber("Select SUM(CLAIMAMT) From RMB_CLAIM A Where A.EMPID = " + employee +
                         " And A.SALARYMONTH = 0  AND (YEAR(CLAIMDATE)*12) + MONTH(CLAIMDATE)= " +
                         month + " And A.RMBID = " + id);
-        vOther.push_back({"ReimAllot{" + name + "}", valueText(allotted)});
-        vOther.push_back({"ReimClaim{" + name + "}", valueText(claimed)});
+        vOther.push_back({"ReimAllot{" + name + "}", exprPlainText(allotted)});
+        vOther.push_back({"ReimClaim{" + name + "}", exprPlainText(claimed)});
         vOther.push_back(
-            {"ReimUnclaim{" + name + "}", valueText(std::max(0.0, allotted - claimed))});
+            {"ReimUnclaim{" + name + "}", exprPlainText(std::max(0.0, allotted - claimed))});
     }
 }
 

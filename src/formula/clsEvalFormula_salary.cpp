@@ -69,12 +69,12 @@ void clsEvalFormula::FillSalaryComponents(KeywordTable& vSalary, Recordset& rsSa
                                   " EMPID = " + rsSalary.Fields("EMPID").toText() +
                                   " AND EMPDETID = " + rsSalary.Fields("EMPDETID").toText() +
                                   " AND PAIDFOR = " + rsSalary.Fields("MONTHYEAR").toText());
-        vSalary.push_back(
-            {family + "{" + upperCase(rs.Fields("SALHEADING").toText()) + "}", valueText(amount)});
+        vSalary.push_back({family + "{" + upperCase(rs.Fields("SALHEADING").toText()) + "}",
+                           exprPlainText(amount)});
     }
     vSalary.push_back(
         {"(GrossSalary)",
-         valueText(rsSalary.Fields(blnCalculated ? "ETotal" : "TOTALENTERED").toDouble())});
+         exprPlainText(rsSalary.Fields(blnCalculated ? "ETotal" : "TOTALENTERED").toDouble())});
 }
 
 void clsEvalFormula::FillUnits(const Task& task, KeywordTable& vOther) {
@@ -94,7 +94,7 @@ void clsEvalFormula::FillUnits(const Task& task, KeywordTable& vOther) {
             " AND STRUCTID=(SELECT structid FROM MAS_EMPLOYEEDET WHERE empid= " + task.employee() +
             " AND empdetid= " + task.version() + ") AND EMPID= " + task.employee() +
             " AND MONTHYEAR=" + task.month());
-        vOther.push_back({"UNIT{" + rs.Fields("SALHEADING").toText() + "}", valueText(units)});
+        vOther.push_back({"UNIT{" + rs.Fields("SALHEADING").toText() + "}", exprPlainText(units)});
     }
 }
 

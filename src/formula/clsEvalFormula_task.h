@@ -1,7 +1,6 @@
 // Shared by the bodies of clsEvalFormula: one evaluation, and how values stand in an expression.
 #pragma once
 
-#include "base/number_text.h"
 #include "base/utf8.h"
 #include "data/Session.h"
 #include "data/modCommon.h"
@@ -35,15 +34,11 @@ inline std::string quotedText(const std::string& text) {
     return result + "\"";
 }
 
-// A number as plain decimals, with the 15 digits that the formula language shows: 0.1 + 0.2 of a
-// float column is 0.3 in a formula.
-inline std::string valueText(double value) {
-    return numberText(textToNumber(exprNumberText(value)));
-}
-
+// A number goes in as plain decimals, with the 15 digits that the language shows (exprPlainText):
+// 0.1 + 0.2 of a float column is 0.3 in a formula.
 inline std::string fieldText(const Value& v) {
     if (v.isDate()) return FnStrSqlDate(v.toDate());
-    return v.isNumber() ? valueText(v.toDouble()) : v.toText();
+    return v.isNumber() ? exprPlainText(v.toDouble()) : v.toText();
 }
 
 inline std::string dateCall(const std::string& date) {
