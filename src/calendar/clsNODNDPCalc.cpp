@@ -257,7 +257,7 @@ void clsNODNDPCalc::FnIntAttHeadID(int64_t lngEmpId, DateTime dteDate, double& d
 void clsNODNDPCalc::FnIntBranchID(int64_t lngEmpId, DateTime dteDate, double& dblResult) {
     dblResult = FirstValue(versionInForce("BRANCHID", lngEmpId, dteDate), 0).toDouble();
     if (dblResult == 0)
-        dblResult = FirstValue("SELECT top 1 BRANCHID FROM MAS_EMPLOYEEDET  order by empdetid", 0)
+        dblResult = RuleValue("SELECT top 1 BRANCHID FROM MAS_EMPLOYEEDET  order by empdetid", 0)
                         .toDouble();
 }
 

@@ -4,21 +4,21 @@
 
 #include "ctl/command.h"
 #include "ctl/database.h"
-#include "leave/slice_sql.h"
+#include "leave/ledger_checks.h"
 
 namespace owb::ctl {
 
 namespace {
 
 // A count that must be 0, of a table that the database may lack. A remark may be more than 0.
-struct LedgerCheck {
+struct TableCheck {
     const char* table;
     const char* what;
     const char* count;
     bool remark = false;
 };
 
-constexpr LedgerCheck kChecks[] = {
+constexpr TableCheck kChecks[] = {
     {"MAS_MONTHYEAR", "months without both dates, or that end before they begin",
      "SELECT COUNT(*) FROM MAS_MONTHYEAR WHERE CALCSTARTDATE IS NULL OR CALCENDDATE IS NULL OR "
      "CALCENDDATE < CALCSTARTDATE"},
@@ -69,14 +69,6 @@ constexpr LedgerCheck kChecks[] = {
     {"LEV_ALLOTMENT", "keys with several ledger rows",
      "SELECT COUNT(*) FROM (SELECT ALLOTID FROM LEV_ALLOTMENT GROUP BY ALLOTID HAVING COUNT(*) > "
      "1) D"},
-    {"LEV_ALLOTMENT", "ledger rows that end before they begin",
-     "SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE ALLOTTO < ALLOTFROM"},
-    {"LEV_ALLOTMENT", "ledger rows that begin within another of their employee and leave",
-     "SELECT COUNT(*) FROM LEV_ALLOTMENT A, LEV_ALLOTMENT B WHERE A.EMPID = B.EMPID AND A.LEVID = "
-     "B.LEVID AND B.ALLOTFROM BETWEEN A.ALLOTFROM AND A.ALLOTTO AND A.ALLOTID <> B.ALLOTID"},
-    {"LEV_ALLOTMENT", "ledger rows without figures",
-     "SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE EDITMODEYN = 0 AND (ACTALLOTLEV IS NULL OR "
-     "ALLOTLEV IS NULL OR COLEV IS NULL OR LAPSE IS NULL)"},
     {"LEV_MONTHDET", "month rows that await recalculation",
      "SELECT COUNT(*) FROM LEV_MONTHDET WHERE EDITMODEYN = 1", true},
     {"ATT_DAYTODAY", "register rows that await recalculation",
@@ -84,23 +76,6 @@ constexpr LedgerCheck kChecks[] = {
     {"LEV_ALLOTMENT", "ledger rows that await recalculation",
      "SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1", true},
 };
-
-// Ledger rows that do not open with what the row before closed less what lapsed on it. Rows that
-// await recalculation prove nothing.
-int64_t brokenLinks(Connection& connection) {
-    const std::string sql =
-        "SELECT COUNT(*) FROM (SELECT LA.COLEV, PV.LAPSE, [dbo].FnDblRndOff(PV.ALLOTLEV + PV.COLEV "
-        "+ " +
-        slice_sql::adjusted("PV", "[dbo].FnLngMonthYear(PV.ALLOTFROM, PV.ALLOTTO)") + " - (" +
-        slice_sql::encashed("PV") + " + " + slice_sql::availed("PV") +
-        "), LS.RNDTYPE) AS CLSBAL FROM LEV_ALLOTMENT LA INNER JOIN LEV_ALLOTMENT PV ON PV.EMPID = "
-        "LA.EMPID AND PV.LEVID = LA.LEVID AND PV.ALLOTTO = LA.ALLOTFROM - 1 INNER JOIN "
-        "LEV_SETTINGS LS ON LS.LEVID = PV.LEVID AND LS.ATTHEADID = PV.ATTHEADID AND LS.MONTHYEAR = "
-        "(SELECT MAX(MONTHYEAR) FROM LEV_SETTINGS WHERE LEVID = PV.LEVID AND ATTHEADID = "
-        "PV.ATTHEADID AND MONTHYEAR <= [dbo].FnLngMonthYear(LA.ALLOTFROM, LA.ALLOTTO)) WHERE "
-        "LA.EDITMODEYN = 0 AND PV.EDITMODEYN = 0) T WHERE T.COLEV <> T.CLSBAL - T.LAPSE";
-    return connection.Run(sql).sets.front().at(0, 0).toInt();
-}
 
 class CheckCommand final : public Command {
   public:
@@ -123,18 +98,18 @@ class CheckCommand final : public Command {
             io.out << line << '\n';
             ++faults;
         }
-        auto found = [&](const char* table, int64_t count, const char* what, bool remark) {
-            if (count == 0) return;
-            io.out << table << ": " << count << ' ' << what << '\n';
+        auto count = [&](const char* table, const char* what, const std::string& query,
+                         bool remark) {
+            if (!tableExists(connection, table)) return;
+            const int64_t found = connection.Run(query).sets.front().at(0, 0).toInt();
+            if (found == 0) return;
+            io.out << table << ": " << found << ' ' << what << '\n';
             if (!remark) ++faults;
         };
-        for (const LedgerCheck& check : kChecks)
-            if (tableExists(connection, check.table))
-                found(check.table, connection.Run(check.count).sets.front().at(0, 0).toInt(),
-                      check.what, check.remark);
-        if (tableExists(connection, "LEV_ALLOTMENT"))
-            found("LEV_ALLOTMENT", brokenLinks(connection),
-                  "ledger rows that do not open with what the row before closed", false);
+        for (const TableCheck& check : kChecks)
+            count(check.table, check.what, check.count, check.remark);
+        for (const LedgerCheck& check : FnLedgerChecks())
+            count("LEV_ALLOTMENT", check.what, check.count, false);
         io.out << (faults == 0 ? "sound\n" : "not sound\n");
         return faults == 0 ? 0 : 1;
     }

@@ -1,8 +1,11 @@
 // A payroll with leave rules in a line each, its ledger made and worked out either way.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 
+#include "leave/ledger_checks.h"
 #include "leave/modLeaveFunctions.h"
 #include "support/payroll.h"
 
@@ -54,6 +57,8 @@ class LedgerCompany : public Payroll {
         NoProgress progress;
         if (way == Way::Bulk) ProcessAllotments(session, progress);
         ProcessAllotmentsOld(session, progress, way == Way::Bulk ? "" : " ");
+        for (const LedgerCheck& check : FnLedgerChecks())
+            EXPECT_EQ(value(check.count), "0") << check.what;
     }
     // Everything marked and every figure wrong.
     void spoil() {
