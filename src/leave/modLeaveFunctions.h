@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "base/date_time.h"
@@ -99,10 +100,11 @@ void InsertAllotFromDate(Session& session);
 void UpdateAllotFromDate(Session& session);
 void InsertAvailFromDate(Session& session);
 void UpdateAvailFromDate(Session& session);
-// LEV_ALLOTMENT in step with salary rows and allot-from dates from LVSTARTMNYEAR on; run in this
-// order. New rows are zero and marked. Both mark rows whose period they change.
-void DeleteUnwantedLedgerRows(Session& session);
-void InsertMissingLedgerRows(Session& session);
+// LEV_ALLOTMENT in step with salary rows and allot-from dates from LVSTARTMNYEAR on: unwanted rows
+// go, then missing ones come, zero and marked. Both mark the rows whose period they change.
+// Employees are taken by thousands, so that memory does not grow with the company; status is told
+// what is done.
+void ReconcileLedgerRows(Session& session, const std::function<void(const char*)>& status);
 // Encashments whose ledger row is gone go, too, with their payments; marks their salary rows.
 void DeleteOrphanedEncashments(Session& session);
 

@@ -1,5 +1,7 @@
 // The rows that the ledger needs, in step with the masters: from-dates, opening balances, ledger
 // rows. What goes or comes marks whatever was worked out from it.
+#include <vector>
+
 #include "data/Session.h"
 #include "data/modCommon.h"
 #include "leave/modLeaveFunctions.h"
@@ -131,28 +133,46 @@ constexpr const char* kDropWanted =
     "IF OBJECT_ID('tempdb..#TEMPTABLE1') IS NOT NULL DROP TABLE #TEMPTABLE1 IF "
     "OBJECT_ID('tempdb..#TEMPTABLE2') IS NOT NULL DROP TABLE #TEMPTABLE2";
 
-}  // namespace
+// Employees after one number up to another, as a condition on EMPID.
+struct EmployeeBlock {
+    std::string after, upTo;  // "" no bound
+    std::string of(const std::string& column) const {
+        return (after.empty() ? "" : " AND " + column + " > " + after) +
+               (upTo.empty() ? "" : " AND " + column + " <= " + upTo);
+    }
+};
 
-void DeleteUnwantedLedgerRows(Session& session) {
-    session.gConn.Execute(kDropWanted);
-    session.gConn.Execute(kWanted + std::to_string(session.gFeature.LVSTARTMNYEAR) +
-                          " ) W WHERE W.ALLOTFROM <= W.ALLOTTO");
-    session.gConn.Execute("CREATE INDEX IX_TEMPTABLE1 ON #TEMPTABLE1 (EMPID, LEVID, ALLOTFROM)");
+std::vector<EmployeeBlock> employeeBlocks(Session& session) {
+    constexpr size_t kEmployeesAtOnce = 5000;
+    std::vector<EmployeeBlock> blocks(1);
+    for (Recordset rs(session.gConn, "SELECT EMPID FROM MAS_EMPLOYEE ORDER BY EMPID"); !rs.IsEOF();
+         rs.MoveNext()) {
+        if (rs.AbsolutePosition() % kEmployeesAtOnce != 0) continue;
+        const std::string last = rs.Fields(0).toText();
+        blocks.back().upTo = last;
+        blocks.push_back({last, ""});
+    }
+    return blocks;
+}
+
+void deleteUnwanted(Session& session, const EmployeeBlock& block) {
     const std::string unwanted =
-        std::string("LEV_ALLOTMENT WHERE NOT EXISTS (SELECT * FROM #TEMPTABLE1 T1 WHERE ") +
-        kSameRow + ")";
+        "LEV_ALLOTMENT WHERE NOT EXISTS (SELECT * FROM #TEMPTABLE1 T1 "
+        "WHERE " +
+        std::string(kSameRow) + ")" + block.of("LEV_ALLOTMENT.EMPID");
     if (Recordset(session.gConn, "SELECT TOP 1 ALLOTID FROM " + unwanted).IsEOF()) return;
     session.gConn.Execute(markPeriods(unwanted) + " DELETE FROM " + unwanted);
 }
 
 // A row that only goes on where the one before it ends changes nothing that stands already: the
-// pass itself marks what follows. Any other may be the first of a period, or end the setting of
-// one.
-void InsertMissingLedgerRows(Session& session) {
+// pass itself marks what follows. Any other may be the first of a period, or cut one short: by the
+// end of service, by another version or setting.
+void insertMissing(Session& session) {
     session.gConn.Execute(
         std::string("SELECT T1.* INTO #TEMPTABLE2 FROM #TEMPTABLE1 T1 WHERE NOT EXISTS (SELECT * "
                     "FROM LEV_ALLOTMENT WHERE ") +
         kSameRow + ")");
+    if (Recordset(session.gConn, "SELECT TOP 1 EMPID FROM #TEMPTABLE2").IsEOF()) return;
     const std::string last =
         FnVarReadValue(session, "SELECT MAX(ALLOTID) FROM LEV_ALLOTMENT", 0).toText();
     session.gConn.Execute(
@@ -169,7 +189,23 @@ void InsertMissingLedgerRows(Session& session) {
         last +
         ") AS ALLOTID, EMPID, ATTHEADID, EMPDETID, LEVID, ALLOTFROM, ALLOTTO, 0, 0, 0, 0, 1 FROM "
         "#TEMPTABLE2)");
-    session.gConn.Execute(kDropWanted);
+}
+
+}  // namespace
+
+void ReconcileLedgerRows(Session& session, const std::function<void(const char*)>& status) {
+    for (const EmployeeBlock& block : employeeBlocks(session)) {
+        status("Deleteing unwanted records...");
+        session.gConn.Execute(kDropWanted);
+        session.gConn.Execute(kWanted + std::to_string(session.gFeature.LVSTARTMNYEAR) +
+                              block.of("SE.EMPID") + " ) W WHERE W.ALLOTFROM <= W.ALLOTTO");
+        session.gConn.Execute(
+            "CREATE INDEX IX_TEMPTABLE1 ON #TEMPTABLE1 (EMPID, LEVID, ALLOTFROM)");
+        deleteUnwanted(session, block);
+        status("Inserting missing records...");
+        insertMissing(session);
+        session.gConn.Execute(kDropWanted);
+    }
 }
 
 // The salary is marked first; the payment goes with its rows, the encashment last.

@@ -49,8 +49,7 @@ class LedgerCompany : public Payroll {
         UpdateAllotFromDate(session);
         InsertAvailFromDate(session);
         UpdateAvailFromDate(session);
-        DeleteUnwantedLedgerRows(session);
-        InsertMissingLedgerRows(session);
+        ReconcileLedgerRows(session, [](const char*) {});
         DeleteOrphanedEncashments(session);
     }
     void process(Way way) {

@@ -110,8 +110,7 @@ TEST(ProcessLeave, WorksTheLedgerOutBehindTheDays) {
             "INSERT INTO LEV_SETTINGS (LEVID, ATTHEADID, MONTHYEAR, AUTOALLOTYN, COYN) VALUES (2, "
             "10, 24294, 0, 1)");
         InsertAllotFromDate(m.session);
-        DeleteUnwantedLedgerRows(m.session);
-        InsertMissingLedgerRows(m.session);
+        ReconcileLedgerRows(m.session, [](const char*) {});
         m.session.gMenuId = c.menu;
         m.session.gOpenedFromMenu = true;
         modLeaveProcess screen(m.session, m.frontEnd);

@@ -40,8 +40,7 @@ void frmConfiguring::onActivate() {
         {"Updating Allotment Dates...", &frmConfiguring::UpdateAllotmentDates},
         {"Updating Avail from Dates...", &frmConfiguring::UpdateAvailFromDates},
         {"Updating monthly records...", &frmConfiguring::UpdateMonthlyRecords},
-        {"Deleteing unwanted records...", &frmConfiguring::DeleteUnwantedRecords},
-        {"Inserting missing records...", &frmConfiguring::InsertMissingRecords},
+        {nullptr, &frmConfiguring::UpdateLedgerRows},  // tells what it does by itself
         {"Filling default values ...", &frmConfiguring::FillDefaultValues},
         {nullptr, &frmConfiguring::DateAdjustments},
     };
@@ -153,12 +152,8 @@ void frmConfiguring::UpdateMonthlyRecords() {
     ReconcileMonthlyRows(session_);
 }
 
-void frmConfiguring::DeleteUnwantedRecords() {
-    DeleteUnwantedLedgerRows(session_);
-}
-
-void frmConfiguring::InsertMissingRecords() {
-    InsertMissingLedgerRows(session_);
+void frmConfiguring::UpdateLedgerRows() {
+    ReconcileLedgerRows(session_, [this](const char* text) { status(text); });
     DeleteOrphanedEncashments(session_);
 }
 

@@ -29,8 +29,7 @@ class frmConfiguring final : public Screen {
     void UpdateAllotmentDates();
     void UpdateAvailFromDates();
     void UpdateMonthlyRecords();
-    void DeleteUnwantedRecords();
-    void InsertMissingRecords();
+    void UpdateLedgerRows();
     void FillDefaultValues();
     void DateAdjustments();
 
