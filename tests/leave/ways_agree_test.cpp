@@ -13,6 +13,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <random>
 
 #include "data/modOWBSetting.h"
@@ -309,6 +311,57 @@ TEST(WaysAgree, CancellingKeepsTheMarks) {
         EXPECT_NE(p.value("SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1"), "0");
         p.process(p.anyWay());
         EXPECT_EQ(p.ledger(), expected);
+    }
+}
+
+// Tells whether a batch named the work table of the bulk pass.
+class Watched final : public Driver {
+  public:
+    Watched(std::unique_ptr<Driver> inner, bool& bulk) : inner_(std::move(inner)), bulk_(bulk) {}
+    BatchResult run(std::string_view batch) override {
+        if (batch.find("INTO [TMPALLOT") != std::string_view::npos) bulk_ = true;
+        return inner_->run(batch);
+    }
+    BatchResult runCollecting(std::string_view batch) override { return run(batch); }
+    void begin() override { inner_->begin(); }
+    void commit() override { inner_->commit(); }
+    void rollback() override { inner_->rollback(); }
+    void setCommandTimeout(int seconds) override { inner_->setCommandTimeout(seconds); }
+    void cancel() override { inner_->cancel(); }
+
+  private:
+    std::unique_ptr<Driver> inner_;
+    bool& bulk_;
+};
+
+TEST(WaysAgree, TheMarkerFileAFilterAndFewRowsGoRowByRow) {
+    LedgerCompany p(kFirst, kLast);
+    p.head({10, 1});
+    p.employee(1, "2020-01-01", 10);
+    p.salary(1, 1, kFirst, kLast);
+    for (int leave = 5; leave < 37; ++leave) p.rule(leave, 10, kFirst, "COYN = 1");
+    p.ledgerRows();
+    bool bulk = false;
+    p.session.gConn.Wrap([&](std::unique_ptr<Driver> inner) {
+        return std::make_unique<Watched>(std::move(inner), bulk);
+    });
+    const std::string marker = p.session.programFolder + "OldLevAllotment.dat";
+    NoProgress progress;
+    struct Case {
+        const char *what, *rows, *filter;
+        bool marker, bulk;
+    };
+    for (const Case& c : {Case{"many rows", "", "", false, true},
+                          {"the marker file", "", "", true, false},
+                          {"a filter", "", " AND LA.EMPID = 1 ", false, false},
+                          {"few rows", " WHERE LEVID < 15", "", false, false}}) {
+        p.run(std::string("UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1") + c.rows);
+        if (c.marker) std::ofstream(marker) << "";
+        bulk = false;
+        ProcessAllotmentsOld(p.session, progress, c.filter);
+        std::filesystem::remove(marker);
+        EXPECT_EQ(bulk, c.bulk) << c.what;
+        EXPECT_EQ(p.value("SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1"), "0");
     }
 }
 
