@@ -7,13 +7,11 @@
 #include <cstdlib>
 
 #include "bench.h"
-#include "ctl/database.h"
 #include "ctl/sample.h"
-#include "data/MemorySettingsStore.h"
-#include "data/Session.h"
 #include "data/modOWBSetting.h"
 #include "formula/clsEvalFormula.h"
 #include "schema/modSQLFunction.h"
+#include "work.h"
 
 namespace {
 
@@ -61,11 +59,6 @@ void benchExpression() {
                 length);
 }
 
-class LoudBoxes final : public MessageBoxes {
-  public:
-    BoxAnswer show(const Box& box) override { throw std::runtime_error(box.text); }
-};
-
 // Counts the time below the connection.
 class TimedDriver final : public Driver {
   public:
@@ -103,10 +96,8 @@ void benchCompany(int employees) {
         NoProgress quiet;
         ctl::makeSample(connection, options, quiet);
     });
-    LoudBoxes boxes;
-    MemorySettingsStore settings;
-    Session session(settings, boxes, wallClock, ".");
-    ctl::openDatabase(session.gConn, path);
+    bench::Work work(path);
+    Session& session = work.session;
     session.gConn.Execute(
         "INSERT INTO MAS_FORMULA (FORMULAID, FORMULA) VALUES (90, 'OWIF((PTGroup) = "
         "\"Maharashtra\", OWRound(Component{BASIC} * 0.4, 1, \"n\"), Component{HRA}) + "

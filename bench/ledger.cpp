@@ -15,29 +15,18 @@
 #include <map>
 
 #include "bench.h"
-#include "ctl/database.h"
 #include "ctl/sample.h"
-#include "data/MemorySettingsStore.h"
-#include "data/Session.h"
 #include "data/modOWBSetting.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/screens/frmConfiguring.h"
 #include "schema/modSQLFunction.h"
-#include "script/batch_front_end.h"
+#include "work.h"
 
 namespace {
 
 using namespace owb;
 using bench::Prepared;
 using bench::seconds;
-
-class LoudBoxes final : public MessageBoxes {
-  public:
-    BoxAnswer show(const Box& box) override {
-        if (box.icon == BoxIcon::Critical) throw std::runtime_error(box.text);
-        return box.defaultAnswer;
-    }
-};
 
 // Counts statements and their time, told apart by how they begin before a value stands in them.
 struct Spent {
@@ -83,16 +72,10 @@ class Counting final : public Driver {
     Ledger& ledger_;
 };
 
-struct Work {
-    LoudBoxes boxes;
-    NoProgress progress;
-    BatchFrontEnd frontEnd{boxes, progress};
-    MemorySettingsStore settings;
-    Session session{settings, frontEnd, wallClock, "."};
+struct Work : bench::Work {
     Ledger ledger;
 
-    explicit Work(const std::string& path) {
-        ctl::openDatabase(session.gConn, path);
+    explicit Work(const std::string& path) : bench::Work(path) {
         session.gConn.Wrap([&](std::unique_ptr<Driver> inner) {
             return std::make_unique<Counting>(std::move(inner), ledger);
         });

@@ -10,39 +10,19 @@
 #include <vector>
 
 #include "bench.h"
-#include "ctl/database.h"
 #include "ctl/sample.h"
-#include "data/MemorySettingsStore.h"
-#include "data/Session.h"
 #include "data/modOWBSetting.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/screens/frmConfiguring.h"
 #include "schema/modSQLFunction.h"
-#include "script/batch_front_end.h"
+#include "work.h"
 
 namespace {
 
 using namespace owb;
 using bench::Prepared;
 using bench::seconds;
-
-class LoudBoxes final : public MessageBoxes {
-  public:
-    BoxAnswer show(const Box& box) override {
-        if (box.icon == BoxIcon::Critical) throw std::runtime_error(box.text);
-        return box.defaultAnswer;
-    }
-};
-
-struct Work {
-    LoudBoxes boxes;
-    NoProgress progress;
-    BatchFrontEnd frontEnd{boxes, progress};
-    MemorySettingsStore settings;
-    Session session{settings, frontEnd, wallClock, "."};
-
-    explicit Work(const std::string& path) { ctl::openDatabase(session.gConn, path); }
-};
+using bench::Work;
 
 void prepare(const std::string& path, const ctl::SampleOptions& options) {
     ctl::makeDatabase(path, [&](Connection& connection) {

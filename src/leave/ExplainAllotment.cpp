@@ -74,8 +74,8 @@ void explainCredit(Session& session, LeaveCalc& calc, const AllotRow& row, Allot
     if (!settings->AUTOALLOTYN) return steps.step("credit", "entered by hand");
     try {
         const double credit = calc.Credit(row).value();
-        steps.step("rounding", numberText(credit) + " by rounding type " +
-                                   std::to_string(settings->ALLOTRNDTYPE) + " is " +
+        steps.step("rounding", numberText(credit) + " by '" +
+                                   FnStrRoundingType(settings->ALLOTRNDTYPE) + "' is " +
                                    rounded(session, credit, settings->ALLOTRNDTYPE));
     } catch (const DaysNotCounted&) {
         steps.step("credit", "the days could not be counted: the row stays marked");

@@ -85,8 +85,8 @@ double LeaveChain::Closing(const AllotRow& row, const LeaveSettingsRecord& setti
         steps_->step("its closing", part("BROUGHT") + " brought forward + " + part("ALLOTTED") +
                                         " allotted + " + part("ADJUSTED") + " adjusted - " +
                                         part("ENCASHED") + " encashed - " + part("AVAILED") +
-                                        " availed, rounding type " + text(settings.RNDTYPE) + ": " +
-                                        numberText(closing));
+                                        " availed, by '" + FnStrRoundingType(settings.RNDTYPE) +
+                                        "': " + numberText(closing));
         if (rs.Fields("NOTOPEN").toInt() > 0)
             steps_->step("its closing", "0: it lies before the allot-from date");
     }

@@ -75,4 +75,19 @@ const AllotFigure* LeaveRules::figure(int intLevId, int intAttHeadId, int intAll
     return best;
 }
 
+const char* FnStrRoundingType(int intType) {
+    static constexpr const char* kTypes[] = {"None",
+                                             "Lower Half Day",
+                                             "Higher Half Day",
+                                             "Lower Full Day",
+                                             "Higher Full Day",
+                                             "Nearest Half Day",
+                                             "Nearest Full Day",
+                                             "Lower Quarter Day",
+                                             "Higher Quarter Day",
+                                             "Nearest Quarter Day"};
+    const bool known = intType >= 0 && intType < static_cast<int>(std::size(kTypes));
+    return kTypes[known ? intType : 0];
+}
+
 }  // namespace owb

@@ -21,6 +21,9 @@ struct AllotFigure {
     int QUERYYN = 0;    // 1 custom query, 2 formula, else the number NOL
 };
 
+// Caption of a RNDTYPE or ALLOTRNDTYPE; "None" of a number that is no type.
+const char* FnStrRoundingType(int intType);
+
 class LeaveRules {
   public:
     explicit LeaveRules(Session& session);
