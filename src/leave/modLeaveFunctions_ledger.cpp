@@ -97,11 +97,10 @@ void DeleteUnallottedLeaves(Session& session) {
 
 namespace {
 
-// Ledger rows as the masters want them: one for each salary row and allot-from date, from the
-// head's first settings of the leave on.
+// Ledger rows as the masters want them, as a table W: one for each salary row and allot-from date,
+// from the head's first settings of the leave on; up to the first month.
 constexpr const char* kWanted =
-    "SELECT DISTINCT W.EMPID, W.ATTHEADID, W.EMPDETID, W.LEVID, W.MONTHYEAR, W.ALLOTFROM, "
-    "W.ALLOTTO INTO #TEMPTABLE1 FROM (SELECT SE.EMPID, MD.ATTHEADID, SE.EMPDETID, LA.LEVID, "
+    " FROM (SELECT SE.EMPID, MD.ATTHEADID, SE.EMPDETID, LA.LEVID, "
     "SE.MONTHYEAR, CASE WHEN LA.ALLOTFROM >= MM.CALCSTARTDATE THEN (CASE WHEN LA.ALLOTFROM >= "
     "MD.EFFFROMDATE THEN LA.ALLOTFROM ELSE MD.EFFFROMDATE END) ELSE (CASE WHEN MM.CALCSTARTDATE "
     ">= MD.EFFFROMDATE THEN MM.CALCSTARTDATE ELSE MD.EFFFROMDATE END) END AS ALLOTFROM, CASE WHEN "
@@ -114,10 +113,14 @@ constexpr const char* kWanted =
     "CROSS APPLY (SELECT CASE WHEN MD.EFFTODATE < MM.CALCENDDATE THEN MD.EFFTODATE ELSE "
     "MM.CALCENDDATE END AS LASTDATE) E WHERE ISNULL(MM.TDSPORTYN, 0) <> 1 AND SE.MONTHYEAR >= ";
 
-constexpr const char* kSameRow =
-    "T1.EMPID = LEV_ALLOTMENT.EMPID AND T1.LEVID = LEV_ALLOTMENT.LEVID AND T1.ALLOTFROM = "
-    "LEV_ALLOTMENT.ALLOTFROM AND T1.ALLOTTO = LEV_ALLOTMENT.ALLOTTO AND T1.EMPDETID = "
-    "LEV_ALLOTMENT.EMPDETID AND T1.ATTHEADID = LEV_ALLOTMENT.ATTHEADID";
+// Whether a wanted row is the ledger's.
+std::string sameRow(const std::string& wanted) {
+    std::string same;
+    for (const char* column : {"EMPID", "LEVID", "ALLOTFROM", "ALLOTTO", "EMPDETID", "ATTHEADID"})
+        same +=
+            (same.empty() ? "" : " AND ") + wanted + "." + column + " = LEV_ALLOTMENT." + column;
+    return same;
+}
 
 // Marks the rows of employees and leaves from a year before the first row in a list: the longest
 // period whose credit may rest on it.
@@ -159,7 +162,7 @@ void deleteUnwanted(Session& session, const EmployeeBlock& block) {
     const std::string unwanted =
         "LEV_ALLOTMENT WHERE NOT EXISTS (SELECT * FROM #TEMPTABLE1 T1 "
         "WHERE " +
-        std::string(kSameRow) + ")" + block.of("LEV_ALLOTMENT.EMPID");
+        sameRow("T1") + ")" + block.of("LEV_ALLOTMENT.EMPID");
     if (Recordset(session.gConn, "SELECT TOP 1 ALLOTID FROM " + unwanted).IsEOF()) return;
     session.gConn.Execute(markPeriods(unwanted) + " DELETE FROM " + unwanted);
 }
@@ -171,7 +174,7 @@ void insertMissing(Session& session) {
     session.gConn.Execute(
         std::string("SELECT T1.* INTO #TEMPTABLE2 FROM #TEMPTABLE1 T1 WHERE NOT EXISTS (SELECT * "
                     "FROM LEV_ALLOTMENT WHERE ") +
-        kSameRow + ")");
+        sameRow("T1") + ")");
     if (Recordset(session.gConn, "SELECT TOP 1 EMPID FROM #TEMPTABLE2").IsEOF()) return;
     const std::string last =
         FnVarReadValue(session, "SELECT MAX(ALLOTID) FROM LEV_ALLOTMENT", 0).toText();
@@ -191,14 +194,33 @@ void insertMissing(Session& session) {
         "#TEMPTABLE2)");
 }
 
+// Whether every wanted row stands and no other: what almost every start finds.
+bool inStep(Session& session, const EmployeeBlock& block, const std::string& wanted) {
+    Recordset rs(session.gConn,
+                 "SELECT COUNT(*), COUNT(LEV_ALLOTMENT.ALLOTID), (SELECT COUNT(*) FROM "
+                 "LEV_ALLOTMENT WHERE 1 = 1" +
+                     block.of("EMPID") + ")" + wanted + " LEFT JOIN LEV_ALLOTMENT ON " +
+                     sameRow("W") + " WHERE W.ALLOTFROM <= W.ALLOTTO");
+    const int64_t standing = rs.Fields(1).toInt();
+    return rs.Fields(0).toInt() == standing && rs.Fields(2).toInt() == standing;
+}
+
 }  // namespace
 
 void ReconcileLedgerRows(Session& session, const std::function<void(const char*)>& status) {
     for (const EmployeeBlock& block : employeeBlocks(session)) {
         status("Deleteing unwanted records...");
+        const std::string wanted = kWanted + std::to_string(session.gFeature.LVSTARTMNYEAR) +
+                                   block.of("SE.EMPID") + " ) W";
+        if (inStep(session, block, wanted)) {
+            status("Inserting missing records...");
+            continue;
+        }
         session.gConn.Execute(kDropWanted);
-        session.gConn.Execute(kWanted + std::to_string(session.gFeature.LVSTARTMNYEAR) +
-                              block.of("SE.EMPID") + " ) W WHERE W.ALLOTFROM <= W.ALLOTTO");
+        session.gConn.Execute(
+            "SELECT DISTINCT W.EMPID, W.ATTHEADID, W.EMPDETID, W.LEVID, W.MONTHYEAR, W.ALLOTFROM, "
+            "W.ALLOTTO INTO #TEMPTABLE1" +
+            wanted + " WHERE W.ALLOTFROM <= W.ALLOTTO");
         session.gConn.Execute(
             "CREATE INDEX IX_TEMPTABLE1 ON #TEMPTABLE1 (EMPID, LEVID, ALLOTFROM)");
         deleteUnwanted(session, block);
