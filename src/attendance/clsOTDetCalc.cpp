@@ -107,7 +107,7 @@ void clsOTDetCalc::WriteDays(Recordset& rs, std::string& strQuery) {
     const std::string id = text(rs.Fields("EMPID").toInt());
     const std::string det = text(rs.Fields("EMPDETID").toInt());
     ComputeDays(rs, [&](DateTime dteDate, const Figures& f) {
-        const std::string date = "'" + FnStrIsoDate(dteDate) + "'";
+        const std::string date = FnStrIsoLiteral(dteDate);
         // With the columns' two places always: texts that differ in digits alone share a plan.
         const std::string ot1 = formatNumber(f.OT1, "0.00"), ot2 = formatNumber(f.OT2, "0.00"),
                           adj = formatNumber(f.ADJHRS, "0.00");

@@ -194,7 +194,7 @@ void clsNODNDPCalc::FnStrExplodeMonth(int32_t lngMonthYear, std::string& strResu
 }
 
 void clsNODNDPCalc::FnBlnEmpExist(int64_t lngEmpId, DateTime dteDate, bool& blnResult) {
-    const std::string date = "'" + FnStrIsoDate(dteDate) + "'";
+    const std::string date = FnStrIsoLiteral(dteDate);
     blnResult =
         FirstValue("SELECT COUNT(EMPID) FROM MAS_EMPLOYEE WHERE EMPID=" + std::to_string(lngEmpId) +
                        " AND DOJ<=" + date + " AND (DOL IS NULL OR DOL>=" + date + ")",
@@ -205,8 +205,8 @@ void clsNODNDPCalc::FnBlnEmpExist(int64_t lngEmpId, DateTime dteDate, bool& blnR
 void clsNODNDPCalc::SetValidPeriod(int32_t lngMonthYear, int64_t lngEmpId, DateTime& dteFrom,
                                    DateTime& dteTo) {
     GetMonthPeriod(session_, lngMonthYear, dteFrom, dteTo);
-    const std::string start = "'" + FnStrIsoDate(dteFrom) + "'";
-    const std::string end = "'" + FnStrIsoDate(dteTo) + "'";
+    const std::string start = FnStrIsoLiteral(dteFrom);
+    const std::string end = FnStrIsoLiteral(dteTo);
     const std::string employee = " FROM MAS_EMPLOYEE WHERE EMPID =" + std::to_string(lngEmpId);
     dteFrom =
         FirstValue("SELECT DOJ" + employee + " AND DOJ>=" + start + " AND DOJ<=" + end, dteFrom)
@@ -241,7 +241,7 @@ void clsNODNDPCalc::Update_MonthYear() {
 namespace {
 
 std::string versionInForce(const char* column, int64_t lngEmpId, DateTime dteDate) {
-    const std::string date = "'" + FnStrIsoDate(dteDate) + "'";
+    const std::string date = FnStrIsoLiteral(dteDate);
     return std::string("SELECT ") + column +
            " FROM MAS_EMPLOYEE ME, MAS_EMPLOYEEDET MT WHERE ME.EMPID=" + std::to_string(lngEmpId) +
            " AND ME.EMPID=MT.EMPID AND EFFFROMDATE <= " + date +

@@ -133,7 +133,7 @@ void clsNODNDPCalc::FnBlnGenHoliday(int32_t lngAttHeadId, DateTime dteDate, int6
 
 // The payroll month that holds the date, or the calendar month where none does.
 int32_t clsNODNDPCalc::MonthOfDate(DateTime dteDate) {
-    const std::string date = "'" + FnStrIsoDate(dteDate) + "'";
+    const std::string date = FnStrIsoLiteral(dteDate);
     return static_cast<int32_t>(
         RuleValue("SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE CALCSTARTDATE <= " + date +
                       " AND CALCENDDATE >= " + date,

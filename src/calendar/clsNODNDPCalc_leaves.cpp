@@ -82,7 +82,7 @@ std::map<int, double> clsNODNDPCalc::TakenByLeave(const Span& span) {
 // Under a monthly head a figure is dated anywhere in its version's span.
 DateTime clsNODNDPCalc::LastDayTaken(int64_t lngEmpId, DateTime dteTo) {
     if (session_.gAtt.ATTNTYPE != 4) return dteTo;
-    const std::string to = "'" + FnStrIsoDate(dteTo) + "'";
+    const std::string to = FnStrIsoLiteral(dteTo);
     const DateTime monthEnd = FnDteMonthEnd(session_, MonthOfDate(dteTo));
     dteTo = FirstValue("SELECT ISNULL(EFFTODATE," + to +
                            ") FROM MAS_EMPLOYEEDET  WHERE EFFFROMDATE <= " + to +

@@ -40,6 +40,8 @@ std::string FnStrSqlDate(const DateTime& date);
 std::string FnStrSqlDate(const std::string& dateText);
 // "yyyy-MM-dd".
 std::string FnStrIsoDate(const DateTime& date);
+// The same in the apostrophes of a statement.
+std::string FnStrIsoLiteral(const DateTime& date);
 // "CHARINDEX('<text>',<field>) ", on upper-cased text and field when `ignoreCase`.
 std::string FnStrInStrSql(const std::string& field, const std::string& text, bool ignoreCase);
 // Host name as the server gives it, followed in an extended session by the Windows user.

@@ -191,7 +191,7 @@ void GetTaxYearRange(Session& session, int32_t lngFrom, int32_t lngTo, int32_t& 
 }
 
 bool FnBlnIsRestrictedHoliday(Session& session, int64_t lngEmpId, const DateTime& date) {
-    const std::string day = "'" + FnStrIsoDate(date) + "'";
+    const std::string day = FnStrIsoLiteral(date);
     const std::string listed = "SELECT 1 FROM ATT_RESTRICTHOLIDAY WHERE HOLIDAYDATE=" + day;
     auto ofEmployee = [&](const std::string& column) {
         return listed + " AND " + column + " = ( SELECT " + column +

@@ -79,6 +79,10 @@ std::string FnStrIsoDate(const DateTime& date) {
     return dateText(date, "yyyy-MM-dd");
 }
 
+std::string FnStrIsoLiteral(const DateTime& date) {
+    return "'" + FnStrIsoDate(date) + "'";
+}
+
 std::string FnStrInStrSql(const std::string& field, const std::string& text, bool ignoreCase) {
     if (ignoreCase) return "CHARINDEX('" + upperCase(text) + "',UPPER(" + field + ")) ";
     return "CHARINDEX('" + text + "'," + field + ") ";

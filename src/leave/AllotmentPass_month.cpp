@@ -13,9 +13,6 @@ namespace {
 std::string text(int64_t number) {
     return std::to_string(number);
 }
-std::string quoted(const DateTime& date) {
-    return "'" + FnStrIsoDate(date) + "'";
-}
 // Settings of the row's month under the predecessor's head.
 std::string settingsOf(int32_t lngMonthYear) {
     return ", UDF_LSET(" + text(lngMonthYear) +
@@ -77,7 +74,8 @@ int32_t AllotmentPass::NextMonth(int32_t lngAfter) {
 void AllotmentPass::ProcessAllotmentMonth(int32_t lngMonthYear) {
     DateTime from, to;
     calc_.periods.GetMonthBounds(lngMonthYear, from, to);
-    const std::string inMonth = "LA.ALLOTFROM BETWEEN " + quoted(from) + " AND " + quoted(to);
+    const std::string inMonth =
+        "LA.ALLOTFROM BETWEEN " + FnStrIsoLiteral(from) + " AND " + FnStrIsoLiteral(to);
     strDuplicates_ = DividedEmployees(inMonth);
     BuildWorkTable(lngMonthYear, inMonth);
     CompensatoryOff();
@@ -211,7 +209,8 @@ void AllotmentPass::WithinPeriod(int32_t lngMonthYear) {
           {"ALLOTTYPE = 4 AND ALLOTON = 2", 4, 2}}) {
         DateTime end;
         FnBlnPeriodEnd(calc_.periods, allotType, allotOn, lngMonthYear - 1, end);
-        ended += std::string(" OR (") + types + " AND ALLOTFROM = " + quoted(end.plusDays(1)) + ")";
+        ended += std::string(" OR (") + types +
+                 " AND ALLOTFROM = " + FnStrIsoLiteral(end.plusDays(1)) + ")";
     }
     ended += ")";
     session_.gConn.Execute("UPDATE " + tmp_.name + " SET COLEV = CASE WHEN " + ended +

@@ -44,7 +44,7 @@ LeaveChain::Link LeaveChain::Chain(const AllotRow& row) {
 
 double LeaveChain::OpeningBalance(const AllotRow& row) {
     const DateTime since = periods_.LeaveStart();
-    const std::string from = "'" + FnStrIsoDate(since) + "'";
+    const std::string from = FnStrIsoLiteral(since);
     Recordset rs(session_.gConn,
                  "SELECT " + slice_sql::openingBalance("LA") + ", " +
                      slice_sql::openingAvailed("LA", from) + ", " +

@@ -168,7 +168,7 @@ void LeavePeriods::GetPrevBounds(int64_t lngEmpId, int intAllotType, int intYear
 void LeavePeriods::countService(int64_t lngEmpId, DateTime& dteFrom, const DateTime& dteTo,
                                 double& dblPeriodDays, double& dblServiceDays) {
     dblPeriodDays = FnDblDays(dteFrom, dteTo);
-    const std::string from = "'" + FnStrIsoDate(dteFrom) + "'";
+    const std::string from = FnStrIsoLiteral(dteFrom);
     dteFrom = FnVarReadValue(session_,
                              "SELECT (CASE WHEN DOJ >= " + from + " THEN DOJ ELSE CAST(" + from +
                                  " AS datetime) END) FROM MAS_EMPLOYEE WHERE EMPID = " +

@@ -13,9 +13,6 @@ namespace {
 std::string text(int64_t number) {
     return std::to_string(number);
 }
-std::string quoted(const DateTime& date) {
-    return "'" + FnStrIsoDate(date) + "'";
-}
 
 }  // namespace
 
@@ -82,7 +79,7 @@ void LeaveCalc::SumPrevMonthDays(int64_t lngEmpId, int32_t lngMonthYear, Days& d
 }
 
 void LeaveCalc::SumPeriodDays(int64_t lngEmpId, DateTime dteFrom, DateTime dteTo, Days& days) {
-    const std::string from = quoted(dteFrom), to = quoted(dteTo);
+    const std::string from = FnStrIsoLiteral(dteFrom), to = FnStrIsoLiteral(dteTo);
     Recordset rs(
         session_.gConn,
         "SELECT MT.EMPDETID, MT.ATTHEADID, MM.MONTHYEAR, MM.CALCSTARTDATE, MM.CALCENDDATE, "
@@ -117,7 +114,7 @@ void LeaveCalc::GetServiceDays(const Task& task, double& dblPeriodDays, double& 
     };
     from = readDate("SELECT MIN(ALLOTFROM) FROM LEV_ALLOTMENT WHERE EMPID = " + emp +
                         " AND EMPDETID = " + det + " AND LEVID = " + lev +
-                        " AND ALLOTFROM >= " + quoted(from),
+                        " AND ALLOTFROM >= " + FnStrIsoLiteral(from),
                     from);
     const std::string withSettings =
         " FROM LEV_ALLOTMENT A,LEV_SETTINGS B Where A.LEVID = b.LEVID And A.ATTHEADID = "
@@ -125,28 +122,29 @@ void LeaveCalc::GetServiceDays(const Task& task, double& dblPeriodDays, double& 
         "levid=b.levid AND attheadid=b.attheadid AND Monthyear<= dbo.FnLngMonthYear(A.ALLOTFROM,"
         "a.ALLOTTO))  And A.LEVID = " +
         lev + " And A.EMPID = " + emp + "  And A.EMPDETID = " + det;
-    from = readDate("SELECT MIN(ALLOTFROM)" + withSettings + " AND A.ALLOTFROM >= " + quoted(from) +
-                        " AND MONTHYEAR=" + text(task.settings.MONTHYEAR),
+    from = readDate("SELECT MIN(ALLOTFROM)" + withSettings + " AND A.ALLOTFROM >= " +
+                        FnStrIsoLiteral(from) + " AND MONTHYEAR=" + text(task.settings.MONTHYEAR),
                     from);
     to = readDate("SELECT MIN(ALLOTFROM)-1" + withSettings + "   AND A.ALLOTFROM > " +
-                      quoted(from) + " AND A.ALLOTFROM -1 < " + quoted(to) + " AND MONTHYEAR>" +
-                      text(row.lngMonthYear),
+                      FnStrIsoLiteral(from) + " AND A.ALLOTFROM -1 < " + FnStrIsoLiteral(to) +
+                      " AND MONTHYEAR>" + text(row.lngMonthYear),
                   to);
     if (!task.settings.EXCLDOLYN)
-        to = readDate(
-            "SELECT DOL FROM MAS_EMPLOYEE WHERE EMPID = " + emp + " AND DOL <= " + quoted(to), to);
+        to = readDate("SELECT DOL FROM MAS_EMPLOYEE WHERE EMPID = " + emp +
+                          " AND DOL <= " + FnStrIsoLiteral(to),
+                      to);
     if (task.settings.EXCLDOJYN) {
         DateTime first, last;
         periods.GetMonthBounds(row.lngMonthYear, first, last);
-        from =
-            readDate("SELECT CAST(" + quoted(first) +
-                         " AS datetime)   FROM MAS_EMPLOYEE WHERE "
-                         "EMPID = " +
-                         emp + " AND DOJ > " + quoted(first) + " AND  DOJ <= " + quoted(to) + "  ",
-                     from);
+        from = readDate("SELECT CAST(" + FnStrIsoLiteral(first) +
+                            " AS datetime)   FROM MAS_EMPLOYEE WHERE "
+                            "EMPID = " +
+                            emp + " AND DOJ > " + FnStrIsoLiteral(first) +
+                            " AND  DOJ <= " + FnStrIsoLiteral(to) + "  ",
+                        from);
     }
-    to = readDate("SELECT (SELECT CASE WHEN ISNULL(MIN(EFFFROMDATE) - 1, " + quoted(to) +
-                      ") >= " + quoted(to) + " THEN CAST(" + quoted(to) +
+    to = readDate("SELECT (SELECT CASE WHEN ISNULL(MIN(EFFFROMDATE) - 1, " + FnStrIsoLiteral(to) +
+                      ") >= " + FnStrIsoLiteral(to) + " THEN CAST(" + FnStrIsoLiteral(to) +
                       " AS datetime) ELSE Min (EFFFROMDATE) - 1 END FROM MAS_EMPLOYEEDET WHERE "
                       "EMPID = MT.EMPID AND ATTHEADID <> MT.ATTHEADID AND EFFFROMDATE >= "
                       "DATEADD(DAY, 1, MT.EFFTODATE)) FROM MAS_EMPLOYEEDET MT WHERE MT.EMPID = " +

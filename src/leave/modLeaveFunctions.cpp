@@ -62,7 +62,7 @@ void MarkAllotmentDirty(Session& session, int32_t intAttHeadId, int64_t lngEmpId
 
 void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHeadId,
                             const std::string& strEmpIds, const std::string& strLevIds) {
-    const std::string date = "'" + FnStrIsoDate(dteFrom) + "'";
+    const std::string date = FnStrIsoLiteral(dteFrom);
     std::string sql =
         "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE dbo.FnLngMonthYear(ALLOTFROM, ALLOTFROM) "
         ">= dbo.FnLngMonthYear(" +

@@ -39,7 +39,7 @@ void ProcessAllotmentsOld(Session& session, Progress& frm, const std::string& st
 double GetClosingBalance(Session& session, int64_t lngEmpId, int32_t intLevId, DateTime dteAsOn,
                          DateTime dteExclude, int32_t intAttHeadId) {
     const std::string emp = text(lngEmpId), lev = text(intLevId), head = text(intAttHeadId);
-    const std::string date = "'" + FnStrIsoDate(dteAsOn) + "'";
+    const std::string date = FnStrIsoLiteral(dteAsOn);
     // A total is open when one of its leaves is.
     const std::string open = "CASE WHEN LA.ALLOTFROM > " + date + " THEN 0 ELSE 1 END";
     if (FnVarReadValue(session,

@@ -45,7 +45,7 @@ std::string emptyDays(const Session& session, int day) {
 // The default of one day for the rows of one head and month.
 std::string writeDefault(const WorkTable& table, Recordset& group, int day,
                          const std::string& lossOfPay) {
-    const std::string date = "'" + FnStrIsoDate(group.Fields("CURRENTDATE").toDate()) + "'";
+    const std::string date = FnStrIsoLiteral(group.Fields("CURRENTDATE").toDate());
     const std::string rows = " FROM " + table.name +
                              " WHERE ATTHEADID = " + text(group.Fields("ATTHEADID").toInt()) +
                              " AND CURRENTDATE=" + date;

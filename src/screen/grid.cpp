@@ -102,23 +102,22 @@ void Grid::setCell(size_t row, size_t c, std::string text) {
     ++content_;
 }
 
-void Grid::setStyle(size_t row, size_t c, const Style& style) {
-    auto known = std::find(styles_.begin(), styles_.end(), style);
-    if (known == styles_.end()) known = styles_.insert(known, style);
+template <typename Change>
+void Grid::changeStyle(size_t row, size_t c, Change change) {
+    Style changed = style(row, c);
+    change(changed);
+    auto known = std::find(styles_.begin(), styles_.end(), changed);
+    if (known == styles_.end()) known = styles_.insert(known, changed);
     styleOf_[place(row, c)] = static_cast<uint16_t>(known - styles_.begin());
     ++content_;
 }
 
 void Grid::setBackColor(size_t row, size_t c, Color color) {
-    Style s = style(row, c);
-    s.back = color;
-    setStyle(row, c, s);
+    changeStyle(row, c, [&](Style& style) { style.back = color; });
 }
 
 void Grid::setForeColor(size_t row, size_t c, Color color) {
-    Style s = style(row, c);
-    s.fore = color;
-    setStyle(row, c, s);
+    changeStyle(row, c, [&](Style& style) { style.fore = color; });
 }
 
 bool Grid::locked(size_t row, size_t c) const {
@@ -126,15 +125,11 @@ bool Grid::locked(size_t row, size_t c) const {
 }
 
 void Grid::setLocked(size_t row, size_t c, bool locked) {
-    Style s = style(row, c);
-    s.locked = locked;
-    setStyle(row, c, s);
+    changeStyle(row, c, [&](Style& style) { style.locked = locked; });
 }
 
 void Grid::setCellType(size_t row, size_t c, CellType type) {
-    Style s = style(row, c);
-    s.type = type;
-    setStyle(row, c, s);
+    changeStyle(row, c, [&](Style& style) { style.type = type; });
 }
 
 CellType Grid::cellType(size_t row, size_t c) const {

@@ -134,7 +134,8 @@ class Grid : public Control {
     const Style& style(size_t row, size_t c) const {
         return styles_[styleOf_[row * columns_.size() + c]];
     }
-    void setStyle(size_t row, size_t c, const Style& style);
+    template <typename Change>
+    void changeStyle(size_t row, size_t c, Change change);
     uint64_t place(size_t row, size_t c) const { return row * columns_.size() + c; }
     // The text as the cell would hold it; nothing, with the reason, when it does not fit.
     std::optional<std::string> fitted(size_t row, size_t c, const std::string& text,
