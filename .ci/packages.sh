@@ -22,5 +22,5 @@ need_packages() {
 }
 
 build_packages="g++ cmake ninja-build ccache pkg-config libsqlite3-dev libutf8proc-dev libcli11-dev \
-libgtest-dev libedit-dev libxlsxwriter-dev liborcus-dev libfreexl-dev nlohmann-json3-dev \
+libgtest-dev zlib1g-dev libedit-dev libxlsxwriter-dev liborcus-dev libfreexl-dev nlohmann-json3-dev \
 qt6-base-dev"

@@ -1,6 +1,6 @@
 #include "app/ThisApp.h"
 
-#include <cstdlib>
+#include <charconv>
 #include <fstream>
 #include <limits>
 #include <stdexcept>
@@ -38,9 +38,10 @@ Int wholeNumber(const std::string& text, const char* what) {
 bool flag(const std::string& text) {
     if (equalsIgnoreCaseAscii(text, "True")) return true;
     if (equalsIgnoreCaseAscii(text, "False")) return false;
-    char* end = nullptr;
-    const double value = std::strtod(text.c_str(), &end);
-    if (trim(text).empty() || *end != '\0')
+    const std::string number = trim(text);
+    double value = 0;
+    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+    if (error != std::errc() || end != number.data() + number.size())
         throw std::runtime_error("Command line: the flag '" + text +
                                  "' is neither True, False nor a number");
     return value != 0;
@@ -71,6 +72,7 @@ std::string connectionOfFile(Session& session, const std::string& path) {
     if (!FnBlnFileExists(path) || !file)
         throw std::runtime_error("The connection file '" + path + "' cannot be read");
     std::getline(file, line);
+    if (!line.empty() && line.back() == '\r') line.pop_back();  // of Windows' line ends
     line = fromAnsi(trim(line));
     if (line.empty()) endWithoutConnection(session);
     std::vector<std::string> fields = split(line, ':');
@@ -130,8 +132,8 @@ void OpenDatabase(Session& session, const std::string& connectionString) {
     session.gConn.Open(connectionString);
     session.gConn.setCommandTimeout(seconds(session, "COMDTIME"));
     session.gMultiLogin =
-        FnVarGetValue(session,
-                      "SELECT MULTILOGIN FROM SEC_USERLIST WHERE UPPER(USERNAME) = 'ADMIN'", 0)
+        FnVarReadValue(session,
+                       "SELECT MULTILOGIN FROM SEC_USERLIST WHERE UPPER(USERNAME) = 'ADMIN'", 0)
             .toBool();
 }
 

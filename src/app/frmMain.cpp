@@ -2,7 +2,7 @@
 
 #include "app/ThisApp.h"
 #include "app/modInitialize.h"
-#include "schema/modSQLFunction.h"
+#include "leave/ConfiguredState.h"
 
 namespace owb {
 
@@ -35,7 +35,7 @@ void frmMain::Form_Unload() {
     session_.gOtDetCalc.reset();
     session_.gNodNdp.reset();
     session_.gEvalFormula.reset();
-    if (session_.gConn.State() == 1) FreeLeaveTables(session_);
+    if (session_.gConn.State() == 1) SweepChangedLeaveTables(session_);
 }
 
 }  // namespace owb

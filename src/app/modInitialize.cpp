@@ -20,30 +20,25 @@ namespace owb {
 
 namespace {
 
-// Shows a screen of start-up; in an extended session all that it does is one transaction.
-template <typename ScreenType>
-void showInTransaction(Session& session, FrontEnd& frontEnd) {
+// Shows a screen of start-up; in an extended session all that it does is one transaction, and a
+// failure that undid it ends the start.
+void showInTransaction(Session& session, Screen& screen) {
     if (session.gExtendedYN) session.gConn.BeginTrans();
-    ScreenType(session, frontEnd).showModal();
+    screen.showModal();
     if (session.gExtendedYN) session.gConn.CommitTrans();
 }
 
-void readSettings(Session& session) {
-    const SettingsStore& store = session.settings;
-    session.gExtendedYN = textToNumber(store.GetSetting("ExeTalk", "OWBExtendedYN", "0")) != 0;
-    session.gWinUserId = store.GetSetting("Settings", "WinUserID");
-    session.gUser = store.GetSetting("Settings", "USER", "ADMIN");
-    session.gProductPath = store.GetSetting("Settings", "Path", session.programFolder);
-}
-
 void touchUp(Session& session) {
-    if (!FnBlnRecordExists(session,
-                           "SELECT * FROM INFORMATION_SCHEMA.COLUMNS WHERE COLUMN_NAME = "
-                           "'EXLEVPRIORITY' AND TABLE_NAME = 'ATT_OPTSETTINGS'"))
+    if (!FnBlnReadRecordExists(session,
+                               "SELECT * FROM INFORMATION_SCHEMA.COLUMNS WHERE COLUMN_NAME = "
+                               "'EXLEVPRIORITY' AND TABLE_NAME = 'ATT_OPTSETTINGS'"))
         session.gConn.Execute(" ALTER TABLE ATT_OPTSETTINGS ADD EXLEVPRIORITY VARCHAR(100)");
-    session.gConn.Execute(
-        " UPDATE ATT_ENCASH SET UPTODATE=DOL  from ATT_ENCASH A INNER JOIN MAS_EMPLOYEE E ON "
-        "A.EMPID=E.EMPID WHERE A.UPTODATE>isnull(DOL,'2099-12-31')");
+    // Looked for first: where another session holds a transaction, a writer would wait for it.
+    const std::string late =
+        "  from ATT_ENCASH A INNER JOIN MAS_EMPLOYEE E ON A.EMPID=E.EMPID WHERE "
+        "A.UPTODATE>isnull(DOL,'2099-12-31')";
+    if (FnBlnReadRecordExists(session, "SELECT TOP 1 A.EMPID" + late))
+        session.gConn.Execute(" UPDATE ATT_ENCASH SET UPTODATE=DOL" + late);
 }
 
 void configure(Session& session, FrontEnd& frontEnd) {
@@ -52,25 +47,29 @@ void configure(Session& session, FrontEnd& frontEnd) {
         return;
     }
     const bool otherTransaction =
-        FnBlnRecordExists(session,
-                          "select database_id from sys.dm_tran_database_transactions WHERE "
-                          "database_id=DB_ID()");
+        FnBlnReadRecordExists(session,
+                              "select database_id from sys.dm_tran_database_transactions WHERE "
+                              "database_id=DB_ID()");
     if (otherTransaction && FnBlnMarkerFile(session, "\\SkipLEVConfigBegintrans.dat")) return;
-    showInTransaction<frmConfiguring>(session, frontEnd);
+    frmConfiguring screen(session, frontEnd);
+    showInTransaction(session, screen);
+    if (screen.MayGoOn()) return;
+    ExitToShell(session, true);
+    throw EndOfProgram{1};
 }
 
 void readCompanyKind(Session& session) {
-    session.gConsultantMode = FnBlnRecordExists(
+    session.gConsultantMode = FnBlnReadRecordExists(
         session, "SELECT refid FROM MAS_PULLDOWNVALUES WHERE refID=2001 AND pdid=1");
     if (session.gConsultantMode)
         session.gEmployeeCaption =
-            FnVarGetValue(session,
-                          "SELECT PDLISTNAME FROM MAS_PULLDOWNVALUES WHERE REFID=2001 AND PDID=2",
-                          "Consultant/Student")
+            FnVarReadValue(session,
+                           "SELECT PDLISTNAME FROM MAS_PULLDOWNVALUES WHERE REFID=2001 AND PDID=2",
+                           "Consultant/Student")
                 .toText();
     session.gRestrictedLeaveId = static_cast<int32_t>(
-        FnVarGetValue(session, "SELECT LEVID FROM ATT_DEFINITION WHERE LEVSHORT='RH'", 0).toInt());
-    session.gRestrictedHolidayOn = FnBlnRecordExists(
+        FnVarReadValue(session, "SELECT LEVID FROM ATT_DEFINITION WHERE LEVSHORT='RH'", 0).toInt());
+    session.gRestrictedHolidayOn = FnBlnReadRecordExists(
         session, "SELECT 1 FROM ATT_RESTRICTHOLIDAY WHERE ISNULL(RESTRICTYN,0)=1");
 }
 
@@ -86,32 +85,41 @@ void recalculatePending(Session& session, FrontEnd& frontEnd) {
         condition = FnStrClassSecurityFilter(session, 0, 0, "LEV.EMPID");
     int64_t marked = 0;
     for (const char* table : {"LEV_ALLOTMENT", "LEV_MONTHDET", "ATT_DAYTODAY"})
-        marked += FnVarGetValue(session,
-                                std::string("SELECT COUNT(EMPID) FROM ") + table +
-                                    " LEV WHERE EDITMODEYN = 1" + condition,
-                                0)
+        marked += FnVarReadValue(session,
+                                 std::string("SELECT COUNT(EMPID) FROM ") + table +
+                                     " LEV WHERE EDITMODEYN = 1" + condition,
+                                 0)
                       .toInt();
     if (marked == 0) return;
     frontEnd.pause(1000);
     session.gRecalcPending = true;
-    showInTransaction<modLeaveProcess>(session, frontEnd);
+    modLeaveProcess screen(session, frontEnd);
+    showInTransaction(session, screen);
 }
 
 void readPeriod(Session& session) {
     session.gFirstLeaveMonth = static_cast<int32_t>(
-        FnVarGetValue(session,
-                      "SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR WHERE MONTHYEAR >= " +
-                          std::to_string(session.gFeature.LVSTARTMNYEAR),
-                      0)
+        FnVarReadValue(session,
+                       "SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR WHERE MONTHYEAR >= " +
+                           std::to_string(session.gFeature.LVSTARTMNYEAR),
+                       0)
             .toInt());
     session.gLastMonth = static_cast<int32_t>(
-        FnVarGetValue(session, "SELECT MAX(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
+        FnVarReadValue(session, "SELECT MAX(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
     CreatePeriodViews(session);
     session.gPeriodLocked =
         FnBlnMonthRangeLocked(session, session.gFirstLeaveMonth, session.gLastMonth, true, 0);
 }
 
 }  // namespace
+
+void ReadLaunchSettings(Session& session) {
+    const SettingsStore& store = session.settings;
+    session.gExtendedYN = textToNumber(store.GetSetting("ExeTalk", "OWBExtendedYN", "0")) != 0;
+    session.gWinUserId = store.GetSetting("Settings", "WinUserID");
+    session.gUser = store.GetSetting("Settings", "USER", "ADMIN");
+    session.gProductPath = store.GetSetting("Settings", "Path", session.programFolder);
+}
 
 void StartApplication(Session& session, FrontEnd& frontEnd, const std::string& commandLine) {
     SetHelpFile(session);
@@ -120,7 +128,7 @@ void StartApplication(Session& session, FrontEnd& frontEnd, const std::string& c
 }
 
 void StartOnConnection(Session& session, FrontEnd& frontEnd) {
-    readSettings(session);
+    ReadLaunchSettings(session);
     SetHostNames(session);
     touchUp(session);
     configure(session, frontEnd);
@@ -130,11 +138,11 @@ void StartOnConnection(Session& session, FrontEnd& frontEnd) {
     LoadAttOptions(session, 0);
     LoadAttHead(session, session.gAttHeadId);
     CreateFilterObjects(session);
-    session.gReadOnly = FnVarGetValue(session,
-                                      "SELECT ISNULL(READONLYYN, 0) FROM SEC_USERLIST WHERE "
-                                      "USERNAME = '" +
-                                          session.gSpChar.FnStrSpSQL(session.gUser) + "'",
-                                      0)
+    session.gReadOnly = FnVarReadValue(session,
+                                       "SELECT ISNULL(READONLYYN, 0) FROM SEC_USERLIST WHERE "
+                                       "USERNAME = '" +
+                                           session.gSpChar.FnStrSpSQL(session.gUser) + "'",
+                                       0)
                             .toBool();
     OpenMenuScreen(session, frontEnd);
 }

@@ -14,4 +14,8 @@ void StartApplication(Session& session, FrontEnd& frontEnd, const std::string& c
 // The same from an open connection on, with gMenuId and gAttHeadId set by the caller.
 void StartOnConnection(Session& session, FrontEnd& frontEnd);
 
+// Of the settings store: the extended session, the users, the product's folder. The family's small
+// programs read them as this one does.
+void ReadLaunchSettings(Session& session);
+
 }  // namespace owb

@@ -24,7 +24,7 @@ void openRecalculation(Session& session, FrontEnd& frontEnd) {
     session.gOpenedFromMenu = true;
     session.gFullPassAutoClose = session.gMenuId == 1600;
     if (session.gExtendedYN) session.gConn.BeginTrans();
-    modLeaveProcess(session, frontEnd).showModal();
+    modLeaveProcess(session, frontEnd, session.gExtendedYN).showModal();
 }
 
 template <class S>

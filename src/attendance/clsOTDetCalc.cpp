@@ -118,13 +118,15 @@ void clsOTDetCalc::WriteDays(Recordset& rs, std::string& strQuery) {
                     " AND OTDATE = " + date + " END  ELSE BEGIN INSERT INTO LEV_OTDETAILS VALUES(" +
                     id + "," + det + "," + date + "," + ot1 + "," + ot2 + "," + adj + ") END";
     });
-    if (!strQuery.empty()) session_.gConn.Execute(strQuery);
+    if (!strQuery.empty()) session_.gConn.ExecuteAtomic(strQuery);
     strQuery.clear();
 }
 
 void clsOTDetCalc::MarkMonth(Recordset& rs, bool recalcNow) {
     session_.gConn.Execute(" UPDATE LEV_MONTHDET SET EDITMODEYN = 1 WHERE " + versionKey(rs) +
-                           " AND MONTHYEAR = " + text(rs.Fields("MONTHYEAR").toInt()));
+                           " AND MONTHYEAR = " + text(rs.Fields("MONTHYEAR").toInt()) +
+                           " AND MONTHYEAR NOT IN (SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE "
+                           "TDSPORTYN = 1)");
     if (!recalcNow) return;
     updateMonthDays_(rs.Fields("EMPID").toInt());
     session_.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN=0 where ATTTRANNO= " +

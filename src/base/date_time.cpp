@@ -307,6 +307,70 @@ DateReading readDate(std::string_view text, DateOrder order, ReadDate& out) {
     return DateReading::Good;
 }
 
+namespace {
+
+constexpr std::string_view kSeparators = "/.-_\\ ,";
+
+// A part of a typed date: digits, or the name of a month, or neither.
+struct TypedPart {
+    int value = 0;
+    size_t digits = 0;  // as written; 0 for a month's name
+};
+
+// The digits of a part, or the month that its letters name; nothing for a part without either.
+std::optional<TypedPart> typedPart(std::string_view text) {
+    std::string letters;
+    TypedPart part;
+    for (const char c : text) {
+        if (isLetter(c)) letters += c;
+        if (!isDigit(c)) continue;
+        if (++part.digits > 4) return TypedPart{0, 5};  // no part of a date
+        part.value = part.value * 10 + (c - '0');
+    }
+    if (part.digits == 0) part.value = monthOfName(letters);
+    if (part.value == 0 && part.digits == 0) return std::nullopt;
+    return part;
+}
+
+// The parts between the separators; parts that hold nothing are left out, a separator at the end
+// makes one that is none.
+std::vector<TypedPart> typedParts(std::string_view text) {
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    std::vector<TypedPart> parts;
+    if (!text.empty() && kSeparators.find(text.back()) != std::string_view::npos)
+        parts.emplace_back();
+    while (!text.empty()) {
+        const size_t end = std::min(text.find_first_of(kSeparators), text.size());
+        if (const auto part = typedPart(text.substr(0, end))) parts.push_back(*part);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return parts;
+}
+
+}  // namespace
+
+std::optional<DateTime> parseTypedDate(std::string_view text) {
+    // A time of day behind the date does not matter.
+    if (const size_t colon = text.find(':'); colon != std::string_view::npos)
+        text = text.substr(0, std::min(text.find_last_of(" T", colon), text.size()));
+    std::vector<TypedPart> parts = typedParts(text);
+    if (parts.size() != 3) return std::nullopt;
+    const bool yearFirst = parts[0].digits == 4;
+    if (yearFirst) std::swap(parts[0], parts[2]);
+    TypedPart day = parts[0], month = parts[1];
+    if (day.digits == 0) std::swap(day, month);  // "Jan 5, 2014"
+    const TypedPart year = parts[2];
+    const bool named = month.digits == 0;
+    if (day.digits == 0 || day.digits > 2 || month.digits > 2) return std::nullopt;
+    if (year.digits == 0 || year.digits == 3 || year.digits > 4) return std::nullopt;
+    if (!named && month.value > 12 && day.value <= 12) std::swap(day, month);
+    const int fullyear = fullYear(year.value, static_cast<int>(year.digits));
+    if (fullyear < 1 || month.value < 1 || month.value > 12 || day.value < 1 ||
+        day.value > daysInMonth(fullyear, month.value))
+        return std::nullopt;
+    return DateTime::fromCivil(fullyear, month.value, day.value);
+}
+
 std::string dateText(const DateTime& value, std::string_view pattern) {
     const CivilDate c = value.civil();
     const int ms = value.milliseconds();

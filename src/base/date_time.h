@@ -69,6 +69,12 @@ DateReading readDate(std::string_view text, DateOrder order, ReadDate& out);
 // The same; nothing when it is no date.
 std::optional<DateTime> parseDate(std::string_view text, DateOrder order = DateOrder::MonthFirst);
 
+// A date as users write it, day first: "5/1/2014", "05-Jan-14", "5.1.14", "2014-01-05". Any of
+// / - . _ \ blank and comma separate, letters that name no month and other characters are dropped.
+// What cannot be day/month is taken as month/day ("2/13/2014"). Nothing when it is no date, as an
+// empty text is none. Every box, cell and sheet reads with it.
+std::optional<DateTime> parseTypedDate(std::string_view text);
+
 // The date by a pattern of dd d MMM MM M yyyy yy HH mm ss; letters' case of "mmm" does not matter,
 // "MMM" gives "Jan". Everything else stands as it is.
 std::string dateText(const DateTime& value, std::string_view pattern);

@@ -24,6 +24,7 @@ constexpr std::array kErrors = {
               "ORDER BY items must appear in the select list if the statement contains a UNION, "
               "INTERSECT or EXCEPT operator."},
     ErrorText{105, 15, "Unclosed quotation mark after the character string '%'."},
+    ErrorText{106, 15, "Too many table names in the query. The maximum allowable is %."},
     ErrorText{
         107, 15,
         "The column prefix '%' does not match with a table name or alias name used in the query."},
@@ -80,11 +81,15 @@ constexpr std::array kErrors = {
         147, 15,
         "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a "
         "HAVING clause or a select list, and the column being aggregated is an outer reference."},
+    ErrorText{148, 15, "Incorrect time syntax in time string '%' used with WAITFOR."},
+    ErrorText{154, 15, "% is not allowed in %."},
     ErrorText{156, 15, "Incorrect syntax near the keyword '%'."},
     ErrorText{157, 15, "An aggregate may not appear in the set list of an UPDATE statement."},
     ErrorText{164, 15,
               "Each GROUP BY expression must contain at least one column that is not an outer "
               "reference."},
+    ErrorText{166, 15,
+              "'%' does not allow specifying the database name as a prefix to the object name."},
     ErrorText{169, 15,
               "A column has been specified more than once in the order by list. Columns in the "
               "order by list must be unique."},
@@ -189,6 +194,8 @@ constexpr std::array kErrors = {
               "CHECK OPTION or spans a view that specifies WITH CHECK OPTION and one or more rows "
               "resulting from the operation did not qualify under the CHECK OPTION constraint."},
     ErrorText{628, 16, "Cannot issue SAVE TRANSACTION when there is no active transaction."},
+    ErrorText{701, 17,
+              "There is insufficient system memory in resource pool '%' to run this query."},
     ErrorText{1007, 15,
               "The number '%' is out of the range for numeric representation (maximum precision "
               "38)."},
@@ -213,7 +220,16 @@ constexpr std::array kErrors = {
     ErrorText{1105, 17,
               "Could not allocate space for a new page in database '%' because the 'PRIMARY' "
               "filegroup is full. Create disk space by deleting unneeded files."},
+    ErrorText{1202, 16, "The database-principal '%' does not exist or user is not a member."},
     ErrorText{1222, 16, "Lock request time out period exceeded."},
+    ErrorText{
+        1223, 16,
+        "Cannot release the application lock (Database Principal: '%', Resource: '%') because "
+        "it is not currently held."},
+    ErrorText{1224, 16, "An invalid application lock resource was passed to %."},
+    ErrorText{1225, 16, "An invalid application lock mode was passed to %."},
+    ErrorText{1226, 16, "An invalid application lock owner was passed to %."},
+    ErrorText{1227, 16, "An invalid application lock time-out was passed to %."},
     ErrorText{1505, 16,
               "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for "
               "the object name '%' and the index name '%'."},
@@ -234,6 +250,7 @@ constexpr std::array kErrors = {
     ErrorText{
         2628, 16,
         "String or binary data would be truncated in table '%', column '%'. Truncated value: '%'."},
+    ErrorText{2702, 16, "Database '%' does not exist."},
     ErrorText{2705, 16,
               "Column names in each table must be unique. Column name '%' in table '%' is "
               "specified more than once."},
@@ -246,6 +263,9 @@ constexpr std::array kErrors = {
     ErrorText{2754, 16,
               "Error severity levels greater than 18 can only be specified by members of the "
               "sysadmin role, using the WITH LOG option."},
+    ErrorText{2760, 16,
+              "The specified schema name \"%\" either does not exist or you do not have permission "
+              "to use it."},
     ErrorText{2787, 16, "Invalid format specification: '%'."},
     ErrorText{2812, 16, "Could not find stored procedure '%'."},
     ErrorText{3609, 16, "The transaction ended in the trigger. The batch has been aborted."},
@@ -262,6 +282,8 @@ constexpr std::array kErrors = {
     ErrorText{3902, 16, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     ErrorText{3903, 16, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     ErrorText{3906, 16, "Failed to update database \"%\" because the database is read-only."},
+    ErrorText{3918, 16,
+              "The statement or function must be executed in the context of a user transaction."},
     ErrorText{3930, 16,
               "The current transaction cannot be committed and cannot support operations that "
               "write to the log file. Roll back the transaction."},
@@ -322,6 +344,10 @@ constexpr std::array kErrors = {
               "Windowed functions, aggregates and NEXT VALUE FOR functions do not support "
               "constants as ORDER BY clause expressions."},
     ErrorText{6401, 16, "Cannot roll back %. No transaction or savepoint of that name was found."},
+    ErrorText{7202, 11,
+              "Could not find server '%' in sys.servers. Verify that the correct server name was "
+              "specified. If necessary, execute the stored procedure sp_addlinkedserver to add the "
+              "server to sys.servers."},
     ErrorText{8101, 16,
               "An explicit value for the identity column in table '%' can only be specified when a "
               "column list is used and IDENTITY_INSERT is ON."},
@@ -372,6 +398,9 @@ constexpr std::array kErrors = {
     ErrorText{
         8623, 16,
         "The query processor ran out of internal resources and could not produce a query plan."},
+    ErrorText{8630, 16,
+              "Internal Query Processor Error: The query processor encountered an unexpected error "
+              "during execution (%)."},
     ErrorText{9810, 16, "The datepart % is not supported by date function % for data type %."},
     ErrorText{9828, 16,
               "The second and third arguments of the TRANSLATE built-in function must contain an "
@@ -382,6 +411,9 @@ constexpr std::array kErrors = {
     ErrorText{10705, 15, "Subqueries are not allowed in the OUTPUT clause."},
     ErrorText{10709, 16,
               "The number of columns for each row in a table value constructor must be the same."},
+    ErrorText{10734, 15,
+              "Variable assignment is not allowed in a statement containing a top level UNION, "
+              "INTERSECT or EXCEPT operator."},
     ErrorText{10742, 15, "The offset specified in a OFFSET clause may not be negative."},
     ErrorText{10744, 15,
               "The number of rows provided for a FETCH clause must be greater then zero."},
@@ -410,11 +442,11 @@ constexpr std::array kErrors = {
 };
 
 // Errors whose state is another than 1.
-constexpr std::pair<int, int> kStates[] = {{137, 2},  {195, 10}, {201, 4},   {206, 2},  {220, 2},
-                                           {242, 3},  {257, 3},  {266, 2},   {515, 2},  {529, 2},
-                                           {535, 0},  {536, 2},  {537, 2},   {547, 0},  {1750, 0},
-                                           {1779, 0}, {2714, 6}, {2812, 62}, {3701, 5}, {3727, 0},
-                                           {4922, 9}, {8110, 0}, {8114, 5},  {8115, 2}, {8144, 2}};
+constexpr std::pair<int, int> kStates[] = {
+    {137, 2},  {195, 10}, {201, 4},  {206, 2},  {220, 2},   {242, 3},  {257, 3},
+    {266, 2},  {515, 2},  {529, 2},  {535, 0},  {536, 2},   {537, 2},  {547, 0},
+    {1750, 0}, {1779, 0}, {2714, 6}, {7202, 2}, {2812, 62}, {3701, 5}, {3727, 0},
+    {4922, 9}, {8110, 0}, {8114, 5}, {8115, 2}, {8144, 2}};
 
 }  // namespace
 

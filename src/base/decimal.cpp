@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 
 #include "base/number_text.h"
@@ -111,7 +112,10 @@ double Decimal::toDouble() const {
     if (absolute(unscaled_) < (int128(1) << 53) && scale_ <= 22)
         return static_cast<double>(static_cast<int64_t>(unscaled_)) /
                static_cast<double>(powerOfTen(scale_));
-    return std::stod(toText());
+    const std::string text = toText();
+    double value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
 }
 
 std::string Decimal::toText() const {

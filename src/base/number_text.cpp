@@ -1,6 +1,5 @@
 #include "base/number_text.h"
 
-#include <charconv>
 #include <cmath>
 
 #include "base/decimal.h"
@@ -44,11 +43,24 @@ double textToNumber(std::string_view text) {
     std::string number(text.substr(from, at - from));
     for (char& c : number)
         if (c == 'd' || c == 'D') c = 'e';
-    if (number[0] == '+') number.erase(0, 1);
+    return parseNumber(number).value_or(0);
+}
+
+std::optional<double> parseNumber(std::string_view text) {
+    if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+    if (text.find_first_not_of("0123456789+-.eE") != std::string_view::npos) return std::nullopt;
     double result = 0;
-    auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), result);
-    if (error == std::errc::result_out_of_range) return number[0] == '-' ? -HUGE_VAL : HUGE_VAL;
-    return result;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), result);
+    if (end != text.data() + text.size()) return std::nullopt;
+    if (error == std::errc()) return result;
+    if (error != std::errc::result_out_of_range) return std::nullopt;
+    // Too small or too big: the exponent tells, and the whole part where there is none.
+    const size_t e = text.find_first_of("eE");
+    const bool small =
+        e != std::string_view::npos
+            ? text[e + 1] == '-'
+            : text.substr(0, text.find('.')).find_first_of("123456789") == std::string_view::npos;
+    return std::copysign(small ? 0.0 : HUGE_VAL, text[0] == '-' ? -1.0 : 1.0);
 }
 
 std::string numberText(double value) {
@@ -56,6 +68,12 @@ std::string numberText(double value) {
     char buffer[400];
     auto [end, error] =
         std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed);
+    return std::string(buffer, end);
+}
+
+std::string numberText(double value, std::chars_format form, int places) {
+    char buffer[500];
+    const auto end = std::to_chars(buffer, buffer + sizeof buffer, value, form, places).ptr;
     return std::string(buffer, end);
 }
 

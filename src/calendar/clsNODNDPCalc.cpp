@@ -45,7 +45,12 @@ int holidaysInBase(int intBasis) {
 }  // namespace
 
 clsNODNDPCalc::clsNODNDPCalc(Session& session) : session_(session) {
-    const Value from = FirstValue(" Select BRGHEFROM  From MAS_OPTSET");
+    ReadBranchHolidayFrom();
+}
+
+void clsNODNDPCalc::ReadBranchHolidayFrom() {
+    strBranchHolidayFrom.clear();
+    const Value from = RuleValue(" Select BRGHEFROM  From MAS_OPTSET", {});
     if (!from.isNull()) strBranchHolidayFrom = dateText(from.toDate(), "dd/MMM/yy");
 }
 
@@ -64,7 +69,8 @@ Value clsNODNDPCalc::RuleValue(const std::string& sql, const Value& defaultValue
     if (kept_.size() > kMost) kept_.clear();
     const auto found = kept_.find(sql);
     if (found != kept_.end()) return found->second;
-    return kept_[sql] = FirstValue(sql, defaultValue);
+    const Value answer = FirstValue(sql, defaultValue);  // kept only when it has been read
+    return kept_[sql] = answer;
 }
 
 void clsNODNDPCalc::ForgetRules() {
@@ -91,66 +97,74 @@ bool clsNODNDPCalc::SetNODNDP(double& dblNODCalc, double& dblNOD, double& dblNDP
                               DateTime dteFrom, DateTime dteTo, bool& blnWorkingDaysOnly,
                               bool& blnProrateAlt, bool& blnProrate, int& intDaysBasis) {
     try {
-        double calc = dblNODCalc, nod = dblNOD, ndp = dblNDP;
-        if (!blnMonthsComplete_) Update_MonthYear();
-        blnMonthsComplete_ = intKeeping_ > 0;
-        Span month{lngEmpId, lngEmpDetId, lngAttHeadId, {}, {}};
-        GetMonthPeriod(session_, lngMonthYear, month.dteFrom, month.dteTo);
-        Span span{lngEmpId, lngEmpDetId, lngAttHeadId, dteFrom, dteTo};
-        if (!blnWorkingDaysOnly) {
-            auto inside = [&](const std::string& column) {
-                return "CASE WHEN " + column + " >= '" + FnStrIsoDate(span.dteFrom) + "' AND " +
-                       column + " <= '" + FnStrIsoDate(span.dteTo) + "' THEN " + column + " END";
-            };
-            Recordset rs(session_.gConn,
-                         "SELECT " + inside("SALCALCFROM") + ", " + inside("DOL") +
-                             " FROM MAS_EMPLOYEE WHERE EMPID=" + std::to_string(lngEmpId));
-            if (!rs.IsEOF() && !rs.Fields(0).isNull()) span.dteFrom = rs.Fields(0).toDate();
-            if (!rs.IsEOF() && !rs.Fields(1).isNull()) span.dteTo = rs.Fields(1).toDate();
-        }
-        const double spanDays = daysInclusive(span.dteFrom, span.dteTo);
-
-        LoadHead(lngAttHeadId);
-        if (intDaysBasis != 0) intDaysBasis -= 3;
-        const int basis = intDaysBasis != 0 ? intDaysBasis : session_.gAtt.NODFORCALC;
-
-        if (MonthDays(basis, month, lngMonthYear, calc)) {
-            const bool fixedDays = basis == 1 || basis == 3;
-            if (fixedDays && !blnProrate && !blnProrateAlt)
-                nod = calc;
-            else if (fixedDays)
-                nod = std::min(spanDays, calc);
-            else if (span.dteFrom == month.dteFrom && span.dteTo == month.dteTo)
-                nod = calc;
-            else
-                nod = spanDays - HolidaysOf(span, holidaysOutOfBase(basis));
-        }
-        if (blnWorkingDaysOnly) {
-            ndp = nod - HolidaysOf(span, holidaysInBase(basis));
-        } else {
-            const std::map<int, double> taken = TakenByLeave(span);
-            if (session_.gAtt.ATTNTYPE != 4 && !blnProrate && !session_.gAtt.TIGHTYN) {
-                nod -= LeavesOf(taken, 3);
-                ndp = nod;
-            } else {
-                ndp = nod - LeavesOf(taken, 1);
-                nod -= LeavesOf(taken, 2);
-            }
-            ndp -= HolidaysOf(span, holidaysInBase(basis));
-            if (session_.gOpt.COCWYN) {
-                ndp -= LeavesOf(taken, 7);
-                ndp += LeavesOf(taken, 8);
-            }
-            AddBackLeaveOnHolidays(span, basis, nod, ndp);
-        }
-        dblNOD = std::max(nod, 0.0);
-        dblNDP = std::max(ndp, 0.0);
-        dblNODCalc = std::max(calc, 0.0);
+        CountDays(dblNODCalc, dblNOD, dblNDP, lngEmpId, lngEmpDetId, lngMonthYear, lngAttHeadId,
+                  dteFrom, dteTo, blnWorkingDaysOnly, blnProrateAlt, blnProrate, intDaysBasis);
         return true;
     } catch (const std::exception& e) {
         session_.boxes.critical(e.what());
         return false;
     }
+}
+
+void clsNODNDPCalc::CountDays(double& dblNODCalc, double& dblNOD, double& dblNDP, int64_t lngEmpId,
+                              int64_t lngEmpDetId, int32_t lngMonthYear, int32_t lngAttHeadId,
+                              DateTime dteFrom, DateTime dteTo, bool blnWorkingDaysOnly,
+                              bool blnProrateAlt, bool blnProrate, int& intDaysBasis) {
+    double calc = dblNODCalc, nod = dblNOD, ndp = dblNDP;
+    if (!blnMonthsComplete_) Update_MonthYear();
+    blnMonthsComplete_ = intKeeping_ > 0;
+    Span month{lngEmpId, lngEmpDetId, lngAttHeadId, {}, {}};
+    GetMonthPeriod(session_, lngMonthYear, month.dteFrom, month.dteTo);
+    Span span{lngEmpId, lngEmpDetId, lngAttHeadId, dteFrom, dteTo};
+    if (!blnWorkingDaysOnly) {
+        auto inside = [&](const std::string& column) {
+            return "CASE WHEN " + column + " >= '" + FnStrIsoDate(span.dteFrom) + "' AND " +
+                   column + " <= '" + FnStrIsoDate(span.dteTo) + "' THEN " + column + " END";
+        };
+        Recordset rs(session_.gConn,
+                     "SELECT " + inside("SALCALCFROM") + ", " + inside("DOL") +
+                         " FROM MAS_EMPLOYEE WHERE EMPID=" + std::to_string(lngEmpId));
+        if (!rs.IsEOF() && !rs.Fields(0).isNull()) span.dteFrom = rs.Fields(0).toDate();
+        if (!rs.IsEOF() && !rs.Fields(1).isNull()) span.dteTo = rs.Fields(1).toDate();
+    }
+    const double spanDays = daysInclusive(span.dteFrom, span.dteTo);
+
+    LoadHead(lngAttHeadId);
+    if (intDaysBasis != 0) intDaysBasis -= 3;
+    const int basis = intDaysBasis != 0 ? intDaysBasis : session_.gAtt.NODFORCALC;
+
+    if (MonthDays(basis, month, lngMonthYear, calc)) {
+        const bool fixedDays = basis == 1 || basis == 3;
+        if (fixedDays && !blnProrate && !blnProrateAlt)
+            nod = calc;
+        else if (fixedDays)
+            nod = std::min(spanDays, calc);
+        else if (span.dteFrom == month.dteFrom && span.dteTo == month.dteTo)
+            nod = calc;
+        else
+            nod = spanDays - HolidaysOf(span, holidaysOutOfBase(basis));
+    }
+    if (blnWorkingDaysOnly) {
+        ndp = nod - HolidaysOf(span, holidaysInBase(basis));
+    } else {
+        const std::map<int, double> taken = TakenByLeave(span);
+        if (session_.gAtt.ATTNTYPE != 4 && !blnProrate && !session_.gAtt.TIGHTYN) {
+            nod -= LeavesOf(taken, 3);
+            ndp = nod;
+        } else {
+            ndp = nod - LeavesOf(taken, 1);
+            nod -= LeavesOf(taken, 2);
+        }
+        ndp -= HolidaysOf(span, holidaysInBase(basis));
+        if (session_.gOpt.COCWYN) {
+            ndp -= LeavesOf(taken, 7);
+            ndp += LeavesOf(taken, 8);
+        }
+        AddBackLeaveOnHolidays(span, basis, nod, ndp);
+    }
+    dblNOD = std::max(nod, 0.0);
+    dblNDP = std::max(ndp, 0.0);
+    dblNODCalc = std::max(calc, 0.0);
 }
 
 // Days of the month by the basis; false, and nothing changed, for a basis that there is not.

@@ -24,7 +24,7 @@ class clsNODNDPCalc {
     explicit clsNODNDPCalc(Session& session);
 
     // While it lives, answers about rules (heads, options, months, holidays, weekly offs) are kept:
-    // for a pass over many rows. What changes meanwhile marks its rows for the next pass.
+    // for a pass over many rows, which looks whether they have changed and then calls ForgetRules.
     class KeepRules {
       public:
         explicit KeepRules(clsNODNDPCalc& calc) : calc_(calc) { ++calc_.intKeeping_; }
@@ -37,6 +37,8 @@ class clsNODNDPCalc {
         clsNODNDPCalc& calc_;
     };
 
+    void ForgetRules();
+
     // The three counts of a span (dteFrom to dteTo, one EMPDETID inside the month). Loads the
     // head's records into gAtt and gOpt.
     //   blnWorkingDaysOnly  looks at no leave and at no joining or leaving inside the span
@@ -48,6 +50,11 @@ class clsNODNDPCalc {
                    int64_t lngEmpDetId, int32_t lngMonthYear, int32_t lngAttHeadId,
                    DateTime dteFrom, DateTime dteTo, bool& blnWorkingDaysOnly, bool& blnProrateAlt,
                    bool& blnProrate, int& intDaysBasis);
+    // The same for engines: an error is thrown (DbError), the outputs stay as they were.
+    void CountDays(double& dblNODCalc, double& dblNOD, double& dblNDP, int64_t lngEmpId,
+                   int64_t lngEmpDetId, int32_t lngMonthYear, int32_t lngAttHeadId,
+                   DateTime dteFrom, DateTime dteTo, bool blnWorkingDaysOnly, bool blnProrateAlt,
+                   bool blnProrate, int& intDaysBasis);
     // NODCALC of the whole month for gAtt as it stands; unchanged for an unknown NODFORCALC.
     void FnDblGetNWD(int64_t lngEmpId, int32_t lngMonthYear, int32_t lngAttHeadId,
                      double& dblResult);
@@ -107,7 +114,7 @@ class clsNODNDPCalc {
     Value FirstValue(const std::string& sql, const Value& defaultValue = {});
     // The same for a query about rules, whose answer may be kept.
     Value RuleValue(const std::string& sql, const Value& defaultValue);
-    void ForgetRules();
+    void ReadBranchHolidayFrom();
     void LoadHead(int32_t lngAttHeadId);
     double FnDblAttHeadNOD(int32_t lngAttHeadId, int32_t lngMonthYear);
     double HolidaysOf(const Span& span, int intMode);

@@ -120,6 +120,7 @@ void clsNODNDPCalc::FnBlnGenHoliday(int32_t lngAttHeadId, DateTime dteDate, int6
     const std::string onDate = "HOLIDAYDATE = '" + FnStrIsoDate(dteDate) + "'";
     blnResult = RuleValue("SELECT COUNT(HOLIDAYID) FROM ATT_HOLIDAY WHERE " + onDate, 0).toBool();
     if (!blnResult) return;  // most days are nobody's holiday
+    ReadBranchHolidayFrom();
     std::string holidays;
     if (strBranchHolidayFrom.empty() || parseDate(strBranchHolidayFrom).value() > dteDate) {
         holidays = holidaysOf("ATTHEADID", lngAttHeadId);

@@ -43,13 +43,14 @@ const std::vector<int>& clsNODNDPCalc::LeavesOfGroup(int intGroup) {
         "SELECT LEVID FROM ATT_DEFINITION WHERE LEVID = 2",
         "SELECT LEVID FROM ATT_DEFINITION WHERE LEVID = 3",
     };
-    if (intKeeping_ == 0) groups_.erase(intGroup);
-    const auto [at, fresh] = groups_.try_emplace(intGroup);
-    if (fresh && intGroup >= 1 && intGroup < static_cast<int>(kGroups.size()))
+    const auto kept = groups_.find(intGroup);
+    if (kept != groups_.end() && intKeeping_ > 0) return kept->second;
+    std::vector<int> leaves;
+    if (intGroup >= 1 && intGroup < static_cast<int>(kGroups.size()))
         for (Recordset rs(session_.gConn, kGroups[static_cast<size_t>(intGroup)]); !rs.IsEOF();
              rs.MoveNext())
-            at->second.push_back(static_cast<int>(rs.Fields(0).toInt()));
-    return at->second;
+            leaves.push_back(static_cast<int>(rs.Fields(0).toInt()));
+    return groups_[intGroup] = std::move(leaves);
 }
 
 double clsNODNDPCalc::LeavesOf(const std::map<int, double>& taken, int intGroup) {
@@ -83,7 +84,8 @@ std::map<int, double> clsNODNDPCalc::TakenByLeave(const Span& span) {
 DateTime clsNODNDPCalc::LastDayTaken(int64_t lngEmpId, DateTime dteTo) {
     if (session_.gAtt.ATTNTYPE != 4) return dteTo;
     const std::string to = FnStrIsoLiteral(dteTo);
-    const DateTime monthEnd = FnDteMonthEnd(session_, MonthOfDate(dteTo));
+    DateTime monthStart, monthEnd;
+    GetMonthPeriod(session_, MonthOfDate(dteTo), monthStart, monthEnd);
     dteTo = FirstValue("SELECT ISNULL(EFFTODATE," + to +
                            ") FROM MAS_EMPLOYEEDET  WHERE EFFFROMDATE <= " + to +
                            " AND ISNULL(EFFTODATE,'2099/12/31')  >= " + to +

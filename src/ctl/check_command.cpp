@@ -77,6 +77,18 @@ constexpr TableCheck kChecks[] = {
      "SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1", true},
 };
 
+// "  employees 1, 2 and 5 more", where there are any.
+void tellEmployees(Connection& connection, const std::string& query, Streams& io) {
+    constexpr size_t kNamed = 20;
+    const ResultSet employees = std::move(connection.Run(query).sets.front());
+    if (employees.rows == 0) return;
+    io.out << "  employees ";
+    for (size_t row = 0; row < std::min(employees.rows, kNamed); ++row)
+        io.out << (row > 0 ? ", " : "") << employees.at(row, 0).toText();
+    if (employees.rows > kNamed) io.out << " and " << employees.rows - kNamed << " more";
+    io.out << '\n';
+}
+
 class CheckCommand final : public Command {
   public:
     const char* name() const override { return "check"; }
@@ -108,8 +120,12 @@ class CheckCommand final : public Command {
         };
         for (const TableCheck& check : kChecks)
             count(check.table, check.what, check.count, check.remark);
-        for (const LedgerCheck& check : FnLedgerChecks())
-            count("LEV_ALLOTMENT", check.what, check.count, false);
+        for (const bool remark : {false, true})
+            for (const LedgerCheck& check : remark ? FnLedgerRemarks() : FnLedgerChecks()) {
+                count("LEV_ALLOTMENT", check.what, check.count, remark);
+                if (!check.employees.empty() && tableExists(connection, "LEV_ALLOTMENT"))
+                    tellEmployees(connection, check.employees, io);
+            }
         io.out << (faults == 0 ? "sound\n" : "not sound\n");
         return faults == 0 ? 0 : 1;
     }

@@ -18,6 +18,8 @@ struct SampleOptions {
     int months = 24;
     int32_t fromMonth = 2024 * 12 + 4;  // month key
     uint64_t seed = 1;
+    // Month key: the months before it are paid and locked.
+    int32_t firstOpenMonth() const { return fromMonth + months - 2; }
 };
 
 // Fills a family database that has no employees yet, in one transaction; what the delivered rows

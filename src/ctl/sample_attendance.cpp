@@ -105,7 +105,9 @@ void SampleAttendance::writeMaster(const SampleEmployee& e) {
     std::optional<DateTime> resigned;
     if (e.left) resigned = e.left->plusDays(-30);
     const DateTime retirement = e.born.plusMonths(58 * 12), confirmed = e.joined.plusMonths(6);
-    const bool held = e.id % 40 == 39, insured = e.basic <= 21000;
+    // Who left in a month that is paid is settled, and held against changes.
+    const bool held = e.left && *e.left < firstDayOf(options_.firstOpenMonth());
+    const bool insured = e.basic <= 21000;
     employees_.add(e.id, e.name, refNo, e.joined, e.left, e.born, e.joined, retirement, resigned,
                    confirmed, confirmed, e.female ? "Female" : "Male", held, true, insured, true);
     const int hra = e.basic * 2 / 5;

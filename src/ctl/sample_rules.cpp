@@ -170,7 +170,7 @@ void writeMonths(Connection& connection, const SampleOptions& options) {
     RowWriter editedDays(connection, "SLC_ATTHEADNOD", "ATTHEADID, MONTHYEAR, NOD, REMARKS");
     for (int n = 0; n < options.months; ++n) {
         const int32_t key = options.fromMonth + n;
-        const bool locked = n < options.months - 2;
+        const bool locked = key < options.firstOpenMonth();
         months.add(key, firstDayOf(key), lastDayOf(key), locked, locked, false);
         editedDays.add(int{kSales}, key, 26, std::nullopt);
     }

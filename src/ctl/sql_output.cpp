@@ -1,10 +1,10 @@
 #include "ctl/sql_output.h"
 
 #include <chrono>
-#include <cstdio>
 #include <ostream>
 
 #include "base/csv.h"
+#include "base/number_text.h"
 #include "ctl/text_table.h"
 #include "db/connection.h"
 
@@ -84,9 +84,7 @@ bool SqlOutput::run(Connection& connection, const std::string& batch) {
     show(result);
     for (const DbError& error : result.errors) showError(batch, error);
     if (time) {
-        char text[40];
-        std::snprintf(text, sizeof text, "Time: %.3f ms\n", took.count());
-        err << text;
+        err << "Time: " << numberText(took.count(), std::chars_format::fixed, 3) << " ms\n";
     }
     err.flush();
     return result.errors.empty();

@@ -57,10 +57,10 @@ std::string FileSettingsStore::GetSetting(const std::string& section, const std:
 void FileSettingsStore::SaveSetting(const std::string& section, const std::string& key,
                                     const std::string& value) {
     const std::string where = keyCondition(section, key);
-    connection_.Execute("IF EXISTS (SELECT * FROM SETTING" + where +
-                        ") UPDATE SETTING SET VALUE = " + sqlLiteral(value) + where +
-                        " ELSE INSERT INTO SETTING VALUES (" + sqlLiteral(section) + ", " +
-                        sqlLiteral(key) + ", " + sqlLiteral(value) + ")");
+    connection_.ExecuteAtomic("IF EXISTS (SELECT * FROM SETTING" + where +
+                              ") UPDATE SETTING SET VALUE = " + sqlLiteral(value) + where +
+                              " ELSE INSERT INTO SETTING VALUES (" + sqlLiteral(section) + ", " +
+                              sqlLiteral(key) + ", " + sqlLiteral(value) + ")");
 }
 
 }  // namespace owb

@@ -154,6 +154,7 @@ struct Session {
     bool gLeaveCalcFlag = false;      // the user cancelled the running pass
     bool gFullPassAutoClose = false;  // menu 1600: full pass, the closing message goes by itself
     bool gOpenedFromMenu = false;
+    int gRecalculating = 0;        // RecalculationLocks that the session holds
     std::string gEmpFilter = "0";  // employee numbers "1,2" that a pass is limited to; "0" none
 
     // --- records ---

@@ -12,14 +12,14 @@ bool clsCtrlDep::FnBlnMatchedWithList(const std::string& table, const std::strin
     std::string sql = "Select " + field + " From  " + table + " Where str(" + field + ") = '" +
                       session_.gSpChar.FnStrSpSQL(value) + "'";
     if (!condition.empty()) sql += " And " + condition;
-    return FnBlnRecordExists(session_, sql);
+    return FnBlnReadRecordExists(session_, sql);
 }
 
 int64_t clsCtrlDep::FnLngGetNextNumber(const std::string& table, const std::string& field,
                                        const std::string& condition) const {
     std::string sql = "Select MAX(" + field + ") + 1 as NextNumber FROM " + table;
     if (!condition.empty()) sql += " Where " + condition;
-    return FnVarGetValue(session_, sql, 1).toInt();
+    return FnVarReadValue(session_, sql, 1).toInt();
 }
 
 bool clsCtrlDep::FnBlnGetYesNo(const Value& cell) const {

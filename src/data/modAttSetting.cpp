@@ -1,5 +1,6 @@
 #include "data/modAttSetting.h"
 
+#include "data/modSave.h"
 #include "data/record_columns.h"
 
 namespace owb {
@@ -7,9 +8,9 @@ namespace owb {
 namespace {
 
 template <class Record, class Type, size_t N>
-void assignColumns(Recordset& rs, const Record& record,
+void assignColumns(RowText& row, const Record& record,
                    const RecordColumn<Record, Type> (&columns)[N]) {
-    for (const auto& column : columns) rs.Fields(column.name) = Value(record.*column.member);
+    for (const auto& column : columns) row.set(column.name, Value(record.*column.member));
 }
 
 using Options = AttOptionsRecord;
@@ -139,7 +140,7 @@ void LoadAttHead(Session& session, int32_t intAttHeadId) {
 int32_t FnIntOptionHead(Session& session, int32_t intAttHeadId) {
     if (intAttHeadId == 0) return 0;
     const bool common =
-        FnVarGetValue(session, "SELECT COMMONYN FROM ATT_OPTSETTINGS WHERE ATTHEADID=0", 0)
+        FnVarReadValue(session, "SELECT COMMONYN FROM ATT_OPTSETTINGS WHERE ATTHEADID=0", 0)
             .toBool();
     return common ? 0 : intAttHeadId;
 }
@@ -157,7 +158,7 @@ LeaveSettingsRecord FnReadLeaveSettings(Session& session, int32_t intLevId, int3
                                         int32_t lngMonthYear, bool& found) {
     if (lngMonthYear == 0)
         lngMonthYear = static_cast<int32_t>(
-            FnVarGetValue(session, "SELECT MAX(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
+            FnVarReadValue(session, "SELECT MAX(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
     const std::string key = leaveKey(intLevId, intAttHeadId);
     Recordset rs(session.gConn,
                  "SELECT * FROM LEV_SETTINGS WHERE " + key +
@@ -185,36 +186,34 @@ void LoadLeaveSettings(Session& session, int32_t intLevId, int32_t intAttHeadId,
     session.gLev = FnReadLeaveSettings(session, intLevId, intAttHeadId, lngMonthYear, found);
 }
 
+std::string SaveAttOptionsSql(const std::string& attHeadId, const AttOptionsRecord& options) {
+    RowText row;
+    assignColumns(row, options, kOptionFlags);
+    row.set("DEFVAL", Value(options.DEFVAL));
+    return row.updateOrInsert("ATT_OPTSETTINGS", RowText().setSql("ATTHEADID", attHeadId));
+}
+
 void SaveAttOptions(Session& session, int32_t intAttHeadId, const AttOptionsRecord& options) {
-    Recordset rs;
-    rs.Open("SELECT * FROM ATT_OPTSETTINGS WHERE ATTHEADID=" + std::to_string(intAttHeadId),
-            session.gConn, adOpenKeyset, adLockOptimistic);
-    if (rs.IsEOF()) {
-        rs.AddNew();
-        rs.Fields("ATTHEADID") = Value(intAttHeadId);
-    }
-    assignColumns(rs, options, kOptionFlags);
-    rs.Fields("DEFVAL") = Value(options.DEFVAL);
-    rs.Update();
+    session.gConn.Execute(SaveAttOptionsSql(std::to_string(intAttHeadId), options));
+}
+
+std::string SaveLeaveSettingsSql(int32_t intLevId, const std::string& attHeadId,
+                                 int32_t lngMonthYear, const LeaveSettingsRecord& settings) {
+    RowText row;
+    assignColumns(row, settings, kLeaveFlags);
+    assignColumns(row, settings, kLeaveNumbers);
+    assignColumns(row, settings, kLeaveAmounts);
+    row.set("REMARKS", Value(settings.REMARKS));
+    return row.updateOrInsert("LEV_SETTINGS", RowText()
+                                                  .set("LEVID", Value(intLevId))
+                                                  .setSql("ATTHEADID", attHeadId)
+                                                  .set("MONTHYEAR", Value(lngMonthYear)));
 }
 
 void SaveLeaveSettings(Session& session, int32_t intLevId, int32_t intAttHeadId,
                        int32_t lngMonthYear, const LeaveSettingsRecord& settings) {
-    Recordset rs;
-    rs.Open("SELECT * FROM LEV_SETTINGS WHERE " + leaveKey(intLevId, intAttHeadId) +
-                " AND MONTHYEAR=" + std::to_string(lngMonthYear),
-            session.gConn, adOpenKeyset, adLockOptimistic);
-    if (rs.IsEOF()) {
-        rs.AddNew();
-        rs.Fields("LEVID") = Value(intLevId);
-        rs.Fields("ATTHEADID") = Value(intAttHeadId);
-        rs.Fields("MONTHYEAR") = Value(lngMonthYear);
-    }
-    assignColumns(rs, settings, kLeaveFlags);
-    assignColumns(rs, settings, kLeaveNumbers);
-    assignColumns(rs, settings, kLeaveAmounts);
-    rs.Fields("REMARKS") = Value(settings.REMARKS);
-    rs.Update();
+    session.gConn.Execute(
+        SaveLeaveSettingsSql(intLevId, std::to_string(intAttHeadId), lngMonthYear, settings));
 }
 
 std::vector<RoundingType> LoadHeadList(Session& session, int selection) {
@@ -236,7 +235,7 @@ std::vector<RoundingType> LoadHeadList(Session& session, int selection) {
 }
 
 bool FnBlnCommonExcessLeave(Session& session, int32_t value) {
-    return FnVarGetValue(session, "SELECT EXCESSLEVYN FROM ATT_OPTSETTINGS WHERE ATTHEADID=0", 0)
+    return FnVarReadValue(session, "SELECT EXCESSLEVYN FROM ATT_OPTSETTINGS WHERE ATTHEADID=0", 0)
                .toInt() == value;
 }
 

@@ -31,6 +31,10 @@ LeaveSettingsRecord FnReadLeaveSettings(Session& session, int32_t intLevId, int3
 void SaveAttOptions(Session& session, int32_t intAttHeadId, const AttOptionsRecord& options);
 void SaveLeaveSettings(Session& session, int32_t intLevId, int32_t intAttHeadId,
                        int32_t lngMonthYear, const LeaveSettingsRecord& settings);
+// The same as text for a batch; the head is a number or a variable of the batch.
+std::string SaveAttOptionsSql(const std::string& attHeadId, const AttOptionsRecord& options);
+std::string SaveLeaveSettingsSql(int32_t intLevId, const std::string& attHeadId,
+                                 int32_t lngMonthYear, const LeaveSettingsRecord& settings);
 
 // Rounding types offered by a list: 1 full days, 2 half days too, 3 quarter days too.
 struct RoundingType {

@@ -26,16 +26,21 @@ Value FnVarGetValue(Session& session, const std::string& sql, const Value& defau
 Value FnVarReadValue(Session& session, const std::string& sql, const Value& defaultValue = {});
 // FnVarGetValue for the small reference tables (ITSETTING).
 Value FnVarGetJetValue(Session& session, const std::string& sql, const Value& defaultValue = {});
-// True when the query finds a row; an error is false, silently.
+// True when the query finds a row; an error is false, silently. For captions and the like: what
+// decides whether something may be done asks FnBlnReadRecordExists.
 bool FnBlnRecordExists(Session& session, const std::string& sql);
+// The same for guards, which refuse what they cannot find out: a failing query throws DbError.
+bool FnBlnReadRecordExists(Session& session, const std::string& sql);
 // Runs an optional statement; false on any failure, silently.
 bool FnBlnExecute(Session& session, const std::string& sql);
 // Is the value taken by another row of a master? `ownId` is the row's own key, 0 for a new row.
+// Throws DbError.
 bool FnBlnDuplicate(Session& session, const std::string& table, const std::string& keyColumn,
                     const std::string& idColumn, const std::string& value, int64_t ownId);
 // The default when the value is NULL, or a zero number while `zeroIsNull`.
 Value FnVarNz(const Value& value, const Value& defaultValue, bool zeroIsNull = false);
-// "dd/Mmm/yyyy", which the server reads in any language; "" for a text that is no date.
+// "dd/Mmm/yyyy", which the server reads in any language. A text that is no date throws DbError 13:
+// an empty literal would be 1900 to the server.
 std::string FnStrSqlDate(const DateTime& date);
 std::string FnStrSqlDate(const std::string& dateText);
 // "yyyy-MM-dd".
@@ -65,19 +70,24 @@ std::string FnStrMonthYearText(int32_t lngMonthYear);        // "Jan/2014"; "" f
 // The month whose period holds the date. Both outputs stay as they are when none does.
 void GetMonthOfDate(Session& session, const DateTime& date, int32_t& lngMonthYear,
                     std::string& monthName);
-// First and last day of a payroll month. An error is shown and gives day 0.
+// First and last day of a payroll month, for screens: an error is shown and gives day 0.
 DateTime FnDteMonthStart(Session& session, int32_t lngMonthYear);
 DateTime FnDteMonthEnd(Session& session, int32_t lngMonthYear);
+// Both for engines and whatever is written: an error, and a key that is no month, throws DbError.
 void GetMonthPeriod(Session& session, int32_t lngMonthYear, DateTime& dteFrom, DateTime& dteTo);
+// Locks. What cannot be asked throws DbError.
 bool FnBlnMonthLocked(Session& session, int32_t lngMonthYear);
-// True when a month of the range is locked, or (`testEmployee`) the employee in that range;
+// True when a month of the range is locked, or (`testEmployee`) the employee in a month of it;
 // employee 0 stands for any.
 bool FnBlnMonthRangeLocked(Session& session, int32_t lngFrom, int32_t lngTo, bool testEmployee,
                            int64_t lngEmpId);
+// The same as a condition for a batch that writes: true while nothing is locked.
+std::string FnStrMonthRangeOpenSql(int32_t lngFrom, int32_t lngTo, bool testEmployee,
+                                   int64_t lngEmpId);
 // False when the date lies before the payroll's first month.
 bool FnBlnInPayrollPeriod(Session& session, const DateTime& date);
-// A typed date in any of the usual separators as "dd/MM/yyyy"; "" when it is none. The second
-// adds 2000 to a year below 1900.
+// A typed date (parseTypedDate) as "dd/MM/yyyy"; "" when it is none. The second adds 2000 to a year
+// below 1900.
 std::string FnStrCleanDate(const std::string& text);
 std::string FnStrCleanDateCentury(const std::string& text);
 // Tax years (named by the year in which they begin) of two months, within what ITSETTING holds.

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdio>
 
 #include "base/utf8.h"
 #include "data/Session.h"
@@ -18,56 +17,12 @@ DateTime firstOfMonth(int32_t lngMonthYear) {
 DateTime monthBound(Session& session, int32_t lngMonthYear, const char* column,
                     DateTime calendarDate) {
     if (!session.gFeature.CALCINMIDYN) return calendarDate;
-    return FnVarGetValue(
+    return FnVarReadValue(
                session,
                std::string("SELECT ") + column +
                    " FROM MAS_MONTHYEAR WHERE MONTHYEAR = " + std::to_string(lngMonthYear),
                calendarDate)
         .toDate();
-}
-
-// The numbers of a typed date, or nothing. Separators are brought to "/", runs of them collapse,
-// everything else but digits goes.
-struct TypedDate {
-    int day = 0, month = 0, year = 0;
-};
-
-bool readTypedDate(const std::string& text, TypedDate& out) {
-    std::string kept;
-    for (const char c : text) {
-        if (c >= '0' && c <= '9')
-            kept += c;
-        else if (std::string_view("/.-_\\ ,").find(c) != std::string_view::npos && !kept.empty() &&
-                 kept.back() != '/')
-            kept += '/';
-    }
-    int part[3] = {0, 0, 0};
-    size_t digits[3] = {0, 0, 0};
-    int n = 0;
-    for (const char c : kept) {
-        if (c == '/') {
-            if (++n > 2) return false;
-        } else if (++digits[n] > 4) {
-            return false;
-        } else {
-            part[n] = part[n] * 10 + (c - '0');
-        }
-    }
-    if (n != 2 || digits[2] == 0) return false;
-    const int yearAt = digits[0] == 4 ? 0 : 2;  // 2014/2/1 is year, month, day
-    out = {part[2 - yearAt], part[1], part[yearAt]};
-    if (digits[yearAt] == 3 || digits[2 - yearAt] > 2 || digits[1] > 2) return false;
-    if (digits[yearAt] <= 2) out.year += out.year < 50 ? 2000 : 1900;
-    // What cannot be day/month is read month/day, as the platform does.
-    if (out.month > 12 && out.day <= 12) std::swap(out.day, out.month);
-    return out.year >= 1 && out.month >= 1 && out.month <= 12 && out.day >= 1 &&
-           out.day <= daysInMonth(out.year, out.month);
-}
-
-std::string typedText(const TypedDate& d) {
-    char buffer[48];
-    std::snprintf(buffer, sizeof buffer, "%02d/%02d/%04d", d.day, d.month, d.year);
-    return buffer;
 }
 
 }  // namespace
@@ -78,8 +33,7 @@ int32_t FnLngMonthYearOfDate(const DateTime& date) {
 }
 
 int32_t FnLngMonthYearOfDate(const std::string& text) {
-    if (trim(text).empty()) return 0;
-    const auto date = parseDate(text, DateOrder::DayFirst);
+    const auto date = parseTypedDate(text);
     return date ? FnLngMonthYearOfDate(*date) : 0;
 }
 
@@ -104,6 +58,12 @@ void GetMonthOfDate(Session& session, const DateTime& date, int32_t& lngMonthYea
     monthName = rs.Fields("MONTHNAME").toText();
 }
 
+void GetMonthPeriod(Session& session, int32_t lngMonthYear, DateTime& dteFrom, DateTime& dteTo) {
+    const DateTime first = firstOfMonth(lngMonthYear);
+    dteFrom = monthBound(session, lngMonthYear, "CALCSTARTDATE", first);
+    dteTo = monthBound(session, lngMonthYear, "CALCENDDATE", first.plusMonths(1).plusDays(-1));
+}
+
 DateTime FnDteMonthStart(Session& session, int32_t lngMonthYear) {
     try {
         return monthBound(session, lngMonthYear, "CALCSTARTDATE", firstOfMonth(lngMonthYear));
@@ -123,34 +83,50 @@ DateTime FnDteMonthEnd(Session& session, int32_t lngMonthYear) {
     }
 }
 
-void GetMonthPeriod(Session& session, int32_t lngMonthYear, DateTime& dteFrom, DateTime& dteTo) {
-    dteFrom = FnDteMonthStart(session, lngMonthYear);
-    dteTo = FnDteMonthEnd(session, lngMonthYear);
-}
-
 bool FnBlnMonthLocked(Session& session, int32_t lngMonthYear) {
-    return FnVarGetValue(session,
-                         "Select LOCKEDYN From MAS_MONTHYEAR Where MONTHYEAR = " +
-                             std::to_string(lngMonthYear),
-                         0)
+    return FnVarReadValue(session,
+                          "Select LOCKEDYN From MAS_MONTHYEAR Where MONTHYEAR = " +
+                              std::to_string(lngMonthYear),
+                          0)
         .toBool();
 }
+
+namespace {
+
+std::string lockedMonths(int32_t lngFrom, int32_t lngTo) {
+    return " From MAS_MONTHYEAR Where MONTHYEAR Between " + std::to_string(lngFrom) + " And " +
+           std::to_string(lngTo) + " And LOCKEDYN = 1";
+}
+
+// True when the employee is held in the first month or in another month of the payroll's. The
+// family's function is asked month by month.
+std::string employeeHeld(int32_t lngFrom, int32_t lngTo, int64_t lngEmpId) {
+    const std::string employee = "[dbo].udf_getEmpLock(" + std::to_string(lngEmpId) + ",";
+    const std::string first = employee + std::to_string(lngFrom) + ",DEFAULT) = 1";
+    if (lngFrom == lngTo) return first;
+    return "(" + first + " OR EXISTS (SELECT * FROM MAS_MONTHYEAR WHERE MONTHYEAR BETWEEN " +
+           std::to_string(lngFrom) + " AND " + std::to_string(lngTo) + " AND " + employee +
+           "MONTHYEAR,DEFAULT) = 1))";
+}
+
+}  // namespace
 
 bool FnBlnMonthRangeLocked(Session& session, int32_t lngFrom, int32_t lngTo, bool testEmployee,
                            int64_t lngEmpId) {
-    const std::string from = std::to_string(lngFrom), to = std::to_string(lngTo);
-    const Value locked =
-        FnVarGetValue(session,
-                      "Select COUNT(*) From MAS_MONTHYEAR Where MONTHYEAR Between " + from +
-                          " And " + to + " And LOCKEDYN = 1",
-                      0);
-    if (locked.toBool()) return true;
+    if (FnVarReadValue(session, "Select COUNT(*)" + lockedMonths(lngFrom, lngTo), 0).toBool())
+        return true;
     if (!testEmployee) return false;
-    return FnVarGetValue(session,
-                         "SELECT [dbo].udf_getEmpLock(" + std::to_string(lngEmpId) + "," + from +
-                             "," + to + ")",
-                         0)
+    return FnVarReadValue(
+               session,
+               "SELECT CASE WHEN " + employeeHeld(lngFrom, lngTo, lngEmpId) + " THEN 1 ELSE 0 END",
+               0)
         .toBool();
+}
+
+std::string FnStrMonthRangeOpenSql(int32_t lngFrom, int32_t lngTo, bool testEmployee,
+                                   int64_t lngEmpId) {
+    const std::string open = "NOT EXISTS (SELECT *" + lockedMonths(lngFrom, lngTo) + ")";
+    return testEmployee ? open + " AND NOT " + employeeHeld(lngFrom, lngTo, lngEmpId) : open;
 }
 
 bool FnBlnInPayrollPeriod(Session& session, const DateTime& date) {
@@ -158,18 +134,15 @@ bool FnBlnInPayrollPeriod(Session& session, const DateTime& date) {
 }
 
 std::string FnStrCleanDate(const std::string& text) {
-    TypedDate d;
-    return readTypedDate(text, d) ? typedText(d) : "";
+    const auto date = parseTypedDate(text);
+    return date ? dateText(*date, "dd/MM/yyyy") : "";
 }
 
 std::string FnStrCleanDateCentury(const std::string& text) {
-    TypedDate d;
-    if (!readTypedDate(text, d)) return "";
-    if (d.year < 1900) {
-        d.year += 2000;
-        d.day = std::min(d.day, daysInMonth(d.year, d.month));
-    }
-    return typedText(d);
+    const auto date = parseTypedDate(text);
+    if (!date) return "";
+    const bool ancient = date->civil().year < 1900;
+    return dateText(ancient ? date->plusMonths(2000 * 12) : *date, "dd/MM/yyyy");
 }
 
 void GetTaxYearRange(Session& session, int32_t lngFrom, int32_t lngTo, int32_t& fromYear,
@@ -198,9 +171,9 @@ bool FnBlnIsRestrictedHoliday(Session& session, int64_t lngEmpId, const DateTime
                " FROM MAS_EMPLOYEEDET WHERE EMPID=" + std::to_string(lngEmpId) +
                " AND EFFFROMDATE<=" + day + " AND (EFFTODATE>=" + day + " OR EFFTODATE IS NULL))";
     };
-    return FnBlnRecordExists(session, listed + " AND ATTHEADID IS NULL AND BRANCHID IS NULL " +
-                                          " UNION ALL " + ofEmployee("ATTHEADID") + " UNION ALL " +
-                                          ofEmployee("BRANCHID"));
+    return FnBlnReadRecordExists(session, listed + " AND ATTHEADID IS NULL AND BRANCHID IS NULL " +
+                                              " UNION ALL " + ofEmployee("ATTHEADID") +
+                                              " UNION ALL " + ofEmployee("BRANCHID"));
 }
 
 }  // namespace owb

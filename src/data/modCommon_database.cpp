@@ -33,10 +33,13 @@ Value FnVarGetJetValue(Session& session, const std::string& sql, const Value& de
     return FnVarGetValue(session, sql, defaultValue);
 }
 
+bool FnBlnReadRecordExists(Session& session, const std::string& sql) {
+    return !Recordset(session.gConn, sql).IsEOF();
+}
+
 bool FnBlnRecordExists(Session& session, const std::string& sql) {
     try {
-        Recordset rs(session.gConn, sql);
-        return !rs.IsEOF();
+        return FnBlnReadRecordExists(session, sql);
     } catch (const DbError&) {
         return false;
     }
@@ -54,9 +57,9 @@ bool FnBlnExecute(Session& session, const std::string& sql) {
 bool FnBlnDuplicate(Session& session, const std::string& table, const std::string& keyColumn,
                     const std::string& idColumn, const std::string& value, int64_t ownId) {
     const std::string text = upperCase(session.gSpChar.FnStrSpSQL(trim(value)));
-    return FnBlnRecordExists(session, "Select " + idColumn + " From " + table + " Where UPPER(" +
-                                          keyColumn + ") ='" + text + "' And " + idColumn + " <> " +
-                                          std::to_string(ownId));
+    return FnBlnReadRecordExists(session, "Select " + idColumn + " From " + table +
+                                              " Where UPPER(" + keyColumn + ") ='" + text +
+                                              "' And " + idColumn + " <> " + std::to_string(ownId));
 }
 
 Value FnVarNz(const Value& value, const Value& defaultValue, bool zeroIsNull) {
@@ -70,9 +73,9 @@ std::string FnStrSqlDate(const DateTime& date) {
 }
 
 std::string FnStrSqlDate(const std::string& text) {
-    if (trim(text).empty()) return "";
-    const auto date = parseDate(text, DateOrder::DayFirst);
-    return date ? FnStrSqlDate(*date) : "";
+    const auto date = parseTypedDate(text);
+    if (!date) throw DbError(13, 16, 1, 0, "'" + text + "' is no date.");
+    return FnStrSqlDate(*date);
 }
 
 std::string FnStrIsoDate(const DateTime& date) {

@@ -142,9 +142,9 @@ void LoadOptSet(Session& session) {
             o.CLASSSECURITYN = false;
     }
     session.gHasOt1Head =
-        FnBlnRecordExists(session, "SELECT ATTHEADID FROM MAS_ATTHEAD WHERE OT1YN = 1");
+        FnBlnReadRecordExists(session, "SELECT ATTHEADID FROM MAS_ATTHEAD WHERE OT1YN = 1");
     session.gHasOt2Head =
-        FnBlnRecordExists(session, "SELECT ATTHEADID FROM MAS_ATTHEAD WHERE OT2YN = 1");
+        FnBlnReadRecordExists(session, "SELECT ATTHEADID FROM MAS_ATTHEAD WHERE OT2YN = 1");
     LoadOptSetFeature(session);
 }
 
@@ -233,9 +233,13 @@ EmployeeDates LoadEmployeeDates(Session& session, int64_t lngEmpId) {
 }
 
 bool FnBlnAuditTrailOn(Session& session) {
-    if (session.gAuditTrailOn < 0)
-        session.gAuditTrailOn =
-            FnBlnRecordExists(session, "SELECT * FROM MAS_OPTSETFEATURE WHERE AUDITTRAILYN = 1");
+    try {
+        if (session.gAuditTrailOn < 0)
+            session.gAuditTrailOn = FnBlnReadRecordExists(
+                session, "SELECT * FROM MAS_OPTSETFEATURE WHERE AUDITTRAILYN = 1");
+    } catch (const DbError&) {
+        return false;
+    }
     return session.gAuditTrailOn == 1;
 }
 

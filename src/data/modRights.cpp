@@ -14,15 +14,15 @@ void ApplyScreenRights(Session& session, int32_t formId, std::vector<CommandRigh
         std::erase(caption, '&');
         // The stars stand in the stored names too; LIKE takes them as they are.
         const int64_t butId =
-            FnVarGetValue(session,
-                          "SELECT BUTID FROM SEC_BUTDET WHERE FORMID = " + std::to_string(formId) +
-                              " AND UPPER(BUTNAME) LIKE '*" +
-                              session.gSpChar.FnStrSpLikeSQL(caption) + "*' ",
-                          0)
+            FnVarReadValue(session,
+                           "SELECT BUTID FROM SEC_BUTDET WHERE FORMID = " + std::to_string(formId) +
+                               " AND UPPER(BUTNAME) LIKE '*" +
+                               session.gSpChar.FnStrSpLikeSQL(caption) + "*' ",
+                           0)
                 .toInt();
         if (butId == 0) continue;
         const bool allowed =
-            FnVarGetValue(
+            FnVarReadValue(
                 session,
                 "SELECT BUTALLOWYN FROM SEC_BUTPER WHERE BUTID = " + std::to_string(butId) +
                     " AND GROUPID = (SELECT GROUPID from SEC_USERLIST WHERE "
@@ -45,7 +45,8 @@ std::string FnStrClassSecurityFilter(Session& session, int32_t mode, int32_t lng
     if (!session.gOptSet.CLASSSECURITYN) return "";
     const std::string arguments = std::to_string(mode) + "," + std::to_string(lngMonthYear) + ",0";
     session.gConn.Execute(session.gExtendedYN
-                              ? "dbo.ClassSecurityCloud " + arguments + "," + session.gWinUserId
+                              ? "dbo.ClassSecurityCloud " + arguments + ",'" +
+                                    session.gSpChar.FnStrSpSQL(session.gWinUserId) + "'"
                               : "dbo.ClassSecurity " + arguments);
     return " AND " + employeeColumn + "  IN (SELECT EMPID FROM [TMP" + session.gHostPrefix + "])";
 }

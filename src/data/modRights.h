@@ -17,10 +17,10 @@ struct CommandRight {
 };
 
 // Sets the tags of a screen's commands, only while gMultiLogin. Commands unknown to SEC_BUTDET
-// keep their tag.
+// keep their tag. Throws DbError when the rights cannot be asked.
 void ApplyScreenRights(Session& session, int32_t formId, std::vector<CommandRight>& commands);
-// Says "Permission denied." and gives true when the command's tag holds "NA". Every save and
-// delete handler starts with it.
+// Says "Permission denied." and gives true when the command's tag holds "NA". Screens ask it
+// before any handler that writes (SessionScreen::mayWrite).
 bool FnBlnCommandDenied(Session& session, const std::string& tag);
 
 // Fills [TMP<prefix>] with the employees that the user may see, while class security is on, and

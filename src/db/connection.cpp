@@ -26,6 +26,21 @@ void Connection::Execute(const std::string& sql) {
     driver().run(sql);
 }
 
+BatchResult Connection::ExecuteAtomic(const std::string& sql) {
+    // Not for the batches that follow: there an error ends its own statement alone.
+    const std::string restore = "SET XACT_ABORT OFF";
+    try {
+        // On lines of its own only behind the text, whose lines are counted in errors.
+        return driver().run("SET XACT_ABORT ON; BEGIN TRAN; " + sql + "\n; COMMIT; " + restore);
+    } catch (const DbError&) {
+        try {
+            driver().run(restore);
+        } catch (const DbError&) {  // the connection is lost, and the option with it
+        }
+        throw;
+    }
+}
+
 BatchResult Connection::Run(const std::string& sql) {
     return driver().run(sql);
 }

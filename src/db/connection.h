@@ -23,12 +23,18 @@ class Connection {
 
     // Runs one batch, which may hold several statements; result sets are thrown away.
     void Execute(const std::string& sql);
+    // Runs statements that belong together as one transaction: all of them are done, or none. An
+    // error undoes them and, as the server does it, a transaction that the caller holds; one that
+    // is found before anything runs (a syntax error, an unknown column) leaves the caller's. The
+    // text ends no transaction itself and does not RETURN; what it RAISERRORs undoes nothing.
+    BatchResult ExecuteAtomic(const std::string& sql);
     // Runs one batch and gives all that came back.
     BatchResult Run(const std::string& sql);
     // As Run, with errors left in the result instead of thrown.
     BatchResult RunCollecting(const std::string& sql);
 
-    // One level, no nesting.
+    // One level, no nesting: beginning while a transaction is open is an error and leaves it, and
+    // so is ending when none is open.
     void BeginTrans();
     void CommitTrans();
     void RollbackTrans();

@@ -10,6 +10,7 @@
 #include "base/date_time.h"
 #include "base/number_text.h"
 #include "base/utf8.h"
+#include "exchange/numeric_locale.h"
 #include "exchange/sheet_file.h"
 
 namespace owb {
@@ -219,6 +220,7 @@ std::vector<SheetRow> readSheet(const std::string& path) {
     if (!std::filesystem::is_regular_file(path)) throw std::runtime_error("File Not Found");
     const std::string ending = lowerCase(std::filesystem::path(path).extension().string());
     std::vector<SheetRow> rows;
+    const NumericLocale numbersWithPoint;
     try {
         if (ending == ".xlsx")
             rows = readXlsx(path);

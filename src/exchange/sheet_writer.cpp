@@ -9,6 +9,7 @@
 
 #include "base/number_text.h"
 #include "base/utf8.h"
+#include "exchange/numeric_locale.h"
 #include "exchange/sheet_file.h"
 
 namespace owb {
@@ -132,6 +133,7 @@ class Writer {
 }  // namespace
 
 void writeSheet(const std::string& path, const SheetTable& table) {
+    const NumericLocale numbersWithPoint;
     const std::string unfinished = path + ".part";
     try {
         Writer(unfinished, table).write();

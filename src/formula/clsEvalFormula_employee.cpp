@@ -1,6 +1,7 @@
 // The employee in formulas: classifications, custom columns and queries, dates, and the statutory
 // flags as they take effect in the month (provident fund, state insurance, professional tax).
 #include "data/modOWBSetting.h"
+#include "formula/CustomQuery.h"
 #include "formula/clsEvalFormula_task.h"
 
 namespace owb {
@@ -99,7 +100,7 @@ void clsEvalFormula::FillCustomQueries(const Task& task, KeywordTable& vOther) {
         query = replaced(query, "$MONTHYEAR$", task.month());
         query = replaced(query, "$HOSTNAME$", session_.gHostPrefix);
         vOther.push_back({"CustQry{" + rs.Fields("FNAME").toText() + "}",
-                          quotedText(fieldText(FirstValue(query, 0)))});
+                          quotedText(fieldText(FnVarCustomQuery(session_, query, 0)))});
     }
 }
 

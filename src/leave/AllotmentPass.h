@@ -6,17 +6,21 @@
 //     that the run does not write;
 //  2. the closing of the row before, from that row's own credit and opening, before any lapse: the
 //     row before is done (it comes earlier in date order) or still marked, and then marks this one;
-//  3. marks on all later rows of the employee and leave, which open from this one;
-//  4. behind them or in one batch with them: the lapse on the row before, the opening, the row's
-//  own
-//     lapse back to 0 (its successor, marked by 3, writes it) and the cleared mark.
+//  3. in one transaction: marks on all later rows of the employee and leave, which open from this
+//     one; the lapse on the row before, the opening, the row's own lapse back to 0 (its successor,
+//     marked just now, writes it);
+//  4. the cleared mark, with step 3 or after it, together with finding all that the row rests on
+//     unchanged (BlockStamp.h). What others save in an earlier month marks a row there, which in
+//     its turn marks this one; so a block looks at the leave of its own months alone.
 // The work tables hold nothing that is not made anew by the next run.
 #pragma once
 
-#include <set>
 #include <string>
+#include <vector>
 
+#include "leave/BlockStamp.h"
 #include "leave/LeaveChain.h"
+#include "leave/RowFailures.h"
 #include "leave/modLeaveCalc.h"
 #include "leave/work_table.h"
 #include "screen/progress.h"
@@ -27,14 +31,17 @@ class AllotmentPass {
   public:
     AllotmentPass(Session& session, Progress& frm);
 
+    // Each of these throws DbError. False: rows are left marked that somebody changes all the time.
     // All marked months in order, each in bulk; who has two rows of one leave in a month is taken
     // row by row in that month.
-    void ProcessAllotments();
-    void ProcessAllotmentMonth(int32_t lngMonthYear);
+    bool ProcessAllotments();
+    bool ProcessAllotmentMonth(int32_t lngMonthYear);
     // Marked rows one by one in order of date; strFilter is a condition on LA (" AND LA.EMPID =
     // 1").
-    void RowByRow(const std::string& strFilter);
+    bool RowByRow(const std::string& strFilter);
     bool FewMarked();
+    // Names the employees whose rows failed; true when there are none.
+    bool TellFailures() { return failures_.Tell(); }
 
   private:
     // --- the bulk pass (AllotmentPass_month.cpp) ---
@@ -42,17 +49,19 @@ class AllotmentPass {
     int32_t NextMonth(int32_t lngAfter);
     void BuildWorkTable(int32_t lngMonthYear, const std::string& strInMonth);
     void CompensatoryOff();
-    bool AutoAllotments();
+    void AutoAllotments();
     void Openings();
     void Closings(int32_t lngMonthYear);
     void CarryOver(int32_t lngMonthYear);
     void WithinPeriod(int32_t lngMonthYear);
-    void WriteBack();
+    std::string WriteBackSql() const;
 
     // --- row by row (AllotmentPass_rows.cpp) ---
+    // Works out the rows of a block, given by their numbers, and clears their marks.
+    bool ProcessBlock(const std::vector<int64_t>& ids);
     void ProcessRow(const AllotRow& row);
-    // Writes the row's credit; false when it cannot be worked out: the row keeps its mark.
-    bool WriteCredit(const AllotRow& row);
+    void WriteCredit(const AllotRow& row);
+    void ForgetRules();
     void showPercent();
 
     Session& session_;
@@ -62,9 +71,10 @@ class AllotmentPass {
     WorkTable tmp_, prev_;
     std::string strDuplicates_ = "0";  // employees that the bulk leaves out in the month at hand
     size_t done_ = 0, total_ = 0;
+    size_t worked_ = 0;  // rows taken one by one
     std::string percent_;
-    std::set<int64_t> failed_;    // rows that could not be worked out in this run
-    std::set<std::string> told_;  // each failure is told once
+    BlockStamp stamp_;
+    RowFailures failures_;
 };
 
 }  // namespace owb

@@ -1,5 +1,6 @@
 // The bulk pass: a statement for each step of a month, over all of its marked rows.
 #include "base/number_text.h"
+#include "calendar/clsNODNDPCalc.h"
 #include "data/Session.h"
 #include "data/modCommon.h"
 #include "leave/AllotmentPass.h"
@@ -22,7 +23,7 @@ std::string settingsOf(int32_t lngMonthYear) {
 
 }  // namespace
 
-void AllotmentPass::ProcessAllotments() {
+bool AllotmentPass::ProcessAllotments() {
     CreateLeaveSummaryView(session_);
     CreatePeriodViews(session_);
     total_ = static_cast<size_t>(
@@ -35,14 +36,15 @@ void AllotmentPass::ProcessAllotments() {
             "[DBO].FNLNGMONTHYEAR(LEV.ALLOTFROM, LEV.ALLOTTO)) SELECT @TMP",
             0)
             .toInt());
-    bool any = false;
+    bool any = false, settled = true;
     for (int32_t month = NextMonth(0); month != 0 && !frm_.cancelled(); month = NextMonth(month)) {
         any = true;
-        ProcessAllotmentMonth(month);
+        settled &= ProcessAllotmentMonth(month);
     }
     if (any && !frm_.cancelled()) frm_.status("Processing Leave Allotment 100.00% Completed.");
     session_.gConn.Execute(tmp_.drop);
     session_.gConn.Execute(prev_.drop);
+    return settled;
 }
 
 // Employees with two rows of one leave in the month, a change of version: one opens from the other.
@@ -71,22 +73,34 @@ int32_t AllotmentPass::NextMonth(int32_t lngAfter) {
             .toInt());
 }
 
-void AllotmentPass::ProcessAllotmentMonth(int32_t lngMonthYear) {
+bool AllotmentPass::ProcessAllotmentMonth(int32_t lngMonthYear) {
     DateTime from, to;
     calc_.periods.GetMonthBounds(lngMonthYear, from, to);
     const std::string inMonth =
         "LA.ALLOTFROM BETWEEN " + FnStrIsoLiteral(from) + " AND " + FnStrIsoLiteral(to);
-    strDuplicates_ = DividedEmployees(inMonth);
-    BuildWorkTable(lngMonthYear, inMonth);
-    CompensatoryOff();
-    if (!AutoAllotments()) return;  // cancelled: the month keeps its marks
-    Openings();
-    Closings(lngMonthYear);
-    CarryOver(lngMonthYear);
-    WithinPeriod(lngMonthYear);
-    WriteBack();
-    if (strDuplicates_ != "0")
-        RowByRow(" AND " + inMonth + " AND LA.EMPID IN (" + strDuplicates_ + ")");
+    const BlockStamp::Scope scope{
+        "", " AND LEAVEDATE BETWEEN " + FnStrIsoLiteral(from) + " AND " + FnStrIsoLiteral(to),
+        BlockStamp::SumSql("LEV_ALLOTMENT LA WITH (HOLDLOCK)", "ALLOTID",
+                           " WHERE ISNULL(LA.EDITMODEYN, 0) = 1 AND " + inMonth),
+        false, true};
+    const size_t before = done_;
+    const auto work = [&] {
+        done_ = before;
+        calc_.ForgetDays();
+        strDuplicates_ = DividedEmployees(inMonth);
+        BuildWorkTable(lngMonthYear, inMonth);
+        CompensatoryOff();
+        AutoAllotments();
+        if (frm_.cancelled()) return;
+        Openings();
+        Closings(lngMonthYear);
+        CarryOver(lngMonthYear);
+        WithinPeriod(lngMonthYear);
+    };
+    const bool settled =
+        stamp_.WorkOut(scope, work, [&] { return frm_.cancelled() ? "" : WriteBackSql(); });
+    if (strDuplicates_ == "0" || frm_.cancelled()) return settled;
+    return RowByRow(" AND " + inMonth + " AND LA.EMPID IN (" + strDuplicates_ + ")") && settled;
 }
 
 void AllotmentPass::BuildWorkTable(int32_t lngMonthYear, const std::string& strInMonth) {
@@ -100,10 +114,8 @@ void AllotmentPass::BuildWorkTable(int32_t lngMonthYear, const std::string& strI
         "CAST(0 AS NUMERIC(15,2)) AS OPBAL, CAST(0 AS NUMERIC(15,2)) AS CLSBAL, "
         "ISNULL(PV.ALLOTID,0) AS PREVALLOTID, ISNULL(PV.ATTHEADID,0) AS PREVATTHEADID INTO " +
         tmp_.name + " FROM LEV_ALLOTMENT LA INNER JOIN UDF_LSET(" + month +
-        ") LS ON LA.ATTHEADID = LS.ATTHEADID  AND LA.LEVID = LS.LEVID LEFT JOIN LEV_ALLOTMENT PV "
-        "ON PV.EMPID = LA.EMPID AND PV.LEVID = LA.LEVID AND PV.ALLOTTO = LA.ALLOTFROM - 1 WHERE "
-        "LA.EMPID NOT IN (" +
-        strDuplicates_ + ") AND " + strInMonth +
+        ") LS ON LA.ATTHEADID = LS.ATTHEADID  AND LA.LEVID = LS.LEVID" + slice_sql::kRowBefore +
+        " WHERE LA.EMPID NOT IN (" + strDuplicates_ + ")" + " AND " + strInMonth +
         " AND [DBO].FNLNGMONTHYEAR( LA.ALLOTFROM, LA.ALLOTTO)  = " + month +
         " AND LA.EDITMODEYN = 1");
     session_.gConn.Execute(tmp_.key("ALLOTID"));
@@ -115,20 +127,19 @@ void AllotmentPass::CompensatoryOff() {
         " WHERE ALLOTID IN (SELECT ALLOTID FROM " + tmp_.name + " WHERE LEVID = 2)");
 }
 
-// False when the user has cancelled.
-bool AllotmentPass::AutoAllotments() {
+// A row that fails leaves the month.
+void AllotmentPass::AutoAllotments() {
     Recordset rs(session_.gConn, FnStrAllotRows(tmp_.name + " LA",
                                                 "WHERE LA.LEVID <> 2 AND LA.AUTOALLOTYN = 1 ORDER "
                                                 "BY LA.EMPID, LA.LEVID"));
-    for (; !rs.IsEOF(); rs.MoveNext()) {
-        if (frm_.cancelled()) return false;
+    for (; !rs.IsEOF() && !frm_.cancelled(); rs.MoveNext()) {
         showPercent();
         const AllotRow row = FnReadAllotRow(rs);
-        if (!WriteCredit(row))
+        if (failures_.Has(row.lngAllotId) ||
+            !failures_.Attempt(row.lngEmpId, row.lngAllotId, [&] { WriteCredit(row); }))
             session_.gConn.Execute("DELETE FROM " + tmp_.name +
                                    " WHERE ALLOTID = " + text(row.lngAllotId));
     }
-    return !frm_.cancelled();
 }
 
 void AllotmentPass::showPercent() {
@@ -219,19 +230,30 @@ void AllotmentPass::WithinPeriod(int32_t lngMonthYear) {
                            settingsOf(lngMonthYear) + " AND ISNULL(COYN,0) <> 1");
 }
 
-void AllotmentPass::WriteBack() {
+// A row that has changed since it was read, or whose row before or opening balance has, keeps its
+// mark.
+std::string AllotmentPass::WriteBackSql() const {
     const std::string& tmp = tmp_.name;
-    session_.gConn.Execute(
-        "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 FROM " + tmp +
-        " TMPALLOT,LEV_ALLOTMENT LEVALLOT Where TMPALLOT.EMPID = LEVALLOT.EMPID And "
-        "TMPALLOT.LEVID = LEVALLOT.LEVID And LEVALLOT.ALLOTFROM >= DATEADD(DD,1,TMPALLOT.ALLOTTO) "
-        "AND LEVALLOT.EDITMODEYN <> 1");
-    session_.gConn.Execute(
-        "UPDATE LEV_ALLOTMENT SET LAPSE = TMPALLOT.LAPSE FROM " + tmp +
-        " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.PREVALLOTID AND "
-        "ISNULL(LEV.LAPSE, -1000) <> TMPALLOT.LAPSE UPDATE LEV_ALLOTMENT SET COLEV = "
-        "TMPALLOT.COLEV, LAPSE = 0, EDITMODEYN = 0  FROM " +
-        tmp + " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.ALLOTID");
+    const std::string same =
+        "((TMPALLOT.PREVALLOTID = 0 AND TMPALLOT.OPBAL = " + slice_sql::openingBalance("TMPALLOT") +
+        ") OR EXISTS (SELECT * FROM LEV_ALLOTMENT PV, " + prev_.name +
+        " TMPPREV WHERE PV.ALLOTID = TMPALLOT.PREVALLOTID AND TMPPREV.ALLOTID = PV.ALLOTID AND "
+        "ISNULL(PV.COLEV, 0) = ISNULL(TMPPREV.COLEV, 0) AND ISNULL(PV.ALLOTLEV, 0) = "
+        "ISNULL(TMPPREV.ALLOTLEV, 0)))";
+    return "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 FROM " + tmp +
+           " TMPALLOT,LEV_ALLOTMENT LEVALLOT Where TMPALLOT.EMPID = LEVALLOT.EMPID And "
+           "TMPALLOT.LEVID = LEVALLOT.LEVID And LEVALLOT.ALLOTFROM >= "
+           "DATEADD(DD,1,TMPALLOT.ALLOTTO) AND LEVALLOT.EDITMODEYN <> 1 UPDATE LEV_ALLOTMENT SET "
+           "LAPSE = TMPALLOT.LAPSE FROM " +
+           tmp +
+           " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.PREVALLOTID AND "
+           "ISNULL(LEV.LAPSE, -1000) <> TMPALLOT.LAPSE UPDATE LEV_ALLOTMENT SET COLEV = "
+           "TMPALLOT.COLEV, LAPSE = 0, EDITMODEYN = 0  FROM " +
+           tmp +
+           " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.ALLOTID AND LEV.ALLOTFROM = "
+           "TMPALLOT.ALLOTFROM AND LEV.ALLOTTO = TMPALLOT.ALLOTTO AND LEV.EMPDETID = "
+           "TMPALLOT.EMPDETID AND LEV.ATTHEADID = TMPALLOT.ATTHEADID AND " +
+           same;
 }
 
 }  // namespace owb

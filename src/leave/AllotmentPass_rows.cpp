@@ -1,6 +1,8 @@
 // Rows taken one at a time, in order of date.
-#include "base/db_error.h"
+#include <algorithm>
+
 #include "base/number_text.h"
+#include "calendar/clsNODNDPCalc.h"
 #include "data/Session.h"
 #include "data/modCommon.h"
 #include "leave/AllotmentPass.h"
@@ -10,8 +12,19 @@ namespace owb {
 
 namespace {
 
+constexpr size_t kRowsAtOnce = 200;
+
 std::string text(int64_t number) {
     return std::to_string(number);
+}
+
+// The numbers separated by commas, the last one repeated up to the size of a full block: texts that
+// differ in numbers alone share a plan.
+std::string blockList(const std::vector<int64_t>& numbers) {
+    std::string list = text(numbers.front());
+    for (size_t i = 1; i < std::max(kRowsAtOnce + 1, numbers.size()); ++i)
+        list += "," + text(numbers[std::min(i, numbers.size() - 1)]);
+    return list;
 }
 
 }  // namespace
@@ -22,23 +35,23 @@ AllotmentPass::AllotmentPass(Session& session, Progress& frm)
       calc_(session),
       chain_(session, calc_.rules, calc_.periods),
       tmp_(session, "TMPALLOT"),
-      prev_(session, "TMPPREVALLOT") {}
-
-bool AllotmentPass::WriteCredit(const AllotRow& row) {
-    ++done_;
-    try {
-        if (const auto credit = calc_.Credit(row)) calc_.WriteCredit(row, *credit);
-        return true;
-    } catch (const DaysNotCounted&) {
-        // The counter has told it.
-    } catch (const DbError& e) {
-        const std::string message = text(e.number) + ": " + e.what();
-        if (told_.insert(message).second) session_.boxes.critical(message, "");
-    }
-    failed_.insert(row.lngAllotId);
-    return false;
+      prev_(session, "TMPPREVALLOT"),
+      stamp_(session, [this] { ForgetRules(); }),
+      failures_(session) {
+    FnNodNdp(session).Update_MonthYear();
 }
 
+void AllotmentPass::ForgetRules() {
+    FnNodNdp(session_).ForgetRules();
+    calc_.ForgetRules();
+}
+
+void AllotmentPass::WriteCredit(const AllotRow& row) {
+    ++done_;
+    if (const auto credit = calc_.Credit(row)) calc_.WriteCredit(row, *credit);
+}
+
+// The figures of a row and the marks on later rows; its own mark stays.
 void AllotmentPass::ProcessRow(const AllotRow& row) {
     const LeaveSettingsRecord& settings =
         *calc_.rules.inForce(row.intLevId, row.intAttHeadId, row.lngMonthYear);
@@ -47,8 +60,8 @@ void AllotmentPass::ProcessRow(const AllotRow& row) {
         session_.gConn.Execute(
             "UPDATE LEV_ALLOTMENT SET ALLOTLEV = " + slice_sql::compensatoryWork("LEV_ALLOTMENT") +
             " WHERE ALLOTID = " + id);
-    else if (settings.AUTOALLOTYN && !WriteCredit(row))
-        return;
+    else if (settings.AUTOALLOTYN)
+        WriteCredit(row);
 
     const LeaveChain::Link link = chain_.Chain(row);
     std::string batch =
@@ -58,43 +71,83 @@ void AllotmentPass::ProcessRow(const AllotRow& row) {
     if (row.lngPrevAllotId != 0)
         batch += " UPDATE LEV_ALLOTMENT SET LAPSE = " + numberText(link.dblLapsed) +
                  " WHERE ALLOTID = " + text(row.lngPrevAllotId);
-    session_.gConn.Execute(batch + " UPDATE LEV_ALLOTMENT SET COLEV = " + numberText(link.COLEV) +
-                           ", LAPSE = 0, EDITMODEYN = 0 WHERE ALLOTID = " + id);
+    session_.gConn.ExecuteAtomic(batch + " UPDATE LEV_ALLOTMENT SET COLEV = " +
+                                 numberText(link.COLEV) + ", LAPSE = 0 WHERE ALLOTID = " + id);
+}
+
+// The mark is asked through a function, so that the rows are found by their numbers and not among
+// all marked ones.
+bool AllotmentPass::ProcessBlock(const std::vector<int64_t>& ids) {
+    const std::string list = blockList(ids);
+    const std::string ofBlock = " WHERE ALLOTID IN (" + list + ")";
+    std::vector<int64_t> employees;
+    DateTime from{DateTime::kMaxDay}, to{DateTime::kMinDay};
+    for (Recordset rs(session_.gConn,
+                      "SELECT EMPID, MIN(ALLOTFROM), MAX(ALLOTTO) FROM LEV_ALLOTMENT" + ofBlock +
+                          " GROUP BY EMPID");
+         !rs.IsEOF(); rs.MoveNext()) {
+        employees.push_back(rs.Fields(0).toInt());
+        from = std::min(from, rs.Fields(1).toDate());
+        to = std::max(to, rs.Fields(2).toDate());
+    }
+    if (employees.empty()) return true;  // somebody has taken them out
+    const BlockStamp::Scope scope{
+        " AND EMPID IN (" + blockList(employees) + ")",
+        " AND LEAVEDATE BETWEEN " + FnStrIsoLiteral(from) + " AND " + FnStrIsoLiteral(to),
+        BlockStamp::SumSql("LEV_ALLOTMENT WITH (HOLDLOCK)", "ALLOTID EMPDETID ALLOTFROM@ ALLOTTO@",
+                           ofBlock + " AND ISNULL(EDITMODEYN, 0) = 1"),
+        false,
+        true,
+        true};
+    std::vector<int64_t> done;
+    const auto work = [&] {
+        done = {0};
+        calc_.ForgetDays();
+        for (Recordset rs(
+                 session_.gConn,
+                 FnStrAllotRows("LEV_ALLOTMENT LA",
+                                "WHERE LA.ALLOTID IN (" + list +
+                                    ") AND ISNULL(LA.EDITMODEYN, 0) = 1 ORDER BY LA.ALLOTFROM, "
+                                    "LA.EMPID, LA.LEVID, LA.EMPDETID"));
+             !rs.IsEOF() && !frm_.cancelled(); rs.MoveNext()) {
+            const AllotRow row = FnReadAllotRow(rs);
+            if (failures_.Has(row.lngAllotId) ||
+                !calc_.rules.inForce(row.intLevId, row.intAttHeadId, row.lngMonthYear))
+                continue;
+            frm_.status("Processing Leave Allotment ");
+            if (failures_.Attempt(row.lngEmpId, row.lngAllotId, [&] { ProcessRow(row); })) {
+                ++worked_;
+                done.push_back(row.lngAllotId);
+            }
+        }
+    };
+    return stamp_.WorkOut(scope, work, [&] {
+        return "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 0 WHERE ALLOTID IN (" + blockList(done) + ")";
+    });
 }
 
 // The list of what is to do holds numbers alone and rows are read in blocks, so that memory does
 // not grow with what a row needs. A row that is marked on the way and was not is taken by another
-// round.
-void AllotmentPass::RowByRow(const std::string& strFilter) {
-    constexpr size_t kRowsAtOnce = 200;
+// round; a round that does nothing is the last.
+bool AllotmentPass::RowByRow(const std::string& strFilter) {
+    const std::string marked = " FROM LEV_ALLOTMENT LA WHERE LA.EDITMODEYN = 1";
+    bool settled = true;
     for (bool again = true; again && !frm_.cancelled();) {
-        again = false;
-        Recordset ids(session_.gConn,
-                      "SELECT LA.ALLOTID FROM LEV_ALLOTMENT LA WHERE LA.EDITMODEYN "
-                      "= 1" +
-                          strFilter + " ORDER BY LA.ALLOTFROM, LA.EMPID, LA.LEVID");
-        while (!ids.IsEOF()) {
-            std::string block = text(ids.Fields(0).toInt());
-            for (ids.MoveNext(); !ids.IsEOF() && ids.AbsolutePosition() % kRowsAtOnce != 0;
-                 ids.MoveNext())
-                block += "," + text(ids.Fields(0).toInt());
-            for (Recordset rs(session_.gConn,
-                              FnStrAllotRows("LEV_ALLOTMENT LA",
-                                             "WHERE LA.ALLOTID IN (" + block +
-                                                 ") ORDER BY LA.ALLOTFROM, LA.EMPID, LA.LEVID"));
-                 !rs.IsEOF(); rs.MoveNext()) {
-                if (frm_.cancelled()) return;
-                const AllotRow row = FnReadAllotRow(rs);
-                if (failed_.count(row.lngAllotId) ||
-                    !calc_.rules.inForce(row.intLevId, row.intAttHeadId, row.lngMonthYear))
-                    continue;
-                frm_.status("Processing Leave Allotment ");
-                frm_.step(ids.AbsolutePosition() - 1, ids.RecordCount());
-                ProcessRow(row);
-                again = true;
-            }
+        const size_t before = worked_;
+        std::vector<int64_t> ids;
+        for (Recordset rs(session_.gConn, "SELECT LA.ALLOTID" + marked + strFilter +
+                                              " ORDER BY LA.ALLOTFROM, LA.EMPID, LA.LEVID");
+             !rs.IsEOF(); rs.MoveNext())
+            ids.push_back(rs.Fields(0).toInt());
+        for (size_t at = 0; at < ids.size() && !frm_.cancelled(); at += kRowsAtOnce) {
+            frm_.step(at, ids.size());
+            const auto first = ids.begin() + static_cast<ptrdiff_t>(at);
+            settled &= ProcessBlock(
+                {first, first + static_cast<ptrdiff_t>(std::min(kRowsAtOnce, ids.size() - at))});
         }
+        again = settled && worked_ > before;
     }
+    return settled;
 }
 
 // Few rows are sooner done one by one than by statements over whole months.

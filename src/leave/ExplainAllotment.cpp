@@ -77,8 +77,6 @@ void explainCredit(Session& session, LeaveCalc& calc, const AllotRow& row, Allot
         steps.step("rounding", numberText(credit) + " by '" +
                                    FnStrRoundingType(settings->ALLOTRNDTYPE) + "' is " +
                                    rounded(session, credit, settings->ALLOTRNDTYPE));
-    } catch (const DaysNotCounted&) {
-        steps.step("credit", "the days could not be counted: the row stays marked");
     } catch (const DbError& e) {
         steps.step("credit", std::to_string(e.number) + ": " + e.what() + "; the row stays marked");
     }

@@ -26,33 +26,34 @@ DateTime sameDay(const DateTime& month, int day) {
 
 }  // namespace
 
+// Kept only when all of it has been read.
+const LeavePeriods::Months& LeavePeriods::read(const std::string& name, const std::string& sql) {
+    Months months;
+    for (Recordset rs(session_.gConn, sql); !rs.IsEOF(); rs.MoveNext())
+        months[static_cast<int32_t>(rs.Fields(0).toInt())] = {rs.Fields(1).toDate(),
+                                                              rs.Fields(2).toDate()};
+    return read_[name] = std::move(months);
+}
+
 const LeavePeriods::Months& LeavePeriods::months() {
-    const auto [at, fresh] = read_.try_emplace("");
-    if (fresh)
-        for (Recordset rs(session_.gConn,
-                          "SELECT MONTHYEAR, CALCSTARTDATE, CALCENDDATE FROM MAS_MONTHYEAR");
-             !rs.IsEOF(); rs.MoveNext())
-            at->second[static_cast<int32_t>(rs.Fields(0).toInt())] = {rs.Fields(1).toDate(),
-                                                                      rs.Fields(2).toDate()};
-    return at->second;
+    const auto kept = read_.find("");
+    return kept != read_.end()
+               ? kept->second
+               : read("", "SELECT MONTHYEAR, CALCSTARTDATE, CALCENDDATE FROM MAS_MONTHYEAR");
 }
 
 const LeavePeriods::Months& LeavePeriods::view(const std::string& viewName) {
-    const auto [at, fresh] = read_.try_emplace(viewName);
-    if (!fresh) return at->second;
+    const auto kept = read_.find(viewName);
+    if (kept != read_.end()) return kept->second;
     const std::string name = session_.gHostPrefix + "_" + viewName;
-    if (!FnBlnRecordExists(session_, "Select * From Sys.Objects Where Name = '" +
-                                         session_.gSpChar.FnStrSpSQL(name) + "'"))
+    if (Recordset(session_.gConn, "Select * From Sys.Objects Where Name = '" +
+                                      session_.gSpChar.FnStrSpSQL(name) + "'")
+            .IsEOF())
         CreatePeriodViews(session_);
-    for (Recordset rs(session_.gConn,
-                      "SELECT MONTHYEAR, STARTDATE, ENDDATE FROM [dbo].[" + name + "]");
-         !rs.IsEOF(); rs.MoveNext())
-        at->second[static_cast<int32_t>(rs.Fields(0).toInt())] = {rs.Fields(1).toDate(),
-                                                                  rs.Fields(2).toDate()};
-    return at->second;
+    return read(viewName, "SELECT MONTHYEAR, STARTDATE, ENDDATE FROM [dbo].[" + name + "]");
 }
 
-int32_t LeavePeriods::monthHolding(const DateTime& date) {
+int32_t LeavePeriods::MonthHolding(const DateTime& date) {
     const Months& all = months();
     for (auto month = all.rbegin(); month != all.rend(); ++month)
         if (month->second.from <= date && date <= month->second.to) return month->first;
@@ -64,10 +65,22 @@ void LeavePeriods::GetMonthBounds(int32_t lngMonthYear, DateTime& dteFrom, DateT
     if (month == months().end()) {
         dteFrom = DateTime::fromCivil(yearOf(lngMonthYear), monthOf(lngMonthYear), 1);
         dteTo = dteFrom.plusMonths(1).plusDays(-1);
+        const auto before = months().find(lngMonthYear - 1),
+                   after = months().find(lngMonthYear + 1);
+        if (before != months().end()) dteFrom = before->second.to.plusDays(1);
+        if (after != months().end()) dteTo = after->second.from.plusDays(-1);
     } else {
         dteFrom = month->second.from;
         dteTo = month->second.to;
     }
+}
+
+void LeavePeriods::GetOwnDays(int32_t lngMonthYear, DateTime& dteFrom, DateTime& dteTo) {
+    GetMonthBounds(lngMonthYear, dteFrom, dteTo);
+    if (months().count(lngMonthYear)) return;
+    const auto before = months().find(lngMonthYear - 1), after = months().find(lngMonthYear + 1);
+    if (before != months().end()) dteFrom = std::max(dteFrom, before->second.to.plusDays(1));
+    if (after != months().end()) dteTo = std::min(dteTo, after->second.from.plusDays(-1));
 }
 
 DateTime LeavePeriods::LeaveStart() {
@@ -108,7 +121,7 @@ void LeavePeriods::lookUp(const std::string& viewName, int32_t lngMonthYear, boo
                           DateTime& dteFrom, DateTime& dteTo) {
     const Months& periods = view(viewName);
     const DateTime first = DateTime::fromCivil(yearOf(lngMonthYear), monthOf(lngMonthYear), 1);
-    auto next = periods.upper_bound(monthHolding(first));
+    auto next = periods.upper_bound(MonthHolding(first));
     if (before && next != periods.begin()) --next;
     if (next == periods.begin()) {
         if (before) dteFrom = dteTo = DateTime::fromCivil(1950, 1, 1);

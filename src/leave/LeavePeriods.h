@@ -21,8 +21,15 @@ class LeavePeriods {
   public:
     explicit LeavePeriods(Session& session) : session_(session) {}
 
-    // First and last day of a payroll month.
+    void Forget() { read_.clear(); }  // what has been read of the calendar
+
+    // First and last day of a payroll month; one that MAS_MONTHYEAR lacks is the calendar month.
     void GetMonthBounds(int32_t lngMonthYear, DateTime& dteFrom, DateTime& dteTo);
+    // The same for sums over several months: of a calendar month without the days that the payroll
+    // months beside it hold.
+    void GetOwnDays(int32_t lngMonthYear, DateTime& dteFrom, DateTime& dteTo);
+    // The payroll month that holds a day, or the calendar month.
+    int32_t MonthHolding(const DateTime& date);
     // First day of LVSTARTMNYEAR; where none is set, a day before all others.
     DateTime LeaveStart();
     // First and last day of the period that the month (a key) lies in. Half years and quarters that
@@ -56,12 +63,12 @@ class LeavePeriods {
     };
     using Months = std::map<int32_t, Span>;  // by the key of the (first) month
 
+    const Months& read(const std::string& name, const std::string& sql);
     const Months& months();                           // MAS_MONTHYEAR
     const Months& view(const std::string& viewName);  // one of the period views
     // Of the view, the period that holds the month and, `before`, the one before it.
     void lookUp(const std::string& viewName, int32_t lngMonthYear, bool before, DateTime& dteFrom,
                 DateTime& dteTo);
-    int32_t monthHolding(const DateTime& date);
     void shift(DateTime& dteFrom, DateTime& dteTo);
     void countService(int64_t lngEmpId, DateTime& dteFrom, const DateTime& dteTo,
                       double& dblPeriodDays, double& dblServiceDays);

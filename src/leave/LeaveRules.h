@@ -1,5 +1,5 @@
 // The rules of all leaves as one pass reads them: the versions of LEV_SETTINGS and the figures of
-// LEV_ALLOTCONFIG. Read once; what changes meanwhile marks rows for the next pass.
+// LEV_ALLOTCONFIG. Read once; a pass that finds them changed reads them anew.
 #pragma once
 
 #include <cstdint>

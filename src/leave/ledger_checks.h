@@ -8,10 +8,13 @@
 namespace owb {
 
 struct LedgerCheck {
-    const char* what;   // "ledger rows without figures"
-    std::string count;  // the query; 0 when all is well
+    const char* what;            // "ledger rows without figures"
+    std::string count;           // the query; 0 when all is well
+    std::string employees = "";  // the query of the employees whose rows they are; "" not told
 };
 
 const std::vector<LedgerCheck>& FnLedgerChecks();
+// What is no fault of the tables, but gives figures that somebody may not expect.
+const std::vector<LedgerCheck>& FnLedgerRemarks();
 
 }  // namespace owb

@@ -7,7 +7,9 @@
 #include "base/utf8.h"
 #include "data/Session.h"
 #include "data/modCommon.h"
+#include "formula/CustomQuery.h"
 #include "formula/clsEvalFormula.h"
+#include "leave/slice_sql.h"
 
 namespace owb {
 
@@ -64,10 +66,7 @@ std::string FnStrAllotRows(const std::string& strFrom, const std::string& strRes
            "LA.ACTALLOTLEV = 0 AND LA.ALLOTLEV = 0 THEN 0 ELSE 1 END, PV.ALLOTID, "
            "PV.ATTHEADID, PV.ALLOTFROM, PV.ALLOTTO, CASE WHEN PV.ALLOTID IS NULL THEN 0 ELSE "
            "[DBO].FNLNGMONTHYEAR(PV.ALLOTFROM, PV.ALLOTTO) END FROM " +
-           strFrom +
-           " LEFT JOIN LEV_ALLOTMENT PV ON PV.EMPID = LA.EMPID AND PV.LEVID = LA.LEVID AND "
-           "PV.ALLOTTO = LA.ALLOTFROM - 1 " +
-           strRest;
+           strFrom + slice_sql::kRowBefore + strRest;
 }
 
 AllotRow FnReadAllotRow(Recordset& rs) {
@@ -102,6 +101,12 @@ void CalcLeaveAllotment(Session& session, int64_t lngAllotId, bool& blnUseStored
     const AllotRow row = FnReadAllotRow(rs);
     if (const auto credit = calc.Credit(row, blnUseStoredDays, dteMonthStart))
         calc.WriteCredit(row, *credit);
+}
+
+void LeaveCalc::ForgetRules() {
+    rules = LeaveRules(session_);
+    periods.Forget();
+    ForgetDays();
 }
 
 std::optional<double> LeaveCalc::Credit(const AllotRow& row, bool blnUseStoredDays,
@@ -155,7 +160,7 @@ double LeaveCalc::NumberOfLeaves(const AllotRow& row, const AllotFigure& figure)
                   {"$MONTHYEAR$", row.lngMonthYear}})
                 query = replaced(query, name, text(value), true);
             query = replaced(query, "$HOSTNAME$", session_.gHostPrefix, false);
-            const double custom = FnVarReadValue(session_, query, 0).toDouble();
+            const double custom = FnVarCustomQuery(session_, query, 0).toDouble();
             tell("figure", [&] { return numberText(custom) + " leaves by the custom query"; });
             return custom;
         }

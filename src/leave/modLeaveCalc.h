@@ -53,11 +53,8 @@ struct AllotRow {
 std::string FnStrAllotRows(const std::string& strFrom, const std::string& strRest);
 AllotRow FnReadAllotRow(Recordset& rs);
 
-// SetNODNDP could not count; it has shown the reason.
-struct DaysNotCounted {};
-
-// Works rows out for one pass. Rules, periods and counted days are kept between rows: leave,
-// holidays and versions must not change while it lives.
+// Works rows out for one pass. Rules, periods and counted days are kept between rows, until the
+// pass finds that they have changed.
 class LeaveCalc {
   public:
     explicit LeaveCalc(Session& session, AllotmentSteps* steps = nullptr)
@@ -70,11 +67,14 @@ class LeaveCalc {
     // The unrounded credit; nothing for a leave without settings in the row's month. With
     // blnUseStoredDays the Monthly type reads the days of a row that begins at dteMonthStart from
     // LEV_MONTHDET. Throws DbError (11 "Division by zero" where PERIOD or the salary calendar days
-    // are 0) and DaysNotCounted.
+    // are 0).
     std::optional<double> Credit(const AllotRow& row, bool blnUseStoredDays = false,
                                  DateTime dteMonthStart = {});
     // Writes a credit: ACTALLOTLEV as it is, ALLOTLEV rounded by ALLOTRNDTYPE.
     void WriteCredit(const AllotRow& row, double dblAllot);
+
+    void ForgetRules();  // settings, figures and periods are read again
+    void ForgetDays() { counted_.clear(); }
 
     LeavePeriods periods;
     LeaveRules rules;
@@ -103,6 +103,8 @@ class LeaveCalc {
     // the day before.
     bool IsPeriodOpening(const Task& task, const DateTime& dteSince);
     void GetServiceDays(const Task& task, double& dblPeriodDays, double& dblServiceDays);
+    void ForEachVersion(int64_t lngEmpId, int32_t lngMonthYear, DateTime dteFrom, DateTime dteTo,
+                        const std::function<void(DateTime, DateTime, const Days&)>& take);
     void SumPeriodDays(int64_t lngEmpId, DateTime dteFrom, DateTime dteTo, Days& days);
     // Days of a whole month: Pay and Present Days summed over the employee's versions, NODCALC and
     // the dates of the last.

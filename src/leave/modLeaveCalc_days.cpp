@@ -21,18 +21,15 @@ LeaveCalc::Days LeaveCalc::CountDays(int64_t lngEmpId, int lngEmpDetId, int32_t 
                                      int intDaysBasis) {
     if (lngEmpId != lngCountedEmpId_) counted_.clear();
     lngCountedEmpId_ = lngEmpId;
-    const auto [at, fresh] = counted_.try_emplace(
-        {lngEmpDetId, lngMonthYear, intAttHeadId, dteFrom.day, dteTo.day, intDaysBasis});
-    Days& days = at->second;
-    bool workingDaysOnly = false, prorateAlt = false, prorate = true;
-    if (fresh &&
-        !FnNodNdp(session_).SetNODNDP(days.NODCALC, days.NOD, days.NDP, lngEmpId, lngEmpDetId,
-                                      lngMonthYear, intAttHeadId, dteFrom, dteTo, workingDaysOnly,
-                                      prorateAlt, prorate, intDaysBasis)) {
-        counted_.erase(at);
-        throw DaysNotCounted{};
-    }
-    return days;
+    const auto key =
+        std::tuple(lngEmpDetId, lngMonthYear, intAttHeadId, dteFrom.day, dteTo.day, intDaysBasis);
+    const auto found = counted_.find(key);
+    if (found != counted_.end()) return found->second;
+    Days days;
+    FnNodNdp(session_).CountDays(days.NODCALC, days.NOD, days.NDP, lngEmpId, lngEmpDetId,
+                                 lngMonthYear, intAttHeadId, dteFrom, dteTo, false, false, true,
+                                 intDaysBasis);
+    return counted_[key] = days;
 }
 
 LeaveCalc::Days LeaveCalc::RowDays(const Task& task, int intDaysBasis) {
@@ -56,22 +53,38 @@ LeaveCalc::Days LeaveCalc::RowDays(const Task& task, int intDaysBasis) {
     return days;
 }
 
+// Versions of an employee in a span of one payroll month, each cut to it, and their days.
+void LeaveCalc::ForEachVersion(int64_t lngEmpId, int32_t lngMonthYear, DateTime dteFrom,
+                               DateTime dteTo,
+                               const std::function<void(DateTime, DateTime, const Days&)>& take) {
+    Recordset rs(session_.gConn,
+                 "SELECT EMPDETID, ATTHEADID, EFFFROMDATE, EFFTODATE FROM MAS_EMPLOYEEDET WHERE "
+                 "EMPID = " +
+                     text(lngEmpId) + " AND EFFFROMDATE <= " + FnStrIsoLiteral(dteTo) +
+                     " AND (EFFTODATE IS NULL OR EFFTODATE >= " + FnStrIsoLiteral(dteFrom) +
+                     ") ORDER BY EMPDETID");
+    for (; !rs.IsEOF(); rs.MoveNext()) {
+        const DateTime from = std::max(dteFrom, rs.Fields(2).toDate());
+        const DateTime to = rs.Fields(3).isNull() ? dteTo : std::min(dteTo, rs.Fields(3).toDate());
+        if (from > to) continue;
+        take(from, to,
+             CountDays(lngEmpId, static_cast<int>(rs.Fields(0).toInt()), lngMonthYear,
+                       static_cast<int>(rs.Fields(1).toInt()), from, to, 0));
+    }
+}
+
 void LeaveCalc::SumPrevMonthDays(int64_t lngEmpId, int32_t lngMonthYear, Days& days,
                                  DateTime& dteFrom, DateTime& dteTo) {
-    const std::string month = text(lngMonthYear);
-    Recordset rs(session_.gConn,
-                 "SELECT EMPDETID, ATTHEADID, [dbo].FnDteFromDate(EMPID, EMPDETID, " + month +
-                     "), [dbo].FnDteToDate(EMPID, EMPDETID, " + month +
-                     ") FROM MAS_EMPLOYEEDET WHERE EFFFROMDATE <= dbo.FnDteGetLastDate(" + month +
-                     ") AND (EFFTODATE IS NULL OR EFFTODATE >= dbo.FnDteGetFirstDate(" + month +
-                     ")) AND EMPID = " + text(lngEmpId) + " ORDER BY EMPDETID");
-    for (; !rs.IsEOF(); rs.MoveNext()) {
-        dteFrom = rs.Fields(2).toDate();
-        dteTo = rs.Fields(3).toDate();
-        const Days part = CountDays(lngEmpId, static_cast<int>(rs.Fields(0).toInt()), lngMonthYear,
-                                    static_cast<int>(rs.Fields(1).toInt()), dteFrom, dteTo, 0);
-        days = {part.NODCALC, days.NOD + part.NOD, days.NDP + part.NDP};
-    }
+    DateTime first, last;
+    periods.GetMonthBounds(lngMonthYear, first, last);
+    const Value left =
+        FnVarReadValue(session_, "SELECT DOL FROM MAS_EMPLOYEE WHERE EMPID = " + text(lngEmpId));
+    ForEachVersion(lngEmpId, lngMonthYear, first, last,
+                   [&](DateTime from, DateTime to, const Days& part) {
+                       dteFrom = from;
+                       dteTo = left.isNull() ? to : std::min(to, left.toDate());
+                       days = {part.NODCALC, days.NOD + part.NOD, days.NDP + part.NDP};
+                   });
     tell("days", [&] {
         return "month before: Pay Days " + numberText(days.NOD) + ", Present Days " +
                numberText(days.NDP) + ", salary calendar days " + numberText(days.NODCALC);
@@ -79,25 +92,16 @@ void LeaveCalc::SumPrevMonthDays(int64_t lngEmpId, int32_t lngMonthYear, Days& d
 }
 
 void LeaveCalc::SumPeriodDays(int64_t lngEmpId, DateTime dteFrom, DateTime dteTo, Days& days) {
-    const std::string from = FnStrIsoLiteral(dteFrom), to = FnStrIsoLiteral(dteTo);
-    Recordset rs(
-        session_.gConn,
-        "SELECT MT.EMPDETID, MT.ATTHEADID, MM.MONTHYEAR, MM.CALCSTARTDATE, MM.CALCENDDATE, "
-        "MT.EFFFROMDATE, MT.EFFTODATE FROM MAS_MONTHYEAR MM, MAS_EMPLOYEEDET MT WHERE "
-        "MM.CALCSTARTDATE <= " +
-            to + " AND MM.CALCENDDATE >= " + from + " AND MT.EFFFROMDATE <= MM.CALCENDDATE AND " +
-            "(MT.EFFTODATE IS NULL OR MT.EFFTODATE >= MM.CALCSTARTDATE) AND MT.EFFFROMDATE <= " +
-            to + " AND (MT.EFFTODATE IS NULL OR MT.EFFTODATE >= " + from +
-            ") AND MT.EMPID = " + text(lngEmpId) + " ORDER BY MM.MONTHYEAR, MT.EMPDETID");
-    for (; !rs.IsEOF(); rs.MoveNext()) {
-        const DateTime first = std::max({rs.Fields(3).toDate(), rs.Fields(5).toDate(), dteFrom});
-        DateTime last = std::min(rs.Fields(4).toDate(), dteTo);
-        if (!rs.Fields(6).isNull()) last = std::min(last, rs.Fields(6).toDate());
-        if (first > last) continue;
-        const Days part = CountDays(lngEmpId, static_cast<int>(rs.Fields(0).toInt()),
-                                    static_cast<int32_t>(rs.Fields(2).toInt()),
-                                    static_cast<int>(rs.Fields(1).toInt()), first, last, 0);
-        days = {days.NODCALC + part.NODCALC, days.NOD + part.NOD, days.NDP + part.NDP};
+    const int32_t last = periods.MonthHolding(dteTo);
+    for (int32_t month = periods.MonthHolding(dteFrom); month <= last; ++month) {
+        DateTime from, to;
+        periods.GetOwnDays(month, from, to);
+        from = std::max(from, dteFrom);
+        to = std::min(to, dteTo);
+        if (from > to) continue;
+        ForEachVersion(lngEmpId, month, from, to, [&](DateTime, DateTime, const Days& part) {
+            days = {days.NODCALC + part.NODCALC, days.NOD + part.NOD, days.NDP + part.NDP};
+        });
     }
 }
 
@@ -121,10 +125,12 @@ void LeaveCalc::GetServiceDays(const Task& task, double& dblPeriodDays, double& 
         "b.ATTHEADID  AND b.MONTHYEAR =(SELECT MAX(Monthyear) FROM LEV_SETTINGS WHERE "
         "levid=b.levid AND attheadid=b.attheadid AND Monthyear<= dbo.FnLngMonthYear(A.ALLOTFROM,"
         "a.ALLOTTO))  And A.LEVID = " +
-        lev + " And A.EMPID = " + emp + "  And A.EMPDETID = " + det;
-    from = readDate("SELECT MIN(ALLOTFROM)" + withSettings + " AND A.ALLOTFROM >= " +
-                        FnStrIsoLiteral(from) + " AND MONTHYEAR=" + text(task.settings.MONTHYEAR),
+        lev + " And A.EMPID = " + emp;
+    from = readDate("SELECT MIN(ALLOTFROM)" + withSettings + "  And A.EMPDETID = " + det +
+                        " AND A.ALLOTFROM >= " + FnStrIsoLiteral(from) +
+                        " AND MONTHYEAR=" + text(task.settings.MONTHYEAR),
                     from);
+    // A later setting ends the service under this one, whichever version it comes with.
     to = readDate("SELECT MIN(ALLOTFROM)-1" + withSettings + "   AND A.ALLOTFROM > " +
                       FnStrIsoLiteral(from) + " AND A.ALLOTFROM -1 < " + FnStrIsoLiteral(to) +
                       " AND MONTHYEAR>" + text(row.lngMonthYear),

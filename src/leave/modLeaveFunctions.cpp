@@ -9,6 +9,10 @@
 #include "calendar/clsNODNDPCalc.h"
 #include "data/Session.h"
 #include "data/modCommon.h"
+#include "leave/BlockStamp.h"
+#include "leave/EmployeeBlocks.h"
+#include "leave/RecalculationLock.h"
+#include "leave/RowFailures.h"
 
 namespace owb {
 
@@ -41,53 +45,91 @@ std::string leavesTogether(const std::string& strLevIds) {
 
 }  // namespace
 
+EmployeeFilter::EmployeeFilter(Session& session, int64_t lngEmpId)
+    : session_(session), before_(std::exchange(session.gEmpFilter, text(lngEmpId))) {}
+
+EmployeeFilter::~EmployeeFilter() {
+    session_.gEmpFilter = before_;
+}
+
+std::string FnStrOfEmpFilter(const Session& session, const std::string& column) {
+    if (session.gEmpFilter.empty() || session.gEmpFilter == "0") return "";
+    return " AND " + column + " IN (" + session.gEmpFilter + ")";
+}
+
 clsOTDetCalc& FnOtDetCalc(Session& session) {
     if (!session.gOtDetCalc)
         session.gOtDetCalc = std::make_shared<clsOTDetCalc>(session, [&session](int64_t lngEmpId) {
-            const std::string filter = std::exchange(session.gEmpFilter, text(lngEmpId));
+            const EmployeeFilter only(session, lngEmpId);
             NoProgress hidden;
             UpdateMonthDays(session, hidden);
-            session.gEmpFilter = filter;
         });
     return *session.gOtDetCalc;
 }
 
-void MarkAllotmentDirty(Session& session, int32_t intAttHeadId, int64_t lngEmpId) {
-    std::string sql = "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1";
+std::string MarkAllotmentDirtySql(int32_t intAttHeadId, int64_t lngEmpId) {
+    std::string sql = " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1";
     if (intAttHeadId != 0) sql += " WHERE  ATTHEADID = " + text(intAttHeadId);
     if (lngEmpId != 0)
         sql += (intAttHeadId != 0 ? " AND EMPID = " : " WHERE EMPID = ") + text(lngEmpId);
-    session.gConn.Execute(sql);
+    return sql;
 }
 
-void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHeadId,
-                            const std::string& strEmpIds, const std::string& strLevIds) {
+void MarkAllotmentDirty(Session& session, int32_t intAttHeadId, int64_t lngEmpId) {
+    session.gConn.Execute(MarkAllotmentDirtySql(intAttHeadId, lngEmpId));
+}
+
+std::string MarkAllotmentDirtyFromSql(Session&, DateTime dteFrom, int32_t intAttHeadId,
+                                      const std::string& strEmpIds, const std::string& strLevIds) {
     const std::string date = FnStrIsoLiteral(dteFrom);
     std::string sql =
-        "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE dbo.FnLngMonthYear(ALLOTFROM, ALLOTFROM) "
+        " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE dbo.FnLngMonthYear(ALLOTFROM, ALLOTFROM) "
         ">= dbo.FnLngMonthYear(" +
         date + ", " + date + ")";
     if (!strEmpIds.empty()) sql += " AND EMPID IN (" + strEmpIds + ")";
     if (intAttHeadId != 0) sql += " AND ATTHEADID = " + text(intAttHeadId);
     const std::string leaves = leavesTogether(strLevIds);
     if (!leaves.empty()) sql += " AND LEVID IN (" + leaves + ")";
-    session.gConn.Execute(sql);
+    return sql;
+}
+
+void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHeadId,
+                            const std::string& strEmpIds, const std::string& strLevIds) {
+    session.gConn.Execute(
+        MarkAllotmentDirtyFromSql(session, dteFrom, intAttHeadId, strEmpIds, strLevIds));
+}
+
+std::string MarkSalaryDirtySql(int32_t lngMonthYear, bool blnOnlyThisMonth, int64_t lngEmpId) {
+    std::string sql = " UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1 WHERE MONTHYEAR " +
+                      std::string(blnOnlyThisMonth ? "= " : ">= ") + text(lngMonthYear);
+    if (lngEmpId != 0) sql += " AND EMPID = " + text(lngEmpId);
+    return sql + " UPDATE RMB_MASTER SET EDITMODEYN =1";
 }
 
 void MarkSalaryDirty(Session& session, int32_t lngMonthYear, bool blnOnlyThisMonth,
                      int64_t lngEmpId) {
-    std::string sql = "UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1 WHERE MONTHYEAR " +
-                      std::string(blnOnlyThisMonth ? "= " : ">= ") + text(lngMonthYear);
-    if (lngEmpId != 0) sql += " AND EMPID = " + text(lngEmpId);
-    session.gConn.Execute(sql);
-    session.gConn.Execute("UPDATE RMB_MASTER SET EDITMODEYN =1");
+    session.gConn.Execute(MarkSalaryDirtySql(lngMonthYear, blnOnlyThisMonth, lngEmpId));
 }
 
 namespace {
 
-// Order of writes: overtime of the days, salary marks, then the figures together with the cleared
-// mark. Overtime comes first because the row's own sums are made of it; for the same reason it is
-// written without marking the row again.
+// Days of one row by the engine; the head's basis, joining and leaving inside the span cut it.
+struct MonthDays {
+    double NODCALC = 0, NOD = 0, NDP = 0;
+};
+MonthDays countDays(Session& session, int64_t lngEmpId, int64_t lngEmpDetId, int32_t lngMonthYear,
+                    int32_t intAttHeadId, DateTime dteFrom, DateTime dteTo) {
+    MonthDays days;
+    int basis = 0;
+    FnNodNdp(session).CountDays(days.NODCALC, days.NOD, days.NDP, lngEmpId, lngEmpDetId,
+                                lngMonthYear, intAttHeadId, dteFrom, dteTo, false, false, true,
+                                basis);
+    return days;
+}
+
+// Figures of one row and the salary marks; the row's own mark stays. Overtime of the days comes
+// first because the row's sums are made of it; for the same reason it is written without marking
+// the row again.
 void UpdateMonthRow(Session& session, Recordset& rs) {
     const int64_t employee = rs.Fields("EMPID").toInt(), det = rs.Fields("EMPDETID").toInt();
     const auto month = static_cast<int32_t>(rs.Fields("MONTHYEAR").toInt());
@@ -108,84 +150,102 @@ void UpdateMonthRow(Session& session, Recordset& rs) {
     }
 
     const DateTime from = rs.Fields("FROMDATE").toDate(), to = rs.Fields("TODATE").toDate();
-    double calc = 0, nod = 0, ndp = 0;
-    bool workingDaysOnly = false, prorateAlt = false, prorate = true;
-    int basis = 0;
-    // A row whose days cannot be worked out keeps its mark; the reason has been shown.
-    if (!FnNodNdp(session).SetNODNDP(calc, nod, ndp, employee, det, month,
-                                     static_cast<int32_t>(rs.Fields("ATTHEADID").toInt()), from, to,
-                                     workingDaysOnly, prorateAlt, prorate, basis))
-        return;
+    const MonthDays days =
+        countDays(session, employee, det, month,
+                  static_cast<int32_t>(rs.Fields("ATTHEADID").toInt()), from, to);
     std::string overtime;
     if (type == 2 || type == 3) {
+        // Hours after the day of leaving stay in the table and do not count.
+        const DateTime last =
+            rs.Fields("DOL").isNull() ? to : std::min(to, rs.Fields("DOL").toDate());
         Recordset sums(session.gConn,
                        "SELECT SUM(OT1) AS VALUE01, SUM(OT2) AS VALUE02, SUM(ADJHRS) AS VALUE03 "
                        "FROM LEV_OTDETAILS WHERE EMPID = " +
                            text(employee) + " AND EMPDETID = " + text(det) + " AND OTDATE >= '" +
-                           FnStrIsoDate(from) + "' AND OTDATE <= '" + FnStrIsoDate(to) + "'");
+                           FnStrIsoDate(from) + "' AND OTDATE <= '" + FnStrIsoDate(last) + "'");
         overtime = ",OT1=" + numberText(sums.Fields("VALUE01").toDouble()) +
                    ",OT2=" + numberText(sums.Fields("VALUE02").toDouble()) +
                    ",ADJHRS=" + numberText(sums.Fields("VALUE03").toDouble());
     }
-    MarkSalaryDirty(session, month, true, employee);
-    session.gConn.Execute("UPDATE LEV_MONTHDET SET NODCalc=" + numberText(calc) +
-                          ",NOD=" + numberText(nod) + ",NDP=" + numberText(ndp) + overtime +
-                          ",EDITMODEYN=0  Where " + key);
+    session.gConn.ExecuteAtomic(MarkSalaryDirtySql(month, true, employee) +
+                                " UPDATE LEV_MONTHDET SET NODCalc=" + numberText(days.NODCALC) +
+                                ",NOD=" + numberText(days.NOD) + ",NDP=" + numberText(days.NDP) +
+                                overtime + "  Where " + key);
 }
 
 }  // namespace
 
-void UpdateMonthDays(Session& session, Progress& frm) {
-    std::string rows =
+bool UpdateMonthDays(Session& session, Progress& frm) {
+    const RecalculationLock lock(session, frm);
+    if (!lock.Held()) return false;
+    const std::string marked = "LM.EDITMODEYN = 1" + FnStrOfEmpFilter(session, "LM.EMPID");
+    const std::string rows =
         " FROM LEV_MONTHDET LM, MAS_EMPLOYEEDET MT, MAS_ATTHEAD MA, MAS_MONTHYEAR MM WHERE "
         "LM.EMPID = MT.EMPID AND MM.MONTHYEAR = LM.MONTHYEAR AND MA.ATTHEADID = MT.ATTHEADID AND "
-        "LM.EMPDETID = MT.EMPDETID AND LM.EDITMODEYN = 1 AND ISNULL(MM.TDSPORTYN, 0) <> 1";
-    if (!session.gEmpFilter.empty() && session.gEmpFilter != "0")
-        rows += " AND LM.EMPID IN (" + session.gEmpFilter + ")";
-    Recordset employees(
-        session.gConn, "SELECT LM.EMPID, COUNT(*)" + rows + " GROUP BY LM.EMPID ORDER BY LM.EMPID");
-    const clsNODNDPCalc::KeepRules keep(FnNodNdp(session));
-    size_t done = 0, total = 0;
-    for (; !employees.IsEOF(); employees.MoveNext())
-        total += static_cast<size_t>(employees.Fields(1).toInt());
-
-    // Rows are read for some hundred employees at a time, so that memory does not grow with the
-    // company.
+        "LM.EMPDETID = MT.EMPDETID AND " +
+        marked + " AND ISNULL(MM.TDSPORTYN, 0) <> 1";
+    // Rows are worked out for some hundred employees at a time, so that memory does not grow with
+    // the company.
     constexpr size_t kEmployeesAtOnce = 200;
-    for (size_t at = 0; at < employees.RecordCount() && !frm.cancelled(); at += kEmployeesAtOnce) {
-        auto employeeAt = [&](size_t position) {
-            employees.setAbsolutePosition(std::min(position, employees.RecordCount()));
-            return text(employees.Fields(0).toInt());
+    const EmployeeBlocks blocks(session, "LM.EMPID", rows, kEmployeesAtOnce);
+
+    FnNodNdp(session).Update_MonthYear();
+    const clsNODNDPCalc::KeepRules keep(FnNodNdp(session));
+    BlockStamp stamp(session, [&] { FnNodNdp(session).ForgetRules(); });
+    RowFailures failures(session);
+    size_t done = 0;
+    bool settled = true;
+    for (const EmployeeBlock& block : blocks) {
+        if (frm.cancelled()) break;
+        const size_t before = done;
+        EmployeeBlock finished = block;  // where the user cancels, the employees before
+        std::string failed = "0";
+        const auto work = [&] {
+            done = before;
+            finished = block;
+            failed = "0";
+            Recordset rs(session.gConn,
+                         "SELECT LM.*, MT.ATTHEADID, MA.ATTNTYPE, (CASE WHEN MT.EFFFROMDATE >= "
+                         "MM.CALCSTARTDATE THEN MT.EFFFROMDATE ELSE MM.CALCSTARTDATE END) AS "
+                         "FROMDATE, (CASE WHEN MT.EFFTODATE IS NULL THEN MM.CALCENDDATE ELSE (CASE "
+                         "WHEN MT.EFFTODATE >= MM.CALCENDDATE THEN MM.CALCENDDATE ELSE "
+                         "MT.EFFTODATE END) END) AS TODATE, (SELECT DOL FROM MAS_EMPLOYEE ME WHERE "
+                         "ME.EMPID = LM.EMPID) AS DOL" +
+                             rows + block.Of("LM.EMPID") + " order by MT.EMPID");
+            for (; !rs.IsEOF(); rs.MoveNext()) {
+                const int64_t employee = rs.Fields("EMPID").toInt();
+                if (frm.cancelled()) {
+                    finished.lngLast = employee - 1;
+                    break;
+                }
+                frm.status("Updating Pay Days and Present Days ---" + text(employee) + "-----");
+                frm.step(++done, std::max(done, blocks.RowCount()));
+                if (failures.Has(employee) ||
+                    !failures.Attempt(employee, employee, [&] { UpdateMonthRow(session, rs); }))
+                    failed += "," + text(employee);
+            }
         };
-        const std::string block = " AND LM.EMPID BETWEEN " + employeeAt(at + 1) + " AND " +
-                                  employeeAt(at + kEmployeesAtOnce);
-        Recordset rs(session.gConn,
-                     "SELECT LM.*, MT.ATTHEADID, MA.ATTNTYPE, (CASE WHEN MT.EFFFROMDATE >= "
-                     "MM.CALCSTARTDATE THEN MT.EFFFROMDATE ELSE MM.CALCSTARTDATE END) AS "
-                     "FROMDATE, (CASE WHEN MT.EFFTODATE IS NULL THEN MM.CALCENDDATE ELSE (CASE "
-                     "WHEN MT.EFFTODATE >= MM.CALCENDDATE THEN MM.CALCENDDATE ELSE MT.EFFTODATE "
-                     "END) END) AS TODATE" +
-                         rows + block + " order by MT.EMPID");
-        for (; !rs.IsEOF() && !frm.cancelled(); rs.MoveNext()) {
-            frm.status("Updating Pay Days and Present Days ---" + text(rs.Fields("EMPID").toInt()) +
-                       "-----");
-            frm.step(++done, total);
-            UpdateMonthRow(session, rs);
-        }
+        const BlockStamp::Scope scope{
+            block.Of("EMPID"), "",
+            BlockStamp::SumSql("LEV_MONTHDET LM WITH (HOLDLOCK)", "EMPID EMPDETID MONTHYEAR",
+                               " WHERE " + marked + block.Of("LM.EMPID")),
+            true};
+        settled &= stamp.WorkOut(scope, work, [&] {
+            return "UPDATE LEV_MONTHDET SET EDITMODEYN = 0" + rows + finished.Of("LM.EMPID") +
+                   " AND LM.EMPID NOT IN (" + failed + ")";
+        });
     }
+    return failures.Tell() && settled && !frm.cancelled();
 }
 
 void SaveMonthDays(Session& session, double& dblNOD, double& dblNDP, int64_t lngEmpId,
                    int64_t lngEmpDetId, int32_t lngMonthYear, DateTime dteFrom, DateTime dteTo,
                    int32_t intAttHeadId) {
-    double calc = 0;
-    bool workingDaysOnly = false, prorateAlt = false, prorate = true;
-    int basis = 0;
-    if (!FnNodNdp(session).SetNODNDP(calc, dblNOD, dblNDP, lngEmpId, lngEmpDetId, lngMonthYear,
-                                     intAttHeadId, dteFrom, dteTo, workingDaysOnly, prorateAlt,
-                                     prorate, basis))
-        return;
-    session.gConn.Execute("UPDATE LEV_MONTHDET SET NODCALC = " + numberText(calc) +
+    const MonthDays days =
+        countDays(session, lngEmpId, lngEmpDetId, lngMonthYear, intAttHeadId, dteFrom, dteTo);
+    dblNOD = days.NOD;
+    dblNDP = days.NDP;
+    session.gConn.Execute("UPDATE LEV_MONTHDET SET NODCALC = " + numberText(days.NODCALC) +
                           ", NOD=" + numberText(dblNOD) + ", NDP=" + numberText(dblNDP) +
                           " WHERE " + rowKey(lngEmpId, lngEmpDetId, lngMonthYear));
     if (!session.gOpt.AUTOALLOTYN) return;

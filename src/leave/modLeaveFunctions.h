@@ -2,13 +2,20 @@
 // EDITMODEYN = 1; nothing is computed at entry. A recalculation then runs the passes in a fixed
 // order: day registers (UpdateDayDetails), month days (UpdateMonthDays), the leave ledger.
 //
-// What every pass keeps true, so that one broken off anywhere is made good by the next:
+// What every pass keeps true, so that one broken off or failing anywhere is made good by the next,
+// and nobody's change is lost:
 //  1. A row's mark is cleared by the last statement that its processing needs, never before.
 //  2. A pass that changes what a later pass rests on marks that pass's rows before it clears its
 //     own mark.
 //  3. What is written follows from other tables alone (or, for a cell, from a value that the rule
 //     leaves as it is), so that writing it twice gives what writing it once gives.
-//  4. Statements that belong together stand in one batch.
+//  4. Statements that belong together run as one transaction (Connection::ExecuteAtomic).
+//  5. Marks are cleared for a block of rows at once, in one transaction with finding everything
+//     that the block rests on as it was before the block was read (BlockStamp.h).
+//  6. One session of a host recalculates at a time (RecalculationLock.h): the work tables are the
+//     host's.
+//  7. A row that fails keeps its mark, and its employee is named at the end (RowFailures.h).
+// A pass gives true when every row that it was to work out is done.
 #pragma once
 
 #include <cstdint>
@@ -22,6 +29,20 @@ namespace owb {
 
 struct Session;
 class clsOTDetCalc;
+
+// Limits the passes to one employee while it lives (gEmpFilter).
+class EmployeeFilter {
+  public:
+    EmployeeFilter(Session& session, int64_t lngEmpId);
+    ~EmployeeFilter();
+    EmployeeFilter(const EmployeeFilter&) = delete;
+
+  private:
+    Session& session_;
+    std::string before_;
+};
+// gEmpFilter as a condition on a column: " AND LM.EMPID IN (1,2)", "" while it names nobody.
+std::string FnStrOfEmpFilter(const Session& session, const std::string& column);
 
 // The session's shared overtime calculator, made on first use.
 clsOTDetCalc& FnOtDetCalc(Session& session);
@@ -38,12 +59,18 @@ void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHe
 // the hand-over to the salary program, which clears these marks.
 void MarkSalaryDirty(Session& session, int32_t lngMonthYear, bool blnOnlyThisMonth,
                      int64_t lngEmpId);
+// The same marks as text, for a save that runs as one batch: one or more statements, each of which
+// begins with a blank.
+std::string MarkAllotmentDirtySql(int32_t intAttHeadId, int64_t lngEmpId);
+std::string MarkAllotmentDirtyFromSql(Session& session, DateTime dteFrom, int32_t intAttHeadId,
+                                      const std::string& strEmpIds, const std::string& strLevIds);
+std::string MarkSalaryDirtySql(int32_t lngMonthYear, bool blnOnlyThisMonth, int64_t lngEmpId);
 
 // --- month days (modLeaveFunctions.cpp) ---
 
 // Recomputes the marked LEV_MONTHDET rows: overtime of the register row, NODCALC, NOD, NDP, OT1,
 // OT2, ADJHRS. Limited to the employees of gEmpFilter. Marks the salary rows.
-void UpdateMonthDays(Session& session, Progress& frm);
+bool UpdateMonthDays(Session& session, Progress& frm);
 // One span at once, written to its LEV_MONTHDET row without touching the row's mark; while the head
 // allots automatically, the employee's ledger is worked out anew.
 void SaveMonthDays(Session& session, double& dblNOD, double& dblNDP, int64_t lngEmpId,
@@ -62,20 +89,22 @@ void RefreshMonthRow(Session& session, double& dblNOD, double& dblNDP, Progress&
 double GetClosingBalance(Session& session, int64_t lngEmpId, int32_t intLevId, DateTime dteAsOn,
                          DateTime dteExclude, int32_t intAttHeadId);
 // Marked ledger rows in bulk, month by month. Throws DbError.
-void ProcessAllotments(Session& session, Progress& frm);
+bool ProcessAllotments(Session& session, Progress& frm);
 // Marked ledger rows: in bulk, then row by row what is left; the marker file "\OldLevAllotment.dat"
 // or a filter (" AND LA.EMPID = 1") has the rows taken one by one alone. An error is shown; what is
 // not done keeps its mark.
-void ProcessAllotmentsOld(Session& session, Progress& frm, const std::string& strEmpFilter);
+bool ProcessAllotmentsOld(Session& session, Progress& frm, const std::string& strEmpFilter);
 
 // --- day registers (modLeaveFunctions_days.cpp) ---
 
-// Rewrites the day cells of marked register rows from leave and hours, recomputes their overtime
-// and marks their months. Limited to gEmpFilter, and to employee lngFilter unless blnAll.
-void UpdateDayDetails(Session& session, Progress& frm, bool blnAll, int64_t lngFilter);
+// Fills empty days of the marked rows with the default, rewrites the day cells of marked register
+// rows from leave and hours, recomputes their overtime and marks their months. Limited to
+// gEmpFilter, and to employee lngFilter unless blnAll.
+bool UpdateDayDetails(Session& session, Progress& frm, bool blnAll, int64_t lngFilter);
 // Fills days on which nothing is entered with the head's default, where the head loads one:
-// present (hourly: the full day's hours) or absent (loss of pay). Marks the rows.
-void LoadDefaultAttendance(Session& session);
+// present (hourly: the full day's hours) or absent (loss of pay). Marks the rows. strRegisters is a
+// further condition on the register row AD: " AND AD.EMPID = 1", " AND AD.ATTHEADID = 3".
+void LoadDefaultAttendance(Session& session, const std::string& strRegisters = "");
 
 // --- rows that the months need (modLeaveFunctions_rows.cpp) ---
 
@@ -83,10 +112,11 @@ void LoadDefaultAttendance(Session& session);
 // rows from LVSTARTMNYEAR on. New rows are marked, and so are the months of marked rows.
 void ReconcileMonthlyRows(Session& session);
 // LEV_MONTHDET in step with the salary rows from LVSTARTMNYEAR on, but for months whose tax has
-// been ported, which stay as they are. New rows are zero and marked.
+// been ported, which stay as they are. A salary row without a version has none. New rows are zero
+// and marked, and so are the other rows of an employee's month in which one comes or goes.
 void ReconcileMonthDetails(Session& session);
 
-// --- rows that the ledger needs (modLeaveFunctions_ledger.cpp) ---
+// --- rows that the ledger needs (modLeaveFunctions_ledger.cpp, LedgerSlices.cpp) ---
 
 // Rows of leaves that are not allotted (ALLOTMENTYN 0), or not defined any more, go: opening
 // balances, ledger rows, from-dates, figures; adjustments keep what was taken alone.
@@ -100,11 +130,12 @@ void InsertAllotFromDate(Session& session);
 void UpdateAllotFromDate(Session& session);
 void InsertAvailFromDate(Session& session);
 void UpdateAvailFromDate(Session& session);
-// LEV_ALLOTMENT in step with salary rows and allot-from dates from LVSTARTMNYEAR on: unwanted rows
-// go, then missing ones come, zero and marked. Both mark the rows whose period they change.
-// Employees are taken by thousands, so that memory does not grow with the company; status is told
-// what is done.
+// LEV_ALLOTMENT in step with salary rows and allot-from dates from LVSTARTMNYEAR on, in place where
+// a month goes on (LedgerSlices.cpp): new rows are zero and marked; what comes, goes or changes
+// marks the rows whose period it changes. status is told what is done.
 void ReconcileLedgerRows(Session& session, const std::function<void(const char*)>& status);
+// Remembers the greatest number that a ledger row bears: it is not given again when the row goes.
+void KeepLastAllotId(Session& session);
 // Encashments whose ledger row is gone go, too, with their payments; marks their salary rows.
 void DeleteOrphanedEncashments(Session& session);
 

@@ -4,6 +4,7 @@
 #include "data/modCommon.h"
 #include "data/modFiles.h"
 #include "leave/AllotmentPass.h"
+#include "leave/RecalculationLock.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/slice_sql.h"
 
@@ -20,19 +21,28 @@ const DateTime kNoExclusion = DateTime::fromCivil(1950, 12, 30);
 
 }  // namespace
 
-void ProcessAllotments(Session& session, Progress& frm) {
-    AllotmentPass(session, frm).ProcessAllotments();
+bool ProcessAllotments(Session& session, Progress& frm) {
+    const RecalculationLock lock(session, frm);
+    if (!lock.Held()) return false;
+    AllotmentPass pass(session, frm);
+    const bool settled = pass.ProcessAllotments();
+    return pass.TellFailures() && settled && !frm.cancelled();
 }
 
-void ProcessAllotmentsOld(Session& session, Progress& frm, const std::string& strEmpFilter) {
+bool ProcessAllotmentsOld(Session& session, Progress& frm, const std::string& strEmpFilter) {
     try {
+        const RecalculationLock lock(session, frm);
+        if (!lock.Held()) return false;
         AllotmentPass pass(session, frm);
+        bool settled = true;
         if (strEmpFilter.empty() && !FnBlnMarkerFile(session, "\\OldLevAllotment.dat") &&
             !pass.FewMarked())
-            pass.ProcessAllotments();
-        pass.RowByRow(strEmpFilter);
+            settled &= pass.ProcessAllotments();
+        settled &= pass.RowByRow(strEmpFilter);
+        return pass.TellFailures() && settled && !frm.cancelled();
     } catch (const DbError& e) {
         session.boxes.critical(text(e.number) + ": " + e.what(), "");
+        return false;
     }
 }
 

@@ -2,8 +2,13 @@
 
 #include "attendance/clsOTDetCalc.h"
 #include "base/number_text.h"
+#include "calendar/clsNODNDPCalc.h"
 #include "data/Session.h"
 #include "data/modCommon.h"
+#include "leave/BlockStamp.h"
+#include "leave/EmployeeBlocks.h"
+#include "leave/RecalculationLock.h"
+#include "leave/RowFailures.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/work_table.h"
 
@@ -22,7 +27,7 @@ std::string twoDigits(int day) {
 // Rows of the registers, with their head and options, on whose day nothing is entered: the cell is
 // empty, no hours are kept and no leave is taken. A cell alone proves nothing, since a writer of
 // hours blanks it and leaves its text to the next pass.
-std::string emptyDays(const Session& session, int day) {
+std::string emptyDays(const Session& session, int day, const std::string& further) {
     const std::string nn = twoDigits(day);
     const std::string date =
         "CAST ([dbo].FnDteGetFirstDate(AD.MONTHYEAR) AS DateTime) + " + text(day - 1);
@@ -35,11 +40,12 @@ std::string emptyDays(const Session& session, int day) {
            " AND (SELECT MAX(MONTHYEAR) FROM SLC_SALARYCALC_E) AND [dbo].FnDteFromDate(AD.EMPID, "
            "AD.EMPDETID, AD.MONTHYEAR) <= " +
            date + " AND [dbo].FnDteToDate(AD.EMPID, AD.EMPDETID, AD.MONTHYEAR) >= " + date +
-           " AND NOT EXISTS (SELECT * FROM LEV_DETAILS LD WHERE LD.EMPID = AD.EMPID AND "
-           "LD.LEAVEDATE = " +
+           " AND NOT EXISTS (SELECT * FROM LEV_DETAILS LD WITH (HOLDLOCK) WHERE LD.EMPID = "
+           "AD.EMPID AND LD.LEAVEDATE = " +
            date +
            " AND LD.LEVID <> 0 AND (LD.FIRSTHALFYN = 1 OR LD.SECONDHALFYN = 1 OR LD.LEVMONTHLY "
-           "<> 0))";
+           "<> 0))" +
+           further;
 }
 
 // The default of one day for the rows of one head and month.
@@ -56,7 +62,8 @@ std::string writeDefault(const WorkTable& table, Recordset& group, int day,
 
     std::string value = "0", status = absent ? lossOfPay : "P";
     if (!absent && hourly) {
-        value = numberText(group.Fields("FULLDAYCUTTOFF").toDouble());
+        value = numberText(
+            clsOTDetCalc::FnDblToHoursMinutes(group.Fields("FULLDAYCUTTOFF").toDouble()));
         status = value;
     }
     std::string batch = " DELETE FROM LEV_DETAILS WHERE  LEAVEDATE = " + date + " AND" + employees;
@@ -100,14 +107,16 @@ std::string rewriteDay(const WorkTable& table, int day) {
 
 }  // namespace
 
-void LoadDefaultAttendance(Session& session) {
+// The work table lists the empty days; what somebody has entered on one of them meanwhile takes the
+// day off the list again, in the transaction that fills the others.
+void LoadDefaultAttendance(Session& session, const std::string& strRegisters) {
     if (!FnVarReadValue(session, "SELECT COUNT(ATTHEADID) FROM  ATT_OPTSETTINGS where LOADDEFYN=1",
                         0)
              .toBool())
         return;
     std::string findDays = "DECLARE @TMP AS VARCHAR(MAX) SET @TMP = ''";
     for (int day = 1; day <= 31; ++day)
-        findDays += " IF EXISTS(SELECT AD.ATTTRANNO" + emptyDays(session, day) +
+        findDays += " IF EXISTS(SELECT AD.ATTTRANNO" + emptyDays(session, day, strRegisters) +
                     ") SET @TMP = @TMP + '{" + text(day) + "}'";
     const std::string days = FnVarReadValue(session, findDays + " SELECT @TMP", "").toText();
     const std::string lossOfPay = session.gSpChar.FnStrSpSQL(
@@ -117,74 +126,136 @@ void LoadDefaultAttendance(Session& session) {
     const WorkTable table(session, "TMPLEV");
     for (int day = 1; day <= 31; ++day) {
         if (days.find("{" + text(day) + "}") == std::string::npos) continue;
+        const std::string empty = emptyDays(session, day, strRegisters);
         session.gConn.Execute(table.drop);
         session.gConn.Execute(
             "SELECT AD.ATTTRANNO, AD.EMPID, AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, "
             "ISNULL(MA.CUTOFFFULLDAY,0) AS FULLDAYCUTTOFF, MA.ATTNTYPE, ISNULL(AO.DEFVAL,0) AS "
             "DEFAULTVAL, [dbo].FnDteGetFirstDate(AD.MONTHYEAR) + " +
-            text(day - 1) + " AS CURRENTDATE  INTO " + table.name + emptyDays(session, day));
+            text(day - 1) + " AS CURRENTDATE  INTO " + table.name + empty);
         Recordset groups(session.gConn,
                          "SELECT DISTINCT ATTHEADID, DEFAULTVAL, ATTNTYPE, FULLDAYCUTTOFF, "
                          "CURRENTDATE FROM " +
                              table.name);
+        const std::string recheck = "DELETE FROM " + table.name +
+                                    " WHERE ATTTRANNO NOT IN (SELECT AD.ATTTRANNO" + empty + ")";
         for (; !groups.IsEOF(); groups.MoveNext())
-            session.gConn.Execute(writeDefault(table, groups, day, lossOfPay));
+            session.gConn.ExecuteAtomic(recheck + writeDefault(table, groups, day, lossOfPay));
         session.gConn.Execute(table.drop);
     }
 }
 
-// A register row keeps its mark until its cells stand, its overtime is written and its month is
-// marked; the work table is only a list of what to do and is made anew by every run. Cells follow
-// from hours and leave, except "H", which the rule gives back wherever it finds it, so that a day
-// done twice reads the same.
-void UpdateDayDetails(Session& session, Progress& frm, bool blnAll, int64_t lngFilter) {
-    LoadDefaultAttendance(session);
-    std::string filter;
-    if (!blnAll) filter += " AND AD.EMPID = " + text(lngFilter);
-    if (!session.gEmpFilter.empty() && session.gEmpFilter != "0")
-        filter += " AND AD.EMPID IN (" + session.gEmpFilter + ")";
+namespace {
 
-    const WorkTable table(session, "TMPLDAY");
-    frm.status("Initialising please wait....");
-    session.gConn.Execute(table.drop);
-    session.gConn.Execute(
-        " SELECT [dbo].FnDteGetFirstDate(AD.MONTHYEAR) AS FIRSTDATE, "
-        "[dbo].FnDteGetLastDate(AD.MONTHYEAR) AS LASTDATE, [dbo].FnDteFromDate(EMPID, EMPDETID, "
-        "MONTHYEAR) AS FROMDATE, [dbo].FnDteToDate(EMPID, EMPDETID, MONTHYEAR) AS TODATE, "
-        "AD.EMPID, AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, MA.OT1YN, MA.OT2YN, MA.ATTNTYPE, "
-        "AO.*, AT.FULLDAYOT2, AT.SPLOTYN, AT.WHOT2YN, AT.GHOT2YN, ISNULL(MA.CUTOFFHALFDAY,0) As "
-        "HALFDAYCUTOFF ,AD.EDITMODEYN INTO " +
-        table.name +
-        " FROM ATT_OVERTIME AO, ATT_DAYTODAY AD, MAS_ATTHEAD MA, ATT_OPTSETTINGS AT WHERE "
-        "AO.ATTTRANNO = AD.ATTTRANNO AND MA.ATTHEADID = AD.ATTHEADID AND AT.ATTHEADID = "
-        "AD.ATTHEADID AND AD.MONTHYEAR >= " +
-        text(session.gFeature.LVSTARTMNYEAR) + " AND AD.EDITMODEYN = 1" + filter);
-    session.gConn.Execute(table.key("ATTTRANNO"));
-    Recordset rows(session.gConn,
-                   "SELECT ATTTRANNO, EMPID FROM " + table.name + " ORDER BY EMPID, ATTTRANNO");
-    for (int day = 1; day <= 31 && !rows.IsEOF() && !frm.cancelled(); ++day) {
-        frm.status("Initialising please wait....(DAY " + text(day) + "/31)  ");
-        session.gConn.Execute(rewriteDay(table, day));
+// Cells, overtime and month marks of the marked register rows in a list; the rows' own marks stay.
+// Cells follow from hours and leave, except "H", which the rule gives back wherever it finds it, so
+// that a day done twice reads the same.
+class DayRegisters {
+  public:
+    DayRegisters(Session& session, Progress& frm, RowFailures& failures)
+        : session_(session), frm_(frm), failures_(failures), table_(session, "TMPLDAY") {}
+
+    // `marked` is a condition on the register row AD. False when the user cancelled.
+    bool WorkOut(const std::string& marked) {
+        failed_ = "0";
+        ListRows(marked);
+        Recordset rows(session_.gConn, "SELECT ATTTRANNO, EMPID FROM " + table_.name +
+                                           " ORDER BY EMPID, ATTTRANNO");
+        for (int day = 1; day <= 31 && !rows.IsEOF(); ++day) {
+            if (frm_.cancelled()) return false;
+            frm_.status("Initialising please wait....(DAY " + text(day) + "/31)  ");
+            session_.gConn.ExecuteAtomic(rewriteDay(table_, day));
+        }
+        for (; !rows.IsEOF(); rows.MoveNext()) {
+            if (frm_.cancelled()) return false;
+            const int64_t employee = rows.Fields("EMPID").toInt();
+            const int64_t attTranNo = rows.Fields("ATTTRANNO").toInt();
+            frm_.status("Updating Leave and Over Time Details --" + text(employee) + "----- ");
+            frm_.step(rows.AbsolutePosition(), rows.RecordCount());
+            if (failures_.Has(attTranNo) ||
+                !failures_.Attempt(employee, attTranNo, [&] { WorkOutOvertime(attTranNo); }))
+                failed_ += "," + text(attTranNo);
+        }
+        return true;
     }
-    for (; !rows.IsEOF() && !frm.cancelled(); rows.MoveNext()) {
-        const int64_t attTranNo = rows.Fields("ATTTRANNO").toInt();
-        frm.status("Updating Leave and Over Time Details --" + text(rows.Fields("EMPID").toInt()) +
-                   "----- ");
-        frm.step(rows.AbsolutePosition(), rows.RecordCount());
+    // Clears the marks of the list, but for those who failed.
+    std::string ClearSql() const {
+        return "UPDATE ATT_DAYTODAY SET EDITMODEYN=0 where ATTTRANNO IN (SELECT ATTTRANNO FROM " +
+               table_.name + ") AND ATTTRANNO NOT IN (" + failed_ + ")";
+    }
+    void DropList() { session_.gConn.Execute(table_.drop); }
+
+  private:
+    void ListRows(const std::string& marked) {
+        session_.gConn.Execute(table_.drop);
+        session_.gConn.Execute(
+            " SELECT [dbo].FnDteGetFirstDate(AD.MONTHYEAR) AS FIRSTDATE, "
+            "[dbo].FnDteGetLastDate(AD.MONTHYEAR) AS LASTDATE, [dbo].FnDteFromDate(EMPID, "
+            "EMPDETID, MONTHYEAR) AS FROMDATE, [dbo].FnDteToDate(EMPID, EMPDETID, MONTHYEAR) AS "
+            "TODATE, AD.EMPID, AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, MA.OT1YN, MA.OT2YN, "
+            "MA.ATTNTYPE, AO.*, AT.FULLDAYOT2, AT.SPLOTYN, AT.WHOT2YN, AT.GHOT2YN, "
+            "ISNULL(MA.CUTOFFHALFDAY,0) As HALFDAYCUTOFF ,AD.EDITMODEYN INTO " +
+            table_.name +
+            " FROM ATT_OVERTIME AO, ATT_DAYTODAY AD, MAS_ATTHEAD MA, ATT_OPTSETTINGS AT WHERE "
+            "AO.ATTTRANNO = AD.ATTTRANNO AND MA.ATTHEADID = AD.ATTHEADID AND AT.ATTHEADID = "
+            "AD.ATTHEADID AND " +
+            marked);
+        session_.gConn.Execute(table_.key("ATTTRANNO"));
+    }
+    // The row as it stands now, not as the list has it; its month is marked.
+    void WorkOutOvertime(int64_t attTranNo) {
         // Another session may have done it meanwhile.
-        if (Recordset(session.gConn,
+        if (Recordset(session_.gConn,
                       "select EMPID FROM ATT_DAYTODAY  where EDITMODEYN=1 and ATTTRANNO= " +
                           text(attTranNo))
                 .IsEOF())
-            continue;
-        // The row as it stands now, not as the work table had it.
-        Recordset days(session.gConn, clsOTDetCalc::FnStrRegisterRow(attTranNo));
+            return;
+        Recordset days(session_.gConn, clsOTDetCalc::FnStrRegisterRow(attTranNo));
         std::string batch;
-        FnOtDetCalc(session).UpdateOTDailyHourlyNew(days, batch, false);
-        session.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN=0 where ATTTRANNO= " +
-                              text(attTranNo));
+        FnOtDetCalc(session_).UpdateOTDailyHourlyNew(days, batch, false);
     }
-    session.gConn.Execute(table.drop);
+
+    Session& session_;
+    Progress& frm_;
+    RowFailures& failures_;
+    const WorkTable table_;
+    std::string failed_;  // rows of the list
+};
+
+}  // namespace
+
+bool UpdateDayDetails(Session& session, Progress& frm, bool blnAll, int64_t lngFilter) {
+    const RecalculationLock lock(session, frm);
+    if (!lock.Held()) return false;
+    // A day is emptied by whoever marks its row.
+    LoadDefaultAttendance(session,
+                          blnAll ? " AND AD.EDITMODEYN = 1" : " AND AD.EMPID = " + text(lngFilter));
+    std::string marked = "AD.MONTHYEAR >= " + text(session.gFeature.LVSTARTMNYEAR) +
+                         " AND AD.EDITMODEYN = 1" + FnStrOfEmpFilter(session, "AD.EMPID");
+    if (!blnAll) marked += " AND AD.EMPID = " + text(lngFilter);
+
+    frm.status("Initialising please wait....");
+    const clsNODNDPCalc::KeepRules keep(FnNodNdp(session));
+    BlockStamp stamp(session, [&] { FnNodNdp(session).ForgetRules(); });
+    RowFailures failures(session);
+    DayRegisters registers(session, frm, failures);
+    constexpr size_t kEmployeesAtOnce = 500;
+    bool settled = true;
+    for (const EmployeeBlock& block : EmployeeBlocks(
+             session, "AD.EMPID", " FROM ATT_DAYTODAY AD WHERE " + marked, kEmployeesAtOnce)) {
+        if (frm.cancelled()) break;
+        const std::string ofBlock = marked + block.Of("AD.EMPID");
+        const BlockStamp::Scope scope{
+            block.Of("EMPID"), "",
+            BlockStamp::SumSql("ATT_DAYTODAY AD WITH (HOLDLOCK)", "ATTTRANNO", " WHERE " + ofBlock),
+            true};
+        bool finished = true;
+        settled &= stamp.WorkOut(
+            scope, [&] { finished = registers.WorkOut(ofBlock); },
+            [&] { return finished ? registers.ClearSql() : ""; });
+    }
+    registers.DropList();
+    return failures.Tell() && settled && !frm.cancelled();
 }
 
 }  // namespace owb

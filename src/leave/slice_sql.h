@@ -12,6 +12,13 @@ inline const std::string kDays =
     "SUM(CASE WHEN LD.LEVMONTHLY = 0 OR LD.LEVMONTHLY IS NULL THEN (ISNULL(LD.FIRSTHALFYN, 0) + "
     "ISNULL(LD.SECONDHALFYN, 0)) / 2.0 ELSE LD.LEVMONTHLY END)";
 
+// Joins to a ledger row LA the row PV of the same employee and leave that ends the day before.
+// Where versions overlap it is that of the last version.
+inline const std::string kRowBefore =
+    " LEFT JOIN LEV_ALLOTMENT PV ON PV.ALLOTID = (SELECT TOP 1 ALLOTID FROM LEV_ALLOTMENT P WHERE "
+    "P.EMPID = LA.EMPID AND P.LEVID = LA.LEVID AND P.ALLOTTO = LA.ALLOTFROM - 1 ORDER BY "
+    "P.EMPDETID DESC, P.ALLOTID DESC) ";
+
 // What LEV_ADJUSTMENT credits less what it debits.
 inline std::string adjusted(const std::string& row, const std::string& month) {
     return "ISNULL((SELECT SUM(ISNULL(AJ.ALLOT, 0) - ISNULL(AJ.TAKEN, 0)) FROM LEV_ADJUSTMENT AJ "

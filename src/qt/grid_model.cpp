@@ -54,7 +54,7 @@ void GridModel::sortRows() {
     const size_t c = *sortColumn_;
     const CellType type = grid_.column(c).type;
     const auto dayOf = [&](size_t row) {
-        const auto date = parseDate(grid_.cell(row, c), DateOrder::DayFirst);
+        const auto date = parseTypedDate(grid_.cell(row, c));
         return date ? date->day : 0;
     };
     const auto before = [&](size_t a, size_t b) {

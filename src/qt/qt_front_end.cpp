@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QTimer>
 #include <QUrl>
+#include <clocale>
 
 #include "qt/qt_text.h"
 #include "qt/screen_window.h"
@@ -66,7 +67,11 @@ BoxAnswer answerOf(int button, BoxAnswer otherwise) {
 
 }  // namespace
 
-QtFrontEnd::QtFrontEnd(SettingsStore& settings) : memory_(settings) {}
+// The toolkit's application has taken the user's locale over; numbers in texts and statements have
+// a point all the same.
+QtFrontEnd::QtFrontEnd(SettingsStore& settings) : memory_(settings) {
+    std::setlocale(LC_NUMERIC, "C");
+}
 
 QtFrontEnd::~QtFrontEnd() = default;
 

@@ -86,8 +86,13 @@ void recreateView(Session& session, const std::string& file) {
     std::string text = objectText(file);
     constexpr std::string_view placeholder = "<prefix>";
     text.replace(text.find(placeholder), placeholder.size(), session.gHostPrefix);
-    FnBlnExecute(session, "DROP VIEW [dbo].[" + session.gHostPrefix + "_" + file + "]");
+    const std::string name = session.gHostPrefix + "_" + file;
+    OwnTransaction transaction(session);
+    if (FnBlnReadRecordExists(session, "SELECT * FROM SYS.VIEWS WHERE NAME = '" +
+                                           session.gSpChar.FnStrSpSQL(name) + "'"))
+        session.gConn.Execute("DROP VIEW [dbo].[" + name + "]");
     session.gConn.Execute(text);
+    transaction.commit();
 }
 
 }  // namespace
@@ -100,7 +105,7 @@ std::string_view FnStrSchemaText(std::string_view name) {
 
 bool FnBlnPrepareObject(Session& session, const std::string& name, ServerObjectKind kind,
                         bool replace) {
-    if (!FnBlnRecordExists(session, "Select * From Sys.Objects Where Name = '" + name + "'"))
+    if (!FnBlnReadRecordExists(session, "Select * From Sys.Objects Where Name = '" + name + "'"))
         return true;
     if (!replace) return false;
     constexpr std::array drops = {"Drop Function [dbo].", "Drop Procedure [dbo].",
@@ -144,14 +149,15 @@ void TidyAttendanceRows(Session& session) {
         batch += " DELETE FROM ATT_OVERTIME WHERE ATTTRANNO = " + key +
                  " DELETE FROM ATT_DAYTODAY WHERE ATTTRANNO = " + key;
     }
-    if (FnBlnRecordExists(session,
-                          "SELECT att.EMPID FROM ATT_DAYTODAY att,dbo.MAS_EMPLOYEEDET det WHERE "
-                          "att.empid=det.empid AND att.empdetid=det.empdetid AND "
-                          "att.ATTHEADID<>det.ATTHEADID"))
+    if (FnBlnReadRecordExists(
+            session,
+            "SELECT att.EMPID FROM ATT_DAYTODAY att,dbo.MAS_EMPLOYEEDET det WHERE "
+            "att.empid=det.empid AND att.empdetid=det.empdetid AND "
+            "att.ATTHEADID<>det.ATTHEADID"))
         batch +=
             " UPDATE DBO.ATT_DAYTODAY SET ATTHEADID = DBO.UDF_OWB_FNINTATTHEADID(EMPID, "
             "EMPDETID)";
-    if (!batch.empty()) session.gConn.Execute(batch);
+    if (!batch.empty()) session.gConn.ExecuteAtomic(batch);
 }
 
 void FreeLeaveTables(Session& session) {

@@ -17,14 +17,19 @@ void Control::run(const std::function<void()>& handler) {
     if (handler) screen_.guard(handler);
 }
 
+bool Control::mayWrite() const {
+    return !writes || screen_.mayWrite(*this);
+}
+
 bool Control::click() {
-    if (!takesInput() || !onClick) return false;
+    if (!takesInput() || !onClick || !mayWrite()) return false;
     run(onClick);
     return true;
 }
 
 bool Control::doubleClick() {
-    if (!takesInput() || (!onDoubleClick && !onPick)) return false;
+    if (onDoubleClick ? !takesInput() : !takesPick() || !onPick) return false;
+    if (!mayWrite()) return false;
     run(onDoubleClick ? onDoubleClick : onPick);
     return true;
 }
@@ -32,11 +37,12 @@ bool Control::doubleClick() {
 bool Control::key(const std::string& key) {
     if (!takesInput()) return false;
     if (key == "F2" && onPick) {
+        if (!takesPick() || !mayWrite()) return false;
         run(onPick);
         return true;
     }
     bool taken = false;
-    if (onKey) run([&] { taken = onKey(key); });
+    if (onKey && mayWrite()) run([&] { taken = onKey(key); });
     return taken;
 }
 
@@ -51,6 +57,7 @@ std::string ProgressBar::text() const {
 bool CheckBox::set(bool on) {
     if (!takesInput()) return false;
     if (value == on) return true;
+    if (!mayWrite()) return false;
     value = on;
     run(onClick);
     return true;
@@ -77,7 +84,7 @@ void OptionButton::choose() {
 }
 
 bool OptionButton::click() {
-    if (!takesInput()) return false;
+    if (!takesInput() || !mayWrite()) return false;
     choose();
     run(onClick);
     return true;
@@ -92,7 +99,7 @@ bool Tabs::select(size_t index) {
 
 bool MenuItem::click() {
     if (!takesInput() || !over.takesInput() || (parent && !parent->takesInput())) return false;
-    if (!onClick) return false;
+    if (!onClick || !mayWrite()) return false;
     if (checkable) checked = !checked;
     run(onClick);
     return true;

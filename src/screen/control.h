@@ -35,7 +35,8 @@ class Control {
 
     std::string caption;
     std::string toolTip;
-    std::string tag;  // "NA" on a command that the user's rights deny
+    std::string tag;      // "NA" on a command that the user's rights deny
+    bool writes = false;  // what the user does here changes data: the screen is asked before
     bool visible = true;
     bool enabled = true;
     std::function<void()> onClick;
@@ -47,6 +48,9 @@ class Control {
   protected:
     // Under the screen's guard; nothing when there is no handler.
     void run(const std::function<void()>& handler);
+    // Whether the user may do here what changes data; the screen has said why when he may not.
+    bool mayWrite() const;
+    virtual bool takesPick() const { return takesInput(); }
     Screen& screen() const { return screen_; }
 
   private:

@@ -47,6 +47,8 @@ bool Grid::takesEdit(size_t row, size_t c, std::string& reason) const {
         reason = "There is no such cell.";
     else if (locked(row, c))
         reason = "The cell in " + cellName(row, c) + " is locked.";
+    else if (!mayWrite())
+        reason = "Permission denied.";
     else
         return true;
     return false;
@@ -78,7 +80,7 @@ std::optional<std::string> Grid::fitted(size_t row, size_t c, const std::string&
         }
         case CellType::Date: {
             if (trimmed.empty()) return trimmed;
-            const auto date = parseDate(trimmed, DateOrder::DayFirst);
+            const auto date = parseTypedDate(trimmed);
             if (!date) return refused("date");
             return dateText(*date, "dd/mm/yyyy");
         }

@@ -50,6 +50,7 @@ int64_t Combo::key() const {
 bool Combo::choose(size_t index) {
     if (!takesInput() || index >= items.size()) return false;
     if (selected() == static_cast<int>(index)) return true;
+    if (!mayWrite()) return false;
     select(static_cast<int>(index));
     run(onChange);
     return true;
@@ -61,6 +62,7 @@ bool Combo::edit(const std::string& text) {
     if (at >= 0) return choose(static_cast<size_t>(at));
     if (!editable && !text.empty()) return false;
     if (value == text) return true;
+    if (!mayWrite()) return false;
     chosen_ = -1;
     value = text;
     run(onChange);
@@ -94,6 +96,7 @@ bool ListBox::choose(size_t index) {
 bool ListBox::check(size_t index, bool on) {
     if (!takesInput() || !checkable || index >= items.size()) return false;
     if (items[index].checked == on) return true;
+    if (!mayWrite()) return false;
     items[index].checked = on;
     run(onChange);
     return true;

@@ -45,6 +45,7 @@ class Screen {
     // A front end calls tick() while it waits for input, about every `timerInterval` milliseconds;
     // 0: never.
     int timerInterval = 0;
+    bool closesItself = false;  // at a tick: a script, which has no user, waits for that
     void tick() {
         guard([this] { onTimer(); });
     }
@@ -52,6 +53,10 @@ class Screen {
     // Runs a handler; an error shows its description in a critical box and the screen stays up.
     // False when there was one.
     bool guard(const std::function<void()>& handler);
+
+    // Whether the user may change data by this control, which is marked as one that writes. Every
+    // way in asks it before the handler runs: click, key, menu, tick, edit of a cell, paste.
+    virtual bool mayWrite(const Control&) { return true; }
 
   protected:
     virtual void onLoad() {}

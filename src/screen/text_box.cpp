@@ -21,6 +21,7 @@ std::string TextBox::filtered(const std::string& text) const {
 bool TextBox::edit(const std::string& text) {
     if (!takesInput() || locked) return false;
     if (value == text) return true;
+    if (!mayWrite()) return false;
     value = text;
     run(onChange);
     return true;

@@ -27,6 +27,9 @@ class TextBox : public Control {
     // One of the key filters: the typed character's code comes back, or 0.
     std::function<int(int key, const std::string& before)> filter;
     std::function<void()> onChange;  // after each change by the user
+
+  private:
+    bool takesPick() const override { return takesInput() && !locked; }
 };
 
 }  // namespace owb

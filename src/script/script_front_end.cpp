@@ -1,8 +1,10 @@
 #include "script/script_front_end.h"
 
 #include <array>
+#include <chrono>
 #include <map>
 #include <optional>
+#include <thread>
 #include <vector>
 
 #include "base/utf8.h"
@@ -88,6 +90,11 @@ void ScriptFrontEnd::closed(Screen& screen) {
 }
 
 void ScriptFrontEnd::run(Screen& screen) {
+    while (screen.closesItself && screen.isOpen()) {
+        screen.tick();
+        if (screen.isOpen())
+            std::this_thread::sleep_for(std::chrono::milliseconds(screen.timerInterval));
+    }
     std::string line;
     while (screen.isOpen()) {
         if (!std::getline(in_, line)) {

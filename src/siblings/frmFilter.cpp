@@ -116,20 +116,15 @@ void frmFilter::cmdApply_Click() {
             kept.push_back(fpgEmployee.cell(r, kId));
     if (kept.empty()) return inform("Select atleast one " + session_.gEmployeeCaption);
     const std::string update = "UPDATE " + session_.gFilterTable + " SET FILTERYN1 = ";
-    session_.gConn.BeginTrans();
-    try {
-        session_.gConn.Execute(update + "0");
-        for (size_t from = 0; from < kept.size(); from += kAtOnce) {
-            std::string ids;
-            for (size_t i = from; i < std::min(from + kAtOnce, kept.size()); ++i)
-                ids += (ids.empty() ? "" : ",") + kept[i];
-            session_.gConn.Execute(update + "1 WHERE EMPID IN (" + ids + ")");
-        }
-        session_.gConn.CommitTrans();
-    } catch (...) {
-        session_.gConn.RollbackTrans();
-        throw;
+    SaveBatch batch;
+    batch.add(" " + update + "0");
+    for (size_t from = 0; from < kept.size(); from += kAtOnce) {
+        std::string ids;
+        for (size_t i = from; i < std::min(from + kAtOnce, kept.size()); ++i)
+            ids += (ids.empty() ? "" : ",") + kept[i];
+        batch.add(" " + update + "1 WHERE EMPID IN (" + ids + ")");
     }
+    batch.run(session_);
     session_.settings.SaveSetting("Settings", "Filter",
                                   kept.size() < fpgEmployee.rowCount() ? "1" : "0");
     close();

@@ -75,8 +75,8 @@ int filter(sqlite3_vtab_cursor* base, int, const char*, int count, sqlite3_value
     try {
         auto* plan = reinterpret_cast<ApplyPlan*>(sqlite3_value_int64(arguments[0]));
         table->host->applyRows(*plan, count - 1, arguments + 1, cursor->rows);
-    } catch (const DbError& e) {
-        table->sqlite->raise(e);
+    } catch (...) {
+        table->sqlite->raise(caughtError());
         return SQLITE_ERROR;
     }
     return SQLITE_OK;

@@ -228,6 +228,7 @@ struct VariableDeclaration {
 
 struct Assignment {
     std::string column;    // "" when only a variable is set
+    Name written;          // the column as written, with what stands before it
     std::string variable;  // "@x" of "SET @x = col = ..."
     std::string op;        // "" or the operator of "+="
     ExprPtr value;         // null or Default
@@ -308,7 +309,7 @@ struct Statement {
     std::unique_ptr<ModuleDefinition> module;       // CreateModule
     bool alter = false;                             // ALTER PROCEDURE and the like
     bool orAlter = false;
-    std::string moduleSource;  // CreateModule: the text as written
+    std::string moduleSource;  // CreateModule: the text as written, ALTER as CREATE
     std::string dropKind;      // Drop: "TABLE", "VIEW", ...
     std::vector<Name> names;   // Drop
     bool ifExists = false;     // Drop
@@ -326,7 +327,6 @@ struct Batch {
     std::vector<StatementPtr> statements;
     std::vector<LiteralSlot> literals;
     int statementCount = 0;
-    bool mayWrite = false;  // holds a statement that can change the database
 };
 
 }  // namespace owb::tsql

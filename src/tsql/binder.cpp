@@ -22,6 +22,12 @@ std::string powerText(int n) {
     return Decimal(powerOfTen(n), 0).toText();
 }
 
+int nodesOf(const BoundExpr& e) {
+    int nodes = 1;
+    for (const BoundPtr& a : e.args) nodes += nodesOf(*a);
+    return nodes;
+}
+
 bool isWide(const SqlType& t) {
     return t.kind == SqlKind::Numeric && t.precision > kNarrowPrecision;
 }
@@ -29,58 +35,6 @@ bool isWide(const SqlType& t) {
 const SqlType kInt = SqlType::of(SqlKind::Int);
 
 }  // namespace
-
-BoundPtr cloneBound(const BoundExpr& e) {
-    auto c = std::make_unique<BoundExpr>();
-    c->kind = e.kind;
-    c->type = e.type;
-    c->nullable = e.nullable;
-    c->userFunction = e.userFunction;
-    c->negated = e.negated;
-    c->index = e.index;
-    c->sourceType = e.sourceType;
-    c->constant = e.constant;
-    c->source = e.source;
-    c->column = e.column;
-    c->name = e.name;
-    c->pattern = e.pattern;
-    if (e.query) throw makeDbError(15281, {"A subquery as an argument of a table function"});
-    for (const BoundPtr& a : e.args) c->args.push_back(cloneBound(*a));
-    return c;
-}
-
-bool sameBound(const BoundExpr& a, const BoundExpr& b, const std::vector<LiteralSlot>& literals) {
-    if (a.kind != b.kind || !(a.type == b.type)) return false;
-    switch (a.kind) {
-        case BoundKind::Literal: {
-            const auto value = [&](const BoundExpr& e) -> const Value& {
-                return e.index < 0 ? e.constant : literals[e.index].value;
-            };
-            return a.negated == b.negated && value(a) == value(b);
-        }
-        case BoundKind::Variable:
-        case BoundKind::LiveVariable:
-            return a.index == b.index;
-        case BoundKind::Null:
-            return true;
-        case BoundKind::Column:
-            return a.source == b.source && a.column == b.column;
-        case BoundKind::Op:
-            break;
-        default:
-            return false;
-    }
-    if (a.pattern != b.pattern || a.args.size() != b.args.size()) return false;
-    for (size_t i = 0; i < a.args.size(); ++i)
-        if (!sameBound(*a.args[i], *b.args[i], literals)) return false;
-    return true;
-}
-
-bool containsAggregate(const BoundExpr& e) {
-    if (e.aggregate) return true;
-    return std::any_of(e.args.begin(), e.args.end(),
-                       [](const BoundPtr& a) { return containsAggregate(*a); });
-}
 
 Binder::Binder(BindContext& context) : context_(context) {}
 Binder::~Binder() = default;
@@ -91,6 +45,14 @@ BoundPtr Binder::op(std::string pattern, SqlType type, std::vector<BoundPtr> arg
     e->type = type;
     e->args = std::move(args);
     for (const BoundPtr& a : e->args) e->userFunction |= a->userFunction;
+    return e;
+}
+
+BoundPtr Binder::verbatim(std::string sql, SqlType type) {
+    auto e = std::make_unique<BoundExpr>();
+    e->kind = BoundKind::Verbatim;
+    e->pattern = std::move(sql);
+    e->type = type;
     return e;
 }
 
@@ -147,7 +109,12 @@ const Value* Binder::fixedLiteral(const Expr& e) {
     return &slot.value;
 }
 
+void Binder::spend(int nodes) {
+    if ((spent_ += nodes) > 500000) throw makeDbError(8623);
+}
+
 BoundPtr Binder::bind(const Expr& e) {
+    spend(1);
     try {
         switch (e.kind) {
             case ExprKind::Literal: {
@@ -225,6 +192,14 @@ BoundPtr Binder::bind(const Expr& e) {
     }
 }
 
+bool Binder::isNamed(const BoundSource& source, const Name& column) const {
+    if (!sameName(source.exposedName, column.qualifier())) return false;
+    if (column.parts.size() < 3) return true;
+    Name table = column;
+    table.parts.pop_back();
+    return sameName(source.exposedName, source.tableName) && context_.catalog.isHere(table);
+}
+
 BoundPtr Binder::bindColumn(const Expr& e) {
     const std::string& column = e.name.last();
     const std::string qualifier = e.name.qualifier();
@@ -234,8 +209,7 @@ BoundPtr Binder::bindColumn(const Expr& e) {
         BoundSource* found = nullptr;
         int at = -1;
         for (BoundSource* source : scope.sources) {
-            if (!qualifier.empty() && foldName(source->exposedName) != foldName(qualifier))
-                continue;
+            if (!qualifier.empty() && !isNamed(*source, e.name)) continue;
             qualifierSeen |= !qualifier.empty();
             for (size_t i = 0; i < source->columns.size(); ++i) {
                 const std::string& name = source->columns[i].name;
@@ -266,7 +240,10 @@ BoundPtr Binder::bindVariable(const Expr& e) {
     const std::string& name = e.name.last();
     if (parameters_) {
         const auto found = parameters_->find(foldName(name));
-        if (found != parameters_->end()) return cloneBound(*found->second);
+        if (found != parameters_->end()) {
+            spend(nodesOf(*found->second));
+            return cloneBound(*found->second);
+        }
         throw makeDbError(137, {name}, e.line);
     }
     if (context_.variables && viewDepth_ == 0) {
@@ -290,10 +267,10 @@ BoundPtr Binder::bindSystemVariable(const Expr& e) {
     static const struct {
         const char* name;
         SqlKind kind;
-    } known[] = {{"@@ROWCOUNT", SqlKind::Int},     {"@@ERROR", SqlKind::Int},
-                 {"@@TRANCOUNT", SqlKind::Int},    {"@@FETCH_STATUS", SqlKind::Int},
-                 {"@@NESTLEVEL", SqlKind::Int},    {"@@SPID", SqlKind::Int},
-                 {"@@DATEFIRST", SqlKind::TinyInt}};
+    } known[] = {{"@@ROWCOUNT", SqlKind::Int},      {"@@ERROR", SqlKind::Int},
+                 {"@@TRANCOUNT", SqlKind::Int},     {"@@FETCH_STATUS", SqlKind::Int},
+                 {"@@NESTLEVEL", SqlKind::Int},     {"@@SPID", SqlKind::Int},
+                 {"@@DATEFIRST", SqlKind::TinyInt}, {"@@LOCK_TIMEOUT", SqlKind::Int}};
     for (const auto& k : known)
         if (name == k.name)
             return op("t_system('" + name.substr(2) + "')", SqlType::of(k.kind), {});
@@ -549,73 +526,6 @@ BoundPtr Binder::bindPredicate(const Expr& e) {
     }
 }
 
-// x op ANY (q): some row of q fits. x op ALL (q): no row is without fitting.
-BoundPtr Binder::bindQuantified(const Expr& e) {
-    auto rows = std::make_unique<BoundQuery>();
-    auto source = derivedSource(bindSubquery(*e.query), "", {}, e.line);
-    if (source->columns.size() != 1) throw makeDbError(116, {}, e.line);
-    auto column = std::make_unique<BoundExpr>();
-    column->kind = BoundKind::Column;
-    column->source = source.get();
-    column->column = 0;
-    column->type = source->columns[0].type;
-    BoundPtr fits = compare(e.compareOp, bindValue(*e.args[0]), std::move(column));
-    const SqlType truth = SqlType::of(SqlKind::Bit);
-    rows->where = e.any ? std::move(fits) : op("($0 IS NOT 1)", truth, list(std::move(fits)));
-    rows->from.push_back(std::make_unique<BoundFrom>());
-    rows->from.back()->source = source.get();
-    rows->sources.push_back(std::move(source));
-    BoundItem one;
-    one.expr = op("1", SqlType::of(SqlKind::Int), {});
-    rows->items.push_back(std::move(one));
-    auto p = std::make_unique<BoundExpr>();
-    p->kind = BoundKind::ExistsQuery;
-    p->type = truth;
-    p->predicate = true;
-    p->negated = !e.any;
-    p->query = std::move(rows);
-    return p;
-}
-
-BoundPtr Binder::bindIn(const Expr& e) {
-    auto truth = SqlType::of(SqlKind::Bit);
-    if (e.kind == ExprKind::InList) {
-        std::vector<BoundPtr> args;
-        for (const ExprPtr& a : e.args) args.push_back(bindValue(*a));
-        std::vector<BoundPtr*> all;
-        for (BoundPtr& a : args) all.push_back(&a);
-        const SqlType type = unify(all);
-        BoundPtr p;
-        std::string pattern = type.isText() ? "($0 COLLATE TSQL IN ($*))" : "($0 IN ($*))";
-        if (e.negated) pattern = "(NOT " + pattern + ")";
-        p = op(pattern, truth, std::move(args));
-        p->predicate = true;
-        return p;
-    }
-    auto p = std::make_unique<BoundExpr>();
-    p->kind = BoundKind::InQuery;
-    p->type = truth;
-    p->predicate = true;
-    p->negated = e.negated;
-    BoundPtr a = bindValue(*e.args[0]);
-    p->query = bindSubquery(*e.query);
-    if (p->query->columns.size() != 1) throw makeDbError(116, {}, e.line);
-    const SqlType type = commonType(a->type, p->query->columns[0].type);
-    a = convert(std::move(a), type);
-    convertOutputs(*p->query, {type});
-    p->args.push_back(std::move(a));
-    return p;
-}
-
-BoundPtr Binder::scalarQuery(const Query& query, int line) {
-    auto e = std::make_unique<BoundExpr>();
-    e->kind = BoundKind::ScalarQuery;
-    e->query = bindSubquery(query);
-    if (e->query->columns.size() != 1) throw makeDbError(116, {}, line);
-    e->type = e->query->columns[0].type;
-    return e;
-}
-
 BoundPtr Binder::bindCase(const Expr& e) {
     ++conditional_;
     std::vector<BoundPtr> conditions, results;
@@ -752,10 +662,11 @@ BoundPtr Binder::assign(BoundPtr e, const CatalogTable& table, const CatalogColu
     wide.length = from.isText() ? SqlType::kMax : 8000;
     const bool nullable = e->nullable;
     e = convert(std::move(e), wide);
-    BoundPtr r =
-        op("t_fit($0," + std::to_string(to.length) + "," + (to.isFixedText() ? "1" : "0") + "," +
-               sqliteText(context_.catalog.fullName(table)) + "," + sqliteText(column.name) + ")",
-           to, list(std::move(e)));
+    BoundPtr r = op(
+        "t_fit($0," + std::to_string(to.length) + "," + (to.isFixedText() ? "1" : "0") + ",$1,$2)",
+        to,
+        list(std::move(e), verbatim(sqliteText(context_.catalog.fullName(table)), to),
+             verbatim(sqliteText(column.name), to)));
     r->nullable = nullable;
     return r;
 }

@@ -71,6 +71,11 @@ class Binder {
     InsertTarget bindInsertTarget(const Name& name, int line);
     // From here on the variable is read again for every row. Its index.
     int assignsVariable(const std::string& name, int line);
+    // Whether the name of a column, or a star, leads to that table. A table that has another name
+    // here is known by that one alone.
+    bool isNamed(const BoundSource& source, const Name& column) const;
+    // A count of rows; one that makes no sense is that error.
+    BoundPtr rowLimit(const Expr& e, int error);
     // Resolves the target of an UPDATE or DELETE together with its FROM and opens that scope.
     Target bindTarget(const Statement& s);
     void closeTarget();
@@ -90,6 +95,7 @@ class Binder {
 
     // --- used by the functions' table (builtins.cpp) ---
     BoundPtr op(std::string pattern, SqlType type, std::vector<BoundPtr> args);
+    BoundPtr verbatim(std::string sql, SqlType type);
     BoundPtr constant(Value value, SqlType type);
     BoundPtr null(SqlType type = {});
     BoundPtr bind(const Expr& e);
@@ -100,6 +106,8 @@ class Binder {
     // Brings all to their common type.
     SqlType unify(std::vector<BoundPtr*> values);
     BindContext& context() { return context_; }
+    // The next SELECT is a statement of its own: it may assign variables and make a table.
+    bool statement = false;
     // Records "*" expansions of a view's select lists (set at CREATE VIEW), in order.
     std::vector<std::vector<std::string>>* recordStars = nullptr;
 
@@ -117,12 +125,12 @@ class Binder {
     std::unique_ptr<BoundQuery> bindValues(const QueryBody& body);
     void convertOutputs(BoundQuery& query, const std::vector<SqlType>& types);
     void bindItems(const QueryBody& body, BoundQuery& q);
+    void requirePlain(const QueryBody& body) const;
     void expandStar(const SelectItem& item, BoundQuery& q);
     void bindOrder(const std::vector<OrderItem>& orderBy, const QueryBody& body, BoundQuery& q);
     void pushOrder(BoundOrder order, const OrderItem& item, BoundQuery& q) const;
     void checkGrouped(const BoundExpr& e, const BoundQuery& q, int errorNumber) const;
     void setColumns(BoundQuery& q);
-    BoundPtr rowLimit(const Expr& e, int error);
     void bindLimit(const QueryBody& body, const Query* query, BoundQuery& q);
 
     // targets (binder_targets.cpp)
@@ -182,6 +190,11 @@ class Binder {
     int windowDepth_ = 0;
     bool windowsAllowed_ = false;  // in the select list and ORDER BY
     int viewDepth_ = 0;
+    int queryDepth_ = 0;
+    // Common tables, views and parameters are bound anew at each use: how much that makes of a
+    // short text is bounded before it is made.
+    void spend(int nodes);
+    int spent_ = 0;
     const std::map<std::string, BoundPtr>* parameters_ = nullptr;        // of an inlined function
     const std::vector<std::vector<std::string>>* fixedStars_ = nullptr;  // of the view being bound
     size_t nextStar_ = 0;

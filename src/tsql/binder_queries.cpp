@@ -1,5 +1,6 @@
 // SELECT and set operators.
 #include <algorithm>
+#include <utility>
 
 #include "base/utf8.h"
 #include "tsql/binder.h"
@@ -99,6 +100,7 @@ std::unique_ptr<BoundQuery> Binder::bindSetOperation(const QueryBody& body) {
     auto q = std::make_unique<BoundQuery>();
     q->kind = body.kind;
     q->left = bindBody(*body.left, nullptr, nullptr);
+    statement = false;
     q->right = bindBody(*body.right, nullptr, nullptr);
     if (q->left->columns.size() != q->right->columns.size()) throw makeDbError(205, {}, body.line);
     std::vector<SqlType> types;
@@ -131,7 +133,19 @@ void Binder::convertOutputs(BoundQuery& q, const std::vector<SqlType>& types) {
 std::unique_ptr<BoundQuery> Binder::bindSelect(const QueryBody& body,
                                                const std::vector<OrderItem>* orderBy,
                                                const Query* query) {
+    spend(200);
+    struct Depth {
+        int& depth;
+        explicit Depth(int& d) : depth(d) {
+            if (++depth > 100) {
+                --depth;
+                throw makeDbError(8623);
+            }
+        }
+        ~Depth() { --depth; }
+    } depth(queryDepth_);
     auto q = std::make_unique<BoundQuery>();
+    if (!std::exchange(statement, false)) requirePlain(body);
     ScopeGuard guard(scopes_);
     const bool outerWindows = windowsAllowed_;
     windowsAllowed_ = false;
@@ -191,7 +205,6 @@ void Binder::bindLimit(const QueryBody& body, const Query* query, BoundQuery& q)
     }
 }
 
-// A count of rows; one that makes no sense is that error.
 BoundPtr Binder::rowLimit(const Expr& e, int error) {
     BoundPtr v = bindValue(e);
     const bool percent = error == 1031;
@@ -204,6 +217,13 @@ BoundPtr Binder::rowLimit(const Expr& e, int error) {
     std::vector<BoundPtr> args;
     args.push_back(std::move(v));
     return op("t_limit($0," + std::to_string(error) + ")", type, std::move(args));
+}
+
+// A query inside another statement gives rows and does nothing else.
+void Binder::requirePlain(const QueryBody& body) const {
+    if (!body.into.empty()) throw makeDbError(156, {"INTO"}, body.line);
+    for (const SelectItem& item : body.items)
+        if (!item.variable.empty()) throw makeDbError(102, {"="}, item.line);
 }
 
 void Binder::bindItems(const QueryBody& body, BoundQuery& q) {
@@ -243,15 +263,17 @@ void Binder::bindItems(const QueryBody& body, BoundQuery& q) {
 }
 
 void Binder::expandStar(const SelectItem& item, BoundQuery& q) {
-    const std::string qualifier = item.starOf.empty() ? "" : item.starOf.last();
+    Name column = item.starOf;  // "*" for its name
+    column.parts.emplace_back("*");
     const std::vector<std::string>* fixed = nullptr;
     if (fixedStars_ && nextStar_ < fixedStars_->size()) fixed = &(*fixedStars_)[nextStar_];
     ++nextStar_;
     std::vector<std::string> names;
     bool any = false;
     for (BoundSource* source : scopes_.back()->sources) {
-        if (!qualifier.empty() && foldName(source->exposedName) != foldName(qualifier)) continue;
+        if (!item.starOf.empty() && !isNamed(*source, column)) continue;
         any = true;
+        spend(static_cast<int>(source->columns.size()));
         for (size_t i = 0; i < source->columns.size(); ++i) {
             const BoundColumn& c = source->columns[i];
             if (fixed && std::find(fixed->begin(), fixed->end(), c.name) == fixed->end()) continue;
@@ -269,7 +291,7 @@ void Binder::expandStar(const SelectItem& item, BoundQuery& q) {
         }
     }
     if (!any) {
-        if (!qualifier.empty()) throw makeDbError(4104, {item.starOf.text() + ".*"}, item.line);
+        if (!item.starOf.empty()) throw makeDbError(4104, {item.starOf.text() + ".*"}, item.line);
         throw DbError(263, 15, 1, item.line, "Must specify table to select from.");
     }
     if (recordStars) recordStars->push_back(std::move(names));

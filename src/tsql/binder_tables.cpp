@@ -124,6 +124,7 @@ std::unique_ptr<BoundSource> Binder::derivedSource(std::unique_ptr<BoundQuery> q
 }
 
 CatalogTablePtr Binder::systemView(const Name& name) const {
+    if (!context_.catalog.isDatabaseHere(name)) return nullptr;
     return findSystemView(name.qualifier(), name.last());
 }
 
@@ -172,11 +173,11 @@ std::unique_ptr<BoundSource> Binder::bindNamedTable(const TableRef& ref) {
         }
     }
     if (CatalogTablePtr system = systemView(ref.name)) return tableSource(system, exposed);
-    if (CatalogTablePtr table = context_.catalog.findTable(name)) {
+    if (CatalogTablePtr table = context_.catalog.findTable(ref.name)) {
         dependOn(*table);
         return tableSource(table, exposed);
     }
-    if (CatalogModulePtr module = context_.catalog.findModule(name)) {
+    if (CatalogModulePtr module = context_.catalog.findModule(ref.name)) {
         if (module->kind == ModuleKind::View) {
             dependencies_.push_back({module->name, true, module->signature});
             return bindView(*module, exposed);
@@ -294,7 +295,7 @@ std::unique_ptr<BoundSource> Binder::bindView(CatalogModule& view, const std::st
 }
 
 std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
-    CatalogModulePtr module = context_.catalog.findModule(ref.name.last());
+    CatalogModulePtr module = context_.catalog.findModule(ref.name);
     if (!module ||
         (module->kind != ModuleKind::InlineFunction && module->kind != ModuleKind::TableFunction))
         throw makeDbError(208, {ref.name.text()}, ref.line);
@@ -335,8 +336,8 @@ std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
         }
         TableCall call;
         call.function = module->name;
-        call.sqlName = "temp.\"rows of " + foldName(module->name) + "~" +
-                       std::to_string(tableCalls.size()) + "\"";
+        call.sqlName = "temp." + sqliteName("rows of " + foldName(module->name) + "~" +
+                                            std::to_string(tableCalls.size()));
         for (const Parameter& p : definition.parameters) {
             BoundPtr& value = arguments[foldName(p.name)];
             if (!value->isConstant())

@@ -90,7 +90,7 @@ Binder::Target Binder::bindTarget(const Statement& s) {
         for (BoundSource* source : scopes_.back()->sources)
             if (sameName(source->exposedName, s.target.last())) target.source = source;
     }
-    if (!target.source && !s.from.empty()) {
+    if (!target.source && !s.from.empty() && context_.catalog.isHere(s.target)) {
         for (BoundSource* source : scopes_.back()->sources)
             if (!source->tableName.empty() && sameName(source->tableName, s.target.last())) {
                 if (target.source) throw makeDbError(8154, {s.target.last()}, s.line);

@@ -49,7 +49,8 @@ enum class BoundKind : uint8_t {
     LiveVariable,  // read again for every row
     Null,
     Column,
-    Op,           // `pattern` with $0..$9 for the operands
+    Op,           // `pattern` with $0..$9 for the operands; no name or text out of a batch in it
+    Verbatim,     // `pattern` as it stands, in SQLite's words
     ScalarQuery,  // one value
     ExistsQuery,
     InQuery,  // args[0] in query

@@ -109,6 +109,16 @@ BoundPtr makeIdentCurrent(Call& c) {
     return c.op("t_identcurrent($0)", SqlType::numeric(38, 0), list(c.text(0)));
 }
 
+BoundPtr makeAppLockMode(Call& c) {
+    return c.op("t_applock($0,$1,NULL,$2)", SqlType::text(SqlKind::NVarChar, 32),
+                list(c.text(0), c.text(1), c.text(2)));
+}
+
+BoundPtr makeAppLockTest(Call& c) {
+    return c.op("t_applock($0,$1,ifnull($2,''),$3)", SqlType::of(SqlKind::SmallInt),
+                list(c.text(0), c.text(1), c.text(2), c.text(3)));
+}
+
 BoundPtr makeNewId(Call& c) {
     return c.op("t_newid()", SqlType::text(SqlKind::VarChar, 36), {});
 }
@@ -143,6 +153,8 @@ const BuiltinTable& builtins() {
             {"COL_NAME", {2, 2, makeColName}},
             {"COL_LENGTH", {2, 2, makeColLength}},
             {"IDENT_CURRENT", {1, 1, makeIdentCurrent}},
+            {"APPLOCK_MODE", {3, 3, makeAppLockMode}},
+            {"APPLOCK_TEST", {4, 4, makeAppLockTest}},
             {"NEWID", {0, 0, makeNewId}},
         };
         addTextBuiltins(t);
@@ -185,9 +197,8 @@ BoundPtr Binder::bindFunction(const Expr& e) {
     const bool qualified = e.name.parts.size() > 1;
     if (!qualified) {
         if (name == "UPDATE" && e.args.size() == 1 && e.args[0]->kind == ExprKind::Column) {
-            BoundPtr p =
-                op("t_system(" + sqliteText("UPDATED:" + foldName(e.args[0]->name.last())) + ")",
-                   kBit, {});
+            const std::string asked = "UPDATED:" + foldName(e.args[0]->name.last());
+            BoundPtr p = verbatim("t_system(" + sqliteText(asked) + ")", kBit);
             p->predicate = true;
             return p;
         }
@@ -212,7 +223,7 @@ BoundPtr Binder::bindFunction(const Expr& e) {
 }
 
 BoundPtr Binder::bindUserFunction(const Expr& e) {
-    CatalogModulePtr module = context_.catalog.findModule(e.name.last());
+    CatalogModulePtr module = context_.catalog.findModule(e.name);
     if (!module || module->kind != ModuleKind::ScalarFunction || e.name.parts.size() < 2) {
         if (e.name.parts.size() < 2) throw makeDbError(195, {e.name.last()}, e.line);
         throw makeDbError(4121, {e.name.parts[0], e.name.text()}, e.line);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "base/number_text.h"
 #include "base/utf8.h"
 
 namespace owb::tsql {
@@ -32,6 +33,35 @@ uint64_t mix(uint64_t seed, const std::string& text) {
 
 }  // namespace
 
+std::string sqliteLiteral(const Value& v) {
+    if (v.isNull()) return "NULL";
+    if (v.isText()) return sqliteText(v.asText());
+    std::string out;
+    if (v.isDouble() || (v.isDate() && v.asDate().hasTime())) {
+        out = numberText(v.isDouble() ? v.asDouble() : v.asDate().toDays(),
+                         std::chars_format::scientific, 17);
+    } else if (v.isDate()) {
+        out = std::to_string(v.asDate().day);
+    } else if (v.isInt()) {
+        out = std::to_string(v.asInt());
+    } else {
+        const int128 n = v.asDecimal().unscaled();
+        if (n < INT64_MIN || n > INT64_MAX) {
+            unsigned char bytes[16];
+            packWide(n, bytes);
+            out = "x'";
+            for (const unsigned char b : bytes) {
+                char code[3];
+                std::snprintf(code, sizeof code, "%02X", b);
+                out += code;
+            }
+            return out + "'";
+        }
+        out = std::to_string(static_cast<int64_t>(n));
+    }
+    return out[0] == '-' ? "(" + out + ")" : out;
+}
+
 std::string sqliteText(std::string_view text) {
     std::string out = "'";
     for (char c : text) {
@@ -57,6 +87,33 @@ bool sameName(std::string_view a, std::string_view b) {
         if (a[i] != b[i] && !equalsIgnoreCaseAscii(a.substr(i, 1), b.substr(i, 1))) return false;
     }
     return true;
+}
+
+Name nameInText(std::string_view text) {
+    Name name;
+    const std::string trimmed = trim(text);
+    for (size_t at = 0;; ++at) {
+        std::string part;
+        if (at < trimmed.size() && (trimmed[at] == '[' || trimmed[at] == '"')) {
+            const char close = trimmed[at] == '[' ? ']' : '"';
+            for (++at;; ++at) {
+                if (at >= trimmed.size()) return {};
+                if (trimmed[at] == close && (at + 1 >= trimmed.size() || trimmed[++at] != close))
+                    break;
+                part += trimmed[at];
+            }
+            if (at + 1 == trimmed.size() && trimmed[at] == close) ++at;
+        } else {
+            const size_t end = std::min(trimmed.find('.', at), trimmed.size());
+            part = trim(std::string_view(trimmed).substr(at, end - at));
+            at = end;
+        }
+        name.parts.push_back(std::move(part));
+        if (at >= trimmed.size()) break;
+        if (trimmed[at] != '.') return {};
+    }
+    if (name.parts.size() > 4 || name.last().empty()) return {};
+    return name;
 }
 
 std::string foldName(std::string_view name) {
@@ -116,15 +173,18 @@ int CatalogTable::identityColumn() const {
     return -1;
 }
 
-const CatalogKey* CatalogTable::keyOn(const std::vector<std::string>& columnNames) const {
-    for (const CatalogKey& key : keys) {
-        if (key.columns.size() != columnNames.size()) continue;
-        bool same = true;
-        for (size_t i = 0; i < columnNames.size() && same; ++i)
-            same = equalsIgnoreCaseAscii(key.columns[i], columnNames[i]);
-        if (same) return &key;
+std::string CatalogTable::bareName() const {
+    const size_t open = sqlName.find('"');
+    std::string name;
+    for (size_t i = open + 1; i + 1 < sqlName.size(); ++i) {
+        name += sqlName[i];
+        if (sqlName[i] == '"') ++i;
     }
-    return nullptr;
+    return name;
+}
+
+std::string CatalogTable::indexName(const std::string& name) const {
+    return sqlName.substr(sqlName.find('"') + 1) + name;
 }
 
 Catalog::Catalog(Sqlite& sqlite) : sqlite_(sqlite) {
@@ -179,6 +239,7 @@ void Catalog::modulesChanged(const std::string& name) {
 }
 
 void Catalog::rolledBack() {
+    sqlite_.rolledBack = false;
     tables_.clear();
     modules_.clear();
     modulesLoaded_ = false;
@@ -187,11 +248,10 @@ void Catalog::rolledBack() {
     ++version_;
     for (auto& scope : scopes_) {
         for (auto it = scope.begin(); it != scope.end();) {
-            const std::string& sqlName = it->second->sqlName;  // temp."x"
-            const std::string bare = sqlName.substr(6, sqlName.size() - 7);
-            const bool there =
-                sqlite_.number("SELECT 1 FROM sqlite_temp_master WHERE name = " + sqliteText(bare))
-                    .has_value();
+            const bool there = sqlite_
+                                   .number("SELECT 1 FROM sqlite_temp_master WHERE name = " +
+                                           sqliteText(it->second->bareName()))
+                                   .has_value();
             it = there ? std::next(it) : scope.erase(it);
         }
     }
@@ -211,6 +271,34 @@ CatalogTablePtr Catalog::findTable(const std::string& name) {
     CatalogTablePtr table = load(name);
     tables_[folded] = table;
     return table;
+}
+
+bool Catalog::isDatabaseHere(const Name& name) const {
+    const size_t parts = name.parts.size();
+    if (parts < 3) return true;
+    if (parts > 3) throw makeDbError(7202, {name.parts[0]});
+    const std::string& database = name.parts[parts - 3];
+    // Temporary tables are the server's own, whatever database is named.
+    return database.empty() || name.last().starts_with("#") ||
+           sameName(database, sqlite_.databaseName());
+}
+
+bool Catalog::isHere(const Name& name) const {
+    const std::string schema = name.qualifier();
+    return isDatabaseHere(name) && (schema.empty() || sameName(schema, "dbo"));
+}
+
+void Catalog::requirePlace(const Name& name, int line) const {
+    if (!isDatabaseHere(name)) throw makeDbError(2702, {name.parts[name.parts.size() - 3]}, line);
+    if (!isHere(name)) throw makeDbError(2760, {name.qualifier()}, line);
+}
+
+CatalogTablePtr Catalog::findTable(const Name& name) {
+    return isHere(name) ? findTable(name.last()) : nullptr;
+}
+
+CatalogModulePtr Catalog::findModule(const Name& name) {
+    return isHere(name) ? findModule(name.last()) : nullptr;
 }
 
 CatalogTablePtr Catalog::load(const std::string& name) {

@@ -52,9 +52,15 @@ struct CatalogTable {
 
     int findColumn(std::string_view columnName) const;  // -1 when absent
     int identityColumn() const;
-    const CatalogKey* keyOn(const std::vector<std::string>& columnNames) const;
+    std::string bareName() const;  // under which SQLite holds it, without schema and quotes
+    // Of the index of that name, and of the one beside it that keeps NULL single in a key.
+    std::string indexName(const std::string& name) const;
+    std::string nullIndexName(const std::string& name) const { return indexName(name) + "~null"; }
 };
 using CatalogTablePtr = std::shared_ptr<const CatalogTable>;
+
+// The name of a table while it is made anew.
+constexpr const char* kRebuiltTable = "tsql_rebuilt";
 
 struct CompiledBatch;
 
@@ -88,6 +94,15 @@ class Catalog {
     // looked for from the innermost scope out.
     CatalogTablePtr findTable(const std::string& name);
     CatalogModulePtr findModule(const std::string& name);
+    // The same by a written name: null, too, when its parts lead to another schema or database.
+    CatalogTablePtr findTable(const Name& name);
+    CatalogModulePtr findModule(const Name& name);
+    // Whether a written name leads to this database; to its schema dbo as well, or to the temporary
+    // tables. Throws 7202 for another server.
+    bool isDatabaseHere(const Name& name) const;
+    bool isHere(const Name& name) const;
+    // Throws 2702 or 2760 when nothing of that name can be made here.
+    void requirePlace(const Name& name, int line) const;
     std::vector<std::string> tableNames();
     // When a table or module was made; NULL where that is not known.
     Value createdAt(const std::string& name);
@@ -135,10 +150,13 @@ class Catalog {
 // The T-SQL type that a column's declaration names, as SqlType::ddl writes it.
 SqlType typeOfDeclaration(std::string_view declaration);
 
-// 'text' with quotes doubled, and "name" with quotes doubled, for SQLite.
+// A value as it lies in the file; 'text' and "name" with quotes doubled: for SQLite.
+std::string sqliteLiteral(const Value& value);
 std::string sqliteText(std::string_view text);
 std::string sqliteName(std::string_view name);
 std::string foldName(std::string_view name);
 bool sameName(std::string_view a, std::string_view b);  // as far as letters' case goes
+// The parts of a name that comes as a text: "dbo.[a b]"; none when it is no name.
+Name nameInText(std::string_view text);
 
 }  // namespace owb::tsql

@@ -1,7 +1,6 @@
 // How a value of one type becomes one of another.
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 #include "base/db_error.h"
 #include "base/number_text.h"
@@ -75,8 +74,7 @@ Value floatToWhole(double v, const SqlType& to) {
             throw overflowError("expression", "bigint");
     } else if (!(whole >= static_cast<double>(range.low) &&
                  whole <= static_cast<double>(range.high))) {
-        char text[350];
-        std::snprintf(text, sizeof text, "%.6f", v);
+        const std::string text = numberText(v, std::chars_format::fixed, 6);
         throw withState(makeDbError(232, {to.name(), text}), to.kind == SqlKind::TinyInt    ? 1
                                                              : to.kind == SqlKind::SmallInt ? 2
                                                                                             : 3);
@@ -172,8 +170,7 @@ Value textToDecimal(const std::string& text, const SqlType& from, const SqlType&
 Value toFloating(double v, const SqlType& to) {
     if (to.kind == SqlKind::Float) return Value(v);
     if (std::fabs(v) > 3.4028234663852886e38) {
-        char text[350];
-        std::snprintf(text, sizeof text, "%.6f", v);
+        const std::string text = numberText(v, std::chars_format::fixed, 6);
         throw withState(makeDbError(232, {"real", text}), 2);
     }
     return Value(static_cast<double>(static_cast<float>(v)));
@@ -182,11 +179,9 @@ Value toFloating(double v, const SqlType& to) {
 Value textToFloating(const std::string& text, const SqlType& from, const SqlType& to) {
     const std::string t = trim(text);
     if (t.empty()) return Value(0.0);
-    char* end = nullptr;
-    const bool plain = t.find_first_not_of("0123456789+-.eE") == std::string::npos;
-    const double v = std::strtod(t.c_str(), &end);
-    if (!plain || end != t.c_str() + t.size() || !std::isfinite(v)) textFailure(text, from, to);
-    return toFloating(v, to);
+    const std::optional<double> v = parseNumber(t);
+    if (!v || !std::isfinite(*v)) textFailure(text, from, to);
+    return toFloating(*v, to);
 }
 
 // --- to text ---
@@ -212,19 +207,14 @@ Value numberToText(std::string text, const SqlType& from, const SqlType& to) {
 // Six significant digits; by style 1 eight, by style 2 sixteen, by style 3 all, with an exponent.
 std::string floatText(double v, int style) {
     if (v == 0) v = 0;  // without a sign
-    char b[40];
-    std::snprintf(b, sizeof b,
-                  style == 1   ? "%.7e"
-                  : style == 2 ? "%.15e"
-                  : style == 3 ? "%.16e"
-                               : "%.6g",
-                  v);
-    std::string text = b;
+    const std::string text = style < 1 || style > 3 ? numberText(v, std::chars_format::general, 6)
+                                                    : numberText(v, std::chars_format::scientific,
+                                                                 style == 1 ? 7 : 13 + style);
     const size_t e = text.find('e');
     if (e == std::string::npos) return text;
-    std::string exponent = text.substr(e + 2);
-    while (exponent.size() < 3) exponent.insert(exponent.begin(), '0');
-    return text.substr(0, e) + "e" + text[e + 1] + exponent;
+    std::string power = text.substr(e + 2);
+    while (power.size() < 3) power.insert(power.begin(), '0');
+    return text.substr(0, e) + "e" + text[e + 1] + power;
 }
 
 // Two places; by style 1 with commas, by style 2 four places.
@@ -317,7 +307,9 @@ Value clientValue(const Value& v, const SqlType& type) {
     if (!v.isDouble()) return v;
     char text[32];
     const auto end = std::to_chars(text, text + sizeof text, static_cast<float>(v.asDouble())).ptr;
-    return Value(std::strtod(std::string(text, end).c_str(), nullptr));
+    double shown = 0;
+    std::from_chars(text, end, shown);
+    return Value(shown);
 }
 
 Value convertValue(const Value& v, const SqlType& from, const SqlType& to, int style) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/result_set.h"
+#include "tsql/app_locks.h"
 #include "tsql/catalog.h"
 #include "tsql/functions.h"
 #include "tsql/plan.h"
@@ -49,13 +50,13 @@ struct StaleCatalog {};
 // Keeps the steps of one statement together: all of them or none.
 class Together {
   public:
-    explicit Together(Sqlite& sqlite, const char* savepoint = "together");
+    // `temporary`: nothing but temporary tables is written, for which nobody needs to wait.
+    explicit Together(Sqlite& sqlite, bool temporary = false);
     ~Together();
     void done();
 
   private:
     Sqlite& sqlite_;
-    std::string savepoint_;
     bool own_;  // a transaction of our own, otherwise a savepoint
     bool finished_ = false;
 };
@@ -63,6 +64,9 @@ class Together {
 // What an error ends: its statement alone, the scope (module or batch) it stands in, or the batch.
 enum class ErrorReach { Statement, Scope, Batch };
 ErrorReach reachOf(const DbError& e);
+
+// The schema, with its point, of a table's name in SQLite: "temp.".
+std::string schemaOf(const std::string& sqlName);
 
 // Gives a statement back to its plan, reset, however its run ended.
 class Lease {
@@ -105,31 +109,60 @@ class Executor final : public FunctionHost {
     Value columnLength(const std::string& table, const std::string& column) override;
     int64_t nextIdentity() override;
     Value identityOf(const std::string& table) override;
+    Value applicationLock(const std::string& principal, const std::string& resource,
+                          const std::optional<std::string>& mode,
+                          const std::string& owner) override;
 
   private:
     enum class Flow { Next, Break, Continue, Return, Goto };
 
-    // --- batches (executor.cpp) ---
+    // --- batches (executor_batches.cpp) ---
     std::shared_ptr<CompiledBatch> findOrCompile(std::string_view batch);
     std::shared_ptr<CompiledBatch> findShape(std::string_view batch);
     void checkAhead(Frame& frame, const std::vector<StatementPtr>& statements);
     void runBatch(std::string_view batch);
+    void noteError(const DbError& e);
+
+    // --- statements (executor.cpp) ---
     Flow runStatements(Frame& frame, const std::vector<StatementPtr>& statements);
     Flow runStatement(Frame& frame, const Statement& s);
+    Flow runGuarded(Frame& frame, const Statement& s);
     Flow runControl(Frame& frame, const Statement& s);
     Flow runTryCatch(Frame& frame, const Statement& s);
-    void noteError(const DbError& e);
     void tellCount();
-    void setOption(Frame& frame, const Statement& s);
     void waitFor(Frame& frame, const Statement& s);
+    void define(const Statement& s);
+    void lookAround();
+    bool wasOutrun(const DbError& e);
+    // Does the work, again while others change the catalog under it.
+    template <typename Work>
+    void upToDate(Work work) {
+        for (int tries = 0;; ++tries) {
+            try {
+                return work();
+            } catch (const DbError& e) {
+                if (tries == 10 || !wasOutrun(e)) throw;
+            }
+        }
+    }
     void raiseError(Frame& frame, const Statement& s);
     void throwStatement(Frame& frame, const Statement& s);
+
+    // --- options (executor_session.cpp) ---
+    void setOption(Frame& frame, const Statement& s);
+
+    // --- care of the file (executor_care.cpp) ---
+    void checkCatalog(std::vector<std::string>& problems);
 
     // --- statements on data (executor_data.cpp) ---
     // The plan kept under the key, or one that `make(Planner&)` makes.
     template <typename Make>
     Plan& plan(Frame& frame, const void* key, Make make) {
         std::unique_ptr<Plan>& slot = frame.code->plans[key];
+        if (!fresh_ && (!slot || slot->readsFile)) {
+            lookAround();
+            fresh_ = true;
+        }
         // A trigger's tables are new each time it fires.
         if (!slot || frame.pseudoTables || !stillGood(*slot)) {
             BindContext context = bindContext(frame);
@@ -203,19 +236,35 @@ class Executor final : public FunctionHost {
     void dropColumn(const CatalogTable& table, const std::string& name, int line);
     void alterColumn(const CatalogTable& table, const ColumnDefinition& column, int line);
     void createIndex(const Statement& s);
-    void drop(const Statement& s);
-    void dropOne(const Statement& s, const Name& name);
+    void defineModule(Frame& frame);
     void createModule(Frame& frame, const Statement& s);
     std::string checkText(const CatalogTable& table, const std::string& source);
+
+    // --- DROP (executor_drop.cpp) ---
+    void drop(const Statement& s);
+    void dropOne(const Statement& s, const Name& name);
 
     // --- calls (executor_calls.cpp) ---
     void execute(Frame& frame, const Statement& s);
     void call(Frame& frame, const Statement& s);
+    bool isSystemPlace(const Name& name) const;
     void executeText(const std::string& text);
     void executeSql(Frame& frame, const Statement& s);
+    std::vector<size_t> argumentPlaces(const Statement& s, const std::string& procedure,
+                                       const std::vector<std::string>& names) const;
+
+    // --- application locks (executor_locks.cpp) ---
+    std::vector<std::optional<Value>> namedArguments(Frame& frame, const Statement& s,
+                                                     const std::string& procedure,
+                                                     const std::vector<std::string>& names);
+    void lockProcedure(Frame& frame, const Statement& s, const std::string& procedure);
+    int awaitLock(const std::string& name, AppLocks::Mode mode, AppLocks::Owner owner,
+                  int64_t timeout);
 
     // --- system procedures (system_procedures.cpp) ---
     bool systemProcedure(Frame& frame, const Statement& s, const std::string& name);
+    CatalogTablePtr tableNamed(const std::string& text);  // a name that came as a text
+    CatalogModulePtr moduleNamed(const std::string& text);
     void helpAll();
     void help(const std::string& object, int line);
     void helpColumns(const std::vector<CatalogColumn>& columns);
@@ -224,7 +273,8 @@ class Executor final : public FunctionHost {
     void helpParameters(CatalogModule& module);
     void helpText(const std::string& object, int line);
     void helpTrigger(const std::string& object, int line);
-    std::vector<CatalogColumn> viewColumns(const CatalogModule& view);
+    // Of a view; with a number of arguments, all NULL, of a function of rows.
+    std::vector<CatalogColumn> viewColumns(const CatalogModule& view, size_t arguments = 0);
 
     // --- calls of modules (executor_calls.cpp) ---
     Frame moduleFrame(CatalogModule& module);
@@ -245,6 +295,7 @@ class Executor final : public FunctionHost {
 
     std::unique_ptr<Sqlite> sqlite_;
     Catalog catalog_;
+    AppLocks appLocks_;
     std::string hostName_;
     std::unordered_map<std::string, std::vector<std::shared_ptr<CompiledBatch>>> batches_;
     std::array<std::shared_ptr<CompiledBatch>, 512> recentTexts_;  // by hash of the text
@@ -266,7 +317,8 @@ class Executor final : public FunctionHost {
     int functionDepth_ = 0;  // of functions: nothing is written in there
     int tryDepth_ = 0;
     int commandTimeout_ = 600;
-    int transactions_ = 0;  // T-SQL's own level
+    int64_t lockTimeout_ = -1;  // of SET LOCK_TIMEOUT, in milliseconds; -1: the command's
+    int transactions_ = 0;      // T-SQL's own level
     std::string transactionName_;
     std::vector<std::string> savepoints_;
     bool doomed_ = false;                // the open transaction can only be rolled back
@@ -282,7 +334,7 @@ class Executor final : public FunctionHost {
     } options_;
     bool inTransaction_ = false;  // for the system view
     bool lone_ = false;           // a SELECT runs alone, the catalog not looked at yet
-    bool implicit_ = false;       // the batch runs in a transaction of its own
+    bool fresh_ = false;          // the catalog was looked at for the statement that runs
     int64_t rowCount_ = 0;
     bool noCount_ = false;  // SET NOCOUNT ON
     int lastError_ = 0;

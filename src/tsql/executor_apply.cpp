@@ -14,9 +14,9 @@ void Executor::applyRows(ApplyPlan& apply, int count, sqlite3_value** arguments,
         std::vector<Value> values;
         for (int i = 0; i < count; ++i)
             values.push_back(argumentValue(arguments[i], parameters[static_cast<size_t>(i)].type));
-        const std::string table = "temp.\"applied~" + foldName(apply.function) + "~" +
-                                  std::to_string(module->signature) + "~" + std::to_string(depth_) +
-                                  "\"";
+        const std::string table =
+            "temp." + sqliteName("applied~" + foldName(apply.function) + "~" +
+                                 std::to_string(module->signature) + "~" + std::to_string(depth_));
         runTableFunction(*module, std::move(values), table, true);
         statement = sqlite_->prepare("SELECT * FROM " + table);
         readApplied(statement.get(), rows);

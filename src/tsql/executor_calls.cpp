@@ -26,9 +26,30 @@ class CallDepth {
 
 }  // namespace
 
+// System procedures answer in every database; of those named, only this one and master are there.
+bool Executor::isSystemPlace(const Name& name) const {
+    Name local = name;
+    if (name.parts.size() == 3 && sameName(name.parts[0], "master"))
+        local.parts.erase(local.parts.begin());
+    const std::string schema = local.qualifier();
+    return catalog_.isDatabaseHere(local) &&
+           (schema.empty() || sameName(schema, "dbo") || sameName(schema, "sys"));
+}
+
 CompiledBatch& Executor::moduleCode(CatalogModule& module) {
-    if (!module.code) module.code = compileBatch(module.source);
-    return *module.code;
+    if (module.code) return *module.code;
+    std::string damage = "its text is that of another object";
+    try {
+        std::shared_ptr<CompiledBatch> code = compileBatch(module.source);
+        const ModuleDefinition* d = code->definition;
+        if (d && d->kind == module.kind && sameName(d->name.last(), module.name)) {
+            module.code = std::move(code);
+            return *module.code;
+        }
+    } catch (const DbError& e) {
+        damage = e.what();
+    }
+    throw makeDbError(-3, {"The routine " + module.name + " is damaged: " + damage});
 }
 
 Frame Executor::moduleFrame(CatalogModule& module) {
@@ -80,7 +101,7 @@ void Executor::executeText(const std::string& text) {
     callee.code = code;
     callee.variables.resize(code->variables.size());
     if (code->definition) {
-        createModule(callee, *code->ast.statements[0]);
+        defineModule(callee);
         return;
     }
     runScope(callee);
@@ -101,35 +122,26 @@ void Executor::call(Frame& frame, const Statement& s) {
         if (!v.isNull()) executeText(v.asText());
         return;
     }
-    CatalogModulePtr module = catalog_.findModule(s.target.last());
+    CatalogModulePtr module = catalog_.findModule(s.target);
     if (!module || module->kind != ModuleKind::Procedure) {
-        if (systemProcedure(frame, s, lowerCase(s.target.last()))) return;
+        const bool everywhere = isSystemPlace(s.target);
+        if (everywhere && systemProcedure(frame, s, lowerCase(s.target.last()))) return;
         for (const char* known : {"sp_rename", "sp_columns", "sp_tables", "sp_addmessage", "sp_who",
                                   "sp_lock", "sp_spaceused", "sp_depends", "sp_settriggerorder"})
-            if (equalsIgnoreCaseAscii(s.target.last(), known))
+            if (everywhere && equalsIgnoreCaseAscii(s.target.last(), known))
                 throw makeDbError(15281, {std::string("The procedure ") + known}, s.line);
         throw makeDbError(2812, {s.target.text()}, s.line);
     }
     Frame callee = moduleFrame(*module);
     const std::vector<Parameter>& parameters = callee.code->definition->parameters;
-    if (s.arguments.size() > parameters.size()) {
-        if (parameters.empty()) throw makeDbError(8146, {module->name}, s.line);
-        throw makeDbError(8144, {module->name}, s.line);
-    }
     std::vector<char> given(parameters.size(), 0);
     std::vector<std::pair<size_t, std::string>> outputs;  // parameter -> caller's variable
-    size_t position = 0;
-    bool named = false;
-    for (const Argument& a : s.arguments) {
-        size_t at = position++;
-        if (named && a.name.empty()) throw makeDbError(119, {std::to_string(position)}, s.line);
-        if (!a.name.empty()) {
-            named = true;
-            at = 0;
-            while (at < parameters.size() && foldName(parameters[at].name) != foldName(a.name))
-                ++at;
-            if (at == parameters.size()) throw makeDbError(8145, {a.name, module->name}, s.line);
-        }
+    std::vector<std::string> names;
+    for (const Parameter& p : parameters) names.push_back(p.name);
+    const std::vector<size_t> places = argumentPlaces(s, module->name, names);
+    for (size_t i = 0; i < places.size(); ++i) {
+        const Argument& a = s.arguments[i];
+        const size_t at = places[i];
         const Parameter& p = parameters[at];
         if (a.value->kind == ExprKind::Default) continue;
         given[at] = 1;
@@ -164,6 +176,27 @@ void Executor::call(Frame& frame, const Statement& s) {
                                                frame.code->variables[target].type);
     }
     if (!s.variable.empty()) assignVariable(frame, s.variable, callee.returned, s.line);
+}
+
+// Which of the parameters each argument is for.
+std::vector<size_t> Executor::argumentPlaces(const Statement& s, const std::string& procedure,
+                                             const std::vector<std::string>& names) const {
+    if (s.arguments.size() > names.size())
+        throw makeDbError(names.empty() ? 8146 : 8144, {procedure}, s.line);
+    std::vector<size_t> places;
+    bool named = false;
+    for (const Argument& a : s.arguments) {
+        size_t at = places.size();
+        if (named && a.name.empty()) throw makeDbError(119, {std::to_string(at + 1)}, s.line);
+        if (!a.name.empty()) {
+            named = true;
+            at = 0;
+            while (at < names.size() && foldName(names[at]) != foldName(a.name)) ++at;
+            if (at == names.size()) throw makeDbError(8145, {a.name, procedure}, s.line);
+        }
+        places.push_back(at);
+    }
+    return places;
 }
 
 // sp_executesql N'text', N'@a int, @b int OUTPUT', value, @x OUTPUT | @a = value ...
@@ -261,10 +294,9 @@ Value Executor::callFunction(int id, int count, sqlite3_value** arguments) {
 // --- questions about objects ---
 
 Value Executor::objectId(const std::string& name, const std::string& kind) {
-    std::string object = name.substr(name.find_last_of('.') + 1);
-    if (name.starts_with("tempdb..")) object = name.substr(8);
-    if (object.size() > 1 && object.front() == '[' && object.back() == ']')
-        object = object.substr(1, object.size() - 2);
+    const Name written = nameInText(name);
+    if (written.empty() || written.parts.size() > 3 || !catalog_.isHere(written)) return {};
+    const std::string& object = written.last();
     const std::string wanted = upperCase(trim(kind));
     std::string found;
     if (catalog_.findTable(object)) {
@@ -282,7 +314,7 @@ Value Executor::objectId(const std::string& name, const std::string& kind) {
 }
 
 Value Executor::columnLength(const std::string& table, const std::string& column) {
-    CatalogTablePtr t = catalog_.findTable(table.substr(table.find_last_of('.') + 1));
+    CatalogTablePtr t = tableNamed(table);
     const int at = t ? t->findColumn(column) : -1;
     if (at < 0) return {};
     const SqlType& type = t->columns[at].type;

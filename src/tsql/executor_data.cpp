@@ -47,15 +47,11 @@ const Value& Executor::parameterValue(Frame& frame, const PlanParameter& p) {
     return p.kind == PlanParameter::Variable ? frame.variables[p.index] : p.constant;
 }
 
-namespace {
-
 Value negated(const Value& v) {
     if (v.isInt()) return Value(-v.asInt());
     if (v.isDecimal()) return Value(-v.asDecimal());
     return Value(-v.asDouble());
 }
-
-}  // namespace
 
 void Executor::bindParameters(sqlite3_stmt* statement, Frame& frame, const Plan& plan) {
     for (size_t i = 0; i < plan.parameters.size(); ++i) {
@@ -99,7 +95,7 @@ void Executor::runTableFunction(CatalogModule& module, std::vector<Value> argume
     table.sqlName = sqlName;
     if (inStatement) {  // SQLite drops no table while a statement runs
         if (sqlite_->number("SELECT 1 FROM sqlite_temp_master WHERE name = " +
-                            sqliteText(sqlName.substr(6, sqlName.size() - 7))))
+                            sqliteText(table.bareName())))
             sqlite_->run("DELETE FROM " + sqlName);
         else
             sqlite_->run(tableDdl(table, sqlName));
@@ -210,7 +206,11 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
 
 void Executor::runInto(Frame& frame, Plan& p) {
     requireSoundTransaction();
+    const bool temporary = p.into.last().starts_with("#");
+    Together together(*sqlite_, temporary);
+    if (!temporary) lookAround();
     CatalogTable table;
+    catalog_.requirePlace(p.into, 0);
     table.name = p.into.last();
     if (catalog_.findTable(table.name) || catalog_.findModule(table.name))
         throw makeDbError(2714, {table.name});
@@ -222,7 +222,6 @@ void Executor::runInto(Frame& frame, Plan& p) {
         column.nullable = c.nullable;
         table.columns.push_back(std::move(column));
     }
-    Together together(*sqlite_);
     const std::string name = table.name;
     createTable(std::move(table), 0);
     if (!p.fills.empty()) fillTables(frame, p);
@@ -231,6 +230,9 @@ void Executor::runInto(Frame& frame, Plan& p) {
     bindParameters(insert.get(), frame, p);
     try {
         sqlite_->step(insert.get());
+        rowCount_ = sqlite3_changes64(sqlite_->handle());
+        insert.reset();
+        together.done();
     } catch (const DbError&) {
         insert.reset();
         if (CatalogTablePtr made = catalog_.findTable(name); made && made->temporary)
@@ -238,9 +240,6 @@ void Executor::runInto(Frame& frame, Plan& p) {
         catalog_.changed(name);
         throw;
     }
-    rowCount_ = sqlite3_changes64(sqlite_->handle());
-    insert.reset();
-    together.done();
     tellCount();
 }
 

@@ -1,4 +1,4 @@
-// CREATE, ALTER and DROP: tables with their constraints, indexes, modules.
+// CREATE and ALTER: tables with their constraints, indexes, modules.
 #include <algorithm>
 
 #include "base/utf8.h"
@@ -71,11 +71,11 @@ std::string bareName(const std::string& sqlName) {
     return sqlName.substr(sqlName.find('.') + 1);
 }
 
+}  // namespace
+
 std::string schemaOf(const std::string& sqlName) {
     return sqlName.substr(0, sqlName.find('.') + 1);
 }
-
-}  // namespace
 
 CatalogTable Executor::describeTable(const std::string& name,
                                      const std::vector<ColumnDefinition>& columns,
@@ -157,22 +157,14 @@ std::string Executor::checkText(const CatalogTable& table, const std::string& so
     std::function<void(BoundExpr&)> prepare = [&](BoundExpr& e) {
         if (e.query) throw makeDbError(15281, {"A subquery in a CHECK constraint"});
         if (e.kind == BoundKind::Column) {
-            e.kind = BoundKind::Op;
+            e.kind = BoundKind::Verbatim;
             e.pattern = sqliteName(table.columns[e.column].name);
         }
         if (e.kind == BoundKind::Literal) {
-            const Value v = convertValue(code->ast.literals[e.index].value, e.sourceType, e.type);
-            e.kind = BoundKind::Op;
-            if (v.isText())
-                e.pattern = sqliteText(v.asText());
-            else if (v.isDecimal())
-                e.pattern = Decimal(v.asDecimal().unscaled(), 0).toText();
-            else if (v.isDate())
-                e.pattern = std::to_string(v.asDate().day);
-            else
-                e.pattern = v.toText();
-            if (e.pattern.find('$') != std::string::npos)
-                throw makeDbError(15281, {"\"$\" in a CHECK constraint"});
+            const Value& held = e.index < 0 ? e.constant : code->ast.literals[e.index].value;
+            e.kind = BoundKind::Verbatim;
+            e.pattern =
+                sqliteLiteral(convertValue(e.negated ? negated(held) : held, e.sourceType, e.type));
         }
         for (BoundPtr& a : e.args) prepare(*a);
     };
@@ -201,18 +193,18 @@ void Executor::createKeyIndex(const CatalogTable& table, const CatalogKey& key, 
         const int at = table.findColumn(c);
         columns += (columns.empty() ? "" : ", ") + sqliteName(table.columns[at].name);
     }
-    const std::string index =
-        schemaOf(table.sqlName) +
-        sqliteName(table.sqlName.substr(table.sqlName.find('"') + 1) + key.name);
+    const std::string schema = schemaOf(table.sqlName);
     try {
-        sqlite_->run("CREATE " + std::string(unique ? "UNIQUE " : "") + "INDEX " + index + " ON " +
-                     bareName(table.sqlName) + "(" + columns + ")");
+        sqlite_->run("CREATE " + std::string(unique ? "UNIQUE " : "") + "INDEX " + schema +
+                     sqliteName(table.indexName(key.name)) + " ON " + bareName(table.sqlName) +
+                     "(" + columns + ")");
         // One NULL counts as equal to another in a key, which SQLite does not think.
         const CatalogColumn& column = table.columns[table.findColumn(key.columns[0])];
         if (unique && key.columns.size() == 1 && column.nullable)
-            sqlite_->run("CREATE UNIQUE INDEX " + index.substr(0, index.size() - 1) +
-                         "~null\" ON " + bareName(table.sqlName) + "((1)) WHERE " +
-                         sqliteName(column.name) + " IS NULL");
+            sqlite_->run("CREATE UNIQUE INDEX " + schema +
+                         sqliteName(table.nullIndexName(key.name)) + " ON " +
+                         bareName(table.sqlName) + "((1)) WHERE " + sqliteName(column.name) +
+                         " IS NULL");
     } catch (const DbError& e) {
         if (e.number != -2627) throw;
         throw makeDbError(1505, {"dbo." + table.name, key.name});
@@ -253,6 +245,7 @@ void Executor::storeConstraints(const CatalogTable& table) {
 }
 
 void Executor::createTable(const Statement& s) {
+    catalog_.requirePlace(s.target, s.line);
     const std::string& name = s.target.last();
     if (catalog_.findTable(name) || catalog_.findModule(name))
         throw makeDbError(2714, {name}, s.line);
@@ -266,7 +259,7 @@ void Executor::createTable(CatalogTable table, int line) {
         temporary ? catalog_.newTemporaryName(table.name) : "main." + sqliteName(table.name);
     if (foldName(table.name).starts_with("tsql_") || foldName(table.name).starts_with("sqlite_"))
         throw makeDbError(15281, {"The table name " + table.name}, line);
-    Together together(*sqlite_);
+    Together together(*sqlite_, temporary);
     sqlite_->run(tableDdl(table, table.sqlName));
     for (const CatalogKey& key : table.keys) createKeyIndex(table, key, true);
     storeConstraints(table);
@@ -280,7 +273,7 @@ void Executor::createTable(CatalogTable table, int line) {
 // SQLite cannot change a column's type or a check in place: the table is made anew under its name.
 void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
     const std::string schema = schemaOf(before.sqlName);
-    const std::string fresh = schema + sqliteName("tsql_rebuilt");
+    const std::string fresh = schema + sqliteName(kRebuiltTable);
     std::string names, values;
     for (const CatalogColumn& c : after.columns) {
         const int at = before.findColumn(c.name);
@@ -327,8 +320,8 @@ void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
 }
 
 void Executor::alterTable(const Statement& s) {
-    const CatalogTablePtr before = catalog_.findTable(s.target.last());
-    if (!before) throw makeDbError(4902, {s.target.last()}, s.line);
+    const CatalogTablePtr before = catalog_.findTable(s.target);
+    if (!before) throw makeDbError(4902, {s.target.text()}, s.line);
     try {
         Together together(*sqlite_);
         for (const AlterAction& action : s.actions)
@@ -383,14 +376,7 @@ void Executor::addColumn(const CatalogTable& table, const ColumnDefinition& c, i
         frame.code = code;
         const Value v =
             evaluate(frame, *code->ast.statements[0]->query->body->items[0].expr, &c.type);
-        if (v.isText())
-            fill = sqliteText(v.asText());
-        else if (v.isDecimal())
-            fill = Decimal(v.asDecimal().unscaled(), 0).toText();
-        else if (v.isDate())
-            fill = std::to_string(v.asDate().toDays());
-        else
-            fill = v.isNull() ? "NULL" : v.toText();
+        fill = sqliteLiteral(v);
         ddl += " NOT NULL DEFAULT " + fill;
     } else if (notNull) {
         // Empty table: SQLite still wants a default beside NOT NULL.
@@ -475,10 +461,9 @@ void Executor::dropConstraint(const CatalogTable& table, const std::string& name
     bool found = false, check = false;
     for (const CatalogKey& k : table.keys) {
         if (foldName(k.name) != folded || k.kind == CatalogKey::Index) continue;
-        const std::string index = table.sqlName.substr(table.sqlName.find('"') + 1) + k.name;
-        sqlite_->run("DROP INDEX " + schemaOf(table.sqlName) + sqliteName(index) +
-                     "; DROP INDEX IF EXISTS " + schemaOf(table.sqlName) +
-                     sqliteName(index + "~null"));
+        const std::string schema = schemaOf(table.sqlName);
+        sqlite_->run("DROP INDEX " + schema + sqliteName(table.indexName(k.name)) +
+                     "; DROP INDEX IF EXISTS " + schema + sqliteName(table.nullIndexName(k.name)));
         found = true;
     }
     std::erase_if(after.keys, [&](const CatalogKey& k) { return foldName(k.name) == folded; });
@@ -537,15 +522,14 @@ void Executor::alterColumn(const CatalogTable& table, const ColumnDefinition& c,
 }
 
 void Executor::createIndex(const Statement& s) {
-    CatalogTablePtr table = catalog_.findTable(s.target.last());
-    if (!table) throw makeDbError(4902, {s.target.last()}, s.line);
+    CatalogTablePtr table = catalog_.findTable(s.target);
+    if (!table) throw makeDbError(4902, {s.target.text()}, s.line);
     for (const std::string& c : s.columns)
         if (table->findColumn(c) < 0) throw makeDbError(1911, {c}, s.line);
     CatalogKey key{s.indexName, s.columns, CatalogKey::Index};
-    const std::string index = table->sqlName.substr(table->sqlName.find('"') + 1) + key.name;
     if (sqlite_->number("SELECT 1 FROM " + schemaOf(table->sqlName) +
                         "sqlite_master WHERE type = 'index' AND name = " +
-                        sqliteText(index.substr(0)) + " COLLATE NOCASE"))
+                        sqliteText(table->indexName(key.name)) + " COLLATE NOCASE"))
         throw makeDbError(1913, {s.indexName, table->name}, s.line);
     Together together(*sqlite_);
     createKeyIndex(*table, key, s.unique);
@@ -561,108 +545,23 @@ void Executor::createIndex(const Statement& s) {
     catalog_.changed(table->name);
 }
 
-void Executor::drop(const Statement& s) {
-    for (const Name& name : s.names) {
-        Together together(*sqlite_);
-        dropOne(s, name);
-        together.done();
-    }
-}
-
-void Executor::dropOne(const Statement& s, const Name& name) {
-    const std::string& object = name.last();
-    const std::string kind = lowerCase(s.dropKind);
-    if (s.dropKind == "INDEX") {
-        const std::string tableName = s.target.empty() ? name.qualifier() : s.target.last();
-        CatalogTablePtr table = catalog_.findTable(tableName);
-        if (!table) throw makeDbError(3701, {"index", name.text()}, s.line);
-        for (const CatalogKey& k : table->keys)
-            if (sameName(k.name, object) && k.kind != CatalogKey::Index)
-                throw makeDbError(
-                    3723,
-                    {name.text(), k.kind == CatalogKey::Primary ? "PRIMARY KEY" : "UNIQUE KEY"},
-                    s.line);
-        try {
-            sqlite_->run("DROP INDEX " + schemaOf(table->sqlName) +
-                         sqliteName(table->sqlName.substr(table->sqlName.find('"') + 1) + object));
-        } catch (const DbError&) {
-            if (s.ifExists) return;
-            throw makeDbError(3701, {"index", tableName + "." + object}, s.line);
-        }
-        SqliteStatement erase = sqlite_->prepare(
-            "DELETE FROM tsql_constraint WHERE tbl = ?1 AND name = ?2 AND kind = 'I'");
-        bindValue(erase.get(), 1, Value(foldName(table->name)));
-        bindValue(erase.get(), 2, Value(object));
-        sqlite_->step(erase.get());
-        catalog_.changed(table->name);
-        return;
-    }
-    if (s.dropKind == "TABLE") {
-        CatalogTablePtr table = catalog_.findTable(object);
-        if (!table) {
-            if (s.ifExists) return;
-            throw makeDbError(3701, {kind, object}, s.line);
-        }
-        sqlite_->run("DROP TABLE " + table->sqlName);
-        if (table->temporary) {
-            catalog_.forgetTemporary(*table);
-        } else {
-            const std::string folded = sqliteText(foldName(object));
-            sqlite_->run("DELETE FROM tsql_constraint WHERE tbl = " + folded +
-                         "; DELETE FROM tsql_identity WHERE tbl = " + folded);
-            catalog_.forgetCreated(object);
-            if (!table->triggers.empty()) {
-                for (const std::string& trigger : table->triggers) {
-                    sqlite_->run("DELETE FROM tsql_module WHERE name = " +
-                                 sqliteText(foldName(trigger)) + " COLLATE TSQL");
-                    catalog_.forgetCreated(trigger);
-                }
-                catalog_.modulesChanged(object);
-            }
-            catalog_.changed(object);
-        }
-        return;
-    }
-    CatalogModulePtr module = catalog_.findModule(object);
-    bool right = false;
-    if (module) {
-        switch (module->kind) {
-            case ModuleKind::View:
-                right = s.dropKind == "VIEW";
-                break;
-            case ModuleKind::Procedure:
-                right = s.dropKind == "PROCEDURE";
-                break;
-            case ModuleKind::Trigger:
-                right = s.dropKind == "TRIGGER";
-                break;
-            default:
-                right = s.dropKind == "FUNCTION";
-        }
-    }
-    if (!right && !module && catalog_.findTable(object))
-        throw makeDbError(3705, {s.dropKind, object, object, "table", "TABLE"}, s.line);
-    if (!right) {
-        if (s.ifExists && !module) return;
-        throw makeDbError(3701, {kind, object}, s.line);
-    }
-    SqliteStatement erase = sqlite_->prepare("DELETE FROM tsql_module WHERE name = ?1");
-    bindValue(erase.get(), 1, Value(module->name));
-    sqlite_->step(erase.get());
-    erase.reset();
-    catalog_.forgetCreated(object);
-    catalog_.modulesChanged(object);
+void Executor::defineModule(Frame& frame) {
+    Together together(*sqlite_);
+    lookAround();
+    createModule(frame, *frame.code->ast.statements[0]);
+    together.done();
 }
 
 void Executor::createModule(Frame& frame, const Statement& s) {
     const ModuleDefinition& m = *s.module;
     const std::string& name = m.name.last();
-    CatalogModulePtr old = catalog_.findModule(name);
+    if (m.name.parts.size() > 2) throw makeDbError(166, {s.alter ? "ALTER" : "CREATE"}, s.line);
+    if (!s.alter) catalog_.requirePlace(m.name, s.line);
+    CatalogModulePtr old = catalog_.findModule(m.name);
     if (s.alter && !old) throw makeDbError(208, {m.name.text()}, s.line);
     if ((old && !s.alter && !s.orAlter) || catalog_.findTable(name))
         throw makeDbError(2714, {name}, s.line);
     std::string stars;
-    std::string source = s.moduleSource;
     if (m.kind == ModuleKind::View || m.kind == ModuleKind::InlineFunction) {
         BindContext context = bindContext(frame);
         Binder binder(context);
@@ -684,24 +583,18 @@ void Executor::createModule(Frame& frame, const Statement& s) {
     }
     int events = 0;
     if (m.kind == ModuleKind::Trigger) {
-        CatalogTablePtr table = catalog_.findTable(m.table.last());
+        CatalogTablePtr table = catalog_.findTable(m.table);
         if (!table)
             throw DbError(8197, 16, 4, s.line,
                           "The object '" + m.table.text() +
                               "' does not exist or is invalid for this operation.");
         events = (m.onInsert ? 1 : 0) | (m.onUpdate ? 2 : 0) | (m.onDelete ? 4 : 0);
     }
-    // Kept so that it can be made again from its own text.
-    if (s.alter || s.orAlter) {
-        const size_t word = foldName(source).find(s.alter ? "alter" : "or alter");
-        source = s.alter ? "CREATE" + source.substr(word + 5)
-                         : source.substr(0, word) + source.substr(word + 8);
-    }
     SqliteStatement insert =
         sqlite_->prepare("INSERT OR REPLACE INTO tsql_module VALUES(?1, ?2, ?3, ?4, ?5, ?6)");
     bindValue(insert.get(), 1, Value(old ? old->name : name));
     bindValue(insert.get(), 2, Value(static_cast<int>(m.kind)));
-    bindValue(insert.get(), 3, Value(source));
+    bindValue(insert.get(), 3, Value(s.moduleSource));
     bindValue(insert.get(), 4, Value(stars));
     bindValue(insert.get(), 5, Value(m.table.empty() ? std::string() : m.table.last()));
     bindValue(insert.get(), 6, Value(events));

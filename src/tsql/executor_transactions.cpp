@@ -56,9 +56,9 @@ ErrorReach reachOf(const DbError& e) {
     return ErrorReach::Statement;
 }
 
-Together::Together(Sqlite& sqlite, const char* savepoint)
-    : sqlite_(sqlite), savepoint_(savepoint), own_(sqlite3_get_autocommit(sqlite.handle()) != 0) {
-    sqlite_.run(own_ ? "BEGIN IMMEDIATE" : "SAVEPOINT " + savepoint_);
+Together::Together(Sqlite& sqlite, bool temporary)
+    : sqlite_(sqlite), own_(sqlite3_get_autocommit(sqlite.handle()) != 0) {
+    sqlite_.run(!own_ ? "SAVEPOINT together" : temporary ? "BEGIN" : "BEGIN IMMEDIATE");
 }
 
 Together::~Together() {
@@ -67,7 +67,7 @@ Together::~Together() {
         if (own_ || sqlite3_get_autocommit(sqlite_.handle())) {
             if (!sqlite3_get_autocommit(sqlite_.handle())) sqlite_.run("ROLLBACK");
         } else {
-            sqlite_.run("ROLLBACK TO " + savepoint_ + "; RELEASE " + savepoint_);
+            sqlite_.run("ROLLBACK TO together; RELEASE together");
         }
     } catch (const DbError&) {
         // SQLite has rolled back by itself already.
@@ -75,7 +75,7 @@ Together::~Together() {
 }
 
 void Together::done() {
-    sqlite_.run(own_ ? "COMMIT" : "RELEASE " + savepoint_);
+    sqlite_.run(own_ ? "COMMIT" : "RELEASE together");
     finished_ = true;
 }
 
@@ -104,6 +104,7 @@ void Executor::endBatchTransaction() {
 }
 
 void Executor::begin() {
+    if (transactions_ > 0) throw DbError(-2147168237, 16, 1, 0, "A transaction is already open.");
     beginTransaction();
 }
 
@@ -135,10 +136,6 @@ void Executor::runTransaction(Frame& frame, const Statement& s) {
 
 void Executor::beginTransaction(const std::string& name) {
     if (transactions_ == 0) {
-        if (implicit_) {
-            sqlite_->run("COMMIT");
-            implicit_ = false;
-        }
         sqlite_->run("BEGIN IMMEDIATE");
         catalog_.refresh();
         transactionName_ = name;
@@ -151,12 +148,10 @@ void Executor::commitTransaction() {
     if (transactions_ == 0) throw makeDbError(3902);
     requireSoundTransaction();
     if (transactions_ == 1) {
-        if (statementTransaction_ && implicit_)
-            sqlite_->run("RELEASE statement");
-        else
-            sqlite_->run("COMMIT");
+        sqlite_->run("COMMIT");
         savepoints_.clear();
         statementTransaction_ = false;
+        appLocks_.endTransaction();
     }
     --transactions_;
     inTransaction_ = transactions_ > 0;
@@ -185,11 +180,7 @@ void Executor::rollbackTransaction(const std::string& name) {
     inTransaction_ = false;
     doomed_ = false;
     savepoints_.clear();
-    if (statementTransaction_ && implicit_) {
-        // The statements of the batch before this one are committed for T-SQL.
-        statementTransaction_ = false;
-        return rollbackFile("ROLLBACK TO statement; RELEASE statement");
-    }
+    appLocks_.endTransaction();
     statementTransaction_ = false;
     if (!sqlite3_get_autocommit(sqlite_->handle())) return rollbackFile("ROLLBACK");
     catalog_.rolledBack();

@@ -68,26 +68,27 @@ void Executor::constraintFailure(const DbError& e, const CatalogTable& table, St
     const size_t colon = text.find(": ");
     const std::string rest = colon == std::string::npos ? "" : text.substr(colon + 2);
     const std::string object = "dbo." + table.name;
+    // SQLite tells "table.column, table.column"; the table may be the one that is to become it.
+    const auto told = [&](const std::vector<std::string>& columns) {
+        for (const std::string& name : {table.bareName(), std::string(kRebuiltTable)}) {
+            std::string list;
+            for (const std::string& c : columns) {
+                const int at = table.findColumn(c);
+                list +=
+                    (list.empty() ? "" : ", ") + name + "." + (at < 0 ? c : table.columns[at].name);
+            }
+            if (sameName(list, rest)) return true;
+        }
+        return false;
+    };
     if (text.starts_with("NOT NULL")) {
-        const std::string column = rest.substr(rest.find_last_of('.') + 1);
-        throw makeDbError(515, {column, catalog_.fullName(table), verb});
+        for (const CatalogColumn& c : table.columns)
+            if (told({c.name})) throw makeDbError(515, {c.name, catalog_.fullName(table), verb});
     }
     if (text.starts_with("UNIQUE")) {
-        std::vector<std::string> columns;
-        size_t from = 0;
-        while (from < rest.size()) {
-            size_t end = rest.find(", ", from);
-            if (end == std::string::npos) end = rest.size();
-            const std::string one = rest.substr(from, end - from);
-            columns.push_back(one.substr(one.find_last_of('.') + 1));
-            from = end + 2;
-        }
-        const CatalogKey* key = table.keyOn(columns);
-        if (rest.starts_with("index '")) {  // the one that keeps NULL single: T"name~null
-            const size_t from = rest.find_last_of('"') + 1;
-            const std::string name = rest.substr(from, rest.find_last_of('~') - from);
-            for (const CatalogKey& k : table.keys)
-                if (k.name == name) key = &k;
+        const CatalogKey* key = nullptr;
+        for (const CatalogKey& k : table.keys) {
+            if (told(k.columns) || rest == "index '" + table.nullIndexName(k.name) + "'") key = &k;
         }
         std::string value;
         if (key && !rows.empty()) {
@@ -120,12 +121,15 @@ void Executor::runWrite(Frame& frame, const Statement& s) {
     if (options_.rowCount > 0 && s.kind != StatementKind::Truncate)
         throw makeDbError(15281, {"A statement that writes under SET ROWCOUNT"}, s.line);
     if (s.kind == StatementKind::Truncate) {
-        CatalogTablePtr table = catalog_.findTable(s.target.last());
-        if (!table) throw makeDbError(4701, {s.target.last()}, s.line);
+        lookAround();
+        CatalogTablePtr table = catalog_.findTable(s.target);
+        if (!table) throw makeDbError(4701, {s.target.text()}, s.line);
+        Together together(*sqlite_);
         sqlite_->run("DELETE FROM " + table->sqlName);
         if (table->identityColumn() >= 0 && !table->temporary)
             sqlite_->run("UPDATE tsql_identity SET last = NULL WHERE tbl = " +
                          sqliteText(foldName(table->name)));
+        together.done();
         rowCount_ = 0;
         return;
     }
@@ -169,10 +173,7 @@ void Executor::runPlanned(Frame& frame, const Statement& s, Plan& p) {
             return replaceRows(frame, p);
         std::string rows;
         if (unique && p.writes == StatementKind::Insert && !p.givesIdentity) {
-            const size_t list = p.sql.find('(');
-            const size_t end = p.sql.find(") ", list);
-            rows = "WITH src" + p.sql.substr(list, end + 1 - list) + " AS (" +
-                   p.sql.substr(end + 2) + ")";
+            rows = "WITH src" + p.insertColumns + " AS (" + p.insertRows + ")";
         }
         constraintFailure(e, *target, p.writes, rows, &frame, &p);
     }
@@ -197,11 +198,7 @@ int64_t Executor::replaceCollected(Plan& p, const std::string& rows) {
                  touched);
     std::string names;
     for (const CatalogColumn& c : table.columns) names += ", " + sqliteName(c.name);
-    std::string change = p.applySql;
-    change.replace(change.find(table.sqlName), table.sqlName.size(), moved);
-    change.replace(change.find('%'), 1, rows);
-    change.replace(change.rfind("u.rowid"), 7, "u.rid");
-    sqlite_->run(change);
+    sqlite_->run(p.updateSql(moved, "rid", rows));
     const int64_t count = sqlite3_changes64(sqlite_->handle());
     sqlite_->run("DELETE FROM " + table.sqlName + touched);
     try {
@@ -252,7 +249,14 @@ void Executor::insertExecuted(Frame& frame, const Statement& s) {
     for (const DbError& e : rows.errors) noteError(e);
     Together together(*sqlite_);
     int64_t count = 0;
-    for (const ResultSet& set : rows.sets) {
+    for (ResultSet& set : rows.sets) {
+        if (s.top) {
+            const SqlType big = SqlType::of(SqlKind::BigInt);
+            const Value most = evaluate(frame, *s.top, &big);
+            if (most.isNull()) throw makeDbError(1060, {}, s.line);
+            if (most.toInt() < 0) throw makeDbError(127, {}, s.line);
+            set.rows = std::min(set.rows, static_cast<size_t>(most.toInt() - count));
+        }
         insertRows(frame, s.target, s.columns, set, s.line);
         count += rowCount_;
     }
@@ -288,24 +292,24 @@ void Executor::insertRows(Frame& frame, const Name& target, const std::vector<st
     std::map<std::string, CatalogTablePtr> pseudo;
     if (frame.pseudoTables) pseudo = *frame.pseudoTables;
     pseudo["given rows"] = std::make_shared<CatalogTable>(source);
-    static const auto select = compileBatch("SELECT * FROM [given rows]");
     Statement insert(StatementKind::Insert, line);
     insert.target = target;
     insert.columns = columns;
-    insert.query = std::move(select->ast.statements[0]->query);
+    insert.query = std::make_unique<Query>();
+    insert.query->body = std::make_unique<QueryBody>();
+    insert.query->body->items.emplace_back().star = true;
+    insert.query->body->from.push_back(std::make_unique<TableRef>());
+    insert.query->body->from[0]->name.parts.emplace_back("given rows");
     BindContext context = bindContext(frame);
     context.pseudoTables = &pseudo;
-    const auto giveBack = [&] { select->ast.statements[0]->query = std::move(insert.query); };
     try {
         std::unique_ptr<Plan> p =
             Planner(context).insert(insert, foldName(target.last()) == identityInsert_);
         runPlanned(frame, insert, *p);
     } catch (const DbError& e) {
-        giveBack();
         if (e.number == 120 || e.number == 121) throw makeDbError(213, {}, line);
         throw;
     }
-    giveBack();
     const int64_t count = rowCount_;
     sqlite_->run("DROP TABLE " + source.sqlName);
     together.done();
@@ -347,7 +351,7 @@ void Executor::runWithTriggers(Frame& frame, const Statement& s, Plan& p) {
     const std::string rows = "temp.\"rows~" + number + "\"";
     const std::string deletedName = "temp.\"deleted~" + number + "\"";
     const std::string insertedName = "temp.\"inserted~" + number + "\"";
-    Together together(*sqlite_, transactions_ == 0 ? "statement" : "together");
+    Together together(*sqlite_);
     sqlite_->run("CREATE TABLE " + deletedName + " AS SELECT * FROM " + table.sqlName +
                  " WHERE 0; CREATE TABLE " + insertedName + " AS SELECT * FROM " + table.sqlName +
                  " WHERE 0");
@@ -366,11 +370,9 @@ void Executor::runWithTriggers(Frame& frame, const Statement& s, Plan& p) {
         const std::string touched = " SELECT * FROM " + table.sqlName +
                                     " WHERE rowid IN (SELECT rid FROM " + rows + ") ORDER BY rowid";
         sqlite_->run("INSERT INTO " + deletedName + touched);
-        std::string apply = p.applySql;
-        apply.replace(apply.find('%'), 1, rows);
         try {
             if (p.writes == StatementKind::Delete || !p.assignedColumns.empty())
-                sqlite_->run(apply);
+                sqlite_->run(p.applySql(rows));
         } catch (const DbError& e) {
             const bool unique =
                 e.number == -2627 && std::string_view(e.what()).starts_with("UNIQUE");
@@ -393,6 +395,9 @@ void Executor::runWithTriggers(Frame& frame, const Statement& s, Plan& p) {
     if (s.output) runOutput(frame, s, p, pseudo);
     const std::vector<std::string> outer = std::move(updatedColumns_);
     updatedColumns_ = p.assignedColumns;
+    // A new row has all its columns from the INSERT, if only by default.
+    if (p.writes == StatementKind::Insert)
+        for (const CatalogColumn& c : table.columns) updatedColumns_.push_back(foldName(c.name));
     rowCount_ = count;
     fireTriggers(p, pseudo);
     updatedColumns_ = outer;
@@ -412,6 +417,7 @@ void Executor::fireTriggers(Plan& p, const std::map<std::string, CatalogTablePtr
         if (!alone || !statementTransaction_) return;
         transactions_ = 0;
         statementTransaction_ = inTransaction_ = false;
+        appLocks_.endTransaction();
     };
     for (const std::string& name : p.triggers) {
         CatalogModulePtr module = catalog_.findModule(name);
@@ -490,9 +496,10 @@ void Executor::storeIdentity(const CatalogTable& table) {
 }
 
 Value Executor::identityOf(const std::string& name) {
-    const auto last =
-        sqlite_->number("SELECT last FROM tsql_identity WHERE tbl = " +
-                        sqliteText(foldName(name.substr(name.find_last_of('.') + 1))));
+    const Name written = nameInText(name);
+    if (written.empty() || written.parts.size() > 3 || !catalog_.isHere(written)) return {};
+    const auto last = sqlite_->number("SELECT last FROM tsql_identity WHERE tbl = " +
+                                      sqliteText(foldName(written.last())));
     return last ? Value(Decimal(*last, 0)) : Value();
 }
 

@@ -21,12 +21,9 @@ void trampoline(sqlite3_context* context, int count, sqlite3_value** arguments) 
     const auto* r = static_cast<Registered*>(sqlite3_user_data(context));
     try {
         r->body(context, count, arguments);
-    } catch (const DbError& e) {
-        r->sqlite->raise(e);
-        sqlite3_result_error(context, e.what(), -1);
-    } catch (const DecimalOverflow&) {
-        r->sqlite->raise(makeDbError(8115, {"expression", "numeric"}));
-        sqlite3_result_error(context, "overflow", -1);
+    } catch (...) {
+        r->sqlite->raise(caughtError());
+        sqlite3_result_error(context, "failed", -1);
     }
 }
 
@@ -40,9 +37,9 @@ void hostTrampoline(sqlite3_context* context, int count, sqlite3_value** argumen
     const auto* h = static_cast<HostCall*>(sqlite3_user_data(context));
     try {
         resultValue(context, h->body(*h->host, count, arguments));
-    } catch (const DbError& e) {
-        h->sqlite->raise(e);
-        sqlite3_result_error(context, e.what(), -1);
+    } catch (...) {
+        h->sqlite->raise(caughtError());
+        sqlite3_result_error(context, "failed", -1);
     }
 }
 
@@ -226,9 +223,20 @@ void registerFunctions(Sqlite& sqlite, FunctionHost& host) {
         },
         false);
     registerHostFunction(
+        sqlite, host, "t_applock", 4,
+        [](FunctionHost& h, int, sqlite3_value** a) {
+            std::optional<std::string> mode;
+            if (sqlite3_value_type(a[2]) != SQLITE_NULL) mode = argumentText(a[2]);
+            const bool owned = sqlite3_value_type(a[3]) != SQLITE_NULL;
+            return h.applicationLock(std::string(argumentText(a[0])),
+                                     std::string(argumentText(a[1])), mode,
+                                     owned ? std::string(argumentText(a[3])) : "Transaction");
+        },
+        false);
+    registerHostFunction(
         sqlite, host, "t_newid", 0,
         [](FunctionHost&, int, sqlite3_value**) {
-            static std::mt19937_64 random{std::random_device{}()};
+            static thread_local std::mt19937_64 random{std::random_device{}()};
             char b[40];
             const uint64_t x = random(), y = random();
             std::snprintf(b, sizeof b, "%08X-%04X-4%03X-%04X-%012llX",

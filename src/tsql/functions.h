@@ -30,6 +30,10 @@ class FunctionHost {
     virtual Value columnLength(const std::string& table, const std::string& column) = 0;
     virtual int64_t nextIdentity() = 0;
     virtual Value identityOf(const std::string& table) = 0;
+    // APPLOCK_TEST; APPLOCK_MODE without a mode.
+    virtual Value applicationLock(const std::string& principal, const std::string& resource,
+                                  const std::optional<std::string>& mode,
+                                  const std::string& owner) = 0;
 };
 
 void registerFunctions(Sqlite& sqlite, FunctionHost& host);

@@ -27,9 +27,7 @@ std::string fixedDigits(const Decimal& size, int places, bool grouped) {
 }
 
 std::string exponentText(double v, int places, char e, size_t exponentDigits) {
-    char b[160];
-    std::snprintf(b, sizeof b, "%.*e", places, v);
-    std::string text = b;
+    const std::string text = numberText(v, std::chars_format::scientific, places);
     const size_t at = text.find('e');
     std::string digits = std::to_string(std::abs(std::atoi(text.c_str() + at + 1)));
     while (digits.size() < exponentDigits) digits.insert(digits.begin(), '0');

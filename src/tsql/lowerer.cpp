@@ -17,6 +17,8 @@ namespace {
 
 // Operators that chain to the left without parentheses: SQLite's parser bears only some hundred
 // open ones.
+constexpr size_t kLongestSql = 1000000;  // which is what SQLite takes
+
 enum { kNone, kAnd, kOr, kJoin, kSum };
 
 int chainKind(const BoundExpr& e) {
@@ -93,6 +95,8 @@ std::string Lowerer::expression(const BoundExpr& e) {
             return "(" + expression(left) + (left.type.isText() ? " COLLATE TSQL" : "") +
                    (e.negated ? " NOT IN (" : " IN (") + query(*e.query, false) + "))";
         }
+        case BoundKind::Verbatim:
+            return e.pattern;
         case BoundKind::Op:
             break;
     }
@@ -121,6 +125,8 @@ std::string Lowerer::expression(const BoundExpr& e) {
         out += expression(*e.args[n]);
         i = at - 1;
     }
+    // An operand that stands in a form twice doubles at every level.
+    if (out.size() > kLongestSql) throw makeDbError(8623);
     return out;
 }
 

@@ -17,6 +17,8 @@ struct PlanParameter {
     bool negated = false;
 };
 
+Value negated(const Value& v);  // of a number
+
 // The right side of an APPLY: a query whose Outer parameters are columns of the left side, or a
 // table function. Its address stands in the SQL that uses it.
 struct ApplyPlan {

@@ -2,6 +2,7 @@
 #include "tsql/parser.h"
 
 #include "base/db_error.h"
+#include "base/number_text.h"
 #include "base/utf8.h"
 #include "tsql/types.h"
 
@@ -106,7 +107,7 @@ LiteralSlot literalOf(const Token& token) {
             break;
         }
         case TokenKind::Float:
-            slot.value = Value(std::strtod(std::string(token.text).c_str(), nullptr));
+            slot.value = Value(textToNumber(token.text));
             slot.type = SqlType::of(SqlKind::Float);
             break;
         case TokenKind::NString:

@@ -103,6 +103,7 @@ class Parser {
     std::vector<Parameter> parseParameters(bool parenthesised);
 
     // --- queries (parser_queries.cpp) ---
+    bool atSelect() const;
     std::vector<CommonTable> parseWith();
     QueryPtr parseQuery(std::vector<CommonTable> with = {});
     std::unique_ptr<QueryBody> parseQueryBody();
@@ -134,9 +135,17 @@ class Parser {
     std::unique_ptr<WindowSpec> parseWindow();
     ExprPtr parseLiteral();
     ExprPtr binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr right);
-    void countLink(int& links) const;
+    void countLink(int& links, int most = 1000) const;
 
-    class Depth;
+    // Keeps nesting within what the stack bears.
+    class Depth {
+      public:
+        explicit Depth(Parser& p);
+        ~Depth() { --p_.depth_; }
+
+      private:
+        Parser& p_;
+    };
 
     std::string_view text_;
     const std::vector<Token>& tokens_;

@@ -1,4 +1,5 @@
 // Cursors, GOTO with its labels, WAITFOR.
+#include "base/db_error.h"
 #include "base/utf8.h"
 #include "tsql/parser.h"
 
@@ -32,6 +33,13 @@ StatementPtr Parser::parseCursor(std::string name, bool local) {
     if (forward) s->on = false;
     expectWord("FOR");
     s->query = parseQuery();
+    for (const QueryBody* body = s->query->body.get(); body; body = body->left.get()) {
+        if (!body->into.empty())
+            throw makeDbError(154, {"The INTO clause", "a cursor declaration"}, s->line);
+        for (const SelectItem& item : body->items)
+            if (!item.variable.empty())
+                throw makeDbError(154, {"Variable assignment", "a cursor declaration"}, s->line);
+    }
     if (takeWord("FOR")) {
         if (takeWord("READ")) {
             expectWord("ONLY");

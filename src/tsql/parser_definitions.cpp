@@ -298,7 +298,23 @@ StatementPtr Parser::parseModule(size_t firstToken, bool alter, bool orAlter) {
         }
         if (m.body.empty()) syntaxError();
     }
-    s->moduleSource = std::string(text_.substr(tokens_[firstToken].begin));
+    // Kept so that it can be made again from its own text.
+    const auto from = [&](size_t at, size_t end = std::string_view::npos) {
+        return std::string(text_.substr(at, end - at));
+    };
+    const Token& word = tokens_[firstToken];
+    if (alter) {
+        s->moduleSource = "CREATE" + from(word.end);
+    } else if (orAlter) {
+        const Token &orWord = tokens_[firstToken + 1], &alterWord = tokens_[firstToken + 2];
+        const std::string between = from(orWord.end, alterWord.begin);
+        s->moduleSource =
+            from(word.begin, orWord.begin) +
+            (trim(between).empty() && between.find('\n') == std::string::npos ? "" : between) +
+            from(alterWord.end);
+    } else {
+        s->moduleSource = from(word.begin);
+    }
     return s;
 }
 

@@ -5,24 +5,16 @@
 
 namespace owb::tsql {
 
-// Keeps nesting within what the stack bears.
-class Parser::Depth {
-  public:
-    explicit Depth(Parser& p) : p_(p) {
-        if (++p_.depth_ > 400) {
-            p_.depth_ = 0;
-            throw makeDbError(8623, {}, static_cast<int>(p_.peek().line));
-        }
+Parser::Depth::Depth(Parser& p) : p_(p) {
+    if (++p_.depth_ > 400) {
+        p_.depth_ = 0;
+        throw makeDbError(8623, {}, static_cast<int>(p_.peek().line));
     }
-    ~Depth() { --p_.depth_; }
-
-  private:
-    Parser& p_;
-};
+}
 
 // A chain of operators leans to the left, as deep as it is long.
-void Parser::countLink(int& links) const {
-    if (++links > 1000) throw makeDbError(8623, {}, static_cast<int>(peek().line));
+void Parser::countLink(int& links, int most) const {
+    if (++links > most) throw makeDbError(8623, {}, static_cast<int>(peek().line));
 }
 
 ExprPtr Parser::binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr right) {
@@ -104,7 +96,7 @@ ExprPtr Parser::parsePredicateTail(ExprPtr left) {
     if (takeWord("IN")) {
         expectOperator("(");
         std::unique_ptr<Expr> e;
-        if (isWord("SELECT") || isWord("WITH") || (isOperator("(") && isWord("SELECT", 1))) {
+        if (isWord("WITH") || atSelect()) {
             e = std::make_unique<Expr>(ExprKind::InQuery, line);
             e->args.push_back(std::move(left));
             e->query = parseQuery();
@@ -222,7 +214,7 @@ ExprPtr Parser::parsePrimary() {
     }
     if (isOperator("(")) {
         take();
-        if (isWord("SELECT") || isWord("WITH") || (isOperator("(") && isWord("SELECT", 1))) {
+        if (isWord("WITH") || atSelect()) {
             auto e = std::make_unique<Expr>(ExprKind::Subquery, line);
             e->query = parseQuery();
             expectOperator(")");

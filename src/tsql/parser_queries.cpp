@@ -5,6 +5,12 @@
 
 namespace owb::tsql {
 
+namespace {
+
+constexpr int kMostSets = 500;  // of UNION and its like in a row, which is what SQLite takes
+
+}  // namespace
+
 std::vector<CommonTable> Parser::parseWith() {
     std::vector<CommonTable> tables;
     if (!takeWord("WITH")) return tables;
@@ -22,6 +28,7 @@ std::vector<CommonTable> Parser::parseWith() {
 }
 
 QueryPtr Parser::parseQuery(std::vector<CommonTable> with) {
+    Depth depth(*this);
     auto query = std::make_unique<Query>();
     query->with = with.empty() ? parseWith() : std::move(with);
     query->body = parseQueryBody();
@@ -60,9 +67,28 @@ int Parser::parseOptionClause() {
     return recursion;
 }
 
+// Whether what follows an opened parenthesis is a query, itself perhaps in more of them: each of
+// these closes before another one does or before a word that joins queries. So "((SELECT 1) + 1)"
+// holds none, nor does "((SELECT 1 AS a) AS x JOIN t ON x.a = t.a)".
+bool Parser::atSelect() const {
+    size_t open = 0;
+    while (isOperator("(", open)) ++open;
+    if (!isWord("SELECT", open)) return false;
+    size_t leading = open;  // of the parentheses before SELECT, those that have not closed yet
+    for (size_t at = open; leading > 0 && peek(at).kind != TokenKind::End; ++at) {
+        if (isOperator("(", at)) ++open;
+        if (!isOperator(")", at) || --open >= leading) continue;
+        leading = open;
+        if (!isOperator(")", at + 1) && !isWord("UNION", at + 1) && !isWord("EXCEPT", at + 1) &&
+            !isWord("INTERSECT", at + 1) && !isWord("ORDER", at + 1))
+            return false;
+    }
+    return true;
+}
+
 std::unique_ptr<QueryBody> Parser::parseQueryBody() {
     auto left = parseIntersect();
-    while (isWord("UNION") || isWord("EXCEPT")) {
+    for (int links = 0; isWord("UNION") || isWord("EXCEPT"); countLink(links, kMostSets)) {
         auto both = std::make_unique<QueryBody>();
         both->line = static_cast<int>(peek().line);
         if (takeWord("UNION"))
@@ -80,7 +106,7 @@ std::unique_ptr<QueryBody> Parser::parseQueryBody() {
 
 std::unique_ptr<QueryBody> Parser::parseIntersect() {
     auto left = parseQueryPrimary();
-    while (isWord("INTERSECT")) {
+    for (int links = 0; isWord("INTERSECT"); countLink(links, kMostSets)) {
         auto both = std::make_unique<QueryBody>();
         both->line = static_cast<int>(take().line);
         both->kind = QueryBody::Intersect;
@@ -93,6 +119,7 @@ std::unique_ptr<QueryBody> Parser::parseIntersect() {
 
 std::unique_ptr<QueryBody> Parser::parseQueryPrimary() {
     if (takeOperator("(")) {
+        Depth depth(*this);
         auto body = parseQueryBody();
         expectOperator(")");
         return body;
@@ -246,7 +273,8 @@ std::vector<TableRefPtr> Parser::parseFromList() {
 
 TableRefPtr Parser::parseJoined() {
     TableRefPtr left = parseTablePrimary();
-    while (true) {
+    for (int tables = 1;; ++tables) {
+        if (tables > 256) throw makeDbError(106, {"256"}, left->line);
         JoinKind kind;
         bool condition = true;
         if (isWord("JOIN")) {
@@ -326,8 +354,8 @@ TableRefPtr Parser::parseTablePrimary() {
     auto table = std::make_unique<TableRef>();
     table->line = static_cast<int>(peek().line);
     if (takeOperator("(")) {
-        if (isWord("SELECT") || isWord("WITH") || isWord("VALUES") ||
-            (isOperator("(") && isWord("SELECT", 1))) {
+        Depth depth(*this);
+        if (isWord("WITH") || isWord("VALUES") || atSelect()) {
             table->kind = TableRef::Derived;
             table->query = parseQuery();
             expectOperator(")");

@@ -40,33 +40,6 @@ StatementPtr Parser::parseStatement() {
     --depth_;
     while (takeOperator(";")) {
     }
-    switch (s->kind) {
-        case StatementKind::Query:
-        case StatementKind::Declare:
-        case StatementKind::Set:
-        case StatementKind::SetOption:
-        case StatementKind::If:
-        case StatementKind::While:
-        case StatementKind::Block:
-        case StatementKind::TryCatch:
-        case StatementKind::Return:
-        case StatementKind::Break:
-        case StatementKind::Continue:
-        case StatementKind::Print:
-        case StatementKind::RaiseError:
-        case StatementKind::Throw:
-        case StatementKind::DeclareCursor:
-        case StatementKind::OpenCursor:
-        case StatementKind::FetchCursor:
-        case StatementKind::CloseCursor:
-        case StatementKind::DeallocateCursor:
-        case StatementKind::Label:
-        case StatementKind::Goto:
-        case StatementKind::WaitFor:
-            break;
-        default:
-            batch_.mayWrite = true;
-    }
     return s;
 }
 
@@ -85,15 +58,11 @@ StatementPtr Parser::parseStatementHere() {
         if (isWord("DELETE")) return parseDelete(std::move(with));
         StatementPtr s = newStatement(StatementKind::Query);
         s->query = parseQuery(std::move(with));
-        if (!s->query->body->into.empty()) batch_.mayWrite = true;
         return s;
     }
     if (isWord("SELECT") || isOperator("(")) {
         StatementPtr s = newStatement(StatementKind::Query);
         s->query = parseQuery();
-        const QueryBody* first = s->query->body.get();
-        while (first->left) first = first->left.get();
-        if (!first->into.empty()) batch_.mayWrite = true;
         return s;
     }
     if (isWord("INSERT")) return parseInsert({});
@@ -257,7 +226,8 @@ StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
             }
             a.value = parseAdditive();
         } else {
-            a.column = parseName().last();
+            a.written = parseName();
+            a.column = a.written.last();
             a.op = expectAssignment();
             a.value = parseAdditive();
         }
@@ -353,21 +323,17 @@ StatementPtr Parser::parseSet() {
     take();
     if (peek().kind != TokenKind::Name) syntaxError();
     s->option = upperCase(take().text);
+    if (s->option == "IDENTITY_INSERT") s->target = parseName();
     while (!isWord("ON") && !isWord("OFF") && peek().kind == TokenKind::Name && !atStatementStart())
         s->option += " " + upperCase(take().text);
     if (s->option == "DATEFIRST" || s->option == "LOCK_TIMEOUT" || s->option == "ROWCOUNT") {
         s->value = parseUnary();
         return s;
     }
-    if (s->option.starts_with("DATEFORMAT") || s->option.starts_with("LANGUAGE")) return s;
-    if (s->option.starts_with("IDENTITY_INSERT")) {
-        const size_t space = s->option.find(' ');
-        if (space != std::string::npos)
-            s->target.parts.push_back(s->option.substr(space + 1));
-        else
-            s->target = parseName();
-        while (takeOperator(".")) s->target = parseName();
-        s->option = "IDENTITY_INSERT";
+    if (s->option.starts_with("DATEFORMAT") || s->option.starts_with("LANGUAGE")) {
+        // A bare word, or a text or variable behind the option's name.
+        if (s->option.find(' ') == std::string::npos) s->value = parsePrimary();
+        return s;
     }
     if (s->option.starts_with("TRANSACTION ISOLATION")) return s;
     if (takeWord("ON"))

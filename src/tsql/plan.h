@@ -27,11 +27,18 @@ struct Plan {
     std::vector<std::string> triggers;  // fired afterwards
     // With triggers: the rows first ("rid", "c0"..), then the change from the table of rows.
     std::string collectSql;
-    std::string applySql;                      // "%" stands for the table of rows
+    std::string assignments;                   // of an Update: "a" = s.c0, ...
     std::vector<std::string> assignedColumns;  // of an Update, folded
     bool stepwise = false;  // runs as with triggers: OUTPUT reads the rows, or a variable is set
     bool givesIdentity = false;
     bool explicitIdentity = false;
+    std::string insertColumns, insertRows;  // of an Insert: the parts of `sql`
+
+    // The change of the target's rows by those collected in `rows`, a table or a query.
+    std::string applySql(const std::string& rows) const;
+    // The same as an UPDATE of another table, whose column `rowid` names the row.
+    std::string updateSql(const std::string& table, const std::string& rowid,
+                          const std::string& rows) const;
 
     struct TableFill {
         std::string function;

@@ -88,6 +88,17 @@ void checkLabels(const std::vector<StatementPtr>& statements) {
 
 }  // namespace
 
+std::string Plan::applySql(const std::string& rows) const {
+    if (writes == StatementKind::Update) return updateSql(target->sqlName, "rowid", rows);
+    return "DELETE FROM " + target->sqlName + " WHERE rowid IN (SELECT rid FROM " + rows + ")";
+}
+
+std::string Plan::updateSql(const std::string& table, const std::string& rowid,
+                            const std::string& rows) const {
+    return "UPDATE " + table + " AS u SET " + assignments + " FROM " + rows + " AS s WHERE u." +
+           rowid + " = s.rid";
+}
+
 int CompiledBatch::findVariable(const std::string& name) const {
     const std::string folded = foldName(name);
     for (size_t i = 0; i < variables.size(); ++i)
@@ -166,6 +177,11 @@ std::unique_ptr<Plan> Planner::condition(const Expr& e) {
 std::unique_ptr<Plan> Planner::query(const Query& query) {
     auto plan = std::make_unique<Plan>();
     Binder binder(context_);
+    for (const QueryBody* body = query.body.get(); body->left; body = body->left.get())
+        for (const QueryBody* part : {body->left.get(), body->right.get()})
+            for (const SelectItem& item : part->items)
+                if (!item.variable.empty()) throw makeDbError(10734, {}, item.line);
+    binder.statement = true;
     auto q = binder.bindQuery(query);
     finish(binder, *plan);
     for (const BoundColumn& c : q->columns) {
@@ -335,27 +351,27 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
     for (int c : omitted)
         allNames += (allNames.empty() ? "" : ",") + sqliteName(table->columns[c].name);
 
-    plan->sql = "INSERT INTO " + table->sqlName + "(" + allNames + ") ";
+    std::string& rows = plan->insertRows;
     if (s.defaultValues) {
-        plan->sql += "VALUES(" + omittedText().substr(1) + ")";
+        rows += "VALUES(" + omittedText().substr(1) + ")";
     } else if (s.query->body->kind == QueryBody::Values && s.query->orderBy.empty()) {
-        plan->sql += "VALUES";
+        rows += "VALUES";
         bool firstRow = true;
         for (const auto& row : s.query->body->rows) {
             if (row.size() != columns.size()) {
                 if (s.columns.empty()) throw widthError(row.size());
                 throw makeDbError(row.size() < columns.size() ? 109 : 110, {}, s.line);
             }
-            plan->sql += firstRow ? "(" : ",(";
+            rows += firstRow ? "(" : ",(";
             firstRow = false;
             for (size_t i = 0; i < row.size(); ++i) {
                 const CatalogColumn& column = table->columns[columns[i]];
                 BoundPtr v = row[i]->kind == ExprKind::Default ? columnDefault(binder, column)
                                                                : binder.bindValue(*row[i]);
-                plan->sql += (i ? "," : "") +
-                             lowerer.expression(*binder.assign(std::move(v), *table, column));
+                rows += (i ? "," : "") +
+                        lowerer.expression(*binder.assign(std::move(v), *table, column));
             }
-            plan->sql += omittedText() + ")";
+            rows += omittedText() + ")";
         }
     } else {
         auto q = binder.bindQuery(*s.query);
@@ -377,9 +393,14 @@ std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityA
                                            std::move(ref), *table, table->columns[columns[i]]));
         }
         select += omittedText();
-        plan->sql += "SELECT " + select + " FROM (" + lowerer.query(*q, true);
-        plan->sql += ") AS s WHERE true";
+        rows += "SELECT " + select + " FROM (" + lowerer.query(*q, true);
+        rows += ") AS s WHERE true";
     }
+    if (s.top)
+        rows = "SELECT * FROM (" + rows + ") LIMIT " +
+               lowerer.expression(*binder.rowLimit(*s.top, 127));
+    plan->insertColumns = "(" + allNames + ")";
+    plan->sql = "INSERT INTO " + table->sqlName + plan->insertColumns + " " + rows;
     for (const std::string& name : table->triggers)
         if (context_.catalog.findModule(name)->onInsert) plan->triggers.push_back(name);
     finish(binder, *plan);
@@ -446,6 +467,8 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
             plan->stepwise = true;
             continue;
         }
+        if (a.written.parts.size() > 1 && !binder.isNamed(*target.source, a.written))
+            throw makeDbError(4104, {a.written.text()}, a.line);
         const int at = target.findColumn(a.column);
         if (at < 0) throw makeDbError(207, {a.column}, a.line);
         const CatalogColumn& column = table.columns[at];
@@ -511,13 +534,10 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
         if (!target.implicit)
             where = (where.empty() ? "" : where + " AND ") + target.rowid + " IS NOT NULL";
         if (!where.empty()) inner += " WHERE " + where;
-        if (s.top)
-            inner += " LIMIT " + lowerer.expression(*binder.convert(binder.bindValue(*s.top),
-                                                                    SqlType::of(SqlKind::BigInt)));
+        if (s.top) inner += " LIMIT " + lowerer.expression(*binder.rowLimit(*s.top, 127));
         plan->collectSql = inner;
-        const std::string head = "UPDATE " + table.sqlName + " AS u SET " + apply + " FROM ";
-        plan->sql = head + "(" + inner + ") AS s WHERE u.rowid = s.rid";
-        plan->applySql = head + "% AS s WHERE u.rowid = s.rid";
+        plan->assignments = apply;
+        plan->sql = plan->applySql("(" + inner + ")");
     }
     finish(binder, *plan);
     binder.closeTarget();
@@ -545,12 +565,9 @@ std::unique_ptr<Plan> Planner::remove(const Statement& s) {
         std::string inner =
             "SELECT " + target.rowid + " AS rid FROM " + lowerer.fromClause(*target.scope);
         if (target.scope->where) inner += " WHERE " + lowerer.filter(*target.scope->where);
-        if (s.top)
-            inner += " LIMIT " + lowerer.expression(*binder.convert(binder.bindValue(*s.top),
-                                                                    SqlType::of(SqlKind::BigInt)));
+        if (s.top) inner += " LIMIT " + lowerer.expression(*binder.rowLimit(*s.top, 127));
         plan->collectSql = inner;
-        plan->sql = "DELETE FROM " + table.sqlName + " WHERE rowid IN (" + inner + ")";
-        plan->applySql = "DELETE FROM " + table.sqlName + " WHERE rowid IN (SELECT rid FROM %)";
+        plan->sql = plan->applySql("(" + inner + ")");
     }
     finish(binder, *plan);
     binder.closeTarget();

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
@@ -69,6 +70,7 @@ Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeco
         SQLITE_OPEN_NOMUTEX |
         (readOnly ? SQLITE_OPEN_READONLY
                   : SQLITE_OPEN_READWRITE | (create || memory ? SQLITE_OPEN_CREATE : 0));
+    if (!memory && !readOnly) freeSideFiles();
     open(path, flags);
     try {
         // Beside a write-ahead log readers leave files too. In a folder that may not be written, a
@@ -84,6 +86,9 @@ Sqlite::Sqlite(const std::string& path, bool create, bool readOnly, int busySeco
         setBusySeconds(busySeconds);
         sqlite3_create_collation_v2(db_, "TSQL", SQLITE_UTF8, nullptr, collate, nullptr);
         sqlite3_progress_handler(db_, 20000, progress, this);
+        sqlite3_busy_handler(db_, busy, this);
+        sqlite3_rollback_hook(
+            db_, [](void* self) { static_cast<Sqlite*>(self)->rolledBack = true; }, this);
         if (create || memory) {
             run("PRAGMA application_id = " + std::to_string(kApplicationId));
         } else if (number("PRAGMA application_id") != kApplicationId) {
@@ -148,10 +153,50 @@ std::optional<int64_t> Sqlite::number(const std::string& sql) {
 }
 
 bool Sqlite::step(sqlite3_stmt* statement) {
+    const bool before = rolledBack;
     const int rc = sqlite3_step(statement);
     if (rc == SQLITE_ROW) return true;
     if (rc == SQLITE_DONE) return false;
+    if ((rc & 0xFF) == SQLITE_CONSTRAINT) rolledBack = before;
     fail(rc);
+}
+
+// A second connection tries to become the writer: only it can be in nobody's way and find the lock
+// of whoever holds it, which the system ends with its process.
+bool Sqlite::isBeingWritten() const {
+    const std::string file = sqlite3_db_filename(db_, "main");
+    if (file.empty() || sqlite3_db_readonly(db_, "main") == 1) return false;
+    sqlite3* second = nullptr;
+    int rc = sqlite3_open_v2(file.c_str(), &second, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX,
+                             nullptr);
+    if (rc == SQLITE_OK) rc = sqlite3_exec(second, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+    const std::string reason = second ? sqlite3_errmsg(second) : "out of memory";
+    sqlite3_close(second);
+    if (rc != SQLITE_OK && (rc & 0xFF) != SQLITE_BUSY)
+        throw makeDbError(-3, {"Nobody can say who writes to " + file + ": " + reason + "."});
+    return rc != SQLITE_OK;
+}
+
+// The log and its index beside a file that was once read-only are so still when the file may be
+// written again, and would keep it read-only for ever.
+void Sqlite::freeSideFiles() const {
+    struct stat s {};
+    if (access(path_.c_str(), W_OK) != 0 || ::stat(path_.c_str(), &s) != 0) return;
+    for (const char* end : {"-wal", "-shm"}) {
+        const std::string side = path_ + end;
+        // Where that is not allowed, writing tells which file it is.
+        if (fileExists(side) && access(side.c_str(), W_OK) != 0)
+            (void)chmod(side.c_str(), s.st_mode & 0666);
+    }
+}
+
+// The one of the database's files that stands in the way of writing.
+std::string Sqlite::unwritableFile() const {
+    if (access(path_.c_str(), W_OK) == 0)
+        for (const char* end : {"-wal", "-shm"})
+            if (fileExists(path_ + end) && access((path_ + end).c_str(), W_OK) != 0)
+                return path_ + end;
+    return path_;
 }
 
 DbError Sqlite::diskFull() const {
@@ -187,6 +232,10 @@ void Sqlite::fail(int rc) {
             throw makeDbError(-2, {std::to_string(seconds_)});
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
+            if (cancelled) {
+                cancelled = false;
+                throw makeDbError(-1);
+            }
             throw makeDbError(1222);
         case SQLITE_FULL:
             throw diskFull();
@@ -200,7 +249,7 @@ void Sqlite::fail(int rc) {
         }
         case SQLITE_READONLY:
         case SQLITE_PERM:
-            throw makeDbError(3906, {path_});
+            throw makeDbError(3906, {unwritableFile()});
         case SQLITE_NOTADB:
             throw makeDbError(-3, {"The file " + path_ + " is no Orvane Wagebook database."});
         case SQLITE_CORRUPT:
@@ -212,11 +261,12 @@ void Sqlite::fail(int rc) {
             DbError e(-2627, 14, 1, 0, text);
             throw e;
         }
-        case SQLITE_TOOBIG:
-            throw makeDbError(8152);
+        case SQLITE_TOOBIG:  // a statement, or a value
+            throw makeDbError(text.starts_with("statement") ? 8623 : 8152);
         default:
             if (text.starts_with("Expression tree is too large") ||
-                text.starts_with("parser stack overflow") || text.starts_with("at most "))
+                text.starts_with("parser stack overflow") || text.starts_with("at most ") ||
+                text.starts_with("too many "))
                 throw makeDbError(8623);
             if (text == "integer overflow") throw makeDbError(8115, {"expression", "bigint"});
             throw makeDbError(-3, {"The database engine failed: " + text});
@@ -224,7 +274,19 @@ void Sqlite::fail(int rc) {
 }
 
 void Sqlite::setBusySeconds(int seconds) {
-    sqlite3_busy_timeout(db_, seconds <= 0 || seconds > 2000000 ? 2000000000 : seconds * 1000);
+    busyLimit_ = seconds <= 0 ? 2e9 : seconds;
+}
+
+void Sqlite::setBusyMilliseconds(int64_t milliseconds) {
+    busyLimit_ = static_cast<double>(milliseconds) / 1000;
+}
+
+int Sqlite::busy(void* self, int times) {
+    auto* s = static_cast<Sqlite*>(self);
+    if (times == 0) s->busySince_ = coarseClock();
+    if (s->cancelled || coarseClock() - s->busySince_ >= s->busyLimit_) return 0;
+    usleep(static_cast<useconds_t>(std::min(1000 + 2000 * times, 25000)));
+    return 1;
 }
 
 void Sqlite::startClock(int seconds) {
@@ -249,16 +311,37 @@ void Sqlite::checkClock() {
     if (++checks_ % 16 == 0 && timeIsUp()) throw makeDbError(-2, {std::to_string(seconds_)});
 }
 
+void Sqlite::sleep(double seconds) {
+    usleep(static_cast<useconds_t>(seconds * 1e6));
+    checks_ = 15;  // looks at the clock now
+    checkClock();
+}
+
 int Sqlite::progress(void* self) {
     const auto* s = static_cast<const Sqlite*>(self);
     return s->cancelled || s->timeIsUp() ? 1 : 0;
 }
 
+DbError caughtError() {
+    try {
+        throw;
+    } catch (const DbError& e) {
+        return e;
+    } catch (const DecimalOverflow&) {
+        return makeDbError(8115, {"expression", "numeric"});
+    } catch (const std::bad_alloc&) {
+        DbError e = makeDbError(701, {"internal"});
+        e.endsBatch = true;
+        return e;
+    } catch (const std::exception& e) {
+        DbError internal = makeDbError(8630, {e.what()});
+        internal.endsBatch = true;
+        return internal;
+    }
+}
+
 // --- values ---
 
-namespace {
-
-// A wide number as 16 bytes, the sign bit flipped, most significant byte first.
 void packWide(int128 value, unsigned char* out) {
     auto bits = static_cast<unsigned __int128>(value) ^ (static_cast<unsigned __int128>(1) << 127);
     for (int i = 15; i >= 0; --i) {
@@ -266,6 +349,8 @@ void packWide(int128 value, unsigned char* out) {
         bits >>= 8;
     }
 }
+
+namespace {
 
 int128 unpackWide(const unsigned char* in) {
     unsigned __int128 bits = 0;

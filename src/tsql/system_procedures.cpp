@@ -1,5 +1,6 @@
 // The system procedures: sp_help, sp_helptext and sp_helptrigger tell what stands in the database,
-// with the columns and words that the server has for it; sp_executesql is among the calls.
+// with the columns and words that the server has for it; sp_executesql is among the calls, the
+// application locks stand by themselves.
 #include <algorithm>
 
 #include "base/utf8.h"
@@ -121,17 +122,25 @@ std::string joined(const std::vector<std::string>& names) {
                       "' does not exist in database 'main' or is invalid for this operation.");
 }
 
-std::string lastPart(const std::string& object) {
-    std::string last = object.substr(object.find_last_of('.') + 1);
-    if (last.starts_with("[") && last.ends_with("]")) last = last.substr(1, last.size() - 2);
-    return last;
+}  // namespace
+
+CatalogTablePtr Executor::tableNamed(const std::string& text) {
+    const Name name = nameInText(text);
+    return name.empty() ? nullptr : catalog_.findTable(name);
 }
 
-}  // namespace
+CatalogModulePtr Executor::moduleNamed(const std::string& text) {
+    const Name name = nameInText(text);
+    return name.empty() ? nullptr : catalog_.findModule(name);
+}
 
 bool Executor::systemProcedure(Frame& frame, const Statement& s, const std::string& procedure) {
     if (procedure == "sp_executesql") {
         executeSql(frame, s);
+        return true;
+    }
+    if (procedure == "sp_getapplock" || procedure == "sp_releaseapplock") {
+        lockProcedure(frame, s, procedure);
         return true;
     }
     if (procedure != "sp_help" && procedure != "sp_helptext" && procedure != "sp_helptrigger")
@@ -179,8 +188,8 @@ void Executor::helpAll() {
 }
 
 void Executor::help(const std::string& object, int line) {
-    const CatalogTablePtr table = catalog_.findTable(lastPart(object));
-    const CatalogModulePtr module = table ? nullptr : catalog_.findModule(lastPart(object));
+    const CatalogTablePtr table = tableNamed(object);
+    const CatalogModulePtr module = table ? nullptr : moduleNamed(object);
     if (!table && !module) unknownObject(object, line);
     ResultSet set = answer({name("Name"),
                             name("Owner"),
@@ -234,13 +243,12 @@ void Executor::helpIndexes(const CatalogTable& table) {
                             {"index_keys", text(2078), true}});
     const std::string schema = table.temporary ? "temp" : "main";
     // An index bears the name of its table, a quote and its own name; see createKeyIndex.
-    const std::string prefix = table.sqlName.substr(table.sqlName.find('"') + 1);
+    const std::string prefix = table.indexName("");
     SqliteStatement list = sqlite_->prepare(
         "SELECT substr(l.name, " + std::to_string(prefix.size() + 1) +
         "), l.\"unique\", (SELECT group_concat(name, ', ') FROM pragma_index_xinfo(l.name, '" +
-        schema + "') WHERE key) FROM pragma_index_list(" +
-        sqliteText(prefix.substr(0, prefix.size() - 1)) + ", '" + schema +
-        "') l WHERE l.origin = 'c' ORDER BY 1");
+        schema + "') WHERE key) FROM pragma_index_list(" + sqliteText(table.bareName()) + ", '" +
+        schema + "') l WHERE l.origin = 'c' ORDER BY 1");
     const SqlType type = text(SqlType::kMax);
     while (sqlite_->step(list.get())) {
         const std::string index = columnValue(list.get(), 0, type).toText();
@@ -307,8 +315,8 @@ void Executor::helpParameters(CatalogModule& module) {
 }
 
 void Executor::helpText(const std::string& object, int line) {
-    const CatalogModulePtr module = catalog_.findModule(lastPart(object));
-    if (!module && catalog_.findTable(lastPart(object)))
+    const CatalogModulePtr module = moduleNamed(object);
+    if (!module && tableNamed(object))
         throw DbError(15197, 16, 1, line, "There is no text for object '" + object + "'.");
     if (!module) unknownObject(object, line);
     ResultSet set = answer({{"Text", text(255), true}});
@@ -321,7 +329,7 @@ void Executor::helpText(const std::string& object, int line) {
 }
 
 void Executor::helpTrigger(const std::string& object, int line) {
-    const CatalogTablePtr table = catalog_.findTable(lastPart(object));
+    const CatalogTablePtr table = tableNamed(object);
     if (!table) unknownObject(object, line);
     ResultSet set = answer({name("trigger_name"), name("trigger_owner"), number("isupdate"),
                             number("isdelete"), number("isinsert"), number("isafter"),
@@ -335,9 +343,14 @@ void Executor::helpTrigger(const std::string& object, int line) {
     result_->sets.push_back(std::move(set));
 }
 
-std::vector<CatalogColumn> Executor::viewColumns(const CatalogModule& view) {
+std::vector<CatalogColumn> Executor::viewColumns(const CatalogModule& view, size_t arguments) {
     Frame frame;
-    frame.code = compileBatch("SELECT * FROM [" + view.name + "]");
+    std::string name;
+    for (const char c : view.name) name += c == ']' ? "]]" : std::string(1, c);
+    std::string call;
+    for (size_t i = 0; i < arguments; ++i) call += i ? ",NULL" : "NULL";
+    if (view.kind != ModuleKind::View) call = "(" + call + ")";
+    frame.code = compileBatch("SELECT * FROM [" + name + "]" + call);
     const Statement& s = *frame.code->ast.statements[0];
     const Plan& p = plan(frame, &s, [&](Planner& planner) { return planner.query(*s.query); });
     std::vector<CatalogColumn> columns;

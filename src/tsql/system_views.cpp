@@ -204,13 +204,13 @@ void fillIndexes(Source& s, Rows& rows) {
             if (k.kind != CatalogKey::Primary)
                 add(Value(k.name), false, true, false, k.kind == CatalogKey::Unique);
         // What is not unique stands only in SQLite's own schema, its name behind the table's.
-        SqliteStatement plain =
-            s.catalog.sqlite().prepare("SELECT name FROM pragma_index_list(" + sqliteText(t->name) +
-                                       ") WHERE origin = 'c' AND \"unique\" = 0 ORDER BY seq DESC");
+        SqliteStatement plain = s.catalog.sqlite().prepare(
+            "SELECT name FROM pragma_index_list(" + sqliteText(t->bareName()) +
+            ") WHERE origin = 'c' AND \"unique\" = 0 ORDER BY seq DESC");
         while (s.catalog.sqlite().step(plain.get())) {
             const std::string index =
                 reinterpret_cast<const char*>(sqlite3_column_text(plain.get(), 0));
-            add(Value(index.substr(index.find('"') + 1)), false, false, false, false);
+            add(Value(index.substr(t->indexName("").size())), false, false, false, false);
         }
     }
 }
@@ -331,7 +331,9 @@ const std::vector<View>& views() {
                      "dm_tran_database_transactions",
                      {column("transaction_id", integer), column("database_id", integer)},
                      [](Source& s, Rows& rows) {
-                         if (s.inTransaction) rows.push_back({Value(1), Value(1)});
+                         // One connection at a time is in a transaction.
+                         if (s.inTransaction || s.catalog.sqlite().isBeingWritten())
+                             rows.push_back({Value(1), Value(1)});
                      }});
         v.push_back({"information_schema",
                      "columns",
@@ -435,8 +437,8 @@ int filter(sqlite3_vtab_cursor* base, int, const char*, int, sqlite3_value**) {
     cursor->at = 0;
     try {
         table->view->fill(*table->source, cursor->rows);
-    } catch (const DbError& e) {
-        table->source->catalog.sqlite().raise(e);
+    } catch (...) {
+        table->source->catalog.sqlite().raise(caughtError());
         return SQLITE_ERROR;
     }
     return SQLITE_OK;
@@ -490,7 +492,7 @@ std::string vtabName(const View& v) {
 
 CatalogTablePtr findSystemView(const std::string& schema, const std::string& name) {
     std::string s = foldName(schema), n = foldName(name);
-    if (n == "sysobjects") {
+    if (n == "sysobjects" && (s.empty() || s == "dbo")) {
         s = "sys";
         n = "objects";
     }

@@ -14,6 +14,7 @@ constexpr Unsupported kFeatures[] = {
     {"WHERE CURRENT OF", "DELETE FROM t WHERE CURRENT OF c"},
     {"writing under SET ROWCOUNT", "SET ROWCOUNT 1 DELETE FROM t"},
     {"SET DATEFIRST", "SET DATEFIRST 1"},
+    {"SET DATEFORMAT other than mdy, SET LANGUAGE other than us_english", "SET LANGUAGE British"},
     {"OUTPUT of a column of another table",
      "UPDATE t SET a = 1 OUTPUT u.a FROM t INNER JOIN t u ON u.a = t.a"},
     {"table functions of several statements whose arguments are columns, outside APPLY",
@@ -34,8 +35,10 @@ constexpr Unsupported kFeatures[] = {
     {"GRANT, DENY, REVOKE and logins", "GRANT SELECT ON t TO public"},
     {"USE, BACKUP and other statements on servers and databases",
      "BACKUP DATABASE x TO DISK = 'y'"},
-    {"system procedures other than sp_executesql, sp_help, sp_helptext and sp_helptrigger",
+    {"system procedures other than sp_executesql, sp_getapplock, sp_releaseapplock, sp_help, "
+     "sp_helptext and sp_helptrigger",
      "EXEC sp_rename 't', 'u'"},
+    {"the lock mode IntentExclusive", "EXEC sp_getapplock 'x', 'IntentExclusive', 'Session'"},
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -8,8 +9,10 @@
 #include "app/SettingsShellTalk.h"
 #include "app/ThisApp.h"
 #include "app/frmMain.h"
+#include "app/modInitialize.h"
 #include "db/recordset.h"
 #include "script/script_front_end.h"
+#include "support/driver_layer.h"
 #include "support/payroll.h"
 #include "support/screens.h"
 
@@ -35,7 +38,7 @@ struct Launch {
     }
     std::string file(const std::string& line) {
         const std::string path = payroll.folder.file("connection.txt");
-        std::ofstream(path) << line << "\nsecond line\n";
+        std::ofstream(path) << line << "\r\nsecond line\r\n";  // as the shell writes it
         return path;
     }
     // "status", or "error: <text>" of a launch that stops.
@@ -255,13 +258,47 @@ TEST(Launch, InAnExtendedSessionWorksInTransactions) {
     }
 }
 
+// A driver layer: somebody else holds a transaction while the program asks whether one is open.
+class OthersTransaction final : public test::DriverLayer {
+  public:
+    OthersTransaction(std::unique_ptr<Driver> inner, const std::string& connectionString)
+        : DriverLayer(std::move(inner)) {
+        other_.Open(connectionString);
+    }
+    BatchResult run(std::string_view batch) override {
+        const bool asks = batch.find("dm_tran_database_transactions") != std::string_view::npos;
+        if (asks) other_.BeginTrans();
+        BatchResult result = inner_->run(batch);
+        if (asks) other_.CommitTrans();
+        return result;
+    }
+
+  private:
+    Connection other_;
+};
+
 // The pass is left out only when the marker file is there and another transaction is open.
 TEST(Launch, SkipsTheConfigurationPassOnlyForBothReasons) {
-    Launch launch;
-    std::ofstream(launch.payroll.folder.file("SkipLEVConfigBegintrans.dat"));
-    const std::string path = launch.file("x:(embedded):" + launch.database);
-    EXPECT_EQ(launch.run("1502#0#0#10#" + path), "0");
-    EXPECT_EQ(launch.frontEnd.events.size(), 2U);
+    for (const bool marker : {false, true})
+        for (const bool transaction : {false, true}) {
+            Launch launch;
+            if (marker) std::ofstream(launch.payroll.folder.file("SkipLEVConfigBegintrans.dat"));
+            Connection& connection = launch.session.gConn;
+            connection.Open("Provider=OWBEmbedded;Data Source=" + launch.database);
+            if (transaction)
+                connection.Wrap([&](std::unique_ptr<Driver> inner) {
+                    return std::make_unique<OthersTransaction>(std::move(inner),
+                                                               connection.ConnectionString());
+                });
+            launch.session.gMenuId = 1600;
+            launch.session.gAttHeadId = 10;
+            StartOnConnection(launch.session, launch.frontEnd);
+            const std::vector<std::string>& events = launch.frontEnd.events;
+            const bool configured =
+                std::find(events.begin(), events.end(), "open frmConfiguring") != events.end();
+            EXPECT_EQ(configured, !(marker && transaction)) << marker << transaction;
+            EXPECT_EQ(events.back(), "close modLeaveProcess");
+        }
 }
 
 TEST(Launch, ReadsWhatTheCompanyIs) {
@@ -289,6 +326,22 @@ TEST(Launch, ReadsWhatTheCompanyIs) {
     EXPECT_TRUE(launch.session.gReadOnly);
     EXPECT_TRUE(launch.session.gPeriodLocked);
     EXPECT_EQ(launch.session.gHelpFile, launch.database);
+}
+
+// What decides about rights and locks, and cannot be asked, ends the start.
+TEST(Launch, WithoutAnAnswerAboutRightsOpensNothing) {
+    for (const char* broken :
+         {"DROP TABLE SEC_USERLIST", "ALTER TABLE SEC_USERLIST DROP COLUMN READONLYYN",
+          "DROP FUNCTION [dbo].udf_getEmpLock", "DROP TABLE MAS_PULLDOWNVALUES"}) {
+        Launch launch;
+        launch.payroll.session.gConn.Open("Provider=OWBEmbedded;Data Source=" + launch.database);
+        launch.payroll.run(broken);
+        launch.payroll.session.gConn.Close();
+        const std::string path = launch.file("x:(embedded):" + launch.database);
+        EXPECT_NE(launch.run("1512#0#0#10#" + path), "0") << broken;
+        for (const std::string& event : launch.frontEnd.events)
+            EXPECT_NE(event, "open modHolidayList") << broken;
+    }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "app/ProcessLauncher.h"
 #include "data/screens/modExternal.h"
+#include "support/screens.h"
 #include "support/scripted.h"
 
 namespace owb {
@@ -103,6 +104,28 @@ TEST(External, StartsRaisesAndWaits) {
         EXPECT_EQ(s.launcher.waits, c.waits) << c.log;
         EXPECT_EQ(s.statusHandle(), "77") << "the shell's own again";
     }
+}
+
+// Waiting does not hold the screen: its commands work, and closing it gives the waiting up.
+TEST(External, TakesCommandsWhileTheSiblingRuns) {
+    Siblings s;
+    s.launcher.endsAfter = 1000;
+    test::TestFrontEnd frontEnd(s.boxes);
+    modExternal screen(s.session, frontEnd);
+    screen.AppName = "OWBFilter";
+    screen.Mode = 3;
+    frontEnd.atInput = [&](Screen& shown) {
+        shown.tick();
+        EXPECT_TRUE(shown.isOpen());
+        s.launcher.alreadyRuns = true;
+        EXPECT_TRUE(screen.cmdFront.click());
+        EXPECT_TRUE(screen.cmdClose.click());
+        EXPECT_FALSE(shown.isOpen());
+    };
+    screen.showModal();
+    EXPECT_EQ(s.launcher.log, "start OWBFilter ;raise OWBFilter;");
+    EXPECT_EQ(s.launcher.waits, 1);
+    EXPECT_EQ(s.statusHandle(), "77");
 }
 
 TEST(External, TheFilterTellsWhetherSomebodyIsLeftOut) {

@@ -78,5 +78,34 @@ TEST(HourlyOvertime, FollowsTheBandsOfTheHead) {
     }
 }
 
+// Below the half day nothing counts, in the half day the salary, in the full day overtime.
+TEST(HourlyOvertime, BandsBeginAndEndWithTheirLimits) {
+    struct Case {
+        double hours, ot, adj;
+    };
+    Session1 s;
+    AttHeadRecord& att = s.session.gAtt;
+    att.MINHALFDAY = 2;
+    att.MAXHALFDAY = 5.3;
+    att.MINFULLDAY = 6;
+    att.CUTOFFFULLDAY = 8;
+    att.OTHOURMIN = 0;
+    att.HALFSAL = true;
+    att.FULLDAYOTYN = att.FULLDAYDEDYN = true;
+    for (const Case& c : {Case{1.59, 0, 0},
+                          {2, 0, -6},
+                          {5.3, 0, -2.5},
+                          {5.31, 0, 0},
+                          {5.59, 0, 0},
+                          {6, -2, 0},
+                          {8, 0, 0},
+                          {8.01, 0.02, 0}}) {
+        double ot1 = 99, ot2 = 99, adj = 99;
+        s.calc.HourlyOTDet(c.hours, ot1, ot2, adj, false, false);
+        EXPECT_NEAR(ot1, c.ot, 1e-9) << c.hours;
+        EXPECT_NEAR(adj, c.adj, 1e-9) << c.hours;
+    }
+}
+
 }  // namespace
 }  // namespace owb

@@ -114,5 +114,23 @@ TEST(OvertimePort, CarriesTheMonthIntoTheSalaryDetail) {
     EXPECT_EQ(overtime.rows(rows), "1,1,24294,1,0,100,5,55");
 }
 
+TEST(OvertimePort, TakesTheLastRateUpToTheMonthForEachKind) {
+    Overtime overtime(2);
+    overtime.run("UPDATE LEV_MONTHDET SET OT1 = NULL, OT2 = 2");
+    overtime.run(
+        "INSERT INTO SLC_SALSTRUCTDET (STRUCTID, SALHEADROWID, PAYTYPEYN) VALUES (1, 100, 0), (1, "
+        "101, 1), (2, 102, 1)");
+    overtime.run(
+        "INSERT INTO SLC_SALARYRATE_E (EMPID, EMPDETID, MONTHYEAR, OT1, OT2) VALUES (1, 1, 24293, "
+        "55, 5), (1, 1, 24294, 60, 6), (1, 1, 24295, 70, 7), (1, 2, 24294, 80, 8), (2, 1, 24294, "
+        "90, 9)");
+    FnOtDetCalc(overtime.session).PortOTDetail(1, 1, kJune + 1);
+    FnOtDetCalc(overtime.session).PortOTDetail(1, 1, kJune);
+    EXPECT_EQ(overtime.rows("SELECT SLNO, PAYTYPEYN, SALHEADROWID, UNIT, RATE FROM SLC_COMPCALCDET "
+                            "ORDER BY SLNO"),
+              "1,0,100,0,60 2,1,101,2,6")
+        << "a month without a row ports nothing";
+}
+
 }  // namespace
 }  // namespace owb

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace owb {
 namespace {
 
@@ -13,6 +15,29 @@ TEST(NumberText, TextToNumberStopsAtTheFirstBadCharacter) {
                  {"-3", -3},    {"+4.25x", 4.25}, {".5", 0.5},   {"-.5", -0.5}, {"1,000", 1},
                  {"00012", 12}, {"12 34", 12},    {"-", 0},      {".", 0},      {"2014-01", 2014}};
     for (const auto& c : cases) EXPECT_EQ(textToNumber(c.text), c.number) << c.text;
+}
+
+TEST(NumberText, AWholeTextIsANumberOrNone) {
+    const struct {
+        const char* text;
+        std::optional<double> number;
+    } cases[] = {{"+1.5", 1.5},
+                 {"-2.", -2},
+                 {".5e3", 500},
+                 {"1E+2", 100},
+                 {"4.9e-324", 5e-324},
+                 {"-1e400", -HUGE_VAL},
+                 {"1e-400", 0},
+                 {"", {}},
+                 {".", {}},
+                 {"+-1", {}},
+                 {"++1", {}},
+                 {"1e", {}},
+                 {"1,5", {}},
+                 {"inf", {}},
+                 {"nan", {}},
+                 {" 1", {}}};
+    for (const auto& c : cases) EXPECT_EQ(parseNumber(c.text), c.number) << c.text;
 }
 
 TEST(NumberText, FormatsRoundHalvesAwayFromZero) {

@@ -155,6 +155,18 @@ TEST(DaysPayable, OfPartOfAMonthAndOfOtherHeads) {
     }
     {
         June june;
+        june.head({10, 2, 2});
+        june.employee(1, "2024-06-28", 10, "2024-06-28");
+        EXPECT_EQ(june.days(), "30 1 1") << "one day of service";
+        june.run("UPDATE MAS_EMPLOYEE SET SALCALCFROM = '2024-06-30', DOL = NULL");
+        EXPECT_EQ(june.days(), "30 1 0") << "the last of the span, a Sunday";
+        june.run("UPDATE MAS_EMPLOYEE SET SALCALCFROM = '2020-01-01', DOL = '2024-06-01'");
+        EXPECT_EQ(june.days(), "30 1 1") << "the first";
+        june.run("UPDATE MAS_EMPLOYEE SET DOL = '2024-05-31', SALCALCFROM = '2024-07-01'");
+        EXPECT_EQ(june.days(), "30 30 22.5") << "days outside the span cut nothing";
+    }
+    {
+        June june;
         june.head({10, 2, 2, false});
         june.employee(1, "2020-01-01", 10);
         june.leave(1, 1, 6, "2024-06-04", "FS");

@@ -1,14 +1,21 @@
 // The holiday screens, driven by script on a small payroll.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <sstream>
 
 #include "calendar/screens/modHolidayList.h"
 #include "calendar/screens/modHolidayWeekly.h"
 #include "data/modAttSetting.h"
+#include "data/screens/frmOwbCalender.h"
+#include "data/screens/frmSelMonth.h"
 #include "exchange/sheet_file.h"
+#include "script/script_commands.h"
 #include "script/script_front_end.h"
 #include "support/payroll.h"
+#include "support/rehearsal.h"
+#include "support/screens.h"
+#include "support/scripted.h"
 
 namespace owb {
 namespace {
@@ -86,6 +93,29 @@ TEST(HolidayList, RefusesAtTheFirstFailedCheck) {
     EXPECT_EQ(h.marked(), "");
 }
 
+// A head has a holiday on the 17th; branches may begin behind it, and heads end before them.
+TEST(HolidayList, HeadsEndBeforeBranchesBegin) {
+    Holidays h;
+    h.run("INSERT INTO MAS_BRANCH (BRANCHID, BRANCHNAME) VALUES (1, 'Pune')");
+    h.holiday(1, "2024-06-17", 10);
+    const auto add = [&](const std::string& day, bool branch) {
+        return h.drive<modHolidayList>(
+            (branch ? "set chkBranchWise Yes\nset cmbAttHead Pune\n" : std::string()) +
+                "set txtHDate " + day + "/06/2024\nset txtHDesc Eid\nclick cmdSave\n",
+            branch ? 0 : 10);
+    };
+    const std::string ofHeads =
+        box("Future Holiday Date defined in Attendancewise.  Branchwise Holiday Can't Define ");
+    EXPECT_EQ(add("16", true), ofHeads);
+    EXPECT_EQ(add("17", true), ofHeads);
+    EXPECT_EQ(add("19", true), "");
+    EXPECT_EQ(add("18", false), "");
+    EXPECT_NE(add("19", false), "");
+    EXPECT_NE(add("20", false), "");
+    EXPECT_EQ(h.rows("SELECT DAY(HOLIDAYDATE), BRANCHID FROM ATT_HOLIDAY ORDER BY HOLIDAYDATE"),
+              "17, 18, 19,1");
+}
+
 TEST(HolidayList, MarksTheMonthOfWhatIsSaved) {
     Holidays h;
     EXPECT_EQ(h.drive<modHolidayList>("set txtHDate 17/6/24\nset txtHDesc Eid\nset chkNH Yes\n"
@@ -153,13 +183,15 @@ TEST(HolidayList, GoesToASheetAndComesBack) {
                        .rows = {{"17/06/2024", "Eid", "General"},
                                 {"15/07/2024", "Muharram", "National"},
                                 {"15/07/2024", "Twice", ""},
-                                {"soon", "Puja", ""}}});
+                                {"soon", "Puja", ""},
+                                {"16-Jul-2024", std::string(101, 'x'), ""}}});
     const std::string preview =
         "file: open|Import Holiday List|" + sheet +
-        "\nopen: frmImport|Import Holiday List\nlblCount: 1 to import, 3 refused | 1 to import, 3 "
+        "\nopen: frmImport|Import Holiday List\nlblCount: 1 to import, 4 refused | 1 to import, 4 "
         "refused | Yes | Yes\nRow,Date,Description,Type,Import\n2,17/06/2024,Eid,General,Holiday "
         "already available.\n3,15/07/2024,Muharram,National,Add\n4,15/07/2024,Twice,,Holiday "
-        "already available.\n5,soon,Puja,,Specify Holiday date.\n";
+        "already available.\n5,soon,Puja,,Specify Holiday date.\n6,16-Jul-2024," +
+        std::string(101, 'x') + ",,The description is longer than 100 characters.\n";
     EXPECT_EQ(h.drive<modHolidayList>("file " + sheet +
                                       "\nclick lblImport\nshow lblCount\ndump fpgImport\nclose\n"),
               preview + "close: frmImport\n");
@@ -187,6 +219,8 @@ TEST(WeeklyHoliday, OfTheCompanyFlowsToHeadsThatHaveNotDiverged) {
         "set cmbWeekDay Sunday\nset cmbMonthYear Jun/2024\nset chkFirst(0) Yes\n";
     h.drive<modHolidayWeekly>(save + "click cmdSave\n");
     EXPECT_EQ(flags(), "0,1,0,0 1,1,0,0 10,1,0,0 20,1,0,0");
+    EXPECT_EQ(h.value("SELECT COUNT(DISTINCT WHID) FROM LEV_WEEKLYHLD WHERE WEEKID = 1"), "4")
+        << "every row has a number of its own";
     EXPECT_EQ(h.marked(), "1,1 1,2 2,1 2,2");
     // Head 20 goes its own way, and the next company's change passes it by.
     h.clean();
@@ -218,6 +252,187 @@ TEST(WeeklyHoliday, IsRefusedBeforeALockedMonth) {
     h.session.gReadOnly = true;
     EXPECT_EQ(h.drive<modHolidayWeekly>("click cmdSave\n"),
               "error: line 1: cmdSave takes no click now\n");
+}
+
+// --- what disturbs a save ---
+
+const std::string kMove = "set txtHDate 02/07/2024\nclick cmdSave\n";
+
+TEST(HolidayList, AHeadsViewLeavesTheCompanysHolidayToTheOthers) {
+    Holidays h;
+    h.holiday(1, "2024-06-17");
+    h.run("UPDATE ATT_HOLIDAY SET HOLIDAYDESC = 'Eid', HOLIDAYTYPE = 0");
+    h.drive<modHolidayList>("cell fpgHDetail 1 1\nclick cmdSave\n", 10);
+    EXPECT_EQ(h.holidays(), "1,17/06/2024,Eid,0,0") << "nothing was changed";
+    EXPECT_EQ(h.drive<modHolidayList>("cell fpgHDetail 1 1\n" + kMove + "dump fpgHDetail\n", 10),
+              "Date,Description,Type\n02/07/2024,Eid,General\n");
+    EXPECT_EQ(h.holidays(), "1,17/06/2024,Eid,0,0 2,02/07/2024,Eid,0,10");
+    EXPECT_EQ(h.rows("SELECT HOLIDAYID, ATTHEADID FROM ATT_HOLEX"), "1,10");
+    EXPECT_EQ(h.marked("SLC_SALARYCALC_E"), "1,1 1,2");
+    // A branch takes no more from it, by a deletion or a change.
+    h.run(
+        "DELETE FROM ATT_HOLIDAY WHERE ATTHEADID = 10 INSERT INTO MAS_BRANCH (BRANCHID, "
+        "BRANCHNAME) VALUES (1, 'Pune')");
+    const std::string kept = box("General Holiday Can't Delete in Branchwise");
+    EXPECT_EQ(h.drive<modHolidayList>("set chkBranchWise Yes\nset cmbAttHead Pune\n"
+                                      "cell fpgHDetail 1 1\nanswer Yes\nclick cmdDelete\n" +
+                                      kMove),
+              "box: question|Orvane Wagebook|Do you want to delete selected record?|YesNo|Yes\n" +
+                  kept + kept);
+}
+
+TEST(HolidayList, TheFilterNarrowsByEachOfItsFieldsAndKeepsTheEditedRow) {
+    Holidays h;
+    for (int day = 1; day <= 4; ++day) h.holiday(day, "2024-06-1" + std::to_string(day));
+    h.run("UPDATE ATT_HOLIDAY SET HOLIDAYDESC = 'H', HOLIDAYTYPE = HOLIDAYID % 2");
+    const std::pair<const char*, const char*> cases[] = {
+        {"set cmbHFilter National\n", "13/06/2024,H,National\n11/06/2024,H,National\n"},
+        {"set txtFilterFrom 14/06/2024\n", "14/06/2024,H,General\n"},
+        {"set txtFilterTo 11/6/24\n", "11/06/2024,H,National\n"},
+        {"set txtFilterFrom 12/06/2024\nset txtFilterTo 13/06/2024\nset cmbHFilter General\n",
+         "12/06/2024,H,General\n"}};
+    for (const auto& [script, left] : cases)
+        EXPECT_EQ(h.drive<modHolidayList>(std::string(script) + "dump fpgHDetail\n"),
+                  std::string("Date,Description,Type\n") + left);
+    h.drive<modHolidayList>(
+        "cell fpgHDetail 1 1\nset txtHDesc Changed\nset txtFilterTo "
+        "12/06/2024\nclick cmdSave\n");
+    EXPECT_EQ(h.rows("SELECT HOLIDAYID, HOLIDAYDESC FROM ATT_HOLIDAY ORDER BY HOLIDAYID"),
+              "1,H 2,H 3,H 4,Changed");
+}
+
+TEST(HolidayList, WritesNothingOnOpening) {
+    Holidays h;
+    h.run("UPDATE MAS_OPTSET SET BRGHEFROM = '2024-05-01'");
+    EXPECT_EQ(h.drive<modHolidayList>("show lblEffFrom\n"),
+              "lblEffFrom: 01/May/2024 | 01/May/2024 | Yes | Yes\n");
+    EXPECT_EQ(h.rows("SELECT BRGHEFROM FROM MAS_OPTSET"), "2024-05-01");
+}
+
+TEST(HolidayScreens, SaveAndDeleteWholeOrNotAtAll) {
+    Holidays kept;
+    const std::string sheet = kept.folder.file("list.xlsx");
+    writeSheet(sheet, {.name = "x",
+                       .header = {"Date", "Description", "Type"},
+                       .columns = {{}, {}, {}},
+                       .rows = {{"18/06/2024", "Eid", "General"}, {"15/07/2024", "Puja", ""}}});
+    const std::string day = "cell fpgHDetail 1 1\n", yes = "answer Yes\n";
+    const auto tried = [](const auto& act, const std::string& script, int head,
+                          bool othersWork = false) {
+        Holidays h;
+        h.holiday(1, "2024-06-17");
+        h.weekly(0, 1, "FS FS FS FS FS", kJune);
+        h.run("UPDATE ATT_HOLIDAY SET HOLIDAYDESC = 'Eid', HOLIDAYTYPE = 0");
+        h.session.gAttHeadId = head;
+        test::Rehearsal rehearsal(
+            h, [&] { act(h, script); }, test::kPlaces);
+        rehearsal.failsAnywhere();
+        if (!othersWork && !std::getenv("OWB_EVERY")) return;
+        rehearsal.othersWorkAnywhere([](Session& other) {
+            other.gConn.Execute(
+                "UPDATE ATT_HOLIDAY SET HOLIDAYDESC = 'Changed' UPDATE LEV_WEEKLYHLD SET FH3YN = 0 "
+                "UPDATE LEV_MONTHDET SET EDITMODEYN = 1 UPDATE ATT_DAYTODAY SET EDITMODEYN = 1");
+        });
+    };
+    const auto list = [](Holidays& h, const std::string& script) {
+        test::act<modHolidayList>(h, script);
+    };
+    tried(list, "set txtHDate 18/06/2024\nset txtHDesc Puja\nclick cmdSave\n", 0);
+    tried(list, day + kMove, 0, true);
+    tried(list, day + kMove, 10);
+    tried(list, day + yes + "click cmdDelete\n", 20);
+    tried(list, day + yes + "click cmdDelete\n", 0);
+    tried(list, "file " + sheet + "\nclick lblImport\nclick cmdImport\n", 10);
+    const auto weekly = [](Holidays& h, const std::string& script) {
+        test::act<modHolidayWeekly>(h, script);
+    };
+    const std::string rule = "cell fpgWeeklyHoliday 1 1\n";
+    tried(weekly, rule + "set chkFirst(0) No\nclick cmdSave\n", 0, true);
+    tried(weekly, rule + yes + yes + "click cmdDelete\n", 0);
+    tried(weekly, "set cmbWeekDay Friday\nset cmbMonthYear Jun/2024\nclick cmdSave\n", 10);
+}
+
+// Runs the script's lines, then the other's statement, then the last line.
+template <class S>
+std::string disturbed(Holidays& h, std::vector<std::string> lines, const std::string& other) {
+    h.boxes.shown.clear();
+    test::TestFrontEnd frontEnd(h.boxes);
+    frontEnd.atInput = [&](Screen& screen) {
+        std::ostringstream out;
+        for (size_t i = 0; i < lines.size(); ++i) {
+            if (i + 1 == lines.size()) h.run(other);
+            runControlCommand(screen, lines[i], out);
+        }
+    };
+    S(h.session, frontEnd).showModal();
+    std::string told;
+    for (const Box& box : h.boxes.shown) told += box.text + "\n";
+    return told;
+}
+
+TEST(HolidayScreens, AnothersChangeIsToldAndStays) {
+    Holidays h;
+    h.holiday(1, "2024-06-17");
+    h.weekly(0, 1, "FS FS FS FS FS", kJune);
+    const std::string day = "cell fpgHDetail 1 1", rule = "cell fpgWeeklyHoliday 1 1";
+    const std::string changed = " has been changed by another user meanwhile.\n";
+    EXPECT_EQ(disturbed<modHolidayList>(h, {day, "set txtHDate 18/06/2024", "click cmdSave"},
+                                        "UPDATE ATT_HOLIDAY SET HOLIDAYDESC = 'Eid'"),
+              "The holiday" + changed);
+    EXPECT_EQ(disturbed<modHolidayList>(h, {day, "click cmdDelete"},
+                                        "UPDATE ATT_HOLIDAY SET HOLIDAYTYPE = 1"),
+              "The holiday" + changed);
+    EXPECT_EQ(disturbed<modHolidayList>(h, {day, "click cmdDelete"},
+                                        "UPDATE ATT_HOLIDAY SET HOLIDAYID = 2"),
+              "Holiday already deleted.\n");
+    EXPECT_EQ(h.holidays(), "2,17/06/2024,Eid,1,0");
+    EXPECT_EQ(disturbed<modHolidayWeekly>(h, {rule, "set chkFirst(1) No", "click cmdSave"},
+                                          "UPDATE LEV_WEEKLYHLD SET FH1YN = 0"),
+              "The weekly holiday" + changed);
+    EXPECT_EQ(h.rows("SELECT FH1YN, FH2YN FROM LEV_WEEKLYHLD"), "0,1");
+    EXPECT_EQ(disturbed<modHolidayWeekly>(h, {rule, "click cmdDelete"},
+                                          "DELETE FROM LEV_WEEKLYHLD WHERE ATTHEADID = 0"),
+              "The weekly holiday" + changed);
+}
+
+TEST(WeeklyHoliday, DeletesOnlyARuleThatExists) {
+    Holidays h;
+    h.weekly(0, 1, "FS FS FS FS FS", kJune);
+    for (const char* script :
+         {"click cmdDelete\n",
+          "set cmbWeekDay Monday\nset cmbMonthYear Jun/2024\nclick cmdDelete\n"})
+        EXPECT_EQ(h.drive<modHolidayWeekly>(script), box("Select record to Delete")) << script;
+}
+
+TEST(Pickers, OfferWhatTheFieldTakes) {
+    Holidays h;
+    // A month that the combo does not offer takes no click.
+    test::TestFrontEnd frontEnd(h.boxes);
+    modHolidayWeekly screen(h.session, frontEnd);
+    frontEnd.atInput = [&](Screen& shown) {
+        if (&shown == &screen) {
+            screen.cmbMonthYear.items.erase(screen.cmbMonthYear.items.begin());  // July
+            screen.cmbMonthYear.value = "Jun/2024";
+            EXPECT_TRUE(static_cast<Control&>(screen.cmbMonthYear).key("F2"));
+            EXPECT_EQ(screen.cmbMonthYear.key(), kMay);
+            return;
+        }
+        auto& picker = static_cast<frmSelMonth&>(shown);
+        EXPECT_FALSE(picker.lblMonth[6].click());
+        EXPECT_TRUE(picker.lblMonth[4].click());
+    };
+    screen.showModal();
+    // The calendar opens on the date that the box holds, in any form.
+    for (const char* typed : {"2-13-2024", "13-Feb-2024", "13.2.24"})
+        EXPECT_EQ(
+            h.drive<modHolidayList>(std::string("set txtHDate ") + typed + "\nshow txtHDate\n"),
+            "txtHDate: 13/02/2024 |  | Yes | Yes\n");
+    TextBox date(screen, "txtDate");
+    date.value = "05/Jan/2014";
+    frmOwbCalender calendar(h.session, frontEnd);
+    calendar.SetTarget(date);
+    calendar.LoadMonthYear();
+    EXPECT_EQ(calendar.cmbMonth.value + calendar.cmbYear.value, "January2014");
 }
 
 TEST(Pickers, FillTheFieldTheyWereOpenedFrom) {

@@ -118,6 +118,15 @@ TEST(GeneralHolidays, ByHeadAndFromADateByBranch) {
     EXPECT_FALSE(h.general(5)) << "before the date still by head";
     EXPECT_FALSE(h.general(20)) << "from then on another branch's holiday";
     EXPECT_TRUE(h.general(20, 2, 11));
+
+    h.holiday(5, "2024-06-14", 0, 2);
+    h.holiday(6, "2024-06-15", 0, 2);
+    h.session.gNodNdp.reset();
+    EXPECT_TRUE(h.general(14)) << "the day before: by head";
+    EXPECT_FALSE(h.general(15)) << "the date itself: by branch";
+    h.run("UPDATE ATT_HOLIDAY SET ATTHEADID = 0, BRANCHID = 0 WHERE HOLIDAYID = 6");
+    h.session.gNodNdp.reset();
+    EXPECT_TRUE(h.general(15)) << "0 is everybody's, as NULL";
 }
 
 TEST(DaysPayableHelpers, ReadServiceAndVersion) {
@@ -138,6 +147,7 @@ TEST(DaysPayableHelpers, ReadServiceAndVersion) {
     EXPECT_EQ(head(2, 15), 11);
     EXPECT_EQ(head(2, 16), 10);
     EXPECT_EQ(head(3, 10), 0) << "not yet there";
+    EXPECT_EQ(head(3, 11), 10);
     EXPECT_EQ(branch(2, 16), 5);
     EXPECT_EQ(branch(3, 10), 1) << "falls back to the first version of all";
 
@@ -145,7 +155,22 @@ TEST(DaysPayableHelpers, ReadServiceAndVersion) {
     calc.SetValidPeriod(kJune, 3, from, to);
     EXPECT_EQ(from, june(11));
     EXPECT_EQ(to, june(25));
+    for (const auto& [joined, left, days] : {std::tuple{"2024-06-01", "2024-06-30", "1 30"},
+                                             {"2024-06-30", "2024-06-30", "30 30"},
+                                             {"2024-06-01", "2024-06-01", "1 1"},
+                                             {"2024-05-31", "2024-07-01", "1 30"}}) {
+        h.run(std::string("UPDATE MAS_EMPLOYEE SET DOJ = '") + joined + "', DOL = '" + left +
+              "' WHERE EMPID = 1");
+        calc.SetValidPeriod(kJune, 1, from, to);
+        EXPECT_EQ(std::to_string(from.civil().day) + " " + std::to_string(to.civil().day), days);
+    }
     bool exists = true;
+    calc.FnBlnEmpExist(3, june(10), exists);
+    EXPECT_FALSE(exists);
+    calc.FnBlnEmpExist(3, june(11), exists);
+    EXPECT_TRUE(exists);
+    calc.FnBlnEmpExist(2, june(30), exists);
+    EXPECT_TRUE(exists) << "nobody who stays ends";
     calc.FnBlnEmpExist(3, june(26), exists);
     EXPECT_FALSE(exists);
     calc.FnBlnEmpExist(3, june(25), exists);

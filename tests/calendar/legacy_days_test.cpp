@@ -32,6 +32,9 @@ TEST(LegacyDaysPayable, OfTheTablesBeforeTheLedger) {
         const char* what;
         const char* head;
         const char* days;  // NWD, pay, present
+        bool workingDaysOnly = false, prorate = true;
+        int from = 1, to = 30;
+        bool tight = true;
     };
     for (const Case& c :
          {Case{"fixed days", "ATTNTYPE = 2, NODFORCALC = 1", "30 29 23"},
@@ -41,19 +44,52 @@ TEST(LegacyDaysPayable, OfTheTablesBeforeTheLedger) {
           {"working days", "ATTNTYPE = 2, NODFORCALC = 4", "24 23 22"},
           {"working days and weekly holidays", "ATTNTYPE = 2, NODFORCALC = 5", "29 28 23"},
           {"working days and holidays", "ATTNTYPE = 2, NODFORCALC = 6", "25 24 22"},
-          {"a month's figure", "ATTNTYPE = 4, NODFORCALC = 2", "30 27.5 22.5"}}) {
-        p.setHead(10, c.head);
+          {"a month's figure", "ATTNTYPE = 4, NODFORCALC = 2", "30 27.5 22.5"},
+          {"the 11th to the 20th of fixed days", "ATTNTYPE = 2, NODFORCALC = 1", "30 10 8", false,
+           true, 11, 20},
+          {"not prorated", "ATTNTYPE = 2, NODFORCALC = 3", "26 26 24", false, false, 11, 20},
+          {"no leave is looked at", "ATTNTYPE = 2, NODFORCALC = 2", "30 30 25", true},
+          {"not prorated, leave still counts", "ATTNTYPE = 2, NODFORCALC = 2", "30 29 23", false,
+           false},
+          {"an independent head knows loss of pay only", "ATTNTYPE = 2, NODFORCALC = 2", "30 30 25",
+           false, false, 1, 30, false},
+          {"prorated it is like any other", "ATTNTYPE = 2, NODFORCALC = 2", "30 29 23", false, true,
+           1, 30, false}}) {
+        p.setHead(10, std::string(c.tight ? "ATTNTIGHTYN = 1, " : "ATTNTIGHTYN = 0, ") + c.head);
         double nwd = -1, pay = -1, present = -1;
-        bool workingDaysOnly = false, prorate = true;
+        bool workingDaysOnly = c.workingDaysOnly, prorate = c.prorate;
         clsNODNDP legacy(p.session);
         EXPECT_TRUE(legacy.SetNODNDP(nwd, pay, present, 1, 1, kJune, 10,
-                                     DateTime::fromCivil(2024, 6, 1),
-                                     DateTime::fromCivil(2024, 6, 30), workingDaysOnly, prorate));
+                                     DateTime::fromCivil(2024, 6, c.from),
+                                     DateTime::fromCivil(2024, 6, c.to), workingDaysOnly, prorate));
         EXPECT_EQ(Value(nwd).toText() + " " + Value(pay).toText() + " " + Value(present).toText(),
                   c.days)
             << c.what;
         EXPECT_EQ(legacy.FnStrGetMonthEndDate(kJune), "30/Jun/2024");
     }
+
+    auto holidays = [&](int from, int to, int mode) {
+        double off = -1;
+        clsNODNDP(p.session).FnDblGetHoliday(10, DateTime::fromCivil(2024, 6, from),
+                                             DateTime::fromCivil(2024, 6, to), 0, mode, off);
+        return off;
+    };
+    EXPECT_EQ(holidays(16, 17, 1), 2) << "both ends";
+    EXPECT_EQ(holidays(16, 17, 2), 1) << "weekly";
+    EXPECT_EQ(holidays(16, 17, 3), 1) << "general";
+    p.rotating(10, 0, "2024-06-16", "");
+    p.rotating(10, 0, "2024-06-18", "F");
+    EXPECT_EQ(holidays(16, 18, 2), 0.5) << "a dated row stands before the week's";
+    p.exceptHead(1, 10);
+    EXPECT_EQ(holidays(16, 18, 3), 0);
+
+    p.run("DROP TABLE ATT_DETAIL");
+    double nwd = -1, pay = -1, present = -1;
+    bool workingDaysOnly = false, prorate = true;
+    EXPECT_FALSE(clsNODNDP(p.session).SetNODNDP(
+        nwd, pay, present, 1, 1, kJune, 10, DateTime::fromCivil(2024, 6, 1),
+        DateTime::fromCivil(2024, 6, 30), workingDaysOnly, prorate));
+    EXPECT_EQ(pay, -1) << "an error leaves the outputs";
 }
 
 }  // namespace

@@ -2,7 +2,10 @@
 
 #include "config/screens/modAttHead.h"
 #include "config/screens/modAttHeadSet.h"
+#include "script/script_commands.h"
 #include "support/payroll.h"
+#include "support/rehearsal.h"
+#include "support/screens.h"
 #include "support/scripted.h"
 
 namespace owb {
@@ -215,6 +218,64 @@ TEST(AttHead, ADeletedHeadTakesItsRowsAlong) {
               "First Attedance detail is required, can't delete\n");
 }
 
+// What a screen shows stays the measure: another's change in between is told and stands.
+TEST(AttHead, AnothersChangeIsToldAndStays) {
+    const std::string told = "The attendance head has been changed by another user meanwhile.\n";
+    struct Case {
+        std::string script, other;
+    };
+    for (const Case& c :
+         {Case{kHead10 + "set txtDescription Yard\n", "UPDATE MAS_ATTHEAD SET NODFORCALC = 4"},
+          {kHead10 + "set txtDescription Yard\n",
+           "UPDATE MAS_ATTHEAD SET ATTHEADNAME = 'HEAD 10' "
+           "WHERE ATTHEADID = 10"},
+          {kHead11 + "answer Yes\n", "UPDATE MAS_ATTHEAD SET OT1YN = 1"},
+          {kHead11 + "answer Yes\n", "DELETE FROM MAS_ATTHEAD WHERE ATTHEADID = 11"}}) {
+        Heads h;
+        const bool deletes = c.script.rfind(kHead11, 0) == 0;
+        test::TestFrontEnd frontEnd(h.boxes);
+        std::string after;
+        frontEnd.atInput = [&](Screen& screen) {
+            std::ostringstream out;
+            std::istringstream lines(c.script);
+            for (std::string line; std::getline(lines, line);)
+                if (line.rfind("answer", 0) != 0) runControlCommand(screen, line, out);
+            h.run(c.other);
+            after = h.row(10) + h.row(11);
+            runControlCommand(screen, deletes ? "click cmdDelete" : "click cmdSave", out);
+        };
+        modAttHead(h.session, frontEnd).showModal();
+        ASSERT_EQ(h.boxes.shown.size(), 1U) << c.other;
+        EXPECT_EQ(h.boxes.shown[0].text + "\n", told);
+        EXPECT_EQ(h.row(10) + h.row(11), after) << c.other;
+        EXPECT_EQ(h.audit(), "");
+    }
+}
+
+TEST(AttHead, SavesAndDeletesWholeOrNotAtAll) {
+    const std::string save = "set optNODForCalc 4\nanswer Yes\nclick cmdSave\n";
+    for (const std::string& script :
+         {kHead10 + save, kHead11 + "answer Yes\nclick cmdDelete\n",
+          "click cmdNew\nset txtAttName Night\nset txtShortName Night\n" + save}) {
+        Heads h;
+        test::Rehearsal rehearsal(
+            h, [&] { test::act<modAttHead>(h, script); }, test::kPlaces);
+        rehearsal.failsAnywhere();
+        rehearsal.othersWorkAnywhere([](Session& other) {
+            other.gConn.Execute("UPDATE MAS_ATTHEAD SET ATTDESC = 'Changed' WHERE ATTHEADID < 20");
+        });
+    }
+    Heads h;
+    const std::string create = "click cmdNew\nset txtAttName Night\nset txtShortName Night\n";
+    test::Rehearsal rehearsal(
+        h, [&] { test::act<modAttHead>(h, create + save); }, test::kPlaces);
+    rehearsal.othersWorkAnywhere([](Session& other) {
+        other.gConn.Execute(
+            "INSERT INTO MAS_ATTHEAD (ATTHEADID, ATTHEADNAME, ATTMENUNAME, NODFORCALC) SELECT "
+            "MAX(ATTHEADID) + 1, 'Day', 'Day', 2 FROM MAS_ATTHEAD");
+    });
+}
+
 // --- the bands of a day ---
 
 Scripted driveBands(Heads& h, const std::string& script) {
@@ -299,6 +360,18 @@ TEST(AttHeadSet, AChangeAsksMarksTheRegisterAndTellsWhatChanged) {
     h.session.gReadOnly = true;
     EXPECT_EQ(driveBands(h, "click cmdSave\n").errors,
               "error: line 1: cmdSave takes no click now\n");
+}
+
+TEST(AttHeadSet, SavesWholeOrNotAtAll) {
+    Heads h;
+    const std::string script = "set txtFullMax 12\nanswer Yes\nclick cmdSave\n";
+    test::Rehearsal rehearsal(
+        h, [&] { test::act<modAttHeadSet>(h, script, 10); }, test::kPlaces);
+    rehearsal.failsAnywhere();
+    for (const char* change : {"FULLDAYOTYN = 0", "NODFORCALC = 4"})
+        rehearsal.othersWorkAnywhere([&](Session& other) {
+            other.gConn.Execute(std::string("UPDATE MAS_ATTHEAD SET ") + change);
+        });
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include "config/screens/modLeaveDef.h"
 #include "support/payroll.h"
+#include "support/rehearsal.h"
+#include "support/screens.h"
 #include "support/scripted.h"
 
 namespace owb {
@@ -215,6 +217,39 @@ TEST(LeaveDef, ADeletedTypeTakesItsRowsAlongOrNone) {
     }
 }
 
+TEST(LeaveDef, SavesAndDeletesWholeOrNotAtAll) {
+    const std::string added = "set txtLeaveName Women's Leave\nset txtAttShort WL\n";
+    for (const std::string& script :
+         {kChooseCl + "set chkAffectSalary Yes\nanswer Yes\nclick cmdSave\n",
+          added + "set chkLeaveAllotment Yes\nclick cmdSave\n",
+          std::string("cell fpgMstDetail 5 1\nanswer Yes\nclick cmdDelete\n")}) {
+        Leaves l;
+        l.leave(1, 1, 5, "2024-06-03", "FS");
+        test::Rehearsal rehearsal(
+            l, [&] { test::act<modLeaveDef>(l, script); }, test::kPlaces);
+        rehearsal.failsAnywhere();
+        rehearsal.othersWorkAnywhere([](Session& other) {
+            other.gConn.Execute(
+                "UPDATE ATT_DEFINITION SET LEVNAME = 'Changed' WHERE LEVID IN (5, 6) INSERT INTO "
+                "LEV_DETAILS (EMPID, EMPDETID, LEVID, LEAVEDATE, FIRSTHALFYN, SECONDHALFYN) VALUES "
+                "(2, 1, 6, '2024-07-01', 1, 1)");
+        });
+    }
+}
+
+TEST(LeaveDef, WhatAGuardCannotAskIsRefused) {
+    Leaves l;
+    l.leave(1, 1, 5, "2024-06-03", "FS");
+    l.run("DROP TABLE ATT_ENCASH");
+    const Scripted run = drive<modLeaveDef>(
+        l,
+        "cell fpgMstDetail 5 1\nanswer Yes\nclick cmdDelete\nset chkLeaveAllotment No\n"
+        "show chkLeaveAllotment\n");
+    EXPECT_EQ(run.boxes, "Invalid object name 'ATT_ENCASH'.\nInvalid object name 'ATT_ENCASH'.\n");
+    EXPECT_EQ(run.shown.substr(0, 22), "chkLeaveAllotment: Yes");
+    EXPECT_NE(l.definition(6), "");
+}
+
 TEST(LeaveDef, RepairsRowsOfOlderVersionsOnOpening) {
     Leaves l;
     l.run(
@@ -243,7 +278,7 @@ TEST(LeaveDef, RepairsRowsOfOlderVersionsOnOpening) {
 TEST(LeaveDef, HoldsRightsAndTheReadOnlyUser) {
     Leaves l;
     l.session.gMultiLogin = true;
-    l.session.gMenuId = 1500;
+    l.session.gMenuId = 1503;  // the screen that opened this one
     l.settings.SaveSetting("Settings", "User", "clerk");
     l.run(
         "INSERT INTO SEC_USERLIST (USERID, USERNAME, GROUPID) VALUES (2, 'Clerk', 2) "
@@ -259,6 +294,18 @@ TEST(LeaveDef, HoldsRightsAndTheReadOnlyUser) {
     EXPECT_EQ(drive<modLeaveDef>(l, "click cmdSave\nclick cmdDelete\n").errors,
               "error: line 1: cmdSave takes no click now\n"
               "error: line 2: cmdDelete takes no click now\n");
+
+    // Whoever enables the command again lets nobody write.
+    test::TestFrontEnd frontEnd(l.boxes);
+    frontEnd.atInput = [&](Screen& screen) {
+        auto& definitions = static_cast<modLeaveDef&>(screen);
+        definitions.txtLeaveName.value = definitions.txtAttShort.value = "X";
+        definitions.cmdSave.enabled = true;
+        EXPECT_FALSE(definitions.cmdSave.click());
+        definitions.cmdSave_Click();
+    };
+    modLeaveDef(l.session, frontEnd).showModal();
+    EXPECT_EQ(l.value("SELECT COUNT(*) FROM ATT_DEFINITION"), "7");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "ctl/sample.h"
+#include "data/modCommon.h"
 #include "schema/modSQLFunction.h"
 #include "support/company.h"
 
@@ -75,6 +76,8 @@ TEST_F(Sample, FortyEmployeesShowEveryCase) {
         company.rows("SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE ISNULL(LOCKEDYN, 0) = 0 ORDER "
                      "BY MONTHYEAR"),
         "24314 24315");  // Feb and Mar/2026
+    EXPECT_FALSE(FnBlnMonthRangeLocked(company.session, 24314, 99999, true, 0))
+        << "a company's holiday can be added";
 }
 
 TEST_F(Sample, RowsFitTogether) {

@@ -11,6 +11,7 @@
 #include "data/modEmployeeViews.h"
 #include "data/modOWBSetting.h"
 #include "data/modRights.h"
+#include "data/modSave.h"
 #include "support/company.h"
 
 namespace owb {
@@ -367,6 +368,10 @@ TEST_F(Database, ClassSecurityLimitsToTheUsersBranches) {
     EXPECT_EQ(visible(), "1 2");
     company.run("INSERT INTO SEC_USERCLASS (USERID, BRANCHID) VALUES (2, 9)");
     EXPECT_EQ(visible(), "2");
+    session.gExtendedYN = true;
+    session.gWinUserId = "front desk's";
+    SetHostNames(session);
+    EXPECT_EQ(visible(), "2");
 }
 
 TEST_F(Database, AuditTrail) {
@@ -383,6 +388,80 @@ TEST_F(Database, AuditTrail) {
     company.run("DROP PROCEDURE UpdateAuditTrail");
     UpdateAuditTrail(session, kAuditModule, 7, "x", "y");  // nobody is troubled
     EXPECT_TRUE(company.boxes.shown.empty());
+    company.run("DROP TABLE MAS_OPTSETFEATURE");
+    session.gAuditTrailOn = -1;
+    EXPECT_FALSE(FnBlnAuditTrailOn(session));
+    EXPECT_EQ(session.gAuditTrailOn, -1) << "it is asked again";
+}
+
+// What decides whether something may be done throws when it cannot be asked.
+TEST_F(Database, GuardsRefuseWhatTheyCannotAsk) {
+    company.addMonths(24289, 24291);
+    session.gMultiLogin = true;
+    company.settings.SaveSetting("Settings", "User", "clerk");
+    for (const char* table : {"MAS_MONTHYEAR", "MAS_EMPLOYEE", "SEC_BUTDET", "MAS_BRANCH",
+                              "ATT_RESTRICTHOLIDAY", "ATT_OPTSETTINGS"})
+        company.run(std::string("DROP TABLE ") + table);
+    session.gFeature.CALCINMIDYN = true;
+    DateTime from, to;
+    std::vector<CommandRight> commands{{"&Save", ""}};
+    const std::pair<const char*, std::function<void()>> guards[] = {
+        {"rows", [&] { FnBlnReadRecordExists(session, "SELECT * FROM NOWHERE"); }},
+        {"month lock", [&] { FnBlnMonthLocked(session, 24290); }},
+        {"range lock", [&] { FnBlnMonthRangeLocked(session, 24290, 24290, false, 0); }},
+        {"duplicates",
+         [&] { FnBlnDuplicate(session, "MAS_BRANCH", "BRANCHNAME", "BRANCHID", "x", 0); }},
+        {"next number", [&] { clsCtrlDep(session).FnLngGetNextNumber("MAS_BRANCH", "BRANCHID"); }},
+        {"restricted days", [&] { FnBlnIsRestrictedHoliday(session, 1, DateTime{}); }},
+        {"month bounds", [&] { GetMonthPeriod(session, 24290, from, to); }},
+        {"no month", [&] { GetMonthPeriod(session, 0, from, to); }},
+        {"options", [&] { LoadAttOptions(session, 2); }},
+        {"rights", [&] { ApplyScreenRights(session, 1514, commands); }}};
+    for (const auto& [what, ask] : guards) EXPECT_THROW(ask(), DbError) << what;
+    EXPECT_TRUE(company.boxes.shown.empty());
+    EXPECT_EQ(FnDteMonthStart(session, 24290), DateTime{}) << "for screens it is shown";
+    EXPECT_EQ(company.boxes.shown.size(), 1u);
+}
+
+TEST_F(Database, ASaveIsDoneWholeOrRefusedWithItsReason) {
+    company.run("INSERT INTO MAS_BRANCH (BRANCHID, BRANCHNAME) VALUES (1, 'Pune'), (2, NULL)");
+    const auto shown = [&](int id) {
+        return ShownRow(session, "MAS_BRANCH", "BRANCHNAME", "BRANCHID = " + std::to_string(id));
+    };
+    const ShownRow pune = shown(1), empty = shown(2), none = shown(3);
+    EXPECT_TRUE(pune.found() && empty.found() && !none.found());
+    const auto refused = [&](const ShownRow& row, const std::string& other) -> std::string {
+        company.run(other);
+        SaveBatch batch;
+        batch.add(RowText().set("BRANCHNAME", "It's").update("MAS_BRANCH", "BRANCHID = 2"));
+        batch.refuseUnless("1 = 1", "never").requireShown(row, "The branch");
+        try {
+            batch.run(session);
+        } catch (const SaveRefused& reason) {
+            EXPECT_EQ(shown(2).value("branchname"), empty.value("BRANCHNAME")) << "undone";
+            return reason.what();
+        }
+        company.run("UPDATE MAS_BRANCH SET BRANCHNAME = NULL WHERE BRANCHID = 2");
+        return "";
+    };
+    const std::string told = "The branch has been changed by another user meanwhile.";
+    EXPECT_EQ(refused(pune, ""), "");
+    EXPECT_EQ(refused(none, ""), "");
+    EXPECT_EQ(refused(pune, "UPDATE MAS_BRANCH SET BRANCHNAME = 'Goa' WHERE BRANCHID = 1"), told);
+    EXPECT_EQ(refused(none, "INSERT INTO MAS_BRANCH (BRANCHID) VALUES (3)"), told);
+    EXPECT_EQ(refused(shown(3), "DELETE FROM MAS_BRANCH WHERE BRANCHID = 3"), told);
+    company.run("UPDATE MAS_BRANCH SET BRANCHNAME = 'PUNE' WHERE BRANCHID = 1");
+    EXPECT_FALSE(pune.standsNow(session)) << "to the letter";
+
+    SaveBatch batch;
+    for (int i = 0; i < 2; ++i)
+        batch.add(RowText()
+                      .setSql("BRANCHID", batch.newKey("MAS_BRANCH", "BRANCHID"))
+                      .set("BRANCHNAME", Value(i))
+                      .insertInto("MAS_BRANCH"));
+    batch.run(session);
+    EXPECT_EQ(company.rows("SELECT BRANCHID, BRANCHNAME FROM MAS_BRANCH WHERE BRANCHID > 2"),
+              "3,0 4,1");
 }
 
 TEST(FileSettings, ProcessesShareOneFile) {

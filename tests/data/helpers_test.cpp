@@ -55,12 +55,22 @@ TEST_F(Helpers, TypedDates) {
         {"1-2-3-4", ""},
         {"1-2-2014-", ""},
         {"1-2-20145", ""},
+        {"05/Jan/2014", "05/01/2014"},
+        {"05-Mar-2026", "05/03/2026"},
+        {"Jan 5, 2014", "05/01/2014"},
+        {"2014-jan-05", "05/01/2014"},
+        {"31-Feb-2026", ""},
+        {"Jan/Feb/2026", ""},
+        {"5/2014", ""},
+        {" 5/1/14 ", "05/01/2014"},
+        {"2014-01-05 10:30:00.000", "05/01/2014"},
     };
     for (const auto& c : cases) EXPECT_EQ(FnStrCleanDate(c.text), c.expected) << c.text;
     EXPECT_EQ(FnStrCleanDateCentury("03.04.0014"), "03/04/2014");
     EXPECT_EQ(FnStrCleanDateCentury("03.04.1914"), "03/04/1914");
     EXPECT_EQ(FnStrSqlDate(std::string("5/1/2014")), "05/Jan/2014");
-    EXPECT_EQ(FnStrSqlDate(std::string(" ")), "");
+    for (const char* none : {" ", "soon", "31/2/2014"})
+        EXPECT_THROW(FnStrSqlDate(std::string(none)), DbError) << none;
 }
 
 TEST_F(Helpers, EscapingByDialect) {

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "formula/CustomQuery.h"
 #include "formula/VerifyCusQuery.h"
 #include "formula/screens/frmFormulacustom.h"
 #include "support/company.h"
+#include "support/rehearsal.h"
 #include "support/scripted.h"
 
 namespace owb {
@@ -80,6 +82,50 @@ TEST(CustomQuery, VerifyLeavesNoTrace) {
     EXPECT_EQ(counted(company), "2,4");
 }
 
+TEST(CustomQuery, AnEvaluationLeavesNoTrace) {
+    struct Case {
+        const char* query;
+        const char* value;  // "error N" for one that fails
+        bool keepsCaller;   // the transaction it is evaluated in goes on
+    };
+    const Case cases[] = {
+        {"SELECT COUNT(*) FROM MAS_BRANCH", "1", true},
+        {"DECLARE @n int SET @n = 3 IF @n > 2 SELECT @n", "3", true},
+        {"SELECT BRANCHID FROM MAS_BRANCH WHERE 1 = 0", "7", true},
+        {"INSERT INTO MAS_BRANCH VALUES (2, 'New', 1) SELECT COUNT(*) FROM MAS_BRANCH", "2", true},
+        {"SELECT BRANCHID INTO #made FROM MAS_BRANCH SELECT COUNT(*) FROM #made", "1", true},
+        {"adds", "2", true},
+        {"INSERT INTO MAS_BRANCH VALUES (2, 'New', 1) SELECT 1 / 0", "error 8134", true},
+        {"DELETE FROM MAS_BRANCH SELECT CAST('x' AS int)", "error 245", false},
+        {"INSERT INTO MAS_BRANCH VALUES (2, 'New', 1) COMMIT SELECT 1", "error -3", true},
+        {"EXEC ('INSERT INTO MAS_BRANCH VALUES (2, ''New'', 1)')", "error -3", true},
+    };
+    Company company;
+    company.run("INSERT INTO MAS_BRANCH VALUES (1, 'Pune', 1)");
+    company.run(
+        "CREATE PROCEDURE adds AS INSERT INTO MAS_BRANCH VALUES (2, 'New', 1) "
+        "SELECT COUNT(*) FROM MAS_BRANCH");
+    const auto evaluate = [&](const char* query) {
+        try {
+            return FnVarCustomQuery(company.session, query, 7).toText();
+        } catch (const DbError& e) {
+            return "error " + std::to_string(e.number);
+        }
+    };
+    for (const Case& c : cases) {
+        for (int again = 0; again < 2; ++again) EXPECT_EQ(evaluate(c.query), c.value) << c.query;
+        EXPECT_EQ(counted(company), "1,1") << c.query;
+        EXPECT_EQ(company.value("SELECT @@TRANCOUNT"), "0") << c.query;
+        company.session.gConn.BeginTrans();
+        company.run("UPDATE MAS_BRANCH SET BRANCHID = 3");
+        evaluate(c.query);
+        EXPECT_EQ(company.value("SELECT @@TRANCOUNT"), c.keepsCaller ? "1" : "0") << c.query;
+        if (!c.keepsCaller) continue;
+        EXPECT_EQ(counted(company), "1,3") << c.query;
+        company.session.gConn.RollbackTrans();
+    }
+}
+
 struct Queries : Company {
     Queries() {
         run("INSERT INTO MAS_FORMULACUSTOM VALUES (1, 'Salary', '', 'SELECT 1', 1), (2, 'Bonus', "
@@ -137,6 +183,24 @@ TEST(CustomQuery, ScreenSavesRenamesAndDeletes) {
     EXPECT_EQ(drive<frmFormulacustom>(company, "cell fpgFormulaQry 1 1\nclick cmdDelete\n").boxes,
               "");
     EXPECT_EQ(company.stored(), "4,Used,N,SELECT 4 5,It's,,SELECT $EMPID$");
+}
+
+TEST(CustomQuery, ScreenSavesAndDeletesWholeOrNotAtAll) {
+    const std::string first = "cell fpgFormulaQry 1 1\n";
+    for (const std::string& script :
+         {first + "set txtFname Reward\nclick cmdSave\n",
+          std::string("set txtFname New\nset txtFquery SELECT 3\n") + "click cmdSave\n",
+          first + "click cmdDelete\n"}) {
+        Queries company;
+        test::Rehearsal rehearsal(
+            company, [&] { test::act<frmFormulacustom>(company, script); }, test::kPlaces);
+        rehearsal.failsAnywhere();
+        // A save holds a transaction of its own while it tries the query: nobody else can write.
+        if (script.find("cmdDelete") == std::string::npos) continue;
+        rehearsal.othersWorkAnywhere([](Session& other) {
+            other.gConn.Execute("UPDATE MAS_FORMULACUSTOM SET FQUERY = 'SELECT 7'");
+        });
+    }
 }
 
 }  // namespace

@@ -38,6 +38,8 @@ const Case kCases[] = {
      "5", "1", "5/0 6/1 6/1 6/1 6/1 6/0", "5/0 6/1 6/1 6/1 6/1 6/1 6/0"},
     {"below 0 all lapses", "COYN = 1, LOWERLIMITYN = 1, COLOWERLIMIT = 0", "-2", "0",
      "-2/-2 0/0 0/0 0/0 0/0 0/0", "-2/-2 0/0 0/0 0/0 0/0 0/0 0/0"},
+    {"exactly the lower limit is carried", "COYN = 1, LOWERLIMITYN = 1, COLOWERLIMIT = 5", "5", "0",
+     "5/0 5/0 5/0 5/0 5/0 5/0", "5/0 5/0 5/0 5/0 5/0 5/0 5/0"},
     {"limits of a month that is no lapse month",
      "COYN = 1, LAPSEMONTH = 12, LAPSELIMIT = 20, UPPERLIMITYN = 1, COLIMIT = 5", "5", "1",
      "5/1 5/0 6/2 5/1 5/1 5/0", "5/1 5/0 6/2 5/1 5/1 5/1 5/0"},
@@ -146,9 +148,9 @@ TEST(CarryOver, TheFirstRowOpensLessWhatWasTakenBefore) {
         p.open(10, "9", "1");
         p.process(way);
         EXPECT_EQ(p.column("ALLOTFROM", 1, 10), "2024-03-10 2024-04-01");
-        EXPECT_EQ(p.balances(1, 10), "7/0 8/0")
-            << "9 less 1.5 and 0.5; the encashment lost its row";
-        EXPECT_EQ(p.value("SELECT COUNT(*) FROM ATT_ENCASH"), "0");
+        EXPECT_EQ(p.balances(1, 10), "7/0 5/0")
+            << "9 less 1.5 and 0.5; the encashment stays with the row of its month";
+        EXPECT_EQ(p.value("SELECT COUNT(*) FROM ATT_ENCASH"), "1");
     }
 }
 

@@ -21,7 +21,8 @@ struct Case {
 };
 
 // 1 works throughout, but for 15 days of unpaid leave in April 2024; 2 joined on 1 July 2024; 3
-// left on 15 February 2024; 4 changed to head 11 on 16 August 2024; 5 joined on 15 July 2024.
+// left on 15 February 2024 after three days of paid leave in January; 4 changed to head 11 on 16
+// August 2024; 5 joined on 15 July 2024 and took two days of paid leave in August.
 const Case kCases[] = {
     {"a row's own days: 31, 29 and 31 of 30", "ALLOTTYPE = 0, ALLOTON = 0", "1.5", 3,
      "1:1.55/1.55 2:0.75/0.75"},
@@ -68,7 +69,7 @@ const Case kCases[] = {
      "7:3.02/3.02 10:6.00/6.00 16:6.00/6.00"},
     {"20 days present earn one: 351 days of the year before",
      "ALLOTTYPE = 2, ALLOTON = 1, ALLOTASPER = 1, ALLOTFOR = 2, MINLEVDAYS = 240, ALLOTRNDTYPE = 5",
-     "18.3", 1, "13:17.55/17.50"},
+     "18.3", 1, "1:18.30/18.50 13:17.55/17.50"},
     {"service in the year before: 184 of 366 days",
      "ALLOTTYPE = 2, ALLOTON = 1, ALLOTASPER = 1, ALLOTFOR = 0", "12", 2, "13:6.03/6.03"},
     {"the quarter before: Pay Days 76 of 91",
@@ -77,6 +78,31 @@ const Case kCases[] = {
     {"the half year before, whatever was worked",
      "ALLOTTYPE = 4, ALLOTON = 1, ALLOTASPER = 1, ALLOTFOR = 3", "5", 1,
      "1:5.00/5.00 7:5.00/5.00 13:5.00/5.00"},
+    {"a period has no further basis", "ALLOTTYPE = 4, ALLOTON = 1, ALLOTASPER = 1, ALLOTFOR = 4",
+     "5", 1, ""},
+    {"Present Days of the quarter before: 76 of 92",
+     "ALLOTTYPE = 3, ALLOTASPER = 1, ALLOTFOR = 2, MINLEVDAYS = 76", "3", 5,
+     "10:2.48/2.48 13:3.00/3.00 16:3.00/3.00"},
+    {"its Pay Days: 78", "ALLOTTYPE = 3, ALLOTASPER = 1, ALLOTFOR = 1, MINLEVDAYS = 78", "3", 5,
+     "10:2.54/2.54 13:3.00/3.00 16:3.00/3.00"},
+    // Employee 3 was present on 28 of 31 days in January, on 15 of 29 in February.
+    {"Present Days of the slice", "ALLOTTYPE = 0, ALLOTON = 2", "3", 3, "1:2.80/2.80 2:1.50/1.50"},
+    {"the last basis: without weekly holidays", "ALLOTTYPE = 0, ALLOTON = 9", "3", 3,
+     "1:3.10/3.10 2:1.50/1.50"},
+    {"there is no further one", "ALLOTTYPE = 0, ALLOTON = 10", "3", 3, ""},
+    {"exactly the minimum of Present Days", "ALLOTTYPE = 1, ALLOTON = 2, MINLEVDAYS = 28", "31", 3,
+     "1:28.00/28.00"},
+    {"exactly the minimum in the month before",
+     "ALLOTTYPE = 1, ALLOTON = 2, ALLOTASPER = 1, MINLEVDAYS = 28", "31", 3, "2:28.00/28.00"},
+    {"below it", "ALLOTTYPE = 1, ALLOTON = 2, ALLOTASPER = 1, MINLEVDAYS = 28.5", "31", 3, ""},
+    {"Pay Days of the month before", "ALLOTTYPE = 1, ALLOTON = 1, ALLOTASPER = 1, MINLEVDAYS = 31",
+     "31", 3, "2:31.00/31.00"},
+    {"the days of the month before", "ALLOTTYPE = 1, ALLOTON = 0, ALLOTASPER = 1", "2", 3,
+     "2:2.00/2.00"},
+    {"whatever the month before held", "ALLOTTYPE = 1, ALLOTON = 3, ALLOTASPER = 1", "2", 3,
+     "2:2.00/2.00"},
+    {"up to the last basis", "ALLOTTYPE = 1, ALLOTON = 9, ALLOTASPER = 1", "2", 3, "2:2.00/2.00"},
+    {"and none further", "ALLOTTYPE = 1, ALLOTON = 10, ALLOTASPER = 1", "2", 3, ""},
 };
 constexpr int kFirstLeave = 10;
 
@@ -97,6 +123,10 @@ class Worked : public LedgerCompany {
         salary(4, 1, kJan, kJan + 7);
         salary(4, 2, kJan + 7, kLast);
         salary(5, 1, kJul, kLast);
+        leaveKind(5, "CL", false);
+        for (const char* day : {"2024-01-02", "2024-01-03", "2024-01-04"})
+            leave(3, 1, 5, day, "FS");
+        for (const char* day : {"2024-08-01", "2024-08-02"}) leave(5, 1, 5, day, "FS");
         for (int day = 1; day <= 15; ++day)
             leave(1, 1, 1, "2024-04-" + std::string(day < 10 ? "0" : "") + text(day), "FS");
     }
@@ -139,6 +169,21 @@ TEST(Credit, ASettingThatBeginsInMidYearDividesIt) {
     p.process(Way::Bulk);
     EXPECT_EQ(p.credits(1, 10), "1:5.97/5.97 7:6.03/7.00 13:12.00/12.00")
         << "182 and 184 of 366 days";
+}
+
+// A version that changes the branch alone does not hide the setting that ends the service.
+TEST(Credit, ALaterSettingEndsTheServiceOfEveryVersion) {
+    Worked p;
+    p.version(1, 2, "2024-06-16", 10, 2);
+    p.run("UPDATE SLC_SALARYCALC_E SET EMPDETID = 2 WHERE EMPID = 1 AND MONTHYEAR > 24294");
+    p.salary(1, 2, kJan + 5, kJan + 5);
+    p.rule(10, 10, kJan, "AUTOALLOTYN = 1, ALLOTTYPE = 2, ALLOTON = 1");
+    p.figure(10, 10, 2024, "12");
+    p.rule(10, 10, kJan + 9, "AUTOALLOTYN = 1, ALLOTTYPE = 2, ALLOTON = 1");
+    p.ledgerRows();
+    p.process(Way::Bulk);
+    EXPECT_EQ(p.credits(1, 10), "1:8.98/8.98 10:3.02/3.02 13:12.00/12.00")
+        << "274 and 92 of 366 days";
 }
 
 TEST(Credit, FiguresChangeByMonthOrYear) {
@@ -203,10 +248,10 @@ TEST(Credit, WhatCannotBeWorkedOutIsToldOnceAndStaysMarked) {
                   "0");
         EXPECT_EQ(p.credits(3, 11), "1:1.00/1.00 2:0.48/0.48");
         for (const Box& box : p.boxes.shown) {
-            EXPECT_EQ(box.text, "11: Division by zero");
+            EXPECT_EQ(box.text, "11: Division by zero\n\nEmployee 1, 2, 3, 4, 5");
             EXPECT_EQ(box.title, "");
         }
-        EXPECT_EQ(p.boxes.shown.size(), way == Way::Bulk ? 2U : 1U);
+        EXPECT_EQ(p.boxes.shown.size(), way == Way::Bulk ? 2U : 1U) << "one for each pass";
     }
 }
 

@@ -100,7 +100,10 @@ TEST(LedgerRows, AreTheSlicesOfTheMonthsSinceTheAllotFromDate) {
     EXPECT_EQ(p.ledger(), before) << "nothing to do";
     p.run("UPDATE MAS_MONTHYEAR SET TDSPORTYN = 1 WHERE MONTHYEAR = 24290");
     p.ledgerRows();
-    EXPECT_EQ(p.spans(2), "1 2024-03-01 2024-03-31") << "no rows while the tax is ported";
+    EXPECT_EQ(p.ledger(), before) << "rows stay when the tax is ported";
+    p.run("DELETE FROM LEV_ALLOTMENT WHERE EMPID = 2 AND ALLOTFROM < '2024-03-01'");
+    p.ledgerRows();
+    EXPECT_EQ(p.spans(2), "1 2024-03-01 2024-03-31") << "and no new ones come";
 }
 
 TEST(LedgerRows, WhatComesAndGoesMarksWhatRestsOnIt) {

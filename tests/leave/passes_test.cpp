@@ -244,6 +244,25 @@ TEST(Defaults, FillDaysOnWhichNothingIsEntered) {
     EXPECT_EQ(p.value("SELECT DAY30 FROM ATT_DAYTODAY WHERE EMPID = 1"), "2 + ½CL+½P");
 }
 
+TEST(Defaults, SpareDaysOnWhichAnyLeaveIsTaken) {
+    Payroll p(kJune, kJune);
+    p.head({10, 2});
+    p.setOptions(10, "LOADDEFYN = 1, DEFVAL = 1");
+    p.leaveKind(5, "CL", false);
+    p.employee(1, "2024-06-26", 10);
+    p.salary(1, 1, kJune, kJune);
+    p.reconcile();
+    p.leave(1, 1, 5, "2024-06-26", "F");
+    p.leave(1, 1, 5, "2024-06-27", "S");
+    p.leave(1, 1, 5, "2024-06-28", "2.5");
+    p.leave(1, 1, 5, "2024-06-29", "0");
+    p.leave(1, 1, 0, "2024-06-30", "FS");
+    p.recalculate();
+    EXPECT_EQ(p.rows("SELECT DAY(LEAVEDATE), LEVID FROM LEV_DETAILS ORDER BY LEAVEDATE"),
+              "26,5 27,5 28,5 29,1 30,1")
+        << "what says nothing gives way to the default";
+}
+
 TEST(Marks, ReachTheRowsThatTheyName) {
     Payroll p(kMay, kJuly);
     auto reset = [&] {

@@ -406,12 +406,10 @@ double ReferenceLedger::monthlyBefore(const LedgerRow& row, const Setting& s, do
     if (before(row) == nullptr) return 0;
     const int32_t month = row.month - 1;
     const auto m = months_.find(month);
-    // A month that the payroll does not have has dates only where months are calendar months.
-    Day first = firstOf(month), last = firstOf(month + 1) - 1;
-    if (midMonth_) {
-        first = m == months_.end() ? 1 : m->second.from;
-        last = m == months_.end() ? 0 : m->second.to;
-    }
+    // A month that the payroll does not have is the calendar month.
+    const bool own = midMonth_ && m != months_.end();
+    const Day first = own ? m->second.from : firstOf(month),
+              last = own ? m->second.to : firstOf(month + 1) - 1;
     Counts sum;
     Span span{0, 0};
     for (const Version& v : owner(row).versions) {
@@ -523,9 +521,8 @@ double ReferenceLedger::yearlyBefore(const LedgerRow& row, const Setting& s, dou
 
 ReferenceLedger::Counts ReferenceLedger::total(const LedgerRow& row, Span span) {
     Counts sum;
-    for (const auto& [key, m] : months_) {
-        if (m.from > span.to || m.to < span.from) continue;
-        const Span cut{std::max(m.from, span.from), std::min(m.to, span.to)};
+    const auto add = [&](int32_t key, Span cut) {
+        cut = {std::max(cut.from, span.from), std::min(cut.to, span.to)};
         for (const Version& v : owner(row).versions) {
             const Day from = std::max(v.from, cut.from),
                       to = std::min(v.to.value_or(cut.to), cut.to);
@@ -533,7 +530,13 @@ ReferenceLedger::Counts ReferenceLedger::total(const LedgerRow& row, Span span) 
             const Counts c = count(row, from, to, key, v.id, v.head, 0);
             sum = {sum.calendar + c.calendar, sum.payable + c.payable, sum.present + c.present};
         }
-    }
+    };
+    // Days before the payroll's first month lie in calendar months.
+    const Month& firstMonth = months_.begin()->second;
+    for (int32_t key = months_.begin()->first - 14; key <= months_.begin()->first; ++key)
+        if (!months_.contains(key))
+            add(key, {firstOf(key), std::min(firstOf(key + 1), firstMonth.from) - 1});
+    for (const auto& [key, m] : months_) add(key, {m.from, m.to});
     return sum;
 }
 

@@ -159,6 +159,9 @@ TEST(Configuring, BringsTheLeaveTablesInStepWithTheMasters) {
     p.run(
         "INSERT INTO LEV_SETTINGS (LEVID, ATTHEADID, MONTHYEAR, COTYPE, LOWERLIMITYN) VALUES (2, "
         "10, 24294, 0, 1)");
+    p.run(
+        "INSERT INTO LEV_SETTINGS (LEVID, ATTHEADID, MONTHYEAR, COTYPE, UPPERLIMITYN) VALUES (2, "
+        "0, 24294, 1, 1)");
     std::vector<std::string> texts;
     frontEnd.atRefresh = [&](Screen& screen) {
         texts.push_back(screen.find("lblProgress")->text());
@@ -193,9 +196,15 @@ TEST(Configuring, BringsTheLeaveTablesInStepWithTheMasters) {
               "1,2,24294,1");
     EXPECT_EQ(p.rows("SELECT EMPID, EMPDETID, ATTHEADID, EDITMODEYN FROM ATT_DAYTODAY"),
               "1,2,10,1");
-    EXPECT_EQ(p.value("SELECT ASONDATE FROM LEV_ADJUSTMENT"), "2024-06-15");
-    EXPECT_EQ(p.value("SELECT LOWERLIMITYN FROM LEV_SETTINGS WHERE LEVID = 2 AND ATTHEADID = 10"),
-              "0");
+    EXPECT_EQ(p.rows("SELECT EMPDETID, ASONDATE FROM LEV_ADJUSTMENT"), "2,2024-06-30")
+        << "the version in force on the last day of its month";
+    EXPECT_EQ(
+        p.rows(
+            "SELECT ISNULL(LOWERLIMITYN, 0) + 2 * ISNULL(UPPERLIMITYN, 0) FROM LEV_SETTINGS WHERE "
+            "LEVID = 2 AND MONTHYEAR = 24294 AND (ATTHEADID = 10 OR UPPERLIMITYN = 1) ORDER BY "
+            "ATTHEADID DESC"),
+        "0 2")
+        << "limits stay where some are set";
     EXPECT_TRUE(p.session.gFeature.ADVLEAVEYN);
 }
 

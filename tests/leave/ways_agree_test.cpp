@@ -19,7 +19,8 @@
 
 #include "data/modOWBSetting.h"
 #include "leave/ledger_company.h"
-#include "support/broken_off.h"
+#include "support/disturbed.h"
+#include "support/driver_layer.h"
 
 namespace owb {
 namespace {
@@ -315,22 +316,17 @@ TEST(WaysAgree, CancellingKeepsTheMarks) {
 }
 
 // Tells whether a batch named the work table of the bulk pass.
-class Watched final : public Driver {
+class Watched final : public test::DriverLayer {
   public:
-    Watched(std::unique_ptr<Driver> inner, bool& bulk) : inner_(std::move(inner)), bulk_(bulk) {}
+    Watched(std::unique_ptr<Driver> inner, bool& bulk)
+        : DriverLayer(std::move(inner)), bulk_(bulk) {}
     BatchResult run(std::string_view batch) override {
         if (batch.find("INTO [TMPALLOT") != std::string_view::npos) bulk_ = true;
         return inner_->run(batch);
     }
     BatchResult runCollecting(std::string_view batch) override { return run(batch); }
-    void begin() override { inner_->begin(); }
-    void commit() override { inner_->commit(); }
-    void rollback() override { inner_->rollback(); }
-    void setCommandTimeout(int seconds) override { inner_->setCommandTimeout(seconds); }
-    void cancel() override { inner_->cancel(); }
 
   private:
-    std::unique_ptr<Driver> inner_;
     bool& bulk_;
 };
 

@@ -104,7 +104,18 @@ TEST(ServerFunctions, VersionsOfAnEmployee) {
                               {"dbo.udf_getEmpLock(7, 24289, 24291)", "1"},
                               {"dbo.udf_getEmpLock(8, 24289, DEFAULT)", "0"},
                               {"dbo.udf_getEmpLock(0, 24289, 24291)", "1"},  // anyone
+                              // Until the month of leaving, and no longer.
+                              {"dbo.udf_getEmpLock(7, 24291, DEFAULT)", "1"},
+                              {"dbo.udf_getEmpLock(7, 24292, DEFAULT)", "0"},
+                              {"dbo.udf_getEmpLock(0, 24292, 24300)", "0"},
+                              {"dbo.udf_getEmpLock(7, 24000, 24100)", "0"},
                           });
+    // The payroll month that holds the date of leaving.
+    company.run(
+        "UPDATE MAS_MONTHYEAR SET CALCENDDATE = '2024-03-15' WHERE MONTHYEAR = 24291 INSERT INTO "
+        "MAS_MONTHYEAR (MONTHYEAR, CALCSTARTDATE, CALCENDDATE) VALUES (24292, '2024-03-16', "
+        "'2024-04-15')");
+    expectValues(company, {{"dbo.udf_getEmpLock(7, 24292, DEFAULT)", "1"}});
 }
 
 TEST(ServerFunctions, StatusOfADay) {

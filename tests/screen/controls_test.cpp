@@ -49,7 +49,12 @@ class Sheet final : public Screen {
          {.caption = "Days", .type = CellType::Number, .decimals = 1, .locked = false},
          {.caption = "From", .type = CellType::Date, .locked = false},
          {.caption = "Leave", .type = CellType::Combo, .locked = false, .choices = {"CL", "SL"}}}};
+    bool mayWrite(const Control& control) override {
+        events += "asked for " + control.name() + " ";
+        return writable;
+    }
     std::string events;
+    bool writable = false;
 };
 
 class Controls : public ::testing::Test {
@@ -65,12 +70,13 @@ TEST_F(Controls, ATextBoxTakesWhatItsFilterLetsThrough) {
     EXPECT_EQ(box.filtered("ab"), "AB") << "a filter may change the character";
     EXPECT_EQ(box.filtered("1234567"), "12345") << "no more than its length";
     EXPECT_EQ(box.accepted('\n', ""), 0U);
-    sheet.txtAmount.locked = true;
-    EXPECT_FALSE(sheet.txtAmount.edit("1"));
     EXPECT_TRUE(sheet.txtAmount.key("F2"));
     EXPECT_TRUE(sheet.txtAmount.doubleClick());
-    sheet.txtAmount.enabled = false;
-    EXPECT_FALSE(sheet.txtAmount.key("F2"));
+    EXPECT_EQ(sheet.events, "pick pick ");
+    sheet.txtAmount.locked = true;
+    EXPECT_FALSE(sheet.txtAmount.edit("1"));
+    EXPECT_FALSE(sheet.txtAmount.key("F2")) << "a picker changes nothing that is locked";
+    EXPECT_FALSE(sheet.txtAmount.doubleClick());
     EXPECT_EQ(sheet.events, "pick pick ");
 }
 
@@ -178,6 +184,41 @@ TEST_F(Controls, WhatStandsApartFromTheCellsKeepsToItsRow) {
     grid.setRowCount(2);
     EXPECT_EQ(grid.cellTag(1, 2), "");
     EXPECT_EQ(grid.backColor(1, 1), kDefaultColor);
+}
+
+TEST_F(Controls, WhatWritesIsAskedOnEveryWayIn) {
+    MenuItem clear(sheet, sheet.fpgDays, "mnuClear", "Clear");
+    const auto deed = [&] { sheet.events += "done "; };
+    clear.onClick = sheet.chkAll.onClick = sheet.optType[0].onClick = deed;
+    sheet.fpgDays.onKey = [&](const std::string&) {
+        deed();
+        return true;
+    };
+    sheet.fpgDays.setRowCount(1);
+    std::string reason;
+    const std::pair<Control*, std::function<bool()>> ways[] = {
+        {&clear, [&] { return clear.click(); }},
+        {&sheet.chkAll, [&] { return sheet.chkAll.click(); }},
+        {&sheet.optType[0], [&] { return sheet.optType[0].click(); }},
+        {&sheet.txtAmount, [&] { return sheet.txtAmount.edit("5"); }},
+        {&sheet.txtAmount, [&] { return sheet.txtAmount.key("F2"); }},
+        {&sheet.txtAmount, [&] { return sheet.txtAmount.doubleClick(); }},
+        {&sheet.cmbHead, [&] { return sheet.cmbHead.choose(1); }},
+        {&sheet.cmbHead, [&] { return sheet.cmbHead.edit("Nobody"); }},
+        {&sheet.fpgDays, [&] { return sheet.fpgDays.key("Delete"); }},
+        {&sheet.fpgDays, [&] { return sheet.fpgDays.edit(0, 2, "1", reason); }},
+        {&sheet.fpgDays, [&] { return sheet.fpgDays.paste(0, 2, {{"1"}}, reason); }}};
+    for (const auto& [control, way] : ways) control->writes = true;
+    for (const auto& [control, way] : ways) {
+        sheet.events.clear();
+        EXPECT_FALSE(way()) << control->name();
+        EXPECT_EQ(sheet.events.find("asked for " + control->name() + " "), 0U) << control->name();
+        EXPECT_EQ(sheet.events.find("done"), std::string::npos) << control->name();
+    }
+    EXPECT_EQ(sheet.fpgDays.cell(0, 2) + sheet.txtAmount.value + sheet.cmbHead.value, "");
+    sheet.writable = true;
+    EXPECT_TRUE(clear.click());
+    EXPECT_TRUE(sheet.fpgDays.edit(0, 2, "1", reason));
 }
 
 }  // namespace

@@ -39,4 +39,18 @@ Scripted drive(Company& company, const std::string& script, Arguments&&... argum
     return result;
 }
 
+// The same as an act that is tried with disturbances (support/rehearsal.h): what the screen told
+// stands among the company's boxes, but for its questions and the message of a good save.
+template <class S, class... Arguments>
+void act(Company& company, const std::string& script, Arguments&&... arguments) {
+    const Scripted done = drive<S>(company, script, std::forward<Arguments>(arguments)...);
+    std::erase_if(company.boxes.shown, [](const Box& box) { return box.text == "Updated"; });
+    std::istringstream lines(done.boxes);
+    for (std::string line; std::getline(lines, line);)
+        if (line.find('|') == std::string::npos) company.boxes.shown.push_back({line});
+}
+
+// So many statements of an act are tried in a run of all tests (OWB_EVERY=1: all of them).
+constexpr size_t kPlaces = 2;
+
 }  // namespace owb::test

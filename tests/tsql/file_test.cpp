@@ -66,13 +66,13 @@ TEST(File, AFullDiskIsToldAndChangesNothing) {
         struct stat s = {};
         stat((path + "-wal").c_str(), &s);
         const std::string much =
-            "DECLARE @i int SET @i = 0 WHILE @i < 200 BEGIN INSERT INTO t VALUES(@i + 10, "
-            "REPLICATE('x', 8000)) SET @i = @i + 1 END";
+            "SET XACT_ABORT ON BEGIN TRAN DECLARE @i int SET @i = 0 WHILE @i < 200 BEGIN INSERT "
+            "INTO t VALUES(@i + 10, REPLICATE('x', 8000)) SET @i = @i + 1 END COMMIT";
         const std::string once =
             "WITH n AS (SELECT 1 AS i UNION ALL SELECT i + 1 FROM n WHERE i < 90) INSERT INTO t "
             "SELECT i + 10, REPLICATE('y', 8000) FROM n";
         limitFileSize(static_cast<rlim_t>(s.st_size) + 100000);
-        // A batch, a statement alone, and a transaction of the caller's.
+        // A transaction in a batch, a statement alone, and a transaction of the caller's.
         EXPECT_EQ(firstError(*engine, much), 1105);
         EXPECT_EQ(firstError(*engine, once), 1105);
         engine->begin();
@@ -93,6 +93,68 @@ TEST(File, AFullDiskIsToldAndChangesNothing) {
     EXPECT_TRUE(engine->checkIntegrity().empty());
 }
 
+// What was made in vain is known to be gone: doing it again meets the full disk, not its shadow.
+TEST(File, AFullDiskLeavesNoShadowsOfTables) {
+    const test::TempDir dir;
+    const std::string path = createFile(dir);
+    const std::string rows =
+        "WITH n AS (SELECT 1 AS i UNION ALL SELECT i + 1 FROM n WHERE i < 90) SELECT i, "
+        "CAST(REPLICATE('y', 8000) AS varchar(8000)) AS s INTO u FROM n";
+    const std::string batches[] = {
+        rows,
+        "BEGIN TRAN CREATE TABLE u(i int, s varchar(8000)) " +
+            std::string("INSERT INTO u SELECT a, REPLICATE('z', 8000) FROM t "
+                        "DECLARE @i int SET @i = 0 WHILE @i < 7 BEGIN INSERT INTO u SELECT "
+                        "i, s FROM u SET @i = @i + 1 END COMMIT"),
+        "SELECT 1 AS a INTO #x; " + rows, "SET XACT_ABORT ON; BEGIN TRAN; " + rows + " COMMIT"};
+    inAnotherProcess([&] {
+        auto engine = Engine::open(path, {});
+        struct stat s = {};
+        stat((path + "-wal").c_str(), &s);
+        limitFileSize(static_cast<rlim_t>(s.st_size) + 100000);
+        for (const std::string& batch : batches)
+            for (int again = 0; again < 2; ++again) {
+                EXPECT_EQ(firstError(*engine, batch), 1105) << batch;
+                firstError(*engine, "DROP TABLE #x");
+                firstError(*engine, "IF OBJECT_ID('u') IS NOT NULL DROP TABLE u");
+            }
+        limitFileSize(RLIM_INFINITY);
+        for (const std::string& batch : batches)
+            EXPECT_EQ(firstError(*engine, batch + " DROP TABLE u"), 0) << batch;
+    });
+    EXPECT_TRUE(Engine::open(path, {})->checkIntegrity().empty());
+}
+
+TEST(File, TheLogOfAFileThatWasReadOnlyDoesNotKeepItSo) {
+    const test::TempDir dir;
+    const std::string path = createFile(dir);
+    // Left by a process that was killed.
+    inAnotherProcess([&] {
+        auto engine = Engine::open(path, {});
+        EXPECT_EQ(firstError(*engine, "INSERT INTO t VALUES(2, 'two')"), 0);
+        (void)engine.release();
+    });
+    const std::string side[] = {path + "-wal", path + "-shm"};
+    for (const auto& [owned, expected] : {std::pair{false, 3906}, {true, 0}}) {
+        for (const std::string& file : {path, side[0], side[1], dir.file("")}) {
+            const bool own = owned || (file != side[0] && file != side[1]);
+            ASSERT_EQ(chown(file.c_str(), own ? 65534 : 0, 65534), 0) << file;
+        }
+        for (const std::string& file : side) chmod(file.c_str(), 0444);
+        inAnotherProcess([&, expected = expected] {
+            if (geteuid() != 0 || setuid(65534) != 0 || access("/", X_OK) != 0) return;
+            auto engine = Engine::open(path, {});
+            const BatchResult r = engine->run("INSERT INTO t VALUES(3, 'three')");
+            EXPECT_EQ(r.errors.empty() ? 0 : r.errors[0].number, expected);
+            if (expected != 0) {
+                EXPECT_NE(std::string(r.errors.at(0).what()).find("-"), std::string::npos);
+            }
+            EXPECT_EQ(single(*engine, "SELECT COUNT(*) FROM t"), expected ? 2 : 3);
+            (void)engine.release();
+        });
+    }
+}
+
 TEST(File, WhatMayOnlyBeReadIsReadAndNotWritten) {
     struct Case {
         const char* what;
@@ -107,7 +169,7 @@ TEST(File, WhatMayOnlyBeReadIsReadAndNotWritten) {
         chmod(dir.file("").c_str(), c.folder);
         inAnotherProcess([&] {
             // Nothing is forbidden to root.
-            if (geteuid() == 0 && setuid(65534) != 0) return;
+            if (geteuid() == 0 && (setuid(65534) != 0 || access("/", X_OK) != 0)) return;
             auto engine = Engine::open(path, {});
             EXPECT_EQ(single(*engine, "SELECT COUNT(*) FROM t"), 1);
             EXPECT_EQ(firstError(*engine, "UPDATE t SET a = 2"), 3906);
@@ -186,6 +248,44 @@ TEST(File, AnOlderFormatIsBroughtUpToDate) {
     EXPECT_EQ(single(*engine, "SELECT COUNT(*) FROM sys.tables WHERE create_date IS NULL"), 1);
     EXPECT_EQ(single(*engine, "SELECT COUNT(*) FROM sys.tables WHERE create_date IS NOT NULL"), 2);
     EXPECT_TRUE(engine->checkIntegrity().empty());
+}
+
+// A routine whose text is no longer its own is told by its name, and fails as itself alone.
+TEST(File, ADamagedRoutineIsNamed) {
+    const char* damages[] = {"'CREATE PROCEDURE hurt AS SELEKT 1'",
+                             "''",
+                             "'SELECT 1'",
+                             "'CREATE PROCEDURE other AS SELECT 1'",
+                             "'CREATE VIEW hurt AS SELECT 1 AS a'",
+                             "substr(source, 1, 20)",
+                             "x'00FF00'"};
+    for (const char* damage : damages) {
+        const test::TempDir dir;
+        const std::string path = createFile(dir);
+        {
+            auto engine = Engine::open(path, {});
+            engine->run("CREATE PROCEDURE hurt AS SELECT a FROM t");
+            engine->run("CREATE PROCEDURE sound AS SELECT 5");
+            engine->run("CREATE VIEW seen AS SELECT a FROM t");
+            EXPECT_TRUE(engine->checkIntegrity().empty());
+        }
+        sqlite(path,
+               (std::string("UPDATE tsql_module SET source = ") + damage + " WHERE name = 'hurt'")
+                   .c_str());
+        auto engine = Engine::open(path, {});
+        const auto names = [&](const std::vector<std::string>& problems, const char* name) {
+            return problems.size() == 1 && problems[0].find(name) != std::string::npos;
+        };
+        EXPECT_TRUE(names(engine->checkIntegrity(), "hurt")) << damage;
+        const BatchResult r = engine->run("EXEC hurt");
+        ASSERT_EQ(r.errors.size(), 1u) << damage;
+        EXPECT_NE(std::string(r.errors[0].what()).find("hurt"), std::string::npos) << damage;
+        EXPECT_EQ(single(*engine, "EXEC sound"), 5) << damage;
+        EXPECT_EQ(firstError(*engine, "ALTER PROCEDURE hurt AS SELECT 1"), 0) << damage;
+        EXPECT_TRUE(engine->checkIntegrity().empty()) << damage;
+        engine->run("ALTER TABLE t DROP COLUMN a");
+        EXPECT_TRUE(names(engine->checkIntegrity(), "seen"));
+    }
 }
 
 TEST(File, AnUpgradeThatFailsLeavesTheFileAsItWas) {

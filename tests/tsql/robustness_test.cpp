@@ -29,6 +29,20 @@ std::string repeated(const std::string& text, int n) {
     return out;
 }
 
+// Common tables c0, c1 ...: each is `step` with the number before its own for # and its own for @.
+std::string doubling(int n, const std::string& step) {
+    std::string text = "WITH c0 AS (SELECT 1 AS a)";
+    for (int i = 1; i < n; ++i) {
+        text += ", c" + std::to_string(i) + " AS (";
+        for (const char c : step)
+            text += c == '#'   ? std::to_string(i - 1)
+                    : c == '@' ? std::to_string(i)
+                               : std::string(1, c);
+        text += ")";
+    }
+    return text + " SELECT a FROM c" + std::to_string(n - 1);
+}
+
 TEST(Robustness, BadTextEndsInAnError) {
     struct Case {
         const char* what;
@@ -52,6 +66,29 @@ TEST(Robustness, BadTextEndsInAnError) {
          8623},
         {"deep CASE",
          "SELECT " + repeated("CASE WHEN 1=1 THEN ", 3000) + "1" + repeated(" END", 3000), 8623},
+        {"deep derived tables",
+         "SELECT 1 FROM " + repeated("(SELECT * FROM ", 10000) + "t" + repeated(") x", 10000),
+         8623},
+        {"deep FROM", "SELECT * FROM " + repeated("(", 100000), 8623},
+        {"deep common tables",
+         repeated("WITH a AS (", 10000) + "SELECT 1 AS a" + repeated(") SELECT a FROM a", 10000),
+         8623},
+        {"deep APPLY",
+         "SELECT 1 FROM t CROSS APPLY " + repeated("(SELECT 1 AS a FROM t CROSS APPLY ", 10000) +
+             "t" + repeated(") x", 10000),
+         8623},
+        {"deep unions", repeated("(", 100000) + "SELECT 1" + repeated(")", 100000), 8623},
+        {"a long chain of UNION", "SELECT 1" + repeated(" UNION ALL SELECT 1", 10000), 8623},
+        {"a long chain of joins", "SELECT 1 FROM t" + repeated(" CROSS JOIN t", 10000), 106},
+        {"a chain of common tables", doubling(10000, "SELECT a FROM c#"), 8623},
+        {"a doubling chain", doubling(22, "SELECT x.a FROM c# x, c# y"), 8623},
+        {"a long doubling chain", doubling(60, "SELECT x.a FROM c# x, c# y"), 8623},
+        {"a chain that widens",
+         doubling(1000, "SELECT x.*, y.a AS b@ FROM c# x, (SELECT 1 AS a) y"), 8623},
+        {"an operand that is written twice", "SELECT 1" + repeated(" ^ 1", 60), 8623},
+        {"an operand that is read twice",
+         "SELECT " + repeated("NULLIF(", 40) + "1" + repeated(", 2)", 40), 8623},
+        {"too many columns", "SELECT 1" + repeated(", 1", 5000), 8623},
         {"a number too long", "SELECT 1" + repeated("0", 60), 0},
         {"numeric of 39 digits", "DECLARE @x numeric(39,2)", 2750},
         {"a name of 200 characters", "SELECT 1 AS [" + repeated("x", 200) + "]", 103},
@@ -110,6 +147,22 @@ TEST(Robustness, FilesThatAreNoDatabase) {
         FAIL() << "a newer format was opened";
     } catch (const DbError& e) {
         EXPECT_NE(std::string(e.what()).find("newer version"), std::string::npos) << e.what();
+    }
+}
+
+TEST(Robustness, AFileMayHaveAnyName) {
+    test::TempDir dir;
+    for (const char* name : {"co$2026.owb", "co%.owb", "it's \"one\" #1?.owb"}) {
+        OpenOptions create;
+        create.create = true;
+        auto engine = Engine::open(dir.file(name), create);
+        const BatchResult r = engine->run(
+            "CREATE TABLE t (s char(5) NOT NULL) INSERT INTO t VALUES ('a'), (LEFT('bcd', 2)) "
+            "EXEC sp_getapplock 'x', 'Shared', 'Session' INSERT INTO t VALUES (NULL)");
+        ASSERT_EQ(r.errors.size(), 1u) << name << r.errors[0].what();
+        EXPECT_EQ(r.errors[0].number, 515) << name;
+        EXPECT_NE(std::string(r.errors[0].what()).find(std::string(name).substr(0, 3)),
+                  std::string::npos);
     }
 }
 

@@ -7,6 +7,8 @@ namespace owb {
 
 namespace {
 
+constexpr int32_t kMenuId = 1512;
+
 enum Column : size_t { kId, kHeadId, kBranchId, kDate, kDescription, kType };
 
 std::string number(int64_t value) {
@@ -21,12 +23,12 @@ modHolidayList::modHolidayList(Session& session, FrontEnd& frontEnd)
     for (TextBox* box : {&txtHDate, &txtFilterFrom, &txtFilterTo}) {
         box->toolTip = "dd/mm/yyyy,Press F2 or Double click";
         box->filter = [this](int key, const std::string&) {
-            return session_.gGenCmn.FnIntAllowDateOnly(key);
+            return session_.gGenCmn.FnIntAllowDateOnlyWithAlpha(key);
         };
         box->onLeave = [box] { box->value = FnStrCleanDateCentury(box->value); };
         pickDates(*box);
     }
-    txtHDesc.maxLength = 100;
+    txtHDesc.maxLength = kLongestDescription;
     lblExport.toolTip = "Right Click For Export To Excel";
     cmbHFilter.toolTip = "Holiday Type";
     cmbHFilter.editable = false;
@@ -66,10 +68,11 @@ Layout modHolidayList::layout() {
 }
 
 void modHolidayList::onLoad() {
-    applyRights({&cmdSave, &cmdDelete});
+    applyRights({&cmdSave, &cmdDelete}, kMenuId);
+    lblImport.enabled = !session_.gReadOnly;
     cmbHFilter.select(0);
     loadScopes();
-    refreshBranchStart();
+    showBranchStart();
     LoadList();
 }
 
@@ -86,46 +89,48 @@ void modHolidayList::loadScopes() {
     if (branches || !cmbAttHead.selectKey(session_.gAttHeadId)) cmbAttHead.select(0);
 }
 
+// The row that is being edited stays the current one.
 void modHolidayList::LoadList() {
-    fpgHDetail.setRowCount(0);
-    selected_ = {};
+    std::string limits;
+    if (const auto from = parseTypedDate(txtFilterFrom.value))
+        limits += " And HOLIDAYDATE >= " + FnStrIsoLiteral(*from);
+    if (const auto to = parseTypedDate(txtFilterTo.value))
+        limits += " And HOLIDAYDATE <= " + FnStrIsoLiteral(*to);
+    if (cmbHFilter.key() >= 0) limits += " And ISNULL(HOLIDAYTYPE,0) = " + number(cmbHFilter.key());
     const std::string columns =
         "Select HOLIDAYID, HOLIDAYDATE, HOLIDAYDESC, HOLIDAYTYPE, ATTHEADID ,BRANCHID  From "
         "ATT_HOLIDAY Where ";
-    std::string limits;
-    const std::string from = FnStrCleanDateCentury(txtFilterFrom.value);
-    const std::string to = FnStrCleanDateCentury(txtFilterTo.value);
-    if (!from.empty() && !to.empty()) {
-        limits =
-            " And HOLIDAYDATE Between '" + FnStrSqlDate(from) + "' And '" + FnStrSqlDate(to) + "'";
-        if (cmbHFilter.key() >= 0) limits += " And HOLIDAYTYPE = " + number(cmbHFilter.key());
-    }
     std::string sql = columns + "ISNULL(ATTHEADID,0) = 0 AND ISNULL(BRANCHID,0) = 0" + limits;
-    const std::string scope = number(scopeId());
-    if (scopeId() != 0) sql += " UNION " + columns + scopeColumn() + "= " + scope + limits;
+    if (scopeId() != 0)
+        sql += " UNION " + columns + scopeColumn() + "= " + number(scopeId()) + limits;
     Recordset rs(session_.gConn, sql + " Order By HOLIDAYDATE DESC");
+    fpgHDetail.setRowCount(0);
     for (; !rs.IsEOF(); rs.MoveNext()) {
-        const std::string id = rs.Fields("HOLIDAYID").toText();
-        if (scopeId() != 0 &&
-            FnBlnRecordExists(session_, "SELECT HOLIDAYID FROM ATT_HOLEX Where HOLIDAYID = " + id +
-                                            " AND " + scopeColumn() + "= " + scope))
-            continue;
-        fpgHDetail.addRow({id, rs.Fields("ATTHEADID").toText(), rs.Fields("BRANCHID").toText(),
-                           dateText(rs.Fields("HOLIDAYDATE").toDate(), "dd/mm/yyyy"),
-                           rs.Fields("HOLIDAYDESC").toText(),
-                           rs.Fields("HOLIDAYTYPE").toBool() ? "National" : "General"});
+        if (scopeId() != 0 && hasException(rs.Fields("HOLIDAYID").toInt())) continue;
+        const size_t row =
+            fpgHDetail.addRow({rs.Fields("HOLIDAYID").toText(), rs.Fields("ATTHEADID").toText(),
+                               rs.Fields("BRANCHID").toText(),
+                               dateText(rs.Fields("HOLIDAYDATE").toDate(), "dd/mm/yyyy"),
+                               rs.Fields("HOLIDAYDESC").toText(),
+                               rs.Fields("HOLIDAYTYPE").toBool() ? "National" : "General"});
+        if (selected_.id != 0 && rs.Fields("HOLIDAYID").toInt() == selected_.id)
+            fpgHDetail.setCurrent(static_cast<int>(row), kDate);
     }
+}
+
+void modHolidayList::showAgain() {
+    cmdNew_Click();
+    LoadList();
+    showBranchStart();
 }
 
 void modHolidayList::chkBranchWise_Click() {
     loadScopes();
-    cmdNew_Click();
-    LoadList();
+    showAgain();
 }
 
 void modHolidayList::cmbAttHead_Click() {
-    cmdNew_Click();
-    LoadList();
+    showAgain();
 }
 
 void modHolidayList::filter_Change() {
@@ -133,17 +138,24 @@ void modHolidayList::filter_Change() {
 }
 
 void modHolidayList::fpgHDetail_Click(size_t row) {
-    selected_.id = static_cast<int64_t>(fpgHDetail.number(row, kId));
-    txtHDate.value = fpgHDetail.cell(row, kDate);
-    txtHDesc.value = fpgHDetail.cell(row, kDescription);
-    chkNH.value = fpgHDetail.cell(row, kType) == "National";
-    selected_.date = parseDate(txtHDate.value, DateOrder::DayFirst).value_or(DateTime{});
-    selected_.description = txtHDesc.value;
-    selected_.national = chkNH.value;
+    const auto id = static_cast<int64_t>(fpgHDetail.number(row, kId));
+    shown_ = ShownRow(session_, "ATT_HOLIDAY",
+                      "HOLIDAYDATE, HOLIDAYDESC, HOLIDAYTYPE, ATTHEADID, BRANCHID",
+                      "HOLIDAYID = " + number(id));
+    if (!shown_.found()) {
+        inform("Holiday already deleted.");
+        return showAgain();
+    }
+    selected_ = {id, shown_.value("HOLIDAYDATE").toDate(), shown_.value("HOLIDAYDESC").toText(),
+                 shown_.value("HOLIDAYTYPE").toBool()};
+    txtHDate.value = dateText(selected_.date, "dd/mm/yyyy");
+    txtHDesc.value = selected_.description;
+    chkNH.value = selected_.national;
 }
 
 void modHolidayList::cmdNew_Click() {
     selected_ = {};
+    shown_ = {};
     txtHDate.value.clear();
     txtHDesc.value.clear();
     chkNH.value = false;
@@ -154,7 +166,8 @@ void modHolidayList::cmdNew_Click() {
 int32_t modHolidayList::monthOf(const DateTime& date) {
     const std::string day = FnStrIsoDate(date);
     return static_cast<int32_t>(
-        FnVarGetValue(session_, "SELECT DBO.FNLNGMONTHYEAR('" + day + "', '" + day + "')").toInt());
+        FnVarReadValue(session_, "SELECT DBO.FNLNGMONTHYEAR('" + day + "', '" + day + "')")
+            .toInt());
 }
 
 std::string modHolidayList::lockText() const {

@@ -1,6 +1,7 @@
 // "Holiday List": the general holidays of the company, of an attendance head or of a branch. A
 // company's holiday is taken from one head or branch by an exception, not by deleting it. Each save
-// and delete marks the salary, register, month and ledger rows of the holiday's month.
+// and delete marks the salary, register, month and ledger rows of the holiday's month. A company's
+// holiday that is edited in the view of a head or branch is taken from it and becomes its own.
 #pragma once
 
 #include "data/screens/SessionScreen.h"
@@ -49,22 +50,34 @@ class modHolidayList final : public SessionScreen {
         DateTime date;
         std::string description;
         bool national = false;
+        bool operator==(const Holiday&) const = default;
     };
 
   private:
+    static constexpr size_t kLongestDescription = 100;
+
     void onLoad() override;
     Layout layout() override;
     void loadScopes();
     void LoadList();
+    void showAgain();  // the list as it is now, nothing chosen
     std::string scopeColumn() const { return chkBranchWise.value ? " BRANCHID " : " ATTHEADID "; }
     int64_t scopeId() const { return cmbAttHead.key(); }
     std::string scopeName() const { return cmbAttHead.value; }
     // The checks of a save in their order; "" when all pass.
     std::string refusal(const Holiday& holiday, int32_t& lngMonthYear);
     std::string lockText() const;
-    void SaveHolidayRow(const Holiday& holiday);
-    void MarkHolidayMonth(int32_t lngMonthYear);
-    void refreshBranchStart();
+    // A company's holiday in the view of one head or branch, which may not change it for all.
+    bool isCompanysInScope() const;
+    bool hasException(int64_t holidayId);
+    bool keptInBranches(int64_t holidayId);  // and says so
+    // The statements of a save and a deletion, in the order in which they run.
+    void SaveHolidayRow(SaveBatch& batch, const Holiday& holiday);
+    void insertRow(SaveBatch& batch, const Holiday& holiday) const;
+    void takeFromScope(SaveBatch& batch, int64_t holidayId) const;
+    void MarkHolidayMonth(SaveBatch& batch, int32_t lngMonthYear) const;
+    void updateBranchStart(SaveBatch& batch) const;
+    void showBranchStart();
     // The sheet's rows with what an import does with each, and the holidays that it brings.
     void readHolidays(const std::vector<SheetRow>& sheet, std::vector<frmImport::Row>& rows,
                       std::vector<Holiday>& holidays);
@@ -73,7 +86,8 @@ class modHolidayList final : public SessionScreen {
     std::string describe(const Holiday& holiday) const;
     void auditSave(const Holiday& holiday);
 
-    Holiday selected_;  // the grid's row that is being edited
+    Holiday selected_;  // the row that is being edited; it stays so when the filter hides it
+    ShownRow shown_;    // the same as it was read
 };
 
 }  // namespace owb

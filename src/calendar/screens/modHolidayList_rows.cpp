@@ -19,6 +19,8 @@ const char* yesNo(bool value) {
     return value ? "Yes" : "No";
 }
 
+constexpr const char* kAlreadyAvailable = "Holiday already available.";
+constexpr const char* kHoliday = "The holiday";
 constexpr const char* kGeneralRow = " And ISNULL(ATTHEADID,0) = 0 And ISNULL(BRANCHID,0) = 0 ";
 
 }  // namespace
@@ -30,12 +32,14 @@ std::string modHolidayList::refusal(const Holiday& holiday, int32_t& lngMonthYea
     if (!FnBlnInPayrollPeriod(session_, holiday.date))
         return "Given date cannot be before 'Start Month' specified.";
     if (trim(holiday.description).empty()) return "Specify holiday description.";
+    if (utf8Length(holiday.description) > kLongestDescription)
+        return "The description is longer than " + number(kLongestDescription) + " characters.";
     const std::string day = FnStrSqlDate(holiday.date);
     lngMonthYear = monthOf(holiday.date);
     if (FnBlnMonthRangeLocked(session_, lngMonthYear, lngMonthYear, true, 0)) return lockText();
     const auto count = [&](const std::string& condition) {
-        return FnVarGetValue(session_, "SELECT COUNT(HOLIDAYID) FROM ATT_HOLIDAY where " +
-                                           condition + "'" + day + "'")
+        return FnVarReadValue(session_, "SELECT COUNT(HOLIDAYID) FROM ATT_HOLIDAY where " +
+                                            condition + "'" + day + "'")
             .toInt();
     };
     if (chkBranchWise.value) {
@@ -43,7 +47,7 @@ std::string modHolidayList::refusal(const Holiday& holiday, int32_t& lngMonthYea
             return "Future Holiday Date defined in Attendancewise.  Branchwise Holiday Can't "
                    "Define ";
     } else if (count("BRANCHID>0 and HOLIDAYDATE <= ") > 0) {
-        const Value start = FnVarGetValue(session_, " Select BRGHEFROM  From MAS_OPTSET");
+        const Value start = FnVarReadValue(session_, " Select BRGHEFROM  From MAS_OPTSET");
         return "Branch wise Holiday Enabled from " +
                (start.isNull() ? "" : dateText(start.toDate(), "dd/mmm/yy")) +
                "  AttendanceWise Holiday Can't Define ";
@@ -51,28 +55,48 @@ std::string modHolidayList::refusal(const Holiday& holiday, int32_t& lngMonthYea
     if (holiday.id != 0) return "";
 
     const Value general =
-        FnVarGetValue(session_, "Select HOLIDAYID From ATT_HOLIDAY Where HOLIDAYDATE = '" + day +
-                                    "'" + kGeneralRow);
+        FnVarReadValue(session_, "Select HOLIDAYID From ATT_HOLIDAY Where HOLIDAYDATE = '" + day +
+                                     "'" + kGeneralRow);
     const std::string scope = scopeColumn() + "= " + number(scopeId());
     if (!general.isNull()) {
-        if (scopeId() == 0 ||
-            !FnBlnRecordExists(session_, "SELECT HOLIDAYID FROM ATT_HOLEX Where HOLIDAYID = " +
-                                             general.toText() + " AND " + scope))
-            return "Holiday already available.";
+        if (scopeId() == 0 || !hasException(general.toInt())) return kAlreadyAvailable;
     } else if (scopeId() != 0 &&
-               FnBlnRecordExists(session_,
-                                 "Select HOLIDAYID From ATT_HOLIDAY Where HOLIDAYDATE = '" + day +
-                                     "' And " + scope)) {
+               FnBlnReadRecordExists(
+                   session_, "Select HOLIDAYID From ATT_HOLIDAY Where HOLIDAYDATE = '" + day +
+                                 "' And " + scope)) {
         return "Holiday defined in '" + scopeName() + "' category.";
     }
     return "";
 }
 
+bool modHolidayList::hasException(int64_t holidayId) {
+    return FnBlnReadRecordExists(
+        session_, "SELECT HOLIDAYID FROM ATT_HOLEX Where HOLIDAYID = " + number(holidayId) +
+                      " AND " + scopeColumn() + "= " + number(scopeId()));
+}
+
+// A company's holiday with an exception already is taken from no further branch.
+bool modHolidayList::keptInBranches(int64_t holidayId) {
+    if (!chkBranchWise.value ||
+        !FnBlnReadRecordExists(session_,
+                               "SELECT HOLIDAYID FROM ATT_HOLEX WHERE (ATTHEADID > 0 OR BRANCHID > "
+                               "0) AND HOLIDAYID = " +
+                                   number(holidayId)))
+        return false;
+    inform("General Holiday Can't Delete in Branchwise");
+    return true;
+}
+
+bool modHolidayList::isCompanysInScope() const {
+    return scopeId() != 0 && shown_.found() && !shown_.value("ATTHEADID").toBool() &&
+           !shown_.value("BRANCHID").toBool();
+}
+
 void modHolidayList::cmdSave_Click() {
     if (denied(cmdSave)) return;
+    if (selected_.id != 0 && !stillAsShown(shown_, kHoliday, [this] { showAgain(); })) return;
     Holiday holiday = selected_;
-    holiday.date =
-        parseDate(FnStrCleanDateCentury(txtHDate.value), DateOrder::DayFirst).value_or(DateTime{});
+    holiday.date = parseTypedDate(FnStrCleanDateCentury(txtHDate.value)).value_or(DateTime{});
     holiday.description = txtHDesc.value;
     holiday.national = chkNH.value;
     int32_t lngMonthYear = 0;
@@ -82,85 +106,110 @@ void modHolidayList::cmdSave_Click() {
         return refuse(reason, !cmbAttHead.isInList() ? static_cast<Control&>(cmbAttHead)
                               : trim(holiday.description).empty() ? txtHDesc
                                                                   : txtHDate);
+    if (isCompanysInScope() && holiday != selected_ && keptInBranches(selected_.id)) return;
     const int32_t before = selected_.id == 0 ? lngMonthYear : monthOf(selected_.date);
     if (before != lngMonthYear && FnBlnMonthRangeLocked(session_, before, before, true, 0))
         return frontEnd().warning(lockText(), "Permission Denied");
-    SaveHolidayRow(holiday);
-    if (before != lngMonthYear) MarkHolidayMonth(before);
-    MarkHolidayMonth(lngMonthYear);
+    SaveBatch batch;
+    SaveHolidayRow(batch, holiday);
+    if (before != lngMonthYear) MarkHolidayMonth(batch, before);
+    MarkHolidayMonth(batch, lngMonthYear);
+    updateBranchStart(batch);
+    if (!save(batch, [this] { showAgain(); })) return;
     if (FnBlnAuditTrailOn(session_)) auditSave(holiday);
-    LoadList();
-    cmdNew_Click();
+    showAgain();
     session_.gGenCmn.ShowSavedMessage();
 }
 
-void modHolidayList::SaveHolidayRow(const Holiday& holiday) {
+void modHolidayList::SaveHolidayRow(SaveBatch& batch, const Holiday& holiday) {
     const std::string day = FnStrSqlDate(holiday.date);
     const std::string scope = scopeColumn() + "= " + number(scopeId());
-    const int64_t next =
-        FnVarGetValue(session_, "SELECT Max(HOLIDAYID) FROM ATT_HOLIDAY", Value(0)).toInt() + 1;
-    bool written = false;
-    if (holiday.id == 0 && scopeId() != 0) {
+    RowText row;
+    row.set("HOLIDAYDATE", Value(holiday.date))
+        .set("HOLIDAYDESC", Value(holiday.description))
+        .set("HOLIDAYTYPE", Value(holiday.national ? 1 : 0));
+    if (holiday.id != 0) {
+        batch.requireShown(shown_, kHoliday);
+        if (isCompanysInScope()) {
+            if (holiday == selected_) return;
+            takeFromScope(batch, holiday.id);
+            insertRow(batch, holiday);
+        } else {
+            batch.add(row.update("ATT_HOLIDAY", "HOLIDAYID = " + number(holiday.id)));
+        }
+        return;
+    }
+    if (scopeId() != 0) {
         // A company's holiday that was taken from this scope comes back: no new row.
-        const Value general = FnVarGetValue(
+        const Value general = FnVarReadValue(
             session_, "Select HOLIDAYID From ATT_HOLIDAY Where HOLIDAYDATE = '" + day +
                           "' And HOLIDAYDESC = '" +
                           session_.gSpChar.FnStrSpSQL(holiday.description) + "'" + kGeneralRow);
-        const std::string exception =
-            " FROM ATT_HOLEX WHERE HOLIDAYID = " + general.toText() + " AND " + scope;
-        if (!general.isNull() && FnBlnRecordExists(session_, "SELECT HOLIDAYID" + exception)) {
-            session_.gConn.Execute("DELETE" + exception);
-            written = true;
+        if (!general.isNull() && hasException(general.toInt())) {
+            batch.add(" DELETE FROM ATT_HOLEX WHERE HOLIDAYID = " + general.toText() + " AND " +
+                      scope);
+            return;
         }
     }
-    if (!written) {
-        Recordset rs;
-        rs.Open("SELECT * FROM ATT_HOLIDAY WHERE " +
-                    (holiday.id != 0 ? "HOLIDAYID = " + number(holiday.id)
-                                     : "HOLIDAYDATE = '" + day + "'" +
-                                           (scopeId() == 0 ? kGeneralRow : " And " + scope)),
-                session_.gConn, adOpenKeyset, adLockOptimistic);
-        if (rs.IsEOF()) {
-            rs.AddNew();
-            rs.Fields("HOLIDAYID") = Value(next);
-            rs.Fields("GENERALYN") = Value(scopeId() == 0 ? 1 : 0);
-            if (scopeId() != 0) rs.Fields(trim(scopeColumn())) = Value(scopeId());
-        }
-        rs.Fields("HOLIDAYDATE") = Value(holiday.date);
-        rs.Fields("HOLIDAYDESC") = Value(holiday.description);
-        rs.Fields("HOLIDAYTYPE") = Value(holiday.national ? 1 : 0);
-        rs.Update();
-    }
-    refreshBranchStart();
+    const ShownRow own(
+        session_, "ATT_HOLIDAY", "HOLIDAYID",
+        "HOLIDAYDATE = '" + day + "'" + (scopeId() == 0 ? kGeneralRow : " And " + scope));
+    batch.refuseUnless(own.stands(), kAlreadyAvailable);
+    if (own.found())
+        batch.add(row.update("ATT_HOLIDAY", own.key()));
+    else
+        insertRow(batch, holiday);
+}
+
+void modHolidayList::insertRow(SaveBatch& batch, const Holiday& holiday) const {
+    RowText row;
+    row.setSql("HOLIDAYID", batch.newKey("ATT_HOLIDAY", "HOLIDAYID"))
+        .set("HOLIDAYDATE", Value(holiday.date))
+        .set("HOLIDAYDESC", Value(holiday.description))
+        .set("HOLIDAYTYPE", Value(holiday.national ? 1 : 0))
+        .set("GENERALYN", Value(scopeId() == 0 ? 1 : 0));
+    if (scopeId() != 0) row.set(trim(scopeColumn()), Value(scopeId()));
+    batch.add(row.insertInto("ATT_HOLIDAY"));
+}
+
+void modHolidayList::takeFromScope(SaveBatch& batch, int64_t holidayId) const {
+    RowText exception;
+    exception.set(trim(scopeColumn()), Value(scopeId())).set("HOLIDAYID", Value(holidayId));
+    batch.add(" IF NOT EXISTS (SELECT * FROM ATT_HOLEX WHERE " + exception.condition() + ")" +
+              exception.insertInto("ATT_HOLEX"));
 }
 
 // BRGHEFROM is the first date of a holiday of a branch.
-void modHolidayList::refreshBranchStart() {
-    session_.gConn.Execute(
-        "UPDATE MAS_OPTSET SET BRGHEFROM =(SELECT MIN(HOLIDAYDATE) FROM ATT_HOLIDAY where "
+void modHolidayList::updateBranchStart(SaveBatch& batch) const {
+    batch.add(
+        " UPDATE MAS_OPTSET SET BRGHEFROM =(SELECT MIN(HOLIDAYDATE) FROM ATT_HOLIDAY where "
         "BRANCHID>0) ");
-    const Value start = FnVarGetValue(session_, " Select BRGHEFROM  From MAS_OPTSET");
+}
+
+void modHolidayList::showBranchStart() {
+    const Value start = FnVarReadValue(session_, " Select BRGHEFROM  From MAS_OPTSET");
     lblEffFrom.caption = start.isNull() ? "N/A" : dateText(start.toDate(), "dd/mmm/yyyy");
 }
 
 // Registers and month rows are not limited to the scope: all rows of the month are looked at again.
-void modHolidayList::MarkHolidayMonth(int32_t lngMonthYear) {
+void modHolidayList::MarkHolidayMonth(SaveBatch& batch, int32_t lngMonthYear) const {
+    batch.refuseUnless(FnStrMonthRangeOpenSql(lngMonthYear, lngMonthYear, true, 0), lockText());
     const std::string month = number(lngMonthYear);
     const std::string salary = scopeId() == 0
                                    ? " WHERE MONTHYEAR = " + month
                                    : " WHERE EMPID In (Select EMPID From MAS_EMPLOYEEDET Where" +
                                          scopeColumn() + "= " + number(scopeId()) +
                                          ") And MONTHYEAR = " + month;
-    session_.gConn.Execute("UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1" + salary);
-    session_.gConn.Execute("UPDATE SLC_SALARYRATE_E SET TSALEDITMODEYN = 1" + salary);
-    session_.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN=1 WHERE MONTHYEAR = " + month);
-    session_.gConn.Execute("UPDATE LEV_MONTHDET SET EDITMODEYN=1 WHERE MONTHYEAR = " + month);
-    // Only leaves allotted on days worked depend on holidays.
-    session_.gConn.Execute(
-        "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 FROM LEV_ALLOTMENT WHERE LEVID IN(SELECT DISTINCT "
-        "LEVID FROM LEV_SETTINGS WHERE (ALLOTON = 2 OR ALLOTON >= 7)) AND "
-        "DBO.FNLNGMONTHYEAR(ALLOTFROM, ALLOTTO) = " +
-        month);
+    batch.add(" UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1" + salary)
+        .add(" UPDATE SLC_SALARYRATE_E SET TSALEDITMODEYN = 1" + salary)
+        .add(" UPDATE ATT_DAYTODAY SET EDITMODEYN=1 WHERE MONTHYEAR = " + month)
+        .add(" UPDATE LEV_MONTHDET SET EDITMODEYN=1 WHERE MONTHYEAR = " + month)
+        // Only leaves allotted on days worked depend on holidays.
+        .add(
+            " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 FROM LEV_ALLOTMENT WHERE LEVID IN(SELECT "
+            "DISTINCT LEVID FROM LEV_SETTINGS WHERE (ALLOTON = 2 OR ALLOTON >= 7)) AND "
+            "DBO.FNLNGMONTHYEAR(ALLOTFROM, ALLOTTO) = " +
+            month);
 }
 
 void modHolidayList::cmdDelete_Click() {
@@ -169,41 +218,32 @@ void modHolidayList::cmdDelete_Click() {
     if (!cmbAttHead.isInList()) return refuse("Select '" + lblAttHead.caption + "'.", cmbAttHead);
     if (selected_.id == 0) return inform("Select record to delete.");
     const std::string id = number(selected_.id);
-    Recordset row(session_.gConn, "SELECT GENERALYN FROM ATT_HOLIDAY WHERE HOLIDAYID = " + id);
-    if (row.IsEOF()) return inform("Holiday already deleted.");
+    const Value general =
+        FnVarReadValue(session_, "SELECT GENERALYN FROM ATT_HOLIDAY WHERE HOLIDAYID = " + id, 0);
+    if (!FnBlnReadRecordExists(session_,
+                               "SELECT HOLIDAYID FROM ATT_HOLIDAY WHERE HOLIDAYID = " + id))
+        return inform("Holiday already deleted.");
+    if (!stillAsShown(shown_, kHoliday, [this] { showAgain(); })) return;
     const int32_t lngMonthYear = monthOf(selected_.date);
     if (FnBlnMonthRangeLocked(session_, lngMonthYear, lngMonthYear, true, 0))
         return frontEnd().warning(lockText(), "Permission Denied");
     if (!ask("Do you want to delete selected record?")) return;
-    const bool general = row.Fields(0).toBool();
-    if (general && scopeId() != 0) {
-        if (chkBranchWise.value &&
-            FnBlnRecordExists(session_,
-                              "SELECT HOLIDAYID FROM ATT_HOLEX WHERE ATTHEADID > 0 AND "
-                              "HOLIDAYID = " +
-                                  id))
-            return inform("General Holiday Can't Delete in Branchwise");
-        Recordset rs;
-        rs.Open("SELECT * FROM ATT_HOLEX WHERE" + scopeColumn() + "= " + number(scopeId()) +
-                    " AND HOLIDAYID = " + id,
-                session_.gConn, adOpenKeyset, adLockOptimistic);
-        if (rs.IsEOF()) {
-            rs.AddNew();
-            rs.Fields(trim(scopeColumn())) = Value(scopeId());
-            rs.Fields("HOLIDAYID") = Value(selected_.id);
-            rs.Update();
-        }
+    SaveBatch batch;
+    batch.requireShown(shown_, kHoliday);
+    if ((general.toBool() && scopeId() != 0) || isCompanysInScope()) {
+        if (keptInBranches(selected_.id)) return;
+        takeFromScope(batch, selected_.id);
     } else {
-        session_.gConn.Execute("Delete From ATT_HOLIDAY Where HOLIDAYID = " + id);
-        session_.gConn.Execute("Delete From ATT_HOLEX Where HOLIDAYID = " + id);
+        batch.add(" Delete From ATT_HOLIDAY Where HOLIDAYID = " + id)
+            .add(" Delete From ATT_HOLEX Where HOLIDAYID = " + id);
     }
-    MarkHolidayMonth(lngMonthYear);
-    refreshBranchStart();
+    MarkHolidayMonth(batch, lngMonthYear);
+    updateBranchStart(batch);
+    if (!save(batch, [this] { showAgain(); })) return;
     if (FnBlnAuditTrailOn(session_))
         UpdateAuditTrail(session_, kAuditModule, 0, "General Holiday Deleted",
                          scopeAudit() + describe(selected_));
-    LoadList();
-    cmdNew_Click();
+    showAgain();
 }
 
 // --- the audit's words ---

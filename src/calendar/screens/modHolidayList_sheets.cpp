@@ -1,5 +1,5 @@
 // The list to a sheet, and back from a sheet of the same columns: each row goes through the checks
-// of a save, all of them before the first is written.
+// of a save before anything is written, and all good rows are written as one.
 #include <set>
 
 #include "base/utf8.h"
@@ -18,7 +18,7 @@ void modHolidayList::lblExport_Click() {
 }
 
 void modHolidayList::lblImport_Click() {
-    if (denied(cmdSave) || !cmdSave.enabled) return;
+    if (denied(cmdSave)) return;
     const std::string path = AskImportFile(session_, frontEnd(), "Import " + caption);
     clsEXLFunc book(frontEnd());
     if (path.empty() || !book.EXLOpenBook(path)) return;
@@ -28,12 +28,18 @@ void modHolidayList::lblImport_Click() {
     if (rows.empty()) return inform("No record found in " + path + ".");
     if (!frmImport(frontEnd(), "Import " + caption, {"Date", "Description", "Type"}, rows).Ask())
         return;
+    SaveBatch batch;
+    std::set<int32_t> months;
     for (const Holiday& holiday : holidays) {
-        SaveHolidayRow(holiday);
-        MarkHolidayMonth(monthOf(holiday.date));
-        if (FnBlnAuditTrailOn(session_)) auditSave(holiday);
+        SaveHolidayRow(batch, holiday);
+        months.insert(monthOf(holiday.date));
     }
-    LoadList();
+    for (const int32_t month : months) MarkHolidayMonth(batch, month);
+    updateBranchStart(batch);
+    if (!save(batch, [this] { showAgain(); })) return;
+    if (FnBlnAuditTrailOn(session_))
+        for (const Holiday& holiday : holidays) auditSave(holiday);
+    showAgain();
     session_.gGenCmn.ShowSavedMessage();
 }
 
@@ -55,8 +61,7 @@ void modHolidayList::readHolidays(const std::vector<SheetRow>& sheet,
         row.cells = {sheetDateText(at(sheet[r], 0)), sheetText(at(sheet[r], 1)),
                      sheetText(at(sheet[r], 2))};
         Holiday holiday;
-        holiday.date = parseDate(FnStrCleanDateCentury(row.cells[0]), DateOrder::DayFirst)
-                           .value_or(DateTime{});
+        holiday.date = parseTypedDate(FnStrCleanDateCentury(row.cells[0])).value_or(DateTime{});
         holiday.description = row.cells[1];
         holiday.national = equalsIgnoreCaseAscii(trim(row.cells[2]), "National");
         int32_t lngMonthYear = 0;

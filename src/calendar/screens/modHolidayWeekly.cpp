@@ -9,6 +9,9 @@ namespace owb {
 
 namespace {
 
+constexpr int32_t kMenuId = 1511;
+constexpr int32_t kForEver = 99999;  // month key beyond all
+constexpr const char* kRule = "The weekly holiday";
 constexpr const char* kFlags[] = {"FH1YN", "SH1YN", "FH2YN", "SH2YN", "FH3YN",
                                   "SH3YN", "FH4YN", "SH4YN", "FH5YN", "SH5YN"};
 constexpr const char* kWeeks[] = {"1st Week", "2nd Week", "3rd Week", "4th Week", "5th Week"};
@@ -65,7 +68,7 @@ Layout modHolidayWeekly::layout() {
 }
 
 void modHolidayWeekly::onLoad() {
-    applyRights({&cmdSave, &cmdDelete});
+    applyRights({&cmdSave, &cmdDelete}, kMenuId);
     loadMonths(cmbMonthYear, 0);
     cmdAdvanced.visible = attHeadId_ == 0 && session_.gOpt.ROTWHYN;
     loadGrid();
@@ -119,16 +122,56 @@ void modHolidayWeekly::fpgWeeklyHoliday_Click(size_t row) {
     Rule rule;
     rule.monthYear = static_cast<int32_t>(fpgWeeklyHoliday.number(row, 0));
     rule.weekDay = static_cast<int32_t>(fpgWeeklyHoliday.number(row, 1));
-    if (readRow(attHeadId_, rule, rule.halves)) show(rule);
+    shown_ = readRow(attHeadId_, rule);
+    if (!shown_.found()) {
+        frontEnd().warning(FnStrChangedMeanwhile(kRule));
+        return showAgain();
+    }
+    rule.halves = halvesOf(shown_);
+    show(rule);
+}
+
+void modHolidayWeekly::showAgain() {
+    shown_ = {};
+    loadGrid();
+}
+
+std::string modHolidayWeekly::lockText(int32_t lngMonthYear) const {
+    return "One or more " + session_.gEmployeeCaption +
+           " (s) record/Month(s) has been locked with effective from " +
+           FnStrMonthYearText(lngMonthYear) + ".";
 }
 
 bool modHolidayWeekly::monthsLocked(int32_t lngMonthYear) {
-    if (!FnBlnMonthRangeLocked(session_, lngMonthYear, 99999, true, 0)) return false;
-    frontEnd().warning("One or more " + session_.gEmployeeCaption +
-                           " (s) record/Month(s) has been locked with effective from " +
-                           FnStrMonthYearText(lngMonthYear) + ".",
-                       "Permission Denied");
+    if (!FnBlnMonthRangeLocked(session_, lngMonthYear, kForEver, true, 0)) return false;
+    frontEnd().warning(lockText(lngMonthYear), "Permission Denied");
     return true;
+}
+
+namespace {
+
+std::string keyOf(int32_t monthYear, int32_t weekDay) {
+    return "EFFFROM=" + number(monthYear) + " AND WEEKID=" + number(weekDay);
+}
+
+}  // namespace
+
+ShownRow modHolidayWeekly::readRow(int32_t intAttHeadId, const Rule& key) {
+    std::string columns;
+    for (const char* flag : kFlags) columns += (columns.empty() ? "" : ", ") + std::string(flag);
+    return ShownRow(
+        session_, "LEV_WEEKLYHLD", columns,
+        "ATTHEADID=" + number(intAttHeadId) + " AND " + keyOf(key.monthYear, key.weekDay));
+}
+
+modHolidayWeekly::Halves modHolidayWeekly::halvesOf(const ShownRow& row) {
+    Halves halves{};
+    for (size_t i = 0; i < halves.size(); ++i) halves[i] = row.value(kFlags[i]).toBool();
+    return halves;
+}
+
+bool modHolidayWeekly::stillAsChosen(const ShownRow& row) {
+    return shown_.key() != row.key() || stillAsShown(shown_, kRule, [this] { showAgain(); });
 }
 
 // --- saving ---
@@ -140,108 +183,112 @@ void modHolidayWeekly::cmdSave_Click() {
     if (rule.weekDay == 0) return refuse("Select proper 'Day of the Week'.", cmbWeekDay);
     if (monthsLocked(rule.monthYear)) return;
 
-    Halves before{};
-    const bool isNew = !readRow(attHeadId_, rule, before);
-    const bool changed = isNew || before != rule.halves;
-    SaveWeeklyRow(attHeadId_, rule);
-    if (attHeadId_ != 0) {
-        if (!FnBlnSameAsCompanyRow(rule)) setEdited(attHeadId_, rule, true);
-    } else {
-        // A company rule flows to all heads that have not diverged.
-        Recordset heads(session_.gConn, "SELECT ATTHEADID FROM MAS_ATTHEAD");
-        for (; !heads.IsEOF(); heads.MoveNext()) {
-            const auto head = static_cast<int32_t>(heads.Fields(0).toInt());
-            const Value edited = FnVarGetValue(
-                session_, "SELECT EDITEDYN FROM LEV_WEEKLYHLD WHERE ATTHEADID=" + number(head) +
-                              " AND EFFFROM=" + number(rule.monthYear) +
-                              " AND WEEKID=" + number(rule.weekDay));
-            if (edited.toInt() == 1) continue;
-            SaveWeeklyRow(head, rule);
-            setEdited(head, rule, false);
-        }
-    }
-    markAfterSave(rule, changed);
-    if (FnBlnAuditTrailOn(session_)) auditSave(rule, isNew, before);
-    loadGrid();
+    const ShownRow row = readRow(attHeadId_, rule);
+    if (!stillAsChosen(row)) return;
+    const Halves before = halvesOf(row);
+    const bool changed = !row.found() || before != rule.halves;
+    SaveBatch batch;
+    batch.refuseUnless(FnStrMonthRangeOpenSql(rule.monthYear, kForEver, true, 0),
+                       lockText(rule.monthYear));
+    batch.requireShown(row, kRule);
+    SaveWeeklyRow(batch, row, rule);
+    if (attHeadId_ != 0)
+        markEdited(batch, rule);
+    else
+        passOnToHeads(batch, rule);
+    markAfterSave(batch, rule, changed);
+    if (!save(batch, [this] { showAgain(); })) return;
+    if (FnBlnAuditTrailOn(session_)) auditSave(rule, !row.found(), before);
+    showAgain();
     session_.gGenCmn.ShowSavedMessage();
 }
 
 namespace {
 
-std::string rowCondition(int32_t intAttHeadId, int32_t monthYear, int32_t weekDay) {
-    return " WHERE ATTHEADID=" + number(intAttHeadId) + " AND EFFFROM=" + number(monthYear) +
-           " AND WEEKID=" + number(weekDay);
+RowText flagsOf(const std::array<bool, 10>& halves) {
+    RowText row;
+    for (size_t i = 0; i < halves.size(); ++i) row.set(kFlags[i], Value(halves[i] ? 1 : 0));
+    return row.set("EDITEDYN", Value(0));
 }
 
 }  // namespace
 
-bool modHolidayWeekly::readRow(int32_t intAttHeadId, const Rule& key, Halves& halves) {
-    Recordset rs(session_.gConn, "SELECT * FROM LEV_WEEKLYHLD" +
-                                     rowCondition(intAttHeadId, key.monthYear, key.weekDay));
-    if (rs.IsEOF()) return false;
-    for (size_t i = 0; i < halves.size(); ++i) halves[i] = rs.Fields(kFlags[i]).toBool();
-    return true;
-}
-
-void modHolidayWeekly::SaveWeeklyRow(int32_t intAttHeadId, const Rule& rule) {
-    Recordset rs;
-    rs.Open(
-        "SELECT * FROM LEV_WEEKLYHLD" + rowCondition(intAttHeadId, rule.monthYear, rule.weekDay),
-        session_.gConn, adOpenKeyset, adLockOptimistic);
-    if (rs.IsEOF()) {
-        const int64_t key =
-            FnVarGetValue(session_, "SELECT MAX(WHID) FROM LEV_WEEKLYHLD", Value(0)).toInt() + 1;
-        rs.AddNew();
-        rs.Fields("WHID") = Value(key);
-        rs.Fields("ATTHEADID") = Value(intAttHeadId);
-        rs.Fields("EFFFROM") = Value(rule.monthYear);
-        rs.Fields("WEEKID") = Value(rule.weekDay);
+void modHolidayWeekly::SaveWeeklyRow(SaveBatch& batch, const ShownRow& row,
+                                     const Rule& rule) const {
+    RowText flags = flagsOf(rule.halves);
+    if (row.found()) {
+        batch.add(flags.update("LEV_WEEKLYHLD", row.key()));
+        return;
     }
+    flags.setSql("WHID", batch.newKey("LEV_WEEKLYHLD", "WHID"))
+        .set("ATTHEADID", Value(attHeadId_))
+        .set("EFFFROM", Value(rule.monthYear))
+        .set("WEEKID", Value(rule.weekDay));
+    batch.add(flags.insertInto("LEV_WEEKLYHLD"));
+}
+
+// A company rule flows to all heads that have not diverged.
+void modHolidayWeekly::passOnToHeads(SaveBatch& batch, const Rule& rule) const {
+    const std::string key = keyOf(rule.monthYear, rule.weekDay);
+    batch.add(flagsOf(rule.halves)
+                  .update("LEV_WEEKLYHLD", key + " AND ISNULL(EDITEDYN,0) <> 1 AND ATTHEADID IN "
+                                                 "(SELECT ATTHEADID FROM MAS_ATTHEAD)"));
+    std::string columns, values;
+    for (size_t i = 0; i < rule.halves.size(); ++i) {
+        columns += std::string(", ") + kFlags[i];
+        values += rule.halves[i] ? ", 1" : ", 0";
+    }
+    const std::string first = batch.newKey("LEV_WEEKLYHLD", "WHID");
+    batch.add(" INSERT INTO LEV_WEEKLYHLD (WHID, ATTHEADID, EFFFROM, WEEKID, EDITEDYN" + columns +
+              ") SELECT " + first + " + ROW_NUMBER() OVER (ORDER BY ATTHEADID) - 1, ATTHEADID, " +
+              number(rule.monthYear) + ", " + number(rule.weekDay) + ", 0" + values +
+              " FROM MAS_ATTHEAD WHERE ATTHEADID NOT IN (SELECT ATTHEADID FROM LEV_WEEKLYHLD "
+              "WHERE " +
+              key + ")");
+}
+
+// A head's row that differs from the company's of the same month and day no longer follows it.
+void modHolidayWeekly::markEdited(SaveBatch& batch, const Rule& rule) const {
+    std::string same;
     for (size_t i = 0; i < rule.halves.size(); ++i)
-        rs.Fields(kFlags[i]) = Value(rule.halves[i] ? 1 : 0);
-    rs.Fields("EDITEDYN") = Value(0);
-    rs.Update();
+        same += std::string(" AND ISNULL(") + kFlags[i] + ",0) = " + (rule.halves[i] ? "1" : "0");
+    const std::string key = keyOf(rule.monthYear, rule.weekDay);
+    batch.add(" UPDATE LEV_WEEKLYHLD SET EDITEDYN=1 WHERE ATTHEADID=" + number(attHeadId_) +
+              " AND " + key +
+              " AND NOT EXISTS (SELECT * FROM LEV_WEEKLYHLD WHERE ATTHEADID=0 AND " + key + same +
+              ")");
 }
 
-bool modHolidayWeekly::FnBlnSameAsCompanyRow(const Rule& rule) {
-    Halves company{};
-    return readRow(0, rule, company) && company == rule.halves;
-}
-
-void modHolidayWeekly::setEdited(int32_t intAttHeadId, const Rule& rule, bool edited) {
-    session_.gConn.Execute("UPDATE LEV_WEEKLYHLD SET EDITEDYN=" + number(edited ? 1 : 0) +
-                           rowCondition(intAttHeadId, rule.monthYear, rule.weekDay));
-}
-
-void modHolidayWeekly::markHead(int32_t intAttHeadId, int32_t lngMonthYear) {
-    const std::string head = number(intAttHeadId), month = number(lngMonthYear);
-    session_.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN=1 WHERE MONTHYEAR >= " + month +
-                           " AND ATTHEADID = " + head);
-    session_.gConn.Execute(
-        "UPDATE LEV_MONTHDET SET EDITMODEYN=1 WHERE MONTHYEAR>=" + month +
-        " AND EMPID=(SELECT EMPID FROM MAS_EMPLOYEEDET WHERE EMPDETID=LEV_MONTHDET.EMPDETID AND "
-        "EMPID=LEV_MONTHDET.EMPID AND ATTHEADID=" +
-        head + ")");
-    session_.gConn.Execute("UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE ATTHEADID = " + head +
-                           " AND allotfrom >='" +
-                           dateText(FnDteMonthStart(session_, lngMonthYear), "yyyy-mmm-dd") + "'");
+// `heads` is " = 10" or " IN (...)".
+void modHolidayWeekly::markHeads(SaveBatch& batch, const std::string& heads,
+                                 int32_t lngMonthYear) const {
+    const std::string month = number(lngMonthYear);
+    DateTime first, last;
+    GetMonthPeriod(session_, lngMonthYear, first, last);
+    batch
+        .add(" UPDATE ATT_DAYTODAY SET EDITMODEYN=1 WHERE MONTHYEAR >= " + month +
+             " AND ATTHEADID" + heads)
+        .add(" UPDATE LEV_MONTHDET SET EDITMODEYN=1 WHERE MONTHYEAR>=" + month +
+             " AND EMPID=(SELECT EMPID FROM MAS_EMPLOYEEDET WHERE EMPDETID=LEV_MONTHDET.EMPDETID "
+             "AND EMPID=LEV_MONTHDET.EMPID AND ATTHEADID" +
+             heads + ")")
+        .add(" UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE ATTHEADID" + heads +
+             " AND allotfrom >='" + dateText(first, "yyyy-mmm-dd") + "'");
 }
 
 // A save that changes nothing marks the widest set: the rows of all heads.
-void modHolidayWeekly::markAfterSave(const Rule& rule, bool changed) {
+void modHolidayWeekly::markAfterSave(SaveBatch& batch, const Rule& rule, bool changed) const {
     const std::string month = number(rule.monthYear);
-    if (!changed) {
-        session_.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN=1 WHERE MONTHYEAR >= " + month);
-        session_.gConn.Execute("UPDATE LEV_MONTHDET SET EDITMODEYN=1 WHERE MONTHYEAR >= " + month);
-    } else if (attHeadId_ != 0) {
-        markHead(attHeadId_, rule.monthYear);
-    } else {
-        Recordset heads(session_.gConn, "SELECT ATTHEADID FROM LEV_WEEKLYHLD WHERE EFFFROM=" +
-                                            month + " AND WEEKID=" + number(rule.weekDay) +
-                                            " AND ATTHEADID<>0 AND EDITEDYN=0");
-        for (; !heads.IsEOF(); heads.MoveNext())
-            markHead(static_cast<int32_t>(heads.Fields(0).toInt()), rule.monthYear);
-    }
+    if (!changed)
+        batch.add(" UPDATE ATT_DAYTODAY SET EDITMODEYN=1 WHERE MONTHYEAR >= " + month)
+            .add(" UPDATE LEV_MONTHDET SET EDITMODEYN=1 WHERE MONTHYEAR >= " + month);
+    else if (attHeadId_ != 0)
+        markHeads(batch, " = " + number(attHeadId_), rule.monthYear);
+    else
+        markHeads(batch,
+                  " IN (SELECT ATTHEADID FROM LEV_WEEKLYHLD WHERE " +
+                      keyOf(rule.monthYear, rule.weekDay) + " AND ATTHEADID<>0 AND EDITEDYN=0)",
+                  rule.monthYear);
 }
 
 // --- deleting ---
@@ -250,49 +297,54 @@ void modHolidayWeekly::cmdDelete_Click() {
     if (denied(cmdDelete)) return;
     if (fpgWeeklyHoliday.rowCount() == 0) return inform("No records to delete.");
     const Rule rule = ruleOnScreen();
-    if (rule.monthYear == 0) return refuse("Select effective Month/Year.", cmbMonthYear);
-    if (rule.weekDay == 0) return refuse("Select proper 'Day of the Week'.", cmbWeekDay);
+    const ShownRow row = readRow(attHeadId_, rule);
+    if (!stillAsChosen(row)) return;
+    if (!row.found()) return inform("Select record to Delete");
     if (monthsLocked(rule.monthYear)) return;
     if (!ask("Do you want to delete selected record?")) return;
     const std::string month = number(rule.monthYear);
-    if (FnVarGetValue(session_,
-                      "Select Count(EMPID) From SLC_SALARYCALC_E Where MONTHYEAR >= " + month)
+    if (FnVarReadValue(session_,
+                       "Select Count(EMPID) From SLC_SALARYCALC_E Where MONTHYEAR >= " + month)
                 .toInt() > 0 &&
         !ask("Salary will be re-calculated.  Do you want to continue?"))
         return;
     const std::string key =
         " WHERE WEEKID = " + number(rule.weekDay) + " AND EFFFROM = " + month + " AND ";
-    session_.gConn.Execute("DELETE FROM LEV_WEEKLYHLD" + key + "ATTHEADID= " + number(attHeadId_));
-    if (attHeadId_ == 0)
-        session_.gConn.Execute("DELETE FROM LEV_WEEKLYHLD" + key + "EDITEDYN = 0 ");
-    markAfterDelete(rule.monthYear);
+    SaveBatch batch;
+    batch.refuseUnless(FnStrMonthRangeOpenSql(rule.monthYear, kForEver, true, 0),
+                       lockText(rule.monthYear));
+    batch.requireShown(row, kRule);
+    batch.add(" DELETE FROM LEV_WEEKLYHLD" + key + "ATTHEADID= " + number(attHeadId_));
+    if (attHeadId_ == 0) batch.add(" DELETE FROM LEV_WEEKLYHLD" + key + "EDITEDYN = 0 ");
+    markAfterDelete(batch, rule.monthYear);
+    if (!save(batch, [this] { showAgain(); })) return;
     if (FnBlnAuditTrailOn(session_))
         UpdateAuditTrail(session_, kAuditModule, 0, "Weekly Holiday Deleted",
                          ":Attendance Name = " + attendanceName() + ":Eff. From Month = " +
                              FnStrMonthYearText(rule.monthYear) + ":Day = " + cmbWeekDay.value);
-    loadGrid();
+    showAgain();
 }
 
-void modHolidayWeekly::markAfterDelete(int32_t lngMonthYear) {
+void modHolidayWeekly::markAfterDelete(SaveBatch& batch, int32_t lngMonthYear) const {
     const std::string month = number(lngMonthYear), head = number(attHeadId_);
     const bool all = attHeadId_ == 0;
     const std::string salary =
         all ? " Where MONTHYEAR >= " + month
             : " Where EMPID In (Select EMPID From MAS_EMPLOYEEDET Where ATTHEADID = " + head +
                   ") AND MONTHYEAR >= " + month;
-    session_.gConn.Execute("Update SLC_SALARYCALC_E Set EDITMODEYN = 1" + salary);
-    session_.gConn.Execute("Update SLC_SALARYRATE_E Set TSALEDITMODEYN = 1" + salary);
-    session_.gConn.Execute("UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE allotfrom >='" +
-                           dateText(FnDteMonthStart(session_, lngMonthYear), "yyyy-mmm-dd") + "'" +
-                           (all ? "" : " AND ATTHEADID= " + head));
-    session_.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN = 1 WHERE MONTHYEAR >= " + month +
-                           (all ? "" : " AND ATTHEADID = " + head));
-    session_.gConn.Execute(
-        "UPDATE LEV_MONTHDET SET EDITMODEYN = 1 WHERE MONTHYEAR >= " + month +
-        (all ? ""
-             : " AND EMPID=(SELECT EMPID FROM MAS_EMPLOYEEDET WHERE "
-               "EMPDETID=LEV_MONTHDET.EMPDETID AND EMPID=LEV_MONTHDET.EMPID AND ATTHEADID=" +
-                   head + ")"));
+    DateTime first, last;
+    GetMonthPeriod(session_, lngMonthYear, first, last);
+    batch.add(" Update SLC_SALARYCALC_E Set EDITMODEYN = 1" + salary)
+        .add(" Update SLC_SALARYRATE_E Set TSALEDITMODEYN = 1" + salary)
+        .add(" UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE allotfrom >='" +
+             dateText(first, "yyyy-mmm-dd") + "'" + (all ? "" : " AND ATTHEADID= " + head))
+        .add(" UPDATE ATT_DAYTODAY SET EDITMODEYN = 1 WHERE MONTHYEAR >= " + month +
+             (all ? "" : " AND ATTHEADID = " + head))
+        .add(" UPDATE LEV_MONTHDET SET EDITMODEYN = 1 WHERE MONTHYEAR >= " + month +
+             (all ? ""
+                  : " AND EMPID=(SELECT EMPID FROM MAS_EMPLOYEEDET WHERE "
+                    "EMPDETID=LEV_MONTHDET.EMPDETID AND EMPID=LEV_MONTHDET.EMPID AND ATTHEADID=" +
+                        head + ")"));
 }
 
 void modHolidayWeekly::cmdAdvanced_Click() {

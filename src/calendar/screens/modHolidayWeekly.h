@@ -43,18 +43,24 @@ class modHolidayWeekly final : public SessionScreen {
     Rule ruleOnScreen() const;
     void show(const Rule& rule);
     bool monthsLocked(int32_t lngMonthYear);
-    // The row's flags; false when there is no row.
-    bool readRow(int32_t intAttHeadId, const Rule& key, Halves& halves);
-    void SaveWeeklyRow(int32_t intAttHeadId, const Rule& rule);
-    bool FnBlnSameAsCompanyRow(const Rule& rule);
-    void setEdited(int32_t intAttHeadId, const Rule& rule, bool edited);
-    void markHead(int32_t intAttHeadId, int32_t lngMonthYear);
-    void markAfterSave(const Rule& rule, bool changed);
-    void markAfterDelete(int32_t lngMonthYear);
+    std::string lockText(int32_t lngMonthYear) const;
+    ShownRow readRow(int32_t intAttHeadId, const Rule& key);
+    static Halves halvesOf(const ShownRow& row);
+    // Whether the row that the user chose in the grid is as it was shown; another key was not.
+    bool stillAsChosen(const ShownRow& row);
+    // The statements of a save and a deletion, in the order in which they run.
+    void SaveWeeklyRow(SaveBatch& batch, const ShownRow& row, const Rule& rule) const;
+    void passOnToHeads(SaveBatch& batch, const Rule& rule) const;
+    void markEdited(SaveBatch& batch, const Rule& rule) const;
+    void markHeads(SaveBatch& batch, const std::string& heads, int32_t lngMonthYear) const;
+    void markAfterSave(SaveBatch& batch, const Rule& rule, bool changed) const;
+    void markAfterDelete(SaveBatch& batch, int32_t lngMonthYear) const;
+    void showAgain();  // the rules as they are now, none chosen
     void auditSave(const Rule& rule, bool isNew, const Halves& before);
     std::string attendanceName();
 
     int32_t attHeadId_;
+    ShownRow shown_;  // the row that was chosen in the grid
 };
 
 }  // namespace owb

@@ -12,6 +12,7 @@ namespace owb {
 
 namespace {
 
+constexpr int32_t kMenuId = 1503;
 constexpr std::array kAllotTypes = {"Between Dates", "Monthly", "Calendar Year", "Financial Year"};
 constexpr std::array kNwdOptions = {"Fixed (30) days / month",
                                     "Actual Days / Month",
@@ -95,7 +96,7 @@ Layout modAttHead::layout() {
 }
 
 void modAttHead::onLoad() {
-    applyRights({&cmdSave, &cmdDelete, &cmdCreateCopy});
+    applyRights({&cmdSave, &cmdDelete, &cmdCreateCopy}, kMenuId);
     loadGrid();
     for (size_t row = 0; row < fpgAtt.rowCount(); ++row) {
         if (fpgAtt.number(row, 0) != session_.gAttHeadId) continue;
@@ -125,28 +126,30 @@ void modAttHead::loadGrid() {
 }
 
 modAttHead::Head modAttHead::readHead(int64_t id) {
-    Recordset rs(session_.gConn,
-                 "SELECT * FROM MAS_ATTHEAD WHERE ATTHEADID = " + std::to_string(id));
-    if (rs.IsEOF()) return {};
+    shown_ = ShownRow(session_, "MAS_ATTHEAD",
+                      "ATTHEADNAME, ATTMENUNAME, ATTDESC, ATTNTYPE, ATTNALLOTTYPE, NODFORCALC, "
+                      "ATTNTIGHTYN, OT1YN, OT2YN, OTHOURLYYN, MORETHANNODYN, INACTIVEYN",
+                      "ATTHEADID = " + std::to_string(id));
+    if (!shown_.found()) return {};
     // A number above those that the options name means the last of them.
     const auto number = [&](const char* column, int64_t last) {
-        return static_cast<int>(std::min(rs.Fields(column).toInt(), last));
+        return static_cast<int>(std::min(shown_.value(column).toInt(), last));
     };
     Head head;
     head.id = id;
-    head.name = rs.Fields("ATTHEADNAME").toText();
-    head.menuName = rs.Fields("ATTMENUNAME").toText();
-    head.remarks = rs.Fields("ATTDESC").toText();
+    head.name = shown_.value("ATTHEADNAME").toText();
+    head.menuName = shown_.value("ATTMENUNAME").toText();
+    head.remarks = shown_.value("ATTDESC").toText();
     head.registerType = number("ATTNTYPE", 4);
     if (head.registerType < 1) head.registerType = 4;
     head.allotType = number("ATTNALLOTTYPE", 4);
     head.nwdOption = number("NODFORCALC", 6);
-    head.tight = rs.Fields("ATTNTIGHTYN").toBool();
-    head.ot1 = rs.Fields("OT1YN").toBool();
-    head.ot2 = rs.Fields("OT2YN").toBool();
-    head.otHourly = rs.Fields("OTHOURLYYN").toBool();
-    head.allowMore = rs.Fields("MORETHANNODYN").toBool();
-    head.inactive = rs.Fields("INACTIVEYN").toBool();
+    head.tight = shown_.value("ATTNTIGHTYN").toBool();
+    head.ot1 = shown_.value("OT1YN").toBool();
+    head.ot2 = shown_.value("OT2YN").toBool();
+    head.otHourly = shown_.value("OTHOURLYYN").toBool();
+    head.allowMore = shown_.value("MORETHANNODYN").toBool();
+    head.inactive = shown_.value("INACTIVEYN").toBool();
     return head;
 }
 
@@ -170,17 +173,18 @@ void modAttHead::show(const Head& head, bool isNew) {
 
     const std::string id = std::to_string(head.id);
     const bool allotted =
-        !isNew && FnBlnRecordExists(session_,
-                                    "SELECT ALLOTID FROM ATT_ALLOTMENT WHERE EMPID IN(SELECT EMPID "
-                                    "FROM MAS_EMPLOYEEDET WHERE ATTHEADID = " +
-                                        id + ")");
+        !isNew &&
+        FnBlnReadRecordExists(session_,
+                              "SELECT ALLOTID FROM ATT_ALLOTMENT WHERE EMPID IN(SELECT EMPID "
+                              "FROM MAS_EMPLOYEEDET WHERE ATTHEADID = " +
+                                  id + ")");
     for (OptionButton* option : optRegister.buttons()) option->enabled = !allotted;
     const int64_t employees =
         isNew ? 0
-              : FnVarGetValue(session_,
-                              "SELECT COUNT(ME.EMPID) FROM MAS_EMPLOYEE ME, MAS_EMPLOYEEDET MD "
-                              "WHERE ME.EMPID = MD.EMPID AND MD.ATTHEADID = " +
-                                  id)
+              : FnVarReadValue(session_,
+                               "SELECT COUNT(ME.EMPID) FROM MAS_EMPLOYEE ME, MAS_EMPLOYEEDET MD "
+                               "WHERE ME.EMPID = MD.EMPID AND MD.ATTHEADID = " +
+                                   id)
                     .toInt();
     lblEmployees.caption = session_.gEmployeeCaption + " (s) : " + std::to_string(employees);
     cmdSetting.enabled = !isNew && (head.registerType == 2 || head.registerType == 3);
@@ -205,7 +209,16 @@ modAttHead::Head modAttHead::headOnScreen() const {
 }
 
 void modAttHead::fpgAtt_Click(size_t row) {
-    show(readHead(static_cast<int64_t>(fpgAtt.number(row, 0))), false);
+    const Head head = readHead(static_cast<int64_t>(fpgAtt.number(row, 0)));
+    if (shown_.found()) return show(head, false);
+    frontEnd().warning(FnStrChangedMeanwhile(kHead));
+    showAgain();
+}
+
+void modAttHead::showAgain() {
+    LoadAttHead(session_, session_.gAttHeadId);
+    LoadAttOptions(session_, session_.gAttHeadId);
+    loadGrid();
 }
 
 void modAttHead::chkOT1_Click() {
@@ -221,19 +234,19 @@ void modAttHead::refuseClearedOvertime(CheckBox& box, bool wasKept, int row, con
                                        const char* text) {
     if (box.value || isNew_ || !wasKept) return;
     const std::string id = std::to_string(selected_.id), salaryRow = std::to_string(row);
-    const bool paid = FnBlnRecordExists(
+    const bool paid = FnBlnReadRecordExists(
         session_,
         "SELECT OT.SLNO FROM SLC_COMPCALCDET OT, SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET E WHERE "
         "OT.EMPID = SE.EMPID AND OT.MONTHYEAR = SE.MONTHYEAR AND OT.STRUCTID = E.STRUCTID AND "
         "SE.EMPDETID = E.EMPDETID AND SE.EMPID = E.EMPID AND OT.SALHEADROWID = " +
             salaryRow + " AND (OT.UNIT > 0 OR OT.RATE > 0 ) AND E.ATTHEADID = " + id);
     if (!paid) {
-        const bool inStructure = FnBlnRecordExists(
+        const bool inStructure = FnBlnReadRecordExists(
             session_, "Select STRUCTID From SLC_SALSTRUCTDET Where SALHEADROWID = " + salaryRow +
                           " AND CALCTYPE <> 7");
-        if (!inStructure ||
-            FnBlnRecordExists(session_, "Select ATTHEADID From MAS_ATTHEAD Where ATTHEADID <> " +
-                                            id + " AND " + column + " = 1"))
+        if (!inStructure || FnBlnReadRecordExists(
+                                session_, "Select ATTHEADID From MAS_ATTHEAD Where ATTHEADID <> " +
+                                              id + " AND " + column + " = 1"))
             return;
     }
     box.value = true;
@@ -250,6 +263,7 @@ void modAttHead::cmdCreateCopy_Click() {
 
 void modAttHead::cmdNew_Click() {
     Head head;
+    shown_ = {};
     head.id = clsCtrlDep(session_).FnLngGetNextNumber("MAS_ATTHEAD", "ATTHEADID");
     show(head, true);
     setFocus(txtAttName);

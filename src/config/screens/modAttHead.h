@@ -61,6 +61,8 @@ class modAttHead final : public SessionScreen {
     void cmdDelete_Click();
 
   private:
+    static constexpr const char* kHead = "The attendance head";  // begins what is told of it
+
     struct Head {
         int64_t id = 0;
         std::string name, menuName, remarks;
@@ -79,24 +81,30 @@ class modAttHead final : public SessionScreen {
     void onLoad() override;
     Layout layout() override;
     void loadGrid();
+    // The head of the row that is read into shown_.
     Head readHead(int64_t id);
+    void showAgain();  // the list as it is now, none chosen
     void show(const Head& head, bool isNew);
     Head headOnScreen() const;
     bool fieldsAccepted(const Head& head);
     std::vector<Setting> settingsOf(const Head& before, const Head& now) const;
     bool hasSalaryRows() const;
-    // Whether the save may go on; `marks` tells whether the head's rows are to be recomputed.
-    bool changesAccepted(const Head& now, bool& marks);
-    void write(const Head& head);
-    void makeLeaveSettings(const Head& head);
-    void markHead();
+    // Whether the save may go on. Into the batch goes what it must still find so, and into `marks`
+    // the marks on what is computed for the head.
+    bool changesAccepted(SaveBatch& batch, const Head& now, std::string& marks);
+    void requireFreeNames(SaveBatch& batch, const Head& head) const;
+    static RowText rowOf(const Head& head);
+    void insert(SaveBatch& batch, const Head& head);
+    void makeLeaveSettings(SaveBatch& batch, const std::string& headId);
+    std::string markHeadSql() const;
     void refuseClearedOvertime(CheckBox& box, bool wasKept, int row, const char* column,
                                const char* text);
     std::string auditOf(const Head& head) const;
     void auditSave(const Head& now);
     void finish();
 
-    Head selected_;  // as stored
+    Head selected_;   // as stored
+    ShownRow shown_;  // the same as it was read
     bool isNew_ = true;
 };
 

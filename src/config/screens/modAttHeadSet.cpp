@@ -5,7 +5,6 @@
 #include "data/modAuditTrail.h"
 #include "data/modCommon.h"
 #include "data/modOWBSetting.h"
-#include "db/recordset.h"
 
 namespace owb {
 
@@ -89,15 +88,19 @@ Layout modAttHeadSet::layout() {
 void modAttHeadSet::onLoad() {
     applyRights({&cmdSave});
     stored_.clear();
-    Recordset rs(session_.gConn,
-                 "Select * FROM MAS_ATTHEAD Where ATTHEADID = " + std::to_string(attHeadId_));
+    std::string columns;
+    for (const Band& band : bands_)
+        for (const Field& field : band.fields)
+            columns += (columns.empty() ? "" : ", ") + std::string(field.column);
+    shown_ =
+        ShownRow(session_, "MAS_ATTHEAD", columns, "ATTHEADID = " + std::to_string(attHeadId_));
     for (const Band& band : bands_) {
         std::vector<double>& values = stored_.emplace_back();
         for (const Field& field : band.fields) {
             if (field.box != nullptr)
-                field.box->value = numberText(rs.Fields(field.column).toDouble());
+                field.box->value = numberText(shown_.value(field.column).toDouble());
             else
-                field.check->value = rs.Fields(field.column).toBool();
+                field.check->value = shown_.value(field.column).toBool();
             values.push_back(valueOf(field));
         }
     }
@@ -155,43 +158,52 @@ bool modAttHeadSet::bandsAccepted() {
     return withinLimit(limits[0]) && withinLimit(limits[1]);
 }
 
-bool modAttHeadSet::changeAccepted() {
-    if (!FnBlnRecordExists(session_,
-                           "Select SE.SALID From SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET ED  Where "
-                           "SE.EMPID = ED.EMPID AND SE.EMPDETID = ED.EMPDETID AND ED.ATTHEADID = " +
-                               std::to_string(attHeadId_)))
+bool modAttHeadSet::changeAccepted(SaveBatch& batch) {
+    if (!FnBlnReadRecordExists(
+            session_,
+            "Select SE.SALID From SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET ED  Where "
+            "SE.EMPID = ED.EMPID AND SE.EMPDETID = ED.EMPDETID AND ED.ATTHEADID = " +
+                std::to_string(attHeadId_)))
         return true;
     // Where employees can be locked, a locked one counts as a locked month does.
     const bool employees = session_.gFeature.EMPLOCKYN;
+    const std::string locked =
+        employees ? "One or more " + session_.gEmployeeCaption +
+                        " (s) record/Month(s) locked, unlock to change attendance setting."
+                  : "Months locked, unlock locked months to change attendance setting.";
     if (FnBlnMonthRangeLocked(session_, 0, 99999, employees, 0)) {
-        inform(employees ? "One or more " + session_.gEmployeeCaption +
-                               " (s) record/Month(s) locked, unlock to change attendance setting."
-                         : "Months locked, unlock locked months to change attendance setting.",
-               "Permission Denied");
+        inform(locked, "Permission Denied");
         return false;
     }
+    batch.refuseUnless(FnStrMonthRangeOpenSql(0, 99999, employees, 0), locked);
     return ask("By changing these values, salary will be recalculated.\nDo you want to proceed?");
+}
+
+bool modAttHeadSet::changed() const {
+    for (size_t b = 0; b < bands_.size(); ++b)
+        for (size_t f = 0; f < bands_[b].fields.size(); ++f)
+            if (valueOf(bands_[b].fields[f]) != stored_[b][f]) return true;
+    return false;
 }
 
 void modAttHeadSet::cmdSave_Click() {
     if (denied(cmdSave)) return;
+    const std::string what = "The attendance head";
+    if (!stillAsShown(shown_, what, [this] { onLoad(); })) return;
     if (!bandsAccepted()) return;
-    bool changed = false;
-    for (size_t b = 0; b < bands_.size(); ++b)
-        for (size_t f = 0; f < bands_[b].fields.size(); ++f)
-            changed |= valueOf(bands_[b].fields[f]) != stored_[b][f];
-    if (changed) {
-        if (!changeAccepted()) return;
-        Recordset rs;
-        rs.Open("Select * FROM MAS_ATTHEAD Where ATTHEADID = " + std::to_string(attHeadId_),
-                session_.gConn, adOpenKeyset, adLockOptimistic);
+    if (changed()) {
+        SaveBatch batch;
+        if (!changeAccepted(batch)) return;
+        RowText row;
         for (const Band& band : bands_)
-            for (const Field& field : band.fields) rs.Fields(field.column) = Value(valueOf(field));
-        rs.Update();
-        session_.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN = 1 WHERE ATTHEADID = " +
-                               std::to_string(attHeadId_));
-        LoadAttHead(session_, session_.gAttHeadId);
+            for (const Field& field : band.fields) row.set(field.column, Value(valueOf(field)));
+        batch.requireShown(shown_, what)
+            .add(row.update("MAS_ATTHEAD", shown_.key()))
+            .add(" UPDATE ATT_DAYTODAY SET EDITMODEYN = 1 WHERE ATTHEADID = " +
+                 std::to_string(attHeadId_));
+        if (!save(batch, [this] { onLoad(); })) return;
         if (FnBlnAuditTrailOn(session_)) audit();
+        LoadAttHead(session_, session_.gAttHeadId);
         onLoad();
     }
     session_.gGenCmn.ShowSavedMessage();

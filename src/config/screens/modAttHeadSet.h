@@ -59,12 +59,15 @@ class modAttHeadSet final : public SessionScreen {
     double valueOf(const Field& field) const;
     bool withinLimit(const Field& field);
     bool bandsAccepted();
-    bool changeAccepted();
+    // Whether the save may go on; what it must still find so goes into the batch.
+    bool changeAccepted(SaveBatch& batch);
+    bool changed() const;
     void audit();
 
     int32_t attHeadId_;
     std::vector<Band> bands_;  // no attendance, half day, full day, and the two limits
     std::vector<std::vector<double>> stored_;  // of the row, as bands_ has the fields
+    ShownRow shown_;                           // the same row
 };
 
 }  // namespace owb

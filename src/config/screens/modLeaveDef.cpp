@@ -1,7 +1,6 @@
 #include "config/screens/modLeaveDef.h"
 
 #include "base/utf8.h"
-#include "data/clsCtrlDep.h"
 #include "data/modAuditTrail.h"
 #include "data/modCommon.h"
 #include "data/modOWBSetting.h"
@@ -12,6 +11,13 @@ namespace owb {
 namespace {
 
 enum Column { kId, kName, kShort, kAffectsSalary, kAllotment };
+
+constexpr int32_t kMenuId = 1500;
+constexpr const char* kDefinition = "The leave definition";
+constexpr const char* kNameTaken = "Leave/Non Leave Type is already been created.";
+constexpr const char* kShortTaken = "Given abbreviation already set for a Leave/Non Leave Type.";
+constexpr const char* kIsEncashed =
+    "Leave encashment has been done for this Leave. Now Allotment option cannot be unchecked.";
 
 constexpr int64_t kCompensatoryWork = 3, kReserved = 4;
 
@@ -56,7 +62,7 @@ Layout modLeaveDef::layout() {
 }
 
 void modLeaveDef::onLoad() {
-    applyRights({&cmdSave, &cmdDelete});
+    applyRights({&cmdSave, &cmdDelete}, kMenuId);
     repairRows();
     optLeave.choose();
     loadGrid();
@@ -102,6 +108,7 @@ void modLeaveDef::loadGrid() {
 
 void modLeaveDef::show(const Definition& definition) {
     selected_ = definition;
+    shown_ = {};
     if (definition.levId == 0) fpgMstDetail.setCurrent(-1, -1);
     txtLeaveName.value = definition.name;
     txtAttShort.value = definition.shortName;
@@ -125,23 +132,32 @@ void modLeaveDef::optKind_Click() {
 }
 
 void modLeaveDef::fpgMstDetail_Click(size_t row) {
-    show({static_cast<int64_t>(fpgMstDetail.number(row, kId)), fpgMstDetail.cell(row, kName),
-          fpgMstDetail.cell(row, kShort), fpgMstDetail.checked(row, kAffectsSalary),
-          fpgMstDetail.checked(row, kAllotment)});
+    const auto levId = static_cast<int64_t>(fpgMstDetail.number(row, kId));
+    const ShownRow read(session_, "ATT_DEFINITION",
+                        "LEVNAME, LEVSHORT, LEAVEYN, AFFECTSALARYYN, ALLOTMENTYN",
+                        "LEVID = " + number(levId));
+    if (!read.found()) {
+        frontEnd().warning(FnStrChangedMeanwhile(kDefinition));
+        return loadGrid();
+    }
+    show({levId, read.value("LEVNAME").toText(), read.value("LEVSHORT").toText(),
+          read.value("AFFECTSALARYYN").toBool(), read.value("ALLOTMENTYN").toBool()});
+    shown_ = read;
+}
+
+std::string modLeaveDef::encashedSql() const {
+    return "SELECT COUNT(AE.ALLOTID) FROM ATT_ENCASH AE INNER JOIN LEV_ALLOTMENT LA ON AE.ALLOTID "
+           "= LA.ALLOTID INNER JOIN ATT_DEFINITION AD ON LA.LEVID = AD.LEVID WHERE AD.LEVID = " +
+           number(selected_.levId);
 }
 
 void modLeaveDef::chkLeaveAllotment_Click() {
     if (chkLeaveAllotment.value || selected_.levId == 0) return;
-    if (FnVarReadValue(session_,
-                       "SELECT COUNT(AE.ALLOTID) FROM ATT_ENCASH AE INNER JOIN LEV_ALLOTMENT LA ON "
-                       "AE.ALLOTID = LA.ALLOTID INNER JOIN ATT_DEFINITION AD ON LA.LEVID = "
-                       "AD.LEVID WHERE AD.LEVID = " +
-                           number(selected_.levId))
-            .toInt() == 0)
-        return;
-    chkLeaveAllotment.value = true;
-    inform(
-        "Leave encashment has been done for this Leave. Now Allotment option cannot be unchecked.");
+    chkLeaveAllotment.value = true;  // until it is known that it may go
+    if (FnVarReadValue(session_, encashedSql()).toInt() == 0)
+        chkLeaveAllotment.value = false;
+    else
+        inform(kIsEncashed);
 }
 
 void modLeaveDef::cmdMasterSetting_Click() {
@@ -156,144 +172,161 @@ void modLeaveDef::cmdNew_Click() {
 // --- saving ---
 
 bool modLeaveDef::taken(const char* column, const std::string& text) const {
-    return FnBlnRecordExists(session_, std::string("SELECT LEVID FROM ATT_DEFINITION WHERE ") +
-                                           column + " = '" + session_.gSpChar.FnStrSpSQL(text) +
-                                           "' AND LEVID <> " + number(selected_.levId));
+    return FnBlnReadRecordExists(session_, std::string("SELECT LEVID FROM ATT_DEFINITION WHERE ") +
+                                               column + " = '" + session_.gSpChar.FnStrSpSQL(text) +
+                                               "' AND LEVID <> " + number(selected_.levId));
 }
 
 void modLeaveDef::cmdSave_Click() {
     if (denied(cmdSave)) return;
-    Definition now = definitionOnScreen();
+    const auto showAgain = [this] { loadGrid(); };
+    if (selected_.levId != 0 && !stillAsShown(shown_, kDefinition, showAgain)) return;
+    const Definition now = definitionOnScreen();
     if (now.name.empty()) return refuse("Specify " + word() + " name.", txtLeaveName);
     if (now.shortName.empty()) return refuse("Specify " + word() + " abbreviation.", txtAttShort);
-    if (taken("LEVNAME", now.name))
-        return refuse("Leave/Non Leave Type is already been created.", txtLeaveName);
-    if (taken("LEVSHORT", now.shortName))
-        return refuse("Given abbreviation already set for a Leave/Non Leave Type.", txtAttShort);
-    if (now.levId != 0 && now.affectsSalary != selected_.affectsSalary && !changeOfSalaryAccepted())
+    if (taken("LEVNAME", now.name)) return refuse(kNameTaken, txtLeaveName);
+    if (taken("LEVSHORT", now.shortName)) return refuse(kShortTaken, txtAttShort);
+    SaveBatch batch;
+    std::string marks;
+    if (now.levId != 0 && now.affectsSalary != selected_.affectsSalary &&
+        !changeOfSalaryAccepted(batch, marks))
         return;
-    if (now.levId == 0)
-        now.levId = clsCtrlDep(session_).FnLngGetNextNumber("ATT_DEFINITION", "LEVID");
-    write(now);
-    alignSettings();
+    requireFree(batch, now);
+    write(batch, now);
+    alignSettings(batch);
+    batch.add(marks);
+    if (!save(batch, showAgain)) return;
     if (FnBlnAuditTrailOn(session_)) auditSave(now);
     finish();
     session_.gGenCmn.ShowSavedMessage();
 }
 
-bool modLeaveDef::changeOfSalaryAccepted() {
+bool modLeaveDef::changeOfSalaryAccepted(SaveBatch& batch, std::string& marks) {
     const std::string id = number(selected_.levId);
-    if (FnVarReadValue(session_,
-                       "Select COUNT(*) From MAS_MONTHYEAR Where LOCKEDYN = 1 And MONTHYEAR In "
-                       "(Select MONTH(LEAVEDATE) + (YEAR(LEAVEDATE) * 12) From LEV_DETAILS Where "
-                       "LEVID = " +
-                           id + ")")
-            .toInt() > 0) {
-        inform(
-            "Some of the Salary processed months are 'Locked'.\nUnlock such months to change "
-            "'Affects Salary' setting.");
+    const std::string lockedMonths =
+        "Select COUNT(*) From MAS_MONTHYEAR Where LOCKEDYN = 1 And MONTHYEAR In (Select "
+        "MONTH(LEAVEDATE) + (YEAR(LEAVEDATE) * 12) From LEV_DETAILS Where LEVID = " +
+        id + ")";
+    const char* locked =
+        "Some of the Salary processed months are 'Locked'.\nUnlock such months to change 'Affects "
+        "Salary' setting.";
+    if (FnVarReadValue(session_, lockedMonths).toInt() > 0) {
+        inform(locked);
         return false;
     }
     if (!ask("Salaries will be processed for " + session_.gEmployeeCaption +
              " (s) who have availed selected leave.\nDo you want to continue updating leave "
              "definition?"))
         return false;
-    session_.gConn.Execute(
-        "UPDATE dbo.LEV_MONTHDET SET EDITMODEYN = 1 FROM dbo.LEV_MONTHDET LM, (SELECT DISTINCT "
+    batch.refuseUnless("0 = (" + lockedMonths + ")", locked);
+    marks =
+        " UPDATE dbo.LEV_MONTHDET SET EDITMODEYN = 1 FROM dbo.LEV_MONTHDET LM, (SELECT DISTINCT "
         "EMPID, DBO.FNLNGMONTHYEAR(LEAVEDATE, LEAVEDATE) AS MNTHYR FROM dbo.LEV_DETAILS WHERE "
         "LEVID = " +
-        id + ") AS TMPTAB WHERE LM.EMPID = TMPTAB.EMPID AND LM.MONTHYEAR = TMPTAB.MNTHYR");
+        id + ") AS TMPTAB WHERE LM.EMPID = TMPTAB.EMPID AND LM.MONTHYEAR = TMPTAB.MNTHYR";
     return true;
 }
 
-void modLeaveDef::write(const Definition& definition) {
-    const std::string id = number(definition.levId);
-    const std::string name = "'" + session_.gSpChar.FnStrSpSQL(definition.name) + "'";
-    const std::string shortName = "'" + session_.gSpChar.FnStrSpSQL(definition.shortName) + "'";
-    const std::string leave = number(optLeave.value()), affects = number(definition.affectsSalary),
-                      allotment = number(definition.allotment);
-    session_.gConn.Execute(
-        selected_.levId == 0
-            ? "INSERT INTO ATT_DEFINITION (LEVID, LEVNAME, LEVSHORT, LEAVEYN, AFFECTSALARYYN, "
-              "AllotmentYN) VALUES (" +
-                  id + ", " + name + ", " + shortName + ", " + leave + ", " + affects + ", " +
-                  allotment + ")"
-            : "UPDATE ATT_DEFINITION SET LEVNAME = " + name + ", LEVSHORT = " + shortName +
-                  ", LEAVEYN = " + leave + ", AFFECTSALARYYN = " + affects +
-                  ", AllotmentYN = " + allotment + " WHERE LEVID = " + id);
+// What two users who save at once may not both do.
+void modLeaveDef::requireFree(SaveBatch& batch, const Definition& definition) const {
+    const auto require = [&](const char* column, const std::string& text, const char* taken) {
+        batch.refuseUnless(
+            "NOT EXISTS (SELECT * FROM ATT_DEFINITION WITH (UPDLOCK, HOLDLOCK) WHERE " +
+                RowText().set(column, Value(text)).condition() + " AND LEVID <> " +
+                number(definition.levId) + ")",
+            taken);
+    };
+    require("LEVNAME", definition.name, kNameTaken);
+    require("LEVSHORT", definition.shortName, kShortTaken);
+    if (selected_.allotment && !definition.allotment)
+        batch.refuseUnless("0 = (" + encashedSql() + ")", kIsEncashed);
 }
 
-void modLeaveDef::alignSettings() {
+void modLeaveDef::write(SaveBatch& batch, const Definition& definition) const {
+    RowText row;
+    row.set("LEVNAME", Value(definition.name))
+        .set("LEVSHORT", Value(definition.shortName))
+        .set("LEAVEYN", Value(optLeave.value()))
+        .set("AFFECTSALARYYN", Value(definition.affectsSalary))
+        .set("AllotmentYN", Value(definition.allotment));
+    if (definition.levId != 0) {
+        batch.requireShown(shown_, kDefinition).add(row.update("ATT_DEFINITION", shown_.key()));
+        return;
+    }
+    row.setSql("LEVID", batch.newKey("ATT_DEFINITION", "LEVID"));
+    batch.add(row.insertInto("ATT_DEFINITION"));
+}
+
+void modLeaveDef::alignSettings(SaveBatch& batch) {
     const std::string insert =
-        "Insert into LEV_SETTINGS(LEVID, ATTHEADID, MINMONTH, MINDAYS, MINAVAILMONTH, "
+        " Insert into LEV_SETTINGS(LEVID, ATTHEADID, MINMONTH, MINDAYS, MINAVAILMONTH, "
         "MINAVAILDAYS, ALLOTTYPE, COTYPE, ENCASHMINBAL, PRIORITY) ";
-    session_.gConn.Execute(
-        "DELETE FROM LEV_SETTINGS WHERE LEVID IN (SELECT LEVID FROM ATT_DEFINITION WHERE "
-        "ALLOTMENTYN = 0) ");
-    session_.gConn.Execute(insert +
-                           "Select LEVID, 0, 0, 0, 0, 0, 0, 0, 0, LEVID From ATT_DEFINITION Where "
-                           "AllotmentYN = 1 And LEVID Not In (Select LEVID From LEV_SETTINGS Where "
-                           "ATTHEADID = 0) ");
-    session_.gConn.Execute(
-        insert +
-        "Select AD.LEVID, MA.ATTHEADID, 0, 0, 0, 0, 0, 0, 0, AD.LEVID From ATT_DEFINITION AD, "
-        "MAS_ATTHEAD MA Where AD.AllotmentYN = 1 And Not Exists (Select LEVID From LEV_SETTINGS "
-        "Where LEVID = AD.LEVID And ATTHEADID = MA.ATTHEADID) ");
+    batch
+        .add(
+            " DELETE FROM LEV_SETTINGS WHERE LEVID IN (SELECT LEVID FROM ATT_DEFINITION WHERE "
+            "ALLOTMENTYN = 0) ")
+        .add(insert +
+             "Select LEVID, 0, 0, 0, 0, 0, 0, 0, 0, LEVID From ATT_DEFINITION Where AllotmentYN = "
+             "1 And LEVID Not In (Select LEVID From LEV_SETTINGS Where ATTHEADID = 0) ")
+        .add(insert +
+             "Select AD.LEVID, MA.ATTHEADID, 0, 0, 0, 0, 0, 0, 0, AD.LEVID From ATT_DEFINITION AD, "
+             "MAS_ATTHEAD MA Where AD.AllotmentYN = 1 And Not Exists (Select LEVID From "
+             "LEV_SETTINGS Where LEVID = AD.LEVID And ATTHEADID = MA.ATTHEADID) ");
 }
 
 // --- deleting ---
 
 void modLeaveDef::cmdDelete_Click() {
     if (denied(cmdDelete)) return;
-    if (!deletionAccepted()) return;
+    SaveBatch batch;
+    if (!deletionAccepted(batch)) return;
     const Definition gone = selected_;
-    session_.gConn.BeginTrans();
-    try {
-        for (const char* table :
-             {"ATT_OPBAL", "LEV_DETAILS", "LEV_ALLOTMENT", "LEV_SETTINGS", "ATT_ALLOTMENT",
-              "ATT_MONTHLEV", "ATT_DEFINITION", "LEV_ALLOTCONFIG", "LEV_ALLOTFROM", "LEV_AVAILFROM",
-              "LEV_ADJUSTMENT"})
-            session_.gConn.Execute(std::string("DELETE FROM ") + table +
-                                   " WHERE LEVID = " + number(gone.levId));
-        session_.gConn.CommitTrans();
-    } catch (...) {
-        session_.gConn.RollbackTrans();
-        throw;
-    }
-    alignSettings();
+    for (const char* table : {"ATT_OPBAL", "LEV_DETAILS", "LEV_ALLOTMENT", "LEV_SETTINGS",
+                              "ATT_ALLOTMENT", "ATT_MONTHLEV", "ATT_DEFINITION", "LEV_ALLOTCONFIG",
+                              "LEV_ALLOTFROM", "LEV_AVAILFROM", "LEV_ADJUSTMENT"})
+        batch.add(std::string(" DELETE FROM ") + table + " WHERE LEVID = " + number(gone.levId));
+    alignSettings(batch);
+    if (!save(batch, [this] { loadGrid(); })) return;
     if (FnBlnAuditTrailOn(session_))
         UpdateAuditTrail(session_, kAuditModule, 0, "Leave Definition Deleted", auditOf(gone),
                          word() + " Type Deleted");
     finish();
 }
 
-bool modLeaveDef::deletionAccepted() {
-    const auto refused = [&](const std::string& text, const std::string& title) {
-        inform(text, title);
+bool modLeaveDef::deletionAccepted(SaveBatch& batch) {
+    const auto refused = [&](const std::string& text) {
+        inform(text);
         return false;
     };
-    const std::string title = "Orvane Wagebook", id = number(selected_.levId);
-    if (selected_.levId == 0) return refused("Select " + word() + " to delete.", title);
+    const std::string id = number(selected_.levId);
+    if (selected_.levId == 0) return refused("Select " + word() + " to delete.");
     if (selected_.levId <= kReserved)
-        return refused(
-            "Selected " + word() + " is not user created. Hence, deletion is not allowed", title);
-    if (FnBlnRecordExists(session_, "SELECT EMPID FROM LEV_DETAILS WHERE LEVID=" + id))
-        return refused("'" + selected_.shortName + "' has been availed by one or more " +
-                           session_.gEmployeeCaption +
-                           " (s). \nYou can not delete the Leave Definition.",
-                       "Invalid Action");
-    if (FnBlnRecordExists(session_,
-                          "SELECT ENCASHSLNO FROM ATT_ENCASH AE, LEV_ALLOTMENT LA WHERE "
-                          "LA.ALLOTID=AE.ALLOTID AND LA.LEVID=" +
-                              id))
-        return refused(
-            "Encashment has been done for '" + selected_.shortName + "'. Deletion is not allowed.",
-            title);
-    if (FnBlnRecordExists(session_,
-                          "Select OPBAL From ATT_OPBAL Where LEVID = " + id + " And OPBAL > 0"))
-        return refused(" 'Opening Balance' given for one or more " + session_.gEmployeeCaption +
-                           " (s). Hence, Leave can not be deleted.",
-                       title);
+        return refused("Selected " + word() +
+                       " is not user created. Hence, deletion is not allowed");
+    if (!stillAsShown(shown_, kDefinition, [this] { loadGrid(); })) return false;
+    struct Use {
+        std::string sql, text, title = "Orvane Wagebook";
+    };
+    const Use uses[] = {
+        {"SELECT EMPID FROM LEV_DETAILS WHERE LEVID=" + id,
+         "'" + selected_.shortName + "' has been availed by one or more " +
+             session_.gEmployeeCaption + " (s). \nYou can not delete the Leave Definition.",
+         "Invalid Action"},
+        {"SELECT ENCASHSLNO FROM ATT_ENCASH AE, LEV_ALLOTMENT LA WHERE LA.ALLOTID=AE.ALLOTID AND "
+         "LA.LEVID=" +
+             id,
+         "Encashment has been done for '" + selected_.shortName + "'. Deletion is not allowed."},
+        {"Select OPBAL From ATT_OPBAL Where LEVID = " + id + " And OPBAL > 0",
+         " 'Opening Balance' given for one or more " + session_.gEmployeeCaption +
+             " (s). Hence, Leave can not be deleted."}};
+    batch.requireShown(shown_, kDefinition);
+    for (const Use& use : uses) {
+        if (FnBlnReadRecordExists(session_, use.sql)) {
+            inform(use.text, use.title);
+            return false;
+        }
+        batch.refuseUnless("NOT EXISTS (" + use.sql + ")", use.text);
+    }
     return ask("Do you want to delete selected " + word() + "?");
 }
 

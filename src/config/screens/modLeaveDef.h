@@ -50,17 +50,21 @@ class modLeaveDef final : public SessionScreen {
     Definition definitionOnScreen() const;
     std::string word() const;  // "Leave" or "Non-Leave", the kind that is listed
     bool taken(const char* column, const std::string& text) const;
-    // Asks before, and marks, when the type's months are to be paid anew; false ends the save.
-    bool changeOfSalaryAccepted();
-    bool deletionAccepted();
-    void write(const Definition& definition);
-    void alignSettings();
+    // Asks before the type's months are to be paid anew; false ends the save. What it must still
+    // find so goes into the batch, the marks on the months into `marks`.
+    bool changeOfSalaryAccepted(SaveBatch& batch, std::string& marks);
+    bool deletionAccepted(SaveBatch& batch);
+    void requireFree(SaveBatch& batch, const Definition& definition) const;
+    void write(SaveBatch& batch, const Definition& definition) const;
+    static void alignSettings(SaveBatch& batch);
+    std::string encashedSql() const;  // encashments of the chosen type
     void auditSave(const Definition& now);
     // The whole type, for a line that tells of its coming or going.
     std::string auditOf(const Definition& definition) const;
     void finish();
 
     Definition selected_;
+    ShownRow shown_;  // the same as it was read
 };
 
 }  // namespace owb

@@ -7,7 +7,15 @@
 
 namespace owb {
 
-void SessionScreen::applyRights(const std::vector<Command*>& writing) {
+bool SessionScreen::mayWrite(const Control& control) {
+    return !session_.gReadOnly && !FnBlnCommandDenied(session_, control.tag);
+}
+
+void SessionScreen::applyRights(const std::vector<Control*>& writing, int32_t formId) {
+    for (Control* control : writing) {
+        control->writes = true;
+        if (session_.gReadOnly) control->enabled = false;
+    }
     std::vector<Command*> commands;
     std::vector<CommandRight> rights;
     for (Control* control : controls())
@@ -15,14 +23,27 @@ void SessionScreen::applyRights(const std::vector<Command*>& writing) {
             commands.push_back(command);
             rights.push_back({command->caption, command->tag});
         }
-    ApplyScreenRights(session_, session_.gMenuId, rights);
+    ApplyScreenRights(session_, formId != 0 ? formId : session_.gMenuId, rights);
     for (size_t i = 0; i < commands.size(); ++i) commands[i]->tag = rights[i].tag;
-    if (session_.gReadOnly)
-        for (Command* command : writing) command->enabled = false;
 }
 
-bool SessionScreen::denied(const Command& command) {
-    return FnBlnCommandDenied(session_, command.tag);
+bool SessionScreen::save(const SaveBatch& batch, const std::function<void()>& showAgain) {
+    try {
+        batch.run(session_);
+        return true;
+    } catch (const SaveRefused& refused) {
+        frontEnd().warning(refused.what());
+        showAgain();
+        return false;
+    }
+}
+
+bool SessionScreen::stillAsShown(const ShownRow& row, const std::string& what,
+                                 const std::function<void()>& showAgain) {
+    if (row.standsNow(session_)) return true;
+    frontEnd().warning(FnStrChangedMeanwhile(what));
+    showAgain();
+    return false;
 }
 
 void SessionScreen::loadMonths(Combo& combo, int32_t lngFrom) {

@@ -1,7 +1,5 @@
 #include "data/screens/frmOwbCalender.h"
 
-#include "data/modCommon.h"
-
 namespace owb {
 
 namespace {
@@ -49,10 +47,7 @@ void frmOwbCalender::onLoad() {
 
 void frmOwbCalender::LoadMonthYear() {
     const DateTime today = session_.now();
-    const std::string held = target_ ? FnStrCleanDate(target_->value) : "";
-    // No text is a date to the server, the first of 1900; here it is none.
-    const CivilDate shown =
-        (held.empty() ? today : parseDate(held, DateOrder::DayFirst).value_or(today)).civil();
+    const CivilDate shown = parseTypedDate(target_ ? target_->value : "").value_or(today).civil();
     cmbMonth.clear();
     for (int month = 1; month <= 12; ++month) cmbMonth.add(monthFullName(month), month);
     cmbYear.clear();

@@ -1,5 +1,7 @@
 #include "data/screens/frmSelMonth.h"
 
+#include <algorithm>
+
 #include "data/modCommon.h"
 #include "db/recordset.h"
 
@@ -68,7 +70,7 @@ void frmSelMonth::LoadMonths() {
                          lstYear.text() + " ORDER BY MONTHYEAR ASC");
         for (; !rs.IsEOF(); rs.MoveNext()) {
             const auto key = static_cast<int32_t>(rs.Fields("MONTHYEAR").toInt());
-            months_[static_cast<size_t>((key + 11) % 12)] = key;
+            if (offered(key)) months_[static_cast<size_t>((key + 11) % 12)] = key;
         }
     }
     Monthdisable();
@@ -81,6 +83,11 @@ void frmSelMonth::Monthdisable() {
 
 void frmSelMonth::lstYear_Click() {
     LoadMonths();
+}
+
+bool frmSelMonth::offered(int32_t lngMonthYear) const {
+    return std::any_of(target_->items.begin(), target_->items.end(),
+                       [&](const ListItem& item) { return item.key == lngMonthYear; });
 }
 
 std::string frmSelMonth::fetchmonthname(int index) const {
@@ -97,7 +104,8 @@ void frmSelMonth::lblMonth_Click(int index) {
         setFocus(lstYear);
         return;
     }
-    if (!target_->selectKey(fetchmonthyear(index))) target_->value = fetchmonthname(index);
+    target_->selectKey(fetchmonthyear(index));
+    target_->value = fetchmonthname(index);
     close();
     if (target_->onChange) target_->onChange();
 }

@@ -1,5 +1,6 @@
-// "Select Month Year": a year and one of its months fill a combo of months. Closing it without a
-// choice leaves the combo as it was.
+// "Select Month Year": a year and one of its months choose the entry of a combo of months; months
+// that the combo does not offer take no click. Closing it without a choice leaves the combo as it
+// was.
 #pragma once
 
 #include <array>
@@ -31,12 +32,13 @@ class frmSelMonth final : public Screen {
   private:
     void onLoad() override;
     Layout layout() override;
+    bool offered(int32_t lngMonthYear) const;  // by the combo
     std::string fetchmonthname(int index) const;
     int32_t fetchmonthyear(int index) const;
 
     Session& session_;
     Combo* target_ = nullptr;
-    std::array<int32_t, 12> months_{};  // month keys of the year; 0: not in the payroll
+    std::array<int32_t, 12> months_{};  // month keys of the year; 0: not to be had
 };
 
 }  // namespace owb

@@ -19,6 +19,8 @@ constexpr int kPollMilliseconds = 200;
 modExternal::modExternal(Session& session, FrontEnd& frontEnd)
     : SessionScreen(session, frontEnd, "modExternal", "Orvane Wagebook") {
     txtStatus.visible = false;
+    timerInterval = kPollMilliseconds;
+    closesItself = true;
     cmdFront.onClick = [this] { cmdFront_Click(); };
     cmdClose.onClick = [this] { close(); };
 }
@@ -39,8 +41,12 @@ void modExternal::onLoad() {
 }
 
 void modExternal::onActivate() {
-    if (startOrRaise()) waitForEnd();
-    close();
+    try {
+        if (!startOrRaise()) close();
+    } catch (...) {
+        close();
+        throw;
+    }
 }
 
 bool modExternal::startOrRaise() {
@@ -59,13 +65,11 @@ bool modExternal::startOrRaise() {
     return false;
 }
 
-void modExternal::waitForEnd() {
+void modExternal::onTimer() {
     const bool polls = Mode == 1 || Mode == 3;
-    while (isOpen()) {
-        if (session_.siblings->hasEnded(kPollMilliseconds) && polls) return;
-        if (session_.settings.GetSetting("ExeTalk", kStatus) != txtStatus.value) return;
-        frontEnd().refresh(*this);
-    }
+    if ((session_.siblings->hasEnded(0) && polls) ||
+        session_.settings.GetSetting("ExeTalk", kStatus) != txtStatus.value)
+        close();
 }
 
 void modExternal::cmdFront_Click() {

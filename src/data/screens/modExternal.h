@@ -29,10 +29,10 @@ class modExternal final : public SessionScreen {
   private:
     void onLoad() override;
     void onActivate() override;
+    void onTimer() override;  // whether the program has gone or said its word
     void onUnload() override;
     Layout layout() override;
     bool startOrRaise();
-    void waitForEnd();
 
     std::string callersHandle_;
 };

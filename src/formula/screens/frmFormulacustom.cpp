@@ -8,6 +8,8 @@ namespace owb {
 
 namespace {
 
+constexpr const char* kWhat = "The query";
+
 enum Column { kFid, kName, kType, kQuery };
 
 }  // namespace
@@ -58,6 +60,7 @@ void frmFormulacustom::loadGrid() {
 
 void frmFormulacustom::cmdNew_Click() {
     fid_ = 0;
+    shown_ = {};
     name_.clear();
     fpgFormulaQry.setCurrent(-1, -1);
     txtFname.value = txtFtype.value = txtFquery.value = "";
@@ -70,15 +73,18 @@ std::string frmFormulacustom::literal(const std::string& text) const {
 
 void frmFormulacustom::fpgFormulaQry_Click(size_t row) {
     fid_ = static_cast<int64_t>(fpgFormulaQry.number(row, kFid));
-    name_ = fpgFormulaQry.cell(row, kName);
+    // Names tell rows of one number apart.
+    shown_ = ShownRow(session_, "MAS_FORMULACUSTOM", "FNAME, FTYPE, FQUERY",
+                      "MODULEID = 2 AND FID = " + std::to_string(fid_) +
+                          " AND FNAME = " + literal(fpgFormulaQry.cell(row, kName)));
+    if (!shown_.found()) {
+        frontEnd().warning(FnStrChangedMeanwhile(kWhat));
+        return loadGrid();
+    }
+    name_ = shown_.value("FNAME").toText();
     txtFname.value = name_;
-    txtFtype.value = fpgFormulaQry.cell(row, kType);
-    txtFquery.value =
-        FnVarReadValue(session_,
-                       "SELECT FQUERY FROM MAS_FORMULACUSTOM WHERE FID=" + std::to_string(fid_) +
-                           " AND FNAME=" + literal(name_),
-                       "")
-            .toText();
+    txtFtype.value = shown_.value("FTYPE").toText();
+    txtFquery.value = shown_.value("FQUERY").toText();
 }
 
 void frmFormulacustom::cmdverify_Click() {
@@ -88,63 +94,63 @@ void frmFormulacustom::cmdverify_Click() {
 
 void frmFormulacustom::cmdSave_Click() {
     if (denied(cmdSave)) return;
+    const auto showAgain = [this] { loadGrid(); };
+    if (fid_ != 0 && !stillAsShown(shown_, kWhat, showAgain)) return;
     const std::string name = trim(txtFname.value);
     if (name.empty()) return refuse("Enter Name", txtFname);
-    const int64_t fid = fid_ != 0 ? fid_ : newFid();
-    if (FnBlnRecordExists(session_, "SELECT FID from MAS_FORMULACUSTOM where FNAME=" +
-                                        literal(name) + " AND FID <> " + std::to_string(fid)))
-        return refuse("Specified Name already exist", txtFname);
+    const std::string taken = "SELECT FID from MAS_FORMULACUSTOM where FNAME=" + literal(name) +
+                              " AND FID <> " + std::to_string(fid_);
+    const char* isTaken = "Specified Name already exist";
+    if (FnBlnReadRecordExists(session_, taken)) return refuse(isTaken, txtFname);
     if (trim(txtFquery.value).empty()) return refuse("Please Write the Query", txtFquery);
     if (!VerifyCusQuery(session_, frontEnd(), txtFquery.value)) return setFocus(txtFquery);
-    write(fid, name);
-    if (!name_.empty() && name_ != name) renameInFormulas(name_, name);
-    loadGrid();
+    SaveBatch batch;
+    batch.refuseUnless("NOT EXISTS (" + taken + ")", isTaken);
+    write(batch, name);
+    if (!name_.empty() && name_ != name) renameInFormulas(batch, name_, name);
+    if (save(batch, showAgain)) loadGrid();
 }
 
-// The count of rows and one; the next free number behind it where rows have been deleted.
-int64_t frmFormulacustom::newFid() {
-    int64_t fid =
-        FnVarReadValue(session_, "SELECT COUNT(*) + 1 AS CNT FROM MAS_FORMULACUSTOM", 1).toInt();
-    while (FnBlnRecordExists(
-        session_, "SELECT FID FROM MAS_FORMULACUSTOM WHERE FID = " + std::to_string(fid)))
-        ++fid;
-    return fid;
+void frmFormulacustom::write(SaveBatch& batch, const std::string& name) const {
+    RowText row;
+    row.set("FNAME", Value(name))
+        .set("FTYPE", Value(trim(txtFtype.value)))
+        .set("FQUERY", Value(txtFquery.value));
+    if (fid_ != 0) {
+        batch.requireShown(shown_, kWhat).add(row.update("MAS_FORMULACUSTOM", shown_.key()));
+        return;
+    }
+    // The count of rows and one; the next free number behind it where rows have been deleted.
+    batch.add(
+        " DECLARE @FID int SELECT @FID = COUNT(*) + 1 FROM MAS_FORMULACUSTOM WITH (TABLOCKX, "
+        "HOLDLOCK) WHILE EXISTS (SELECT * FROM MAS_FORMULACUSTOM WHERE FID = @FID) SET @FID = @FID "
+        "+ 1");
+    batch.add(row.setSql("FID", "@FID").set("MODULEID", Value(2)).insertInto("MAS_FORMULACUSTOM"));
 }
 
-void frmFormulacustom::write(int64_t fid, const std::string& name) {
-    Recordset rs;
-    rs.Open(
-        "SELECT FID,FNAME,FTYPE,FQUERY,MODULEID FROM MAS_FORMULACUSTOM WHERE MODULEID = 2 AND "
-        "FID = " +
-            std::to_string(fid),
-        session_.gConn, adOpenKeyset, adLockOptimistic);
-    if (rs.IsEOF()) rs.AddNew();
-    rs.Fields("FID") = Value(fid);
-    rs.Fields("FNAME") = Value(name);
-    rs.Fields("FTYPE") = Value(trim(txtFtype.value));
-    rs.Fields("FQUERY") = Value(txtFquery.value);
-    rs.Fields("MODULEID") = Value(2);
-    rs.Update();
-}
-
-void frmFormulacustom::renameInFormulas(const std::string& from, const std::string& to) {
+void frmFormulacustom::renameInFormulas(SaveBatch& batch, const std::string& from,
+                                        const std::string& to) const {
     const std::string before = literal("(CustQry{" + from + "})");
     const std::string after = literal("(CustQry{" + to + "})");
-    session_.gConn.Execute("UPDATE MAS_FORMULA SET FORMULA=REPLACE(FORMULA," + before + "," +
-                           after + "),FORMULAFLDREP=REPLACE(FORMULAFLDREP," + before + "," + after +
-                           ") WHERE CHARINDEX(" + before + ",FORMULA)>0");
+    batch.add(" UPDATE MAS_FORMULA SET FORMULA=REPLACE(FORMULA," + before + "," + after +
+              "),FORMULAFLDREP=REPLACE(FORMULAFLDREP," + before + "," + after +
+              ") WHERE CHARINDEX(" + before + ",FORMULA)>0");
 }
 
 void frmFormulacustom::cmdDelete_Click() {
     if (denied(cmdDelete)) return;
     if (fid_ == 0) return inform("Select query to Delete");
-    const std::string fid = std::to_string(fid_);
-    if (FnVarReadValue(session_, "SELECT COUNT(*) FROM LEV_ALLOTCONFIG WHERE FID = " + fid, 0)
-            .toInt() > 0)
-        return inform("Query already assigned. Cannot be deleted.");
-    session_.gConn.Execute("DELETE FROM MAS_FORMULACUSTOM WHERE FID = " + fid +
-                           " AND MODULEID = 2");
-    loadGrid();
+    const auto showAgain = [this] { loadGrid(); };
+    if (!stillAsShown(shown_, kWhat, showAgain)) return;
+    const std::string uses =
+        "SELECT COUNT(*) FROM LEV_ALLOTCONFIG WHERE FID = " + std::to_string(fid_);
+    const char* isUsed = "Query already assigned. Cannot be deleted.";
+    if (FnVarReadValue(session_, uses, 0).toInt() > 0) return inform(isUsed);
+    SaveBatch batch;
+    batch.requireShown(shown_, kWhat)
+        .refuseUnless("0 = (" + uses + ")", isUsed)
+        .add(" DELETE FROM MAS_FORMULACUSTOM WHERE " + shown_.key());
+    if (save(batch, showAgain)) loadGrid();
 }
 
 }  // namespace owb

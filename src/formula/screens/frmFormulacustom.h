@@ -32,13 +32,13 @@ class frmFormulacustom final : public SessionScreen {
     void onLoad() override;
     Layout layout() override;
     void loadGrid();
-    int64_t newFid();
-    void write(int64_t fid, const std::string& name);
-    void renameInFormulas(const std::string& from, const std::string& to);
+    void write(SaveBatch& batch, const std::string& name) const;
+    void renameInFormulas(SaveBatch& batch, const std::string& from, const std::string& to) const;
     std::string literal(const std::string& text) const;
 
     int64_t fid_ = 0;  // 0: a new query
     std::string name_;
+    ShownRow shown_;  // the chosen query as it was read
 };
 
 }  // namespace owb

@@ -70,11 +70,16 @@ void frmLeaveRecalc::onLoad() {
     if (!cmbFromMonth.items.empty()) loadLists();
 }
 
+std::string frmLeaveRecalc::firstDay() const {
+    DateTime first, last;
+    GetMonthPeriod(session_, static_cast<int32_t>(cmbFromMonth.key()), first, last);
+    return FnStrIsoLiteral(first);
+}
+
 std::string frmLeaveRecalc::inMonths() const {
-    const auto day = [](const DateTime& date) { return FnStrIsoDate(date); };
-    return " WHERE ALLOTFROM BETWEEN '" +
-           day(FnDteMonthStart(session_, static_cast<int32_t>(cmbFromMonth.key()))) + "' AND '" +
-           day(FnDteMonthEnd(session_, static_cast<int32_t>(cmbToMonth.key()))) + "' AND ";
+    DateTime first, last;
+    GetMonthPeriod(session_, static_cast<int32_t>(cmbToMonth.key()), first, last);
+    return " WHERE ALLOTFROM BETWEEN " + firstDay() + " AND " + FnStrIsoLiteral(last) + " AND ";
 }
 
 void frmLeaveRecalc::loadLists() {
@@ -167,8 +172,9 @@ void frmLeaveRecalc::cmdRecalculate_Click() {
     if (FnVarReadValue(session_, "SELECT COUNT(ALLOTID)" + chosenRows()).toInt() == 0)
         return inform("No leaves to recalculate");
     session_.gConn.Execute("UPDATE lev_allotment SET EDITMODEYN=1" + chosenRows());
-    modLeaveProcess(session_, frontEnd()).showModal();
-    if (!session_.gLeaveCalcFlag) inform("Recalculated Successfully");
+    modLeaveProcess process(session_, frontEnd());
+    process.showModal();
+    if (process.Succeeded()) inform("Recalculated Successfully");
 }
 
 void frmLeaveRecalc::chooseInTable(const std::vector<std::string>& employees) {
@@ -189,9 +195,8 @@ std::string frmLeaveRecalc::chosenRows() const {
     const int64_t head = cmbAttHead.key();
     return " FROM lev_allotment LEV," + session_.gFilterTable +
            " MAS WHERE LEV.EMPID=MAS.EMPID AND MAS.REPTYN1=1 AND LEVID IN ( " + leaves +
-           ") AND ALLOTFROM >= '" +
-           FnStrIsoDate(FnDteMonthStart(session_, static_cast<int32_t>(cmbFromMonth.key()))) +
-           "'  AND ATTHEADID " + (head == 0 ? ">= 0" : "= " + number(head));
+           ") AND ALLOTFROM >= " + firstDay() + "  AND ATTHEADID " +
+           (head == 0 ? ">= 0" : "= " + number(head));
 }
 
 }  // namespace owb

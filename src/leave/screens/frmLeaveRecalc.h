@@ -40,6 +40,7 @@ class frmLeaveRecalc final : public SessionScreen {
     void count();
     std::vector<std::string> chosenEmployees() const;
     // " WHERE ALLOTFROM BETWEEN ..." of ledger rows that begin in the months.
+    std::string firstDay() const;
     std::string inMonths() const;
     // FROM and WHERE of the ledger rows that are to be recomputed.
     std::string chosenRows() const;

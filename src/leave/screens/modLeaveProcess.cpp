@@ -2,12 +2,15 @@
 
 #include "base/db_error.h"
 #include "data/Session.h"
+#include "leave/RecalculationLock.h"
 #include "leave/modLeaveFunctions.h"
 
 namespace owb {
 
-modLeaveProcess::modLeaveProcess(Session& session, FrontEnd& frontEnd)
-    : Screen(frontEnd, "modLeaveProcess", " Process Leave"), session_(session) {
+modLeaveProcess::modLeaveProcess(Session& session, FrontEnd& frontEnd, bool endsTransaction)
+    : Screen(frontEnd, "modLeaveProcess", " Process Leave"),
+      session_(session),
+      endsTransaction_(endsTransaction) {
     cmdCancel.onClick = [this] { cmdCancel_Click(); };
     cmdClose.onClick = [this] { cmdClose_Click(); };
 }
@@ -38,7 +41,9 @@ void modLeaveProcess::onActivate() {
     }
     cmdCancel.enabled = false;
     cmdClose.enabled = true;
-    if (session_.gFullPassAutoClose) {
+    if (session_.gFullPassAutoClose && !succeeded_) {
+        close();
+    } else if (session_.gFullPassAutoClose) {
         Box box{"Process Completed"};
         box.icon = BoxIcon::Information;
         box.closesAfterSeconds = 1;
@@ -50,17 +55,19 @@ void modLeaveProcess::onActivate() {
 }
 
 void modLeaveProcess::runPasses() {
-    UpdateDayDetails(session_, *this, true, 0);
-    UpdateMonthDays(session_, *this);
+    const RecalculationLock lock(session_, *this);
+    bool done = UpdateDayDetails(session_, *this, true, 0);
+    done &= UpdateMonthDays(session_, *this);
     if (session_.gMenuId != 1601 && !session_.gLeaveCalcFlag)
-        ProcessAllotmentsOld(session_, *this, "");
+        done &= ProcessAllotmentsOld(session_, *this, "");
+    succeeded_ = done;
+    if (!done && !session_.gLeaveCalcFlag) return;  // what failed has been told
     status("Process Completed");
     lblStatus.caption = "Process Completed";
 }
 
-// Opened from the menu in an extended session, the screen ends the transaction in which it runs.
 void modLeaveProcess::onUnload() {
-    if (session_.gOpenedFromMenu && session_.gExtendedYN) session_.gConn.CommitTrans();
+    if (endsTransaction_) session_.gConn.CommitTrans();
 }
 
 void modLeaveProcess::status(const std::string& text) {

@@ -11,7 +11,8 @@ struct Session;
 
 class modLeaveProcess final : public Screen, private Progress {
   public:
-    modLeaveProcess(Session& session, FrontEnd& frontEnd);
+    // endsTransaction: the caller has begun a transaction, which ends with the screen.
+    modLeaveProcess(Session& session, FrontEnd& frontEnd, bool endsTransaction = false);
 
     ProgressBar barProgress{*this, "barProgress"};
     Label lblProgress{*this, "lblProgress"};
@@ -21,6 +22,9 @@ class modLeaveProcess final : public Screen, private Progress {
 
     void cmdCancel_Click();
     void cmdClose_Click();
+
+    // Was every marked row worked out?
+    bool Succeeded() const { return succeeded_; }
 
   private:
     void onLoad() override;
@@ -34,6 +38,8 @@ class modLeaveProcess final : public Screen, private Progress {
     bool cancelled() const override;
 
     Session& session_;
+    bool endsTransaction_;
+    bool succeeded_ = false;
 };
 
 }  // namespace owb

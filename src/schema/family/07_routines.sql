@@ -8,15 +8,24 @@ SELECT MONTHYEAR,
 FROM MAS_MONTHYEAR
 GO
 
--- 1 when the employee is held against changes in the months; employee 0 asks for any employee. The
--- hold is the employee's own mark and so covers every month.
+-- 1 when the employee is held against changes in the months, which are one where no second is given;
+-- employee 0 asks for any employee. The hold is the employee's own mark and covers the payroll months
+-- in which he is employed.
 CREATE FUNCTION [dbo].udf_getEmpLock(@EMPID int, @FROMMONTH int, @TOMONTH int = NULL)
 RETURNS int
 AS
 BEGIN
-    RETURN CASE WHEN EXISTS (SELECT * FROM MAS_EMPLOYEE WHERE LOCKYN = 1
-                             AND (EMPID = @EMPID OR @EMPID = 0))
-                THEN 1 ELSE 0 END
+    RETURN CASE WHEN EXISTS (
+        SELECT * FROM MAS_EMPLOYEE E WHERE LOCKYN = 1 AND (EMPID = @EMPID OR @EMPID = 0)
+        AND (DOJ IS NULL OR ISNULL(@TOMONTH, @FROMMONTH) >=
+             ISNULL((SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR
+                     WHERE CALCSTARTDATE <= E.DOJ AND CALCENDDATE >= E.DOJ),
+                    YEAR(DOJ) * 12 + MONTH(DOJ)))
+        AND (DOL IS NULL OR @FROMMONTH <=
+             ISNULL((SELECT MAX(MONTHYEAR) FROM MAS_MONTHYEAR
+                     WHERE CALCSTARTDATE <= E.DOL AND CALCENDDATE >= E.DOL),
+                    YEAR(DOL) * 12 + MONTH(DOL))))
+        THEN 1 ELSE 0 END
 END
 GO
 

@@ -1,6 +1,6 @@
 -- The sweep that keeps the leave tables whole: settings for every allotted leave, versions on every
--- row, no register row without a head and a month, no empty and no double rows. Of double rows the
--- one with the lowest key stays.
+-- row (what a new version changes is marked), no register row without a head and a month, no empty
+-- and no double rows. Of double rows the one with the lowest key stays.
 CREATE PROCEDURE [dbo].ClearLeaveRecords
 WITH ENCRYPTION
 AS
@@ -24,6 +24,17 @@ BEGIN
         WHERE AD.ALLOTMENTYN = 1 AND NOT EXISTS (SELECT * FROM LEV_SETTINGS LS
             WHERE LS.LEVID = AD.LEVID AND LS.ATTHEADID = H.ATTHEADID)
 
+    IF EXISTS (SELECT * FROM LEV_DETAILS WHERE ISNULL(EMPDETID, 0) = 0)
+    BEGIN
+        UPDATE LEV_MONTHDET SET EDITMODEYN = 1 FROM LEV_MONTHDET T, LEV_DETAILS LD
+            WHERE ISNULL(LD.EMPDETID, 0) = 0 AND T.EMPID = LD.EMPID
+            AND T.MONTHYEAR = [dbo].FnLngMonthYear(LD.LEAVEDATE, LD.LEAVEDATE)
+        UPDATE ATT_DAYTODAY SET EDITMODEYN = 1 FROM ATT_DAYTODAY T, LEV_DETAILS LD
+            WHERE ISNULL(LD.EMPDETID, 0) = 0 AND T.EMPID = LD.EMPID
+            AND T.MONTHYEAR = [dbo].FnLngMonthYear(LD.LEAVEDATE, LD.LEAVEDATE)
+        UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 FROM LEV_ALLOTMENT T, LEV_DETAILS LD
+            WHERE ISNULL(LD.EMPDETID, 0) = 0 AND T.EMPID = LD.EMPID AND T.ALLOTTO >= LD.LEAVEDATE
+    END
     UPDATE LEV_DETAILS SET EMPDETID = [dbo].FnIntMaxEmpDetID(EMPID, LEAVEDATE, LEAVEDATE)
         WHERE EMPDETID = 0 OR EMPDETID IS NULL
     UPDATE LEV_OTDETAILS SET EMPDETID = [dbo].FnIntMaxEmpDetID(EMPID, OTDATE, OTDATE)
