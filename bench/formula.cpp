@@ -7,9 +7,9 @@
 #include <cstdlib>
 
 #include "bench.h"
-#include "ctl/sample.h"
 #include "data/modOWBSetting.h"
 #include "formula/clsEvalFormula.h"
+#include "sample/sample.h"
 #include "schema/modSQLFunction.h"
 #include "work.h"
 
@@ -88,13 +88,13 @@ class TimedDriver final : public Driver {
 void benchCompany(int employees) {
     const bench::Folder folder;
     const std::string path = folder.file("company.owb");
-    ctl::SampleOptions options;
+    sample::SampleOptions options;
     options.employees = employees;
     options.months = 1;
     ctl::makeDatabase(path, [&](Connection& connection) {
         createFamilyDatabase(connection);
         NoProgress quiet;
-        ctl::makeSample(connection, options, quiet);
+        sample::makeSample(connection, options, quiet);
     });
     bench::Work work(path);
     Session& session = work.session;

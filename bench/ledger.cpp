@@ -15,10 +15,10 @@
 #include <map>
 
 #include "bench.h"
-#include "ctl/sample.h"
 #include "data/modOWBSetting.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/screens/frmConfiguring.h"
+#include "sample/sample.h"
 #include "schema/modSQLFunction.h"
 #include "spent.h"
 #include "work.h"
@@ -62,11 +62,11 @@ SELECT LS.MONTHYEAR, LS.LEVID, LS.ATTHEADID, LS.ALLOTTYPE, CASE LS.LEVID WHEN 11
     30, 1.5, 0, 0 FROM LEV_SETTINGS LS WHERE LS.LEVID IN (9, 10, 11)
 )sql";
 
-void prepare(const std::string& path, const ctl::SampleOptions& options) {
+void prepare(const std::string& path, const sample::SampleOptions& options) {
     ctl::makeDatabase(path, [&](Connection& connection) {
         createFamilyDatabase(connection);
         NoProgress quiet;
-        ctl::makeSample(connection, options, quiet);
+        sample::makeSample(connection, options, quiet);
         connection.Execute(kMoreLeaves);
     });
     Work work(path);
@@ -146,7 +146,7 @@ int64_t marked(Work& work) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    ctl::SampleOptions options;
+    sample::SampleOptions options;
     options.employees = argc > 1 ? std::atoi(argv[1]) : 1000;
     options.months = argc > 2 ? std::atoi(argv[2]) : 12;
     const bench::Folder folder;

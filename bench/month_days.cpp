@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "bench.h"
-#include "ctl/sample.h"
 #include "data/modOWBSetting.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/screens/frmConfiguring.h"
+#include "sample/sample.h"
 #include "schema/modSQLFunction.h"
 #include "work.h"
 
@@ -24,11 +24,11 @@ using bench::Prepared;
 using bench::seconds;
 using bench::Work;
 
-void prepare(const std::string& path, const ctl::SampleOptions& options) {
+void prepare(const std::string& path, const sample::SampleOptions& options) {
     ctl::makeDatabase(path, [&](Connection& connection) {
         createFamilyDatabase(connection);
         NoProgress quiet;
-        ctl::makeSample(connection, options, quiet);
+        sample::makeSample(connection, options, quiet);
     });
     Work work(path);
     frmConfiguring(work.session, work.frontEnd).showModal();
@@ -171,7 +171,7 @@ class Floor {
 }  // namespace
 
 int main(int argc, char** argv) {
-    ctl::SampleOptions options;
+    sample::SampleOptions options;
     options.employees = argc > 1 ? std::atoi(argv[1]) : 1000;
     options.months = argc > 2 ? std::atoi(argv[2]) : 12;
     const bench::Folder folder;

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "bench.h"
-#include "db/driver.h"
+#include "db/driver/driver.h"
 
 namespace owb::bench {
 

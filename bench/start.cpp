@@ -7,8 +7,8 @@
 
 #include "app/modInitialize.h"
 #include "bench.h"
-#include "ctl/sample.h"
 #include "leave/ConfiguredState.h"
+#include "sample/sample.h"
 #include "schema/modSQLFunction.h"
 #include "spent.h"
 #include "work.h"
@@ -19,11 +19,11 @@ using namespace owb;
 using bench::seconds;
 
 // A company whose marks are all cleared, as the recalculation would leave them.
-void prepare(const std::string& path, const ctl::SampleOptions& options) {
+void prepare(const std::string& path, const sample::SampleOptions& options) {
     ctl::makeDatabase(path, [&](Connection& connection) {
         createFamilyDatabase(connection);
         NoProgress quiet;
-        ctl::makeSample(connection, options, quiet);
+        sample::makeSample(connection, options, quiet);
     });
 }
 
@@ -60,7 +60,7 @@ double readMasters(const std::string& path) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    ctl::SampleOptions options;
+    sample::SampleOptions options;
     options.employees = argc > 1 ? std::atoi(argv[1]) : 2000;
     options.months = argc > 2 ? std::atoi(argv[2]) : 12;
     const bench::Folder folder;

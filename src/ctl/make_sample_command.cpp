@@ -3,8 +3,8 @@
 #include "ctl/command.h"
 #include "ctl/database.h"
 #include "ctl/progress_line.h"
-#include "ctl/sample.h"
 #include "data/modCommon.h"
+#include "sample/sample.h"
 #include "schema/modSQLFunction.h"
 
 namespace owb::ctl {
@@ -39,7 +39,7 @@ class SampleCommand final : public Command {
         ProgressLine line(io);
         makeDatabase(db_, [&](Connection& connection) {
             createFamilyDatabase(connection);
-            makeSample(connection, options_, line);
+            sample::makeSample(connection, options_, line);
         });
         return 0;
     }
@@ -47,7 +47,7 @@ class SampleCommand final : public Command {
   private:
     std::string db_;
     std::string from_ = "Apr/2024";
-    SampleOptions options_;
+    sample::SampleOptions options_;
 };
 
 }  // namespace

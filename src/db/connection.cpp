@@ -2,6 +2,7 @@
 
 #include "base/utf8.h"
 #include "db/client_error.h"
+#include "db/open_driver.h"
 
 namespace owb {
 

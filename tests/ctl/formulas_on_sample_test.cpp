@@ -1,11 +1,11 @@
 // Stored formulas over the employees of a sample company, against sums of the tables themselves.
 #include <gtest/gtest.h>
 
-#include "ctl/sample.h"
 #include "db/recordset.h"
 #include "formula/clsEvalFormula.h"
 #include "leave/screens/frmConfiguring.h"
 #include "leave/screens/modLeaveProcess.h"
+#include "sample/sample.h"
 #include "support/company.h"
 #include "support/screens.h"
 
@@ -42,7 +42,7 @@ TEST(FormulasOnSample, GiveWhatTheTablesHold) {
     Company company;
     Session& session = company.session;
     NoProgress quiet;
-    ctl::makeSample(session.gConn, {}, quiet);
+    sample::makeSample(session.gConn, {}, quiet);
     TestFrontEnd frontEnd(company.boxes);
     frmConfiguring(session, frontEnd).showModal();
     modLeaveProcess(session, frontEnd).showModal();

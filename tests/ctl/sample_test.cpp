@@ -1,8 +1,8 @@
 // The sample company: repeatable, whole, and with a case of everything.
 #include <gtest/gtest.h>
 
-#include "ctl/sample.h"
 #include "data/modCommon.h"
+#include "sample/sample.h"
 #include "schema/modSQLFunction.h"
 #include "support/company.h"
 
@@ -11,12 +11,12 @@ namespace {
 
 struct Sample : ::testing::Test {
     void make(test::Company& company, int employees, int months, uint64_t seed = 1) {
-        ctl::SampleOptions options;
+        sample::SampleOptions options;
         options.employees = employees;
         options.months = months;
         options.seed = seed;
         NoProgress progress;
-        ctl::makeSample(company.session.gConn, options, progress);
+        sample::makeSample(company.session.gConn, options, progress);
     }
     std::string count(test::Company& company, const std::string& from) {
         return company.value("SELECT COUNT(*) FROM " + from);
@@ -135,7 +135,7 @@ TEST_F(Sample, OnlyIntoACompanyWithoutEmployees) {
         size_t done_ = 0;
     } cancel;
     test::Company fresh;
-    ctl::makeSample(fresh.session.gConn, {}, cancel);
+    sample::makeSample(fresh.session.gConn, {}, cancel);
     EXPECT_EQ(count(fresh, "MAS_EMPLOYEE"), "0");
     EXPECT_EQ(count(fresh, "MAS_ATTHEAD"), "1");
 }

@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "ctl/command.h"
-#include "ctl/sample.h"
 #include "data/modEmployeeViews.h"
+#include "sample/sample.h"
 #include "schema/modSQLFunction.h"
 #include "support/company.h"
 
@@ -46,11 +46,11 @@ TEST_P(Statements, AllRun) {
     test::Company company;
     Session& session = company.session;
     if (GetParam()) {
-        ctl::SampleOptions options;
+        sample::SampleOptions options;
         options.employees = 12;
         options.months = 3;
         NoProgress progress;
-        ctl::makeSample(session.gConn, options, progress);
+        sample::makeSample(session.gConn, options, progress);
         std::stringstream none;
         ctl::Streams io{none, none, none};
         ASSERT_EQ(ctl::runOwbctl({"process", company.folder.file("company.db")}, io), 0);

@@ -10,7 +10,6 @@
 
 #include "app/ProcessLauncher.h"
 #include "app/frmMain.h"
-#include "ctl/sample.h"
 #include "data/modEmployeeViews.h"
 #include "data/modOWBSetting.h"
 #include "data/screens/modExternal.h"
@@ -21,6 +20,7 @@
 #include "leave/screens/modLeaveProcess.h"
 #include "qt/desk.h"
 #include "qt/qt_text.h"
+#include "sample/sample.h"
 #include "screen/grid.h"
 #include "screen/progress.h"
 #include "siblings/frmFilter.h"
@@ -118,7 +118,7 @@ TEST(Qt, EveryScreenIsReachedByKeysAndNamed) {
     if (std::getenv("OWB_DARK") != nullptr) QApplication::setPalette(darkPalette());
     Company company;
     NoProgress quiet;
-    ctl::makeSample(company.session.gConn, {}, quiet);
+    sample::makeSample(company.session.gConn, {}, quiet);
     QtFrontEnd frontEnd(company.settings);
     Photographer photographer(company, frontEnd, folder ? folder : "");
     const auto f2 = [](const char* control) {

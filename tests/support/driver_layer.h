@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "db/driver.h"
+#include "db/driver/driver.h"
 
 namespace owb::test {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "db/driver.h"
+#include "db/driver/driver.h"
 
 namespace owb {
 

@@ -1,10 +1,10 @@
-#include "ctl/sample.h"
+#include "sample/sample.h"
 
-#include "ctl/sample_attendance.h"
-#include "ctl/sample_rules.h"
 #include "db/recordset.h"
+#include "sample/attendance.h"
+#include "sample/rules.h"
 
-namespace owb::ctl {
+namespace owb::sample {
 
 namespace {
 
@@ -44,4 +44,4 @@ void makeSample(Connection& connection, const SampleOptions& options, Progress& 
     }
 }
 
-}  // namespace owb::ctl
+}  // namespace owb::sample

@@ -4,11 +4,11 @@
 
 #include <map>
 
-#include "ctl/sample_calendar.h"
-#include "ctl/sample_random.h"
-#include "ctl/sample_rows.h"
+#include "sample/calendar.h"
+#include "sample/random.h"
+#include "sample/rows.h"
 
-namespace owb::ctl {
+namespace owb::sample {
 
 class SampleAttendance {
   public:
@@ -53,4 +53,4 @@ class SampleAttendance {
         overtime_, leave_, rotation_, adjustments_;
 };
 
-}  // namespace owb::ctl
+}  // namespace owb::sample

@@ -1,9 +1,9 @@
-#include "ctl/sample_rules.h"
+#include "sample/rules.h"
 
-#include "ctl/sample_people.h"
-#include "ctl/sample_rows.h"
+#include "sample/people.h"
+#include "sample/rows.h"
 
-namespace owb::ctl {
+namespace owb::sample {
 
 namespace {
 
@@ -247,4 +247,4 @@ void writeSampleRules(Connection& connection, const SampleOptions& options) {
     writeRights(connection);
 }
 
-}  // namespace owb::ctl
+}  // namespace owb::sample

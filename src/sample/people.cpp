@@ -1,11 +1,11 @@
-#include "ctl/sample_people.h"
+#include "sample/people.h"
 
 #include <algorithm>
 #include <array>
 
-#include "ctl/sample_random.h"
+#include "sample/random.h"
 
-namespace owb::ctl {
+namespace owb::sample {
 
 namespace {
 
@@ -99,4 +99,4 @@ SampleEmployee makeEmployee(int id, const SampleOptions& options) {
     return e;
 }
 
-}  // namespace owb::ctl
+}  // namespace owb::sample

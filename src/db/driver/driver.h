@@ -1,7 +1,6 @@
 // What a database below the Connection must do. One text is one T-SQL batch.
 #pragma once
 
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,9 +27,5 @@ class Driver {
     // keeps its own integrity: nothing to say.
     virtual std::vector<std::string> checkIntegrity() { return {}; }
 };
-
-// Opens the driver that the connection string names: "Provider=OWBEmbedded;Data Source=<file>"
-// or one of the providers of SQL Server. Throws DbError.
-std::unique_ptr<Driver> openDriver(const std::string& connectionString, int connectionTimeout);
 
 }  // namespace owb

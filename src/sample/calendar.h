@@ -4,10 +4,10 @@
 
 #include <map>
 
-#include "ctl/sample_people.h"
 #include "db/connection.h"
+#include "sample/people.h"
 
-namespace owb::ctl {
+namespace owb::sample {
 
 struct OffHalves {
     bool first = false, second = false;
@@ -35,4 +35,4 @@ class SampleCalendar {
     SampleOptions options_;
 };
 
-}  // namespace owb::ctl
+}  // namespace owb::sample

@@ -11,7 +11,7 @@ namespace owb {
 
 class Connection;
 
-namespace ctl {
+namespace sample {
 
 struct SampleOptions {
     int employees = 40;  // 1 to 20000
@@ -26,5 +26,5 @@ struct SampleOptions {
 // say is replaced. Cancelling leaves the database as it was. Throws DbError.
 void makeSample(Connection& connection, const SampleOptions& options, Progress& progress);
 
-}  // namespace ctl
+}  // namespace sample
 }  // namespace owb

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace owb::ctl {
+namespace owb::sample {
 
 class Chance {
   public:
@@ -26,4 +26,4 @@ class Chance {
     uint64_t state_;
 };
 
-}  // namespace owb::ctl
+}  // namespace owb::sample

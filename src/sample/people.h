@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "base/date_time.h"
-#include "ctl/sample.h"
+#include "sample/sample.h"
 
-namespace owb::ctl {
+namespace owb::sample {
 
 // Heads: one of each register type, and two more daily ones, since six ways of counting a month's
 // days need six heads.
@@ -44,4 +44,4 @@ SampleEmployee makeEmployee(int id, const SampleOptions& options);
 DateTime firstDayOf(int32_t monthKey);
 DateTime lastDayOf(int32_t monthKey);
 
-}  // namespace owb::ctl
+}  // namespace owb::sample

@@ -1,4 +1,4 @@
-#include "db/driver.h"
+#include "db/open_driver.h"
 
 #include "base/utf8.h"
 #include "db/client_error.h"

@@ -2,9 +2,9 @@
 // settings, salary structure, tax slabs, users and rights.
 #pragma once
 
-#include "ctl/sample.h"
+#include "sample/sample.h"
 
-namespace owb::ctl {
+namespace owb::sample {
 
 // Leaves beside the reserved ones (1 loss of pay, 2 compensatory off, 3 compensatory work).
 enum SampleLeave { kLossOfPay = 1, kCompOff, kCompWork, kCasual = 5, kSick, kEarned, kRestricted };
@@ -12,4 +12,4 @@ const char* leaveShort(int leave);
 
 void writeSampleRules(Connection& connection, const SampleOptions& options);
 
-}  // namespace owb::ctl
+}  // namespace owb::sample

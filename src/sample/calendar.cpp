@@ -1,10 +1,10 @@
-#include "ctl/sample_calendar.h"
+#include "sample/calendar.h"
 
 #include <algorithm>
 
-#include "ctl/sample_rows.h"
+#include "sample/rows.h"
 
-namespace owb::ctl {
+namespace owb::sample {
 
 namespace {
 
@@ -253,4 +253,4 @@ void SampleCalendar::writeWeeklyOffs(Connection& connection) const {
     special.flush();
 }
 
-}  // namespace owb::ctl
+}  // namespace owb::sample

@@ -1,10 +1,10 @@
-#include "ctl/sample_attendance.h"
+#include "sample/attendance.h"
 
 #include <algorithm>
 
-#include "ctl/sample_rules.h"
+#include "sample/rules.h"
 
-namespace owb::ctl {
+namespace owb::sample {
 
 namespace {
 
@@ -294,4 +294,4 @@ void SampleAttendance::writeLeave(const Slice& slice, const std::vector<Day>& da
         add(leave, slice.from, false, false, std::to_string(count / 2) + (count % 2 ? ".5" : ""));
 }
 
-}  // namespace owb::ctl
+}  // namespace owb::sample

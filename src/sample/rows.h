@@ -10,7 +10,7 @@
 #include "base/date_time.h"
 #include "db/connection.h"
 
-namespace owb::ctl {
+namespace owb::sample {
 
 class RowWriter {
   public:
@@ -80,4 +80,4 @@ class RowWriter {
     bool first_ = true;
 };
 
-}  // namespace owb::ctl
+}  // namespace owb::sample
