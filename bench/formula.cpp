@@ -7,10 +7,10 @@
 #include <cstdlib>
 
 #include "bench.h"
-#include "data/modOWBSetting.h"
 #include "formula/clsEvalFormula.h"
 #include "sample/sample.h"
 #include "schema/modSQLFunction.h"
+#include "session/modOWBSetting.h"
 #include "work.h"
 
 namespace {

@@ -6,10 +6,10 @@
 #include <QTableView>
 
 #include "bench.h"
-#include "data/MemorySettingsStore.h"
 #include "qt/qt_front_end.h"
 #include "qt/screen_window.h"
 #include "screen/grid.h"
+#include "session/MemorySettingsStore.h"
 
 namespace {
 

@@ -15,11 +15,11 @@
 #include <map>
 
 #include "bench.h"
-#include "data/modOWBSetting.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/screens/frmConfiguring.h"
 #include "sample/sample.h"
 #include "schema/modSQLFunction.h"
+#include "session/modOWBSetting.h"
 #include "spent.h"
 #include "work.h"
 

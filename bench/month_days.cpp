@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "bench.h"
-#include "data/modOWBSetting.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/screens/frmConfiguring.h"
 #include "sample/sample.h"
 #include "schema/modSQLFunction.h"
+#include "session/modOWBSetting.h"
 #include "work.h"
 
 namespace {

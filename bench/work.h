@@ -5,10 +5,10 @@
 #include <string>
 
 #include "ctl/database.h"
-#include "data/MemorySettingsStore.h"
-#include "data/Session.h"
 #include "screen/progress.h"
 #include "script/batch_front_end.h"
+#include "session/MemorySettingsStore.h"
+#include "session/Session.h"
 
 namespace owb::bench {
 

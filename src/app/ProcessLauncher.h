@@ -4,8 +4,8 @@
 
 #include <sys/types.h>
 
-#include "data/SettingsStore.h"
-#include "data/SiblingLauncher.h"
+#include "family/SettingsStore.h"
+#include "session/SiblingLauncher.h"
 
 namespace owb {
 

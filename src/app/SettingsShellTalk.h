@@ -5,7 +5,7 @@
 // "opened <program> <screen> <handle>" and "ended <program> <handle>".
 #pragma once
 
-#include "data/Session.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -8,8 +8,8 @@
 
 #include "base/number_text.h"
 #include "base/utf8.h"
-#include "data/modCommon.h"
-#include "data/modFiles.h"
+#include "session/modFiles.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -132,8 +132,8 @@ void OpenDatabase(Session& session, const std::string& connectionString) {
     session.gConn.Open(connectionString);
     session.gConn.setCommandTimeout(seconds(session, "COMDTIME"));
     session.gMultiLogin =
-        FnVarReadValue(session,
-                       "SELECT MULTILOGIN FROM SEC_USERLIST WHERE UPPER(USERNAME) = 'ADMIN'", 0)
+        FnVarValueOrThrow(session,
+                          "SELECT MULTILOGIN FROM SEC_USERLIST WHERE UPPER(USERNAME) = 'ADMIN'", 0)
             .toBool();
 }
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "data/Session.h"
+#include "session/Session.h"
 
 namespace owb {
 

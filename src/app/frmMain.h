@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-#include "data/Session.h"
 #include "screen/front_end.h"
+#include "session/Session.h"
 
 namespace owb {
 

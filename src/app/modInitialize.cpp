@@ -6,15 +6,16 @@
 #include "app/ThisApp.h"
 #include "app/modMenu.h"
 #include "base/number_text.h"
-#include "data/modAttSetting.h"
-#include "data/modCommon.h"
-#include "data/modEmployeeViews.h"
-#include "data/modFiles.h"
-#include "data/modOWBSetting.h"
-#include "data/modRights.h"
 #include "leave/screens/frmConfiguring.h"
 #include "leave/screens/modLeaveProcess.h"
 #include "schema/modSQLFunction.h"
+#include "session/locks.h"
+#include "session/modAttSetting.h"
+#include "session/modEmployeeViews.h"
+#include "session/modFiles.h"
+#include "session/modOWBSetting.h"
+#include "session/modRights.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -29,15 +30,15 @@ void showInTransaction(Session& session, Screen& screen) {
 }
 
 void touchUp(Session& session) {
-    if (!FnBlnReadRecordExists(session,
-                               "SELECT * FROM INFORMATION_SCHEMA.COLUMNS WHERE COLUMN_NAME = "
-                               "'EXLEVPRIORITY' AND TABLE_NAME = 'ATT_OPTSETTINGS'"))
+    if (!FnBlnExistsOrThrow(session,
+                            "SELECT * FROM INFORMATION_SCHEMA.COLUMNS WHERE COLUMN_NAME = "
+                            "'EXLEVPRIORITY' AND TABLE_NAME = 'ATT_OPTSETTINGS'"))
         session.gConn.Execute(" ALTER TABLE ATT_OPTSETTINGS ADD EXLEVPRIORITY VARCHAR(100)");
     // Looked for first: where another session holds a transaction, a writer would wait for it.
     const std::string late =
         "  from ATT_ENCASH A INNER JOIN MAS_EMPLOYEE E ON A.EMPID=E.EMPID WHERE "
         "A.UPTODATE>isnull(DOL,'2099-12-31')";
-    if (FnBlnReadRecordExists(session, "SELECT TOP 1 A.EMPID" + late))
+    if (FnBlnExistsOrThrow(session, "SELECT TOP 1 A.EMPID" + late))
         session.gConn.Execute(" UPDATE ATT_ENCASH SET UPTODATE=DOL" + late);
 }
 
@@ -47,9 +48,9 @@ void configure(Session& session, FrontEnd& frontEnd) {
         return;
     }
     const bool otherTransaction =
-        FnBlnReadRecordExists(session,
-                              "select database_id from sys.dm_tran_database_transactions WHERE "
-                              "database_id=DB_ID()");
+        FnBlnExistsOrThrow(session,
+                           "select database_id from sys.dm_tran_database_transactions WHERE "
+                           "database_id=DB_ID()");
     if (otherTransaction && FnBlnMarkerFile(session, "\\SkipLEVConfigBegintrans.dat")) return;
     frmConfiguring screen(session, frontEnd);
     showInTransaction(session, screen);
@@ -59,17 +60,18 @@ void configure(Session& session, FrontEnd& frontEnd) {
 }
 
 void readCompanyKind(Session& session) {
-    session.gConsultantMode = FnBlnReadRecordExists(
+    session.gConsultantMode = FnBlnExistsOrThrow(
         session, "SELECT refid FROM MAS_PULLDOWNVALUES WHERE refID=2001 AND pdid=1");
     if (session.gConsultantMode)
         session.gEmployeeCaption =
-            FnVarReadValue(session,
-                           "SELECT PDLISTNAME FROM MAS_PULLDOWNVALUES WHERE REFID=2001 AND PDID=2",
-                           "Consultant/Student")
+            FnVarValueOrThrow(
+                session, "SELECT PDLISTNAME FROM MAS_PULLDOWNVALUES WHERE REFID=2001 AND PDID=2",
+                "Consultant/Student")
                 .toText();
     session.gRestrictedLeaveId = static_cast<int32_t>(
-        FnVarReadValue(session, "SELECT LEVID FROM ATT_DEFINITION WHERE LEVSHORT='RH'", 0).toInt());
-    session.gRestrictedHolidayOn = FnBlnReadRecordExists(
+        FnVarValueOrThrow(session, "SELECT LEVID FROM ATT_DEFINITION WHERE LEVSHORT='RH'", 0)
+            .toInt());
+    session.gRestrictedHolidayOn = FnBlnExistsOrThrow(
         session, "SELECT 1 FROM ATT_RESTRICTHOLIDAY WHERE ISNULL(RESTRICTYN,0)=1");
 }
 
@@ -85,10 +87,10 @@ void recalculatePending(Session& session, FrontEnd& frontEnd) {
         condition = FnStrClassSecurityFilter(session, 0, 0, "LEV.EMPID");
     int64_t marked = 0;
     for (const char* table : {"LEV_ALLOTMENT", "LEV_MONTHDET", "ATT_DAYTODAY"})
-        marked += FnVarReadValue(session,
-                                 std::string("SELECT COUNT(EMPID) FROM ") + table +
-                                     " LEV WHERE EDITMODEYN = 1" + condition,
-                                 0)
+        marked += FnVarValueOrThrow(session,
+                                    std::string("SELECT COUNT(EMPID) FROM ") + table +
+                                        " LEV WHERE EDITMODEYN = 1" + condition,
+                                    0)
                       .toInt();
     if (marked == 0) return;
     frontEnd.pause(1000);
@@ -99,13 +101,13 @@ void recalculatePending(Session& session, FrontEnd& frontEnd) {
 
 void readPeriod(Session& session) {
     session.gFirstLeaveMonth = static_cast<int32_t>(
-        FnVarReadValue(session,
-                       "SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR WHERE MONTHYEAR >= " +
-                           std::to_string(session.gFeature.LVSTARTMNYEAR),
-                       0)
+        FnVarValueOrThrow(session,
+                          "SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR WHERE MONTHYEAR >= " +
+                              std::to_string(session.gFeature.LVSTARTMNYEAR),
+                          0)
             .toInt());
     session.gLastMonth = static_cast<int32_t>(
-        FnVarReadValue(session, "SELECT MAX(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
+        FnVarValueOrThrow(session, "SELECT MAX(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
     CreatePeriodViews(session);
     session.gPeriodLocked =
         FnBlnMonthRangeLocked(session, session.gFirstLeaveMonth, session.gLastMonth, true, 0);
@@ -138,11 +140,11 @@ void StartOnConnection(Session& session, FrontEnd& frontEnd) {
     LoadAttOptions(session, 0);
     LoadAttHead(session, session.gAttHeadId);
     CreateFilterObjects(session);
-    session.gReadOnly = FnVarReadValue(session,
-                                       "SELECT ISNULL(READONLYYN, 0) FROM SEC_USERLIST WHERE "
-                                       "USERNAME = '" +
-                                           session.gSpChar.FnStrSpSQL(session.gUser) + "'",
-                                       0)
+    session.gReadOnly = FnVarValueOrThrow(session,
+                                          "SELECT ISNULL(READONLYYN, 0) FROM SEC_USERLIST WHERE "
+                                          "USERNAME = '" +
+                                              session.gSpChar.FnStrSpSQL(session.gUser) + "'",
+                                          0)
                             .toBool();
     OpenMenuScreen(session, frontEnd);
 }

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "data/Session.h"
 #include "screen/front_end.h"
+#include "session/Session.h"
 
 namespace owb {
 

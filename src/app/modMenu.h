@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "data/Session.h"
 #include "screen/front_end.h"
+#include "session/Session.h"
 
 namespace owb {
 

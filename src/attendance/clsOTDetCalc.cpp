@@ -5,9 +5,11 @@
 
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
-#include "data/Session.h"
-#include "data/modAttSetting.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
+#include "session/Session.h"
+#include "session/modAttSetting.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -159,10 +161,10 @@ void clsOTDetCalc::UpdateOTDailyHourly(Recordset& rs, bool recalcNow) {
 
 void clsOTDetCalc::FnBlnSplOT(int32_t lngAttHeadId, DateTime dteDate, bool& blnResult) {
     blnResult =
-        FnVarReadValue(session_,
-                       "SELECT COUNT(*) FROM ATT_EXTRAOT WHERE ATTHEADID=" + text(lngAttHeadId) +
-                           " AND WEEKDATE='" + FnStrIsoDate(dteDate) + "'",
-                       0)
+        FnVarValueOrThrow(session_,
+                          "SELECT COUNT(*) FROM ATT_EXTRAOT WHERE ATTHEADID=" + text(lngAttHeadId) +
+                              " AND WEEKDATE='" + FnStrIsoDate(dteDate) + "'",
+                          0)
             .toBool();
 }
 
@@ -171,8 +173,8 @@ void clsOTDetCalc::GetLeaveDet(int64_t lngEmpId, DateTime dteDate, bool& blnFirs
     const std::string onLeave =
         "SELECT COUNT(EMPID) FROM LEV_DETAILS WHERE EMPID = " + text(lngEmpId) +
         " AND LEVID <> 0 AND LEAVEDATE = '" + FnStrIsoDate(dteDate) + "'";
-    blnFirstHalf = FnVarReadValue(session_, onLeave + " AND FIRSTHALFYN = 1", 0).toBool();
-    blnSecondHalf = FnVarReadValue(session_, onLeave + " AND SECONDHALFYN = 1", 0).toBool();
+    blnFirstHalf = FnVarValueOrThrow(session_, onLeave + " AND FIRSTHALFYN = 1", 0).toBool();
+    blnSecondHalf = FnVarValueOrThrow(session_, onLeave + " AND SECONDHALFYN = 1", 0).toBool();
 }
 
 void clsOTDetCalc::HourlyOTDet(double dblHours, double& dblOT1, double& dblOT2, double& dblAdj,
@@ -222,10 +224,10 @@ void clsOTDetCalc::PortOTDetail(int64_t lngEmpId, int64_t lngEmpDetId, int32_t l
                         " AND EMPDETID=" + det + " AND MONTHYEAR=" + month);
     if (hours.IsEOF()) return;
     const std::string structure =
-        text(FnVarReadValue(session_,
-                            "SELECT STRUCTID FROM MAS_EMPLOYEEDET WHERE EMPID = " + id +
-                                " AND EMPDETID = " + det,
-                            0)
+        text(FnVarValueOrThrow(session_,
+                               "SELECT STRUCTID FROM MAS_EMPLOYEEDET WHERE EMPID = " + id +
+                                   " AND EMPDETID = " + det,
+                               0)
                  .toInt());
     for (size_t kind = 0; kind < 2; ++kind) {
         const std::string head = kind == 0 ? "100" : "101",
@@ -242,11 +244,11 @@ void clsOTDetCalc::PortOTDetail(int64_t lngEmpId, int64_t lngEmpDetId, int32_t l
         }
         const std::string column = kind == 0 ? "OT1" : "OT2";
         const std::string rate = numberText(
-            FnVarReadValue(session_,
-                           "SELECT TOP 1 " + column + " FROM SLC_SALARYRATE_E WHERE EMPID = " + id +
-                               " AND EMPDETID = " + det + " AND MONTHYEAR <= " + month +
-                               " ORDER BY MONTHYEAR DESC",
-                           0)
+            FnVarValueOrThrow(session_,
+                              "SELECT TOP 1 " + column + " FROM SLC_SALARYRATE_E WHERE EMPID = " +
+                                  id + " AND EMPDETID = " + det + " AND MONTHYEAR <= " + month +
+                                  " ORDER BY MONTHYEAR DESC",
+                              0)
                 .toDouble());
         session_.gConn.Execute(
             "INSERT INTO SLC_COMPCALCDET(SLNO, EMPID, MONTHYEAR, STRUCTID, PAYTYPEYN, "

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
+#include "session/Session.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -20,7 +22,7 @@ std::string quoted(DateTime dteDate) {
 }  // namespace
 
 Value clsNODNDP::FirstValue(const std::string& sql, const Value& defaultValue) {
-    return FnVarReadValue(session_, sql, defaultValue);
+    return FnVarValueOrThrow(session_, sql, defaultValue);
 }
 
 double clsNODNDP::HeadSetting(const char* column, int32_t lngAttHeadId, int defaultValue) {

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 
-#include "data/Session.h"
-#include "data/modAttSetting.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
+#include "session/Session.h"
+#include "session/modAttSetting.h"
+#include "session/months.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -60,7 +63,7 @@ clsNODNDPCalc& FnNodNdp(Session& session) {
 }
 
 Value clsNODNDPCalc::FirstValue(const std::string& sql, const Value& defaultValue) {
-    return FnVarReadValue(session_, sql, defaultValue);
+    return FnVarValueOrThrow(session_, sql, defaultValue);
 }
 
 Value clsNODNDPCalc::RuleValue(const std::string& sql, const Value& defaultValue) {

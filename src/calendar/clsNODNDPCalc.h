@@ -15,7 +15,7 @@
 
 #include "base/date_time.h"
 #include "base/value.h"
-#include "data/Session.h"
+#include "session/Session.h"
 
 namespace owb {
 

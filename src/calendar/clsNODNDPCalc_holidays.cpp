@@ -1,6 +1,6 @@
 #include "calendar/clsNODNDPCalc.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "family/modCommon.h"
+#include "session/Session.h"
 
 namespace owb {
 

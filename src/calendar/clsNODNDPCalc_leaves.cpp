@@ -2,8 +2,10 @@
 #include <array>
 
 #include "calendar/clsNODNDPCalc.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
+#include "session/Session.h"
+#include "session/months.h"
 
 namespace owb {
 

@@ -3,8 +3,10 @@
 #include <ostream>
 
 #include "ctl/reading_session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
 #include "leave/ExplainAllotment.h"
+#include "session/queries.h"
 
 namespace owb::ctl {
 
@@ -49,8 +51,8 @@ class ExplainCommand final : public Command {
         ReadingSession reading(db_);
         Session& session = reading.session;
         const std::string leave =
-            FnVarReadValue(session, "SELECT LEVID FROM ATT_DEFINITION WHERE LEVSHORT = '" +
-                                        session.gSpChar.FnStrSpSQL(leave_) + "'")
+            FnVarValueOrThrow(session, "SELECT LEVID FROM ATT_DEFINITION WHERE LEVSHORT = '" +
+                                           session.gSpChar.FnStrSpSQL(leave_) + "'")
                 .toText();
         if (leave.empty()) throw CommandError("there is no leave \"" + leave_ + "\"");
         Recordset rows(session.gConn,

@@ -5,11 +5,13 @@
 #include "ctl/command.h"
 #include "ctl/database.h"
 #include "ctl/text_table.h"
-#include "data/MemorySettingsStore.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
-#include "data/modOWBSetting.h"
+#include "family/modCommon.h"
 #include "formula/clsEvalFormula.h"
+#include "session/MemorySettingsStore.h"
+#include "session/Session.h"
+#include "session/modOWBSetting.h"
+#include "session/months.h"
+#include "session/queries.h"
 
 namespace owb::ctl {
 

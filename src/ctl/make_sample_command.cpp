@@ -3,7 +3,7 @@
 #include "ctl/command.h"
 #include "ctl/database.h"
 #include "ctl/progress_line.h"
-#include "data/modCommon.h"
+#include "family/modCommon.h"
 #include "sample/sample.h"
 #include "schema/modSQLFunction.h"
 

@@ -6,8 +6,8 @@
 #include "ctl/command.h"
 #include "ctl/database.h"
 #include "ctl/progress_line.h"
-#include "data/MemorySettingsStore.h"
 #include "script/batch_front_end.h"
+#include "session/MemorySettingsStore.h"
 
 namespace owb::ctl {
 

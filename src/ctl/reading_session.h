@@ -3,10 +3,10 @@
 
 #include "ctl/command.h"
 #include "ctl/database.h"
-#include "data/MemorySettingsStore.h"
-#include "data/Session.h"
-#include "data/modEmployeeViews.h"
-#include "data/modOWBSetting.h"
+#include "session/MemorySettingsStore.h"
+#include "session/Session.h"
+#include "session/modEmployeeViews.h"
+#include "session/modOWBSetting.h"
 
 namespace owb::ctl {
 

@@ -4,8 +4,8 @@
 #include "ctl/command.h"
 #include "ctl/database.h"
 #include "ctl/text_table.h"
-#include "data/modCommon.h"
 #include "db/recordset.h"
+#include "family/modCommon.h"
 
 namespace owb::ctl {
 

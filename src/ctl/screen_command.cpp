@@ -7,8 +7,8 @@
 #include "app/frmMain.h"
 #include "ctl/command.h"
 #include "ctl/database.h"
-#include "data/MemorySettingsStore.h"
 #include "script/script_front_end.h"
+#include "session/MemorySettingsStore.h"
 
 namespace owb::ctl {
 

@@ -3,10 +3,10 @@
 #include <filesystem>
 
 #include "base/number_text.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
 #include "exchange/clsEXLFunc.h"
 #include "screen/front_end.h"
+#include "session/Session.h"
+#include "session/lenient_queries.h"
 
 namespace owb {
 

@@ -4,8 +4,8 @@
 #include <functional>
 
 #include "base/utf8.h"
-#include "data/Session.h"
 #include "db/recordset.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -1,11 +1,11 @@
 #include "formula/VerifyCusQuery.h"
 
 #include "base/utf8.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
 #include "db/client_error.h"
 #include "db/recordset.h"
+#include "family/modCommon.h"
 #include "formula/CustomQuery.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -3,7 +3,9 @@
 #include "base/number_text.h"
 #include "calendar/clsNODNDP.h"
 #include "calendar/clsNODNDPCalc.h"
+#include "family/modCommon.h"
 #include "formula/clsEvalFormula_task.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -16,7 +18,7 @@ clsEvalFormula& FnEvalFormula(Session& session) {
 }
 
 Value clsEvalFormula::FirstValue(const std::string& sql, const Value& defaultValue) {
-    return FnVarReadValue(session_, sql, defaultValue);
+    return FnVarValueOrThrow(session_, sql, defaultValue);
 }
 
 bool clsEvalFormula::AdvancedLeave(int32_t lngMonthYear) const {

@@ -2,8 +2,10 @@
 #include <algorithm>
 
 #include "calendar/clsNODNDPCalc.h"
-#include "data/modAttSetting.h"
+#include "family/modCommon.h"
 #include "formula/clsEvalFormula_task.h"
+#include "session/modAttSetting.h"
+#include "session/months.h"
 
 namespace owb {
 

@@ -1,8 +1,9 @@
 // The employee in formulas: classifications, custom columns and queries, dates, and the statutory
 // flags as they take effect in the month (provident fund, state insurance, professional tax).
-#include "data/modOWBSetting.h"
+#include "family/modCommon.h"
 #include "formula/CustomQuery.h"
 #include "formula/clsEvalFormula_task.h"
+#include "session/modOWBSetting.h"
 
 namespace owb {
 

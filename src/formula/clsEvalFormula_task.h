@@ -2,9 +2,10 @@
 #pragma once
 
 #include "base/utf8.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
 #include "formula/clsEvalFormula.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -1,11 +1,13 @@
 // The bulk pass: a statement for each step of a month, over all of its marked rows.
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
 #include "leave/AllotmentPass.h"
 #include "leave/slice_sql.h"
 #include "schema/modSQLFunction.h"
+#include "session/Session.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -27,7 +29,7 @@ bool AllotmentPass::ProcessAllotments() {
     CreateLeaveSummaryView(session_);
     CreatePeriodViews(session_);
     total_ = static_cast<size_t>(
-        FnVarReadValue(
+        FnVarValueOrThrow(
             session_,
             "DECLARE @TMP AS INTEGER SELECT @TMP = COUNT(*) FROM LEV_ALLOTMENT LEV,LEV_SETTINGS LS "
             "WHERE LEV.LEVID = LS.LEVID AND LEV.ATTHEADID = LS.ATTHEADID AND EDITMODEYN = 1 AND "
@@ -49,7 +51,7 @@ bool AllotmentPass::ProcessAllotments() {
 
 // Employees with two rows of one leave in the month, a change of version: one opens from the other.
 std::string AllotmentPass::DividedEmployees(const std::string& strInMonth) {
-    return FnVarReadValue(
+    return FnVarValueOrThrow(
                session_,
                "DECLARE @TMP AS NVARCHAR(MAX) SET @TMP = '0' SELECT @TMP = @TMP + ',' + CAST(EMPID "
                "AS NVARCHAR(MAX)) FROM (SELECT DISTINCT EMPID FROM LEV_ALLOTMENT LA WHERE " +
@@ -62,14 +64,14 @@ std::string AllotmentPass::DividedEmployees(const std::string& strInMonth) {
 // rows mark later ones.
 int32_t AllotmentPass::NextMonth(int32_t lngAfter) {
     return static_cast<int32_t>(
-        FnVarReadValue(session_,
-                       "SELECT TOP 1 MONTHYEAR FROM MAS_MONTHYEAR MM WHERE MONTHYEAR > " +
-                           text(lngAfter) +
-                           " AND EXISTS (SELECT * FROM LEV_ALLOTMENT ALLOT,ATT_DEFINITION LEV "
-                           "WHERE LEV.LEVID = ALLOT.LEVID AND LEV.ALLOTMENTYN = 1 AND "
-                           "ALLOT.ALLOTFROM BETWEEN CALCSTARTDATE AND CALCENDDATE AND "
-                           "ALLOT.EDITMODEYN = 1) ORDER BY MONTHYEAR",
-                       0)
+        FnVarValueOrThrow(session_,
+                          "SELECT TOP 1 MONTHYEAR FROM MAS_MONTHYEAR MM WHERE MONTHYEAR > " +
+                              text(lngAfter) +
+                              " AND EXISTS (SELECT * FROM LEV_ALLOTMENT ALLOT,ATT_DEFINITION LEV "
+                              "WHERE LEV.LEVID = ALLOT.LEVID AND LEV.ALLOTMENTYN = 1 AND "
+                              "ALLOT.ALLOTFROM BETWEEN CALCSTARTDATE AND CALCENDDATE AND "
+                              "ALLOT.EDITMODEYN = 1) ORDER BY MONTHYEAR",
+                          0)
             .toInt());
 }
 

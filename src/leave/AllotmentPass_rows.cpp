@@ -3,10 +3,12 @@
 
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
 #include "leave/AllotmentPass.h"
 #include "leave/slice_sql.h"
+#include "session/Session.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -153,10 +155,10 @@ bool AllotmentPass::RowByRow(const std::string& strFilter) {
 // Few rows are sooner done one by one than by statements over whole months.
 bool AllotmentPass::FewMarked() {
     constexpr int64_t kFew = 500;
-    return FnVarReadValue(session_,
-                          "SELECT COUNT(*) FROM (SELECT TOP " + text(kFew) +
-                              " ALLOTID FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1) T",
-                          0)
+    return FnVarValueOrThrow(session_,
+                             "SELECT COUNT(*) FROM (SELECT TOP " + text(kFew) +
+                                 " ALLOTID FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1) T",
+                             0)
                .toInt() < kFew;
 }
 

@@ -3,8 +3,8 @@
 #include <array>
 #include <sstream>
 
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "session/Session.h"
+
 #include "db/recordset.h"
 
 namespace owb {

@@ -3,14 +3,14 @@
 #include <iterator>
 
 #include "calendar/clsNODNDPCalc.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
-#include "data/modOWBSetting.h"
+#include "db/recordset.h"
 #include "leave/ConfiguredState.h"
 #include "leave/RecalculationLock.h"
 #include "leave/VersionChanges.h"
 #include "leave/modLeaveFunctions.h"
 #include "schema/modSQLFunction.h"
+#include "session/Session.h"
+#include "session/modOWBSetting.h"
 
 namespace owb {
 

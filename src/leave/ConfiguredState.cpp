@@ -1,9 +1,10 @@
 #include "leave/ConfiguredState.h"
 
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
 #include "leave/BlockStamp.h"
 #include "schema/modSQLFunction.h"
+#include "session/Session.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -13,7 +14,7 @@ constexpr const char* kState = "STATE";
 constexpr const char* kSwept = "SWEPT";
 
 std::string seen(Session& session, const char* what) {
-    return FnVarReadValue(
+    return FnVarValueOrThrow(
                session, std::string("SELECT SEEN FROM LEV_CONFIGURED WHERE WHAT = '") + what + "'",
                "")
         .toText();

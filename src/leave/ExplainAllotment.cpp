@@ -4,10 +4,11 @@
 
 #include "base/db_error.h"
 #include "base/number_text.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "family/modCommon.h"
 #include "leave/LeaveChain.h"
 #include "leave/slice_sql.h"
+#include "session/Session.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -53,8 +54,8 @@ std::string inWords(const LeaveSettingsRecord& s) {
 }
 
 std::string rounded(Session& session, double value, int type) {
-    return FnVarReadValue(session, "SELECT [dbo].FnDblRndOff(" + numberText(value) + "," +
-                                       std::to_string(type) + ")")
+    return FnVarValueOrThrow(session, "SELECT [dbo].FnDblRndOff(" + numberText(value) + "," +
+                                          std::to_string(type) + ")")
         .toText();
 }
 
@@ -65,9 +66,9 @@ void explainCredit(Session& session, LeaveCalc& calc, const AllotRow& row, Allot
     steps.step("setting", inWords(*settings));
     if (row.intLevId == 2) {
         const double work =
-            FnVarReadValue(session, "SELECT " + slice_sql::compensatoryWork("LA") +
-                                        " FROM LEV_ALLOTMENT LA WHERE LA.ALLOTID = " +
-                                        std::to_string(row.lngAllotId))
+            FnVarValueOrThrow(session, "SELECT " + slice_sql::compensatoryWork("LA") +
+                                           " FROM LEV_ALLOTMENT LA WHERE LA.ALLOTID = " +
+                                           std::to_string(row.lngAllotId))
                 .toDouble();
         return steps.step("credit", "compensatory work in the slice: " + numberText(work));
     }

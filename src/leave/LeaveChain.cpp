@@ -1,9 +1,10 @@
 #include "leave/LeaveChain.h"
 
 #include "base/number_text.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
 #include "leave/slice_sql.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
 #include "schema/modSQLFunction.h"
+#include "session/Session.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -182,11 +184,11 @@ void LeavePeriods::countService(int64_t lngEmpId, DateTime& dteFrom, const DateT
                                 double& dblPeriodDays, double& dblServiceDays) {
     dblPeriodDays = FnDblDays(dteFrom, dteTo);
     const std::string from = FnStrIsoLiteral(dteFrom);
-    dteFrom = FnVarReadValue(session_,
-                             "SELECT (CASE WHEN DOJ >= " + from + " THEN DOJ ELSE CAST(" + from +
-                                 " AS datetime) END) FROM MAS_EMPLOYEE WHERE EMPID = " +
-                                 std::to_string(lngEmpId),
-                             dteFrom)
+    dteFrom = FnVarValueOrThrow(session_,
+                                "SELECT (CASE WHEN DOJ >= " + from + " THEN DOJ ELSE CAST(" + from +
+                                    " AS datetime) END) FROM MAS_EMPLOYEE WHERE EMPID = " +
+                                    std::to_string(lngEmpId),
+                                dteFrom)
                   .toDate();
     dblServiceDays = std::max(FnDblDays(dteFrom, dteTo), 0.0);
 }

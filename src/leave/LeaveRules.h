@@ -7,7 +7,7 @@
 #include <tuple>
 #include <vector>
 
-#include "data/Session.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -11,12 +11,12 @@
 #include <map>
 #include <vector>
 
-#include "data/Session.h"
-#include "data/modCommon.h"
 #include "db/recordset.h"
+#include "family/modCommon.h"
 #include "leave/ConfiguredState.h"
 #include "leave/EmployeeBlocks.h"
 #include "leave/modLeaveFunctions.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -3,9 +3,10 @@
 #include <chrono>
 #include <thread>
 
-#include "data/Session.h"
-#include "data/modCommon.h"
 #include "db/recordset.h"
+#include "session/Session.h"
+#include "session/lenient_queries.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -42,10 +43,10 @@ RecalculationLock::~RecalculationLock() {
 
 // The name of the holder is for those who wait alone, so that it may fail.
 bool RecalculationLock::TryToTake() {
-    if (FnVarReadValue(session_,
-                       "DECLARE @GOT int EXEC @GOT = sp_getapplock @Resource = " + Resource() +
-                           ", @LockMode = 'Exclusive', @LockOwner = 'Session', "
-                           "@LockTimeout = 0 SELECT @GOT")
+    if (FnVarValueOrThrow(session_,
+                          "DECLARE @GOT int EXEC @GOT = sp_getapplock @Resource = " + Resource() +
+                              ", @LockMode = 'Exclusive', @LockOwner = 'Session', "
+                              "@LockTimeout = 0 SELECT @GOT")
             .toInt() < 0)
         return false;
     const std::string host = quoted(session_, session_.gHostPrefix);
@@ -57,11 +58,12 @@ bool RecalculationLock::TryToTake() {
 
 std::string RecalculationLock::Holder() {
     try {
-        return FnVarReadValue(session_,
-                              "SELECT USERNAME FROM LEV_RECALCULATION WITH (NOLOCK) WHERE HOSTNAME "
-                              "= " +
-                                  quoted(session_, session_.gHostPrefix),
-                              "another user")
+        return FnVarValueOrThrow(
+                   session_,
+                   "SELECT USERNAME FROM LEV_RECALCULATION WITH (NOLOCK) WHERE HOSTNAME "
+                   "= " +
+                       quoted(session_, session_.gHostPrefix),
+                   "another user")
             .toText();
     } catch (const DbError&) {
         return "another user";

@@ -1,7 +1,7 @@
 #include "leave/RowFailures.h"
 
 #include "base/db_error.h"
-#include "data/Session.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -1,7 +1,7 @@
 #include "leave/VersionChanges.h"
 
-#include "data/Session.h"
 #include "db/recordset.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -5,11 +5,13 @@
 #include "base/db_error.h"
 #include "base/number_text.h"
 #include "base/utf8.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
 #include "formula/CustomQuery.h"
 #include "formula/clsEvalFormula.h"
 #include "leave/slice_sql.h"
+#include "session/Session.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -148,8 +150,8 @@ void LeaveCalc::WriteCredit(const AllotRow& row, double dblAllot) {
 double LeaveCalc::NumberOfLeaves(const AllotRow& row, const AllotFigure& figure) {
     if (figure.QUERYYN == 1) {
         std::string query =
-            FnVarReadValue(session_,
-                           "select FQUERY From MAS_FORMULACUSTOM where fid=" + text(figure.FID), "")
+            FnVarValueOrThrow(
+                session_, "select FQUERY From MAS_FORMULACUSTOM where fid=" + text(figure.FID), "")
                 .toText();
         if (!query.empty()) {
             for (const auto& [name, value] :
@@ -283,7 +285,7 @@ double LeaveCalc::AsPreviousPeriod(const Task& task) {
     periods.GetPrevBounds(row.lngEmpId, task.settings.ALLOTTYPE, task.settings.ALLOTON,
                           row.lngMonthYear, from, to, periodDays, days);
     if (task.settings.ALLOTTYPE == 2) {
-        const Value allotFrom = FnVarReadValue(
+        const Value allotFrom = FnVarValueOrThrow(
             session_, "SELECT ALLOTFROM FROM LEV_ALLOTFROM WHERE levid=" + text(row.intLevId) +
                           " AND EMPID=" + text(row.lngEmpId));
         if (!allotFrom.isNull() && allotFrom.toDate() > from) {

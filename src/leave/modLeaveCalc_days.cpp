@@ -2,9 +2,11 @@
 // or the period before.
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
 #include "leave/modLeaveCalc.h"
+#include "session/Session.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -39,9 +41,9 @@ LeaveCalc::Days LeaveCalc::RowDays(const Task& task, int intDaysBasis) {
         const std::string ofRow = " FROM LEV_MONTHDET WHERE EMPDETID=" + text(row.lngEmpDetId) +
                                   " AND EMPID =" + text(row.lngEmpId) +
                                   " AND MONTHYEAR=" + text(row.lngMonthYear);
-        days.NODCALC = FnVarReadValue(session_, "SELECT NODCALC" + ofRow, 0).toDouble();
-        days.NOD = FnVarReadValue(session_, "SELECT NOD" + ofRow, 0).toDouble();
-        days.NDP = FnVarReadValue(session_, "SELECT NDP" + ofRow, 0).toDouble();
+        days.NODCALC = FnVarValueOrThrow(session_, "SELECT NODCALC" + ofRow, 0).toDouble();
+        days.NOD = FnVarValueOrThrow(session_, "SELECT NOD" + ofRow, 0).toDouble();
+        days.NDP = FnVarValueOrThrow(session_, "SELECT NDP" + ofRow, 0).toDouble();
     } else {
         days = CountDays(row.lngEmpId, row.lngEmpDetId, row.lngMonthYear, row.intAttHeadId,
                          row.dteFrom, row.dteTo, intDaysBasis);
@@ -78,7 +80,7 @@ void LeaveCalc::SumPrevMonthDays(int64_t lngEmpId, int32_t lngMonthYear, Days& d
     DateTime first, last;
     periods.GetMonthBounds(lngMonthYear, first, last);
     const Value left =
-        FnVarReadValue(session_, "SELECT DOL FROM MAS_EMPLOYEE WHERE EMPID = " + text(lngEmpId));
+        FnVarValueOrThrow(session_, "SELECT DOL FROM MAS_EMPLOYEE WHERE EMPID = " + text(lngEmpId));
     ForEachVersion(lngEmpId, lngMonthYear, first, last,
                    [&](DateTime from, DateTime to, const Days& part) {
                        dteFrom = from;
@@ -114,7 +116,7 @@ void LeaveCalc::GetServiceDays(const Task& task, double& dblPeriodDays, double& 
     const std::string emp = text(row.lngEmpId), det = text(row.lngEmpDetId),
                       lev = text(row.intLevId);
     auto readDate = [&](const std::string& sql, const DateTime& otherwise) {
-        return FnVarReadValue(session_, sql, otherwise).toDate();
+        return FnVarValueOrThrow(session_, sql, otherwise).toDate();
     };
     from = readDate("SELECT MIN(ALLOTFROM) FROM LEV_ALLOTMENT WHERE EMPID = " + emp +
                         " AND EMPDETID = " + det + " AND LEVID = " + lev +

@@ -7,12 +7,14 @@
 #include "attendance/clsOTDetCalc.h"
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
 #include "leave/BlockStamp.h"
 #include "leave/EmployeeBlocks.h"
 #include "leave/RecalculationLock.h"
 #include "leave/RowFailures.h"
+#include "session/Session.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -143,7 +145,8 @@ void UpdateMonthRow(Session& session, Recordset& rs) {
     const int64_t type = rs.Fields("ATTNTYPE").toInt();
     if (type != 1) {
         const int64_t attTranNo =
-            FnVarReadValue(session, "SELECT ATTTRANNO FROM ATT_DAYTODAY WHERE " + key, 0).toInt();
+            FnVarValueOrThrow(session, "SELECT ATTTRANNO FROM ATT_DAYTODAY WHERE " + key, 0)
+                .toInt();
         Recordset row(session.gConn, clsOTDetCalc::FnStrRegisterRow(attTranNo));
         std::string days;
         if (!row.IsEOF()) FnOtDetCalc(session).WriteDays(row, days);
@@ -259,8 +262,8 @@ void RefreshMonthRow(Session& session, double& dblNOD, double& dblNDP, Progress&
     const std::string key = " WHERE " + rowKey(lngEmpId, lngEmpDetId, lngMonthYear);
     session.gConn.Execute("UPDATE LEV_MONTHDET SET EDITMODEYN = 1" + key);
     UpdateMonthDays(session, frm);
-    dblNOD = FnVarReadValue(session, "SELECT NOD FROM LEV_MONTHDET" + key, 0).toDouble();
-    dblNDP = FnVarReadValue(session, "SELECT NDP FROM LEV_MONTHDET" + key, 0).toDouble();
+    dblNOD = FnVarValueOrThrow(session, "SELECT NOD FROM LEV_MONTHDET" + key, 0).toDouble();
+    dblNDP = FnVarValueOrThrow(session, "SELECT NDP FROM LEV_MONTHDET" + key, 0).toDouble();
 }
 
 }  // namespace owb

@@ -1,12 +1,14 @@
 #include "base/db_error.h"
 #include "calendar/clsNODNDPCalc.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
-#include "data/modFiles.h"
+#include "family/modCommon.h"
 #include "leave/AllotmentPass.h"
 #include "leave/RecalculationLock.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/slice_sql.h"
+#include "session/Session.h"
+#include "session/modFiles.h"
+#include "session/months.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -52,12 +54,12 @@ double GetClosingBalance(Session& session, int64_t lngEmpId, int32_t intLevId, D
     const std::string date = FnStrIsoLiteral(dteAsOn);
     // A total is open when one of its leaves is.
     const std::string open = "CASE WHEN LA.ALLOTFROM > " + date + " THEN 0 ELSE 1 END";
-    if (FnVarReadValue(session,
-                       "SELECT " + (intLevId == 0 ? "MAX(" + open + ")" : open) +
-                           " FROM ATT_DEFINITION AD, LEV_ALLOTFROM LA WHERE LA.EMPID = " + emp +
-                           " AND AD.LEVID = LA.LEVID AND AD.ALLOTMENTYN = 1 " +
-                           (intLevId == 0 ? "" : " AND LA.LEVID = " + lev),
-                       -1)
+    if (FnVarValueOrThrow(session,
+                          "SELECT " + (intLevId == 0 ? "MAX(" + open + ")" : open) +
+                              " FROM ATT_DEFINITION AD, LEV_ALLOTFROM LA WHERE LA.EMPID = " + emp +
+                              " AND AD.LEVID = LA.LEVID AND AD.ALLOTMENTYN = 1 " +
+                              (intLevId == 0 ? "" : " AND LA.LEVID = " + lev),
+                          -1)
             .toInt() == 0)
         return 0;
 
@@ -84,12 +86,12 @@ double GetClosingBalance(Session& session, int64_t lngEmpId, int32_t intLevId, D
             FnStrIsoDate(first) + "' AND LA.ALLOTTO <= '" + FnStrIsoDate(last) +
             "' AND LA.EMPDETID = [dbo].FnIntMaxEmpDetID(" + emp + ", " + date + "," + date + ")";
         balance =
-            FnVarReadValue(session, intLevId == 0 ? "SELECT SUM(LEVBAL) FROM (SELECT " + rounded +
-                                                        " AS LEVBAL" + slice + ") TEMP"
-                                                  : "SELECT " + rounded + slice);
+            FnVarValueOrThrow(session, intLevId == 0 ? "SELECT SUM(LEVBAL) FROM (SELECT " +
+                                                           rounded + " AS LEVBAL" + slice + ") TEMP"
+                                                     : "SELECT " + rounded + slice);
     }
     if (balance.isNull())
-        balance = FnVarReadValue(
+        balance = FnVarValueOrThrow(
             session, "SELECT OPBAL FROM ATT_OPBAL WHERE EMPID = " + emp + " AND LEVID  = " + lev,
             0);
     double earned = 0;  // by work of the day that is being entered again

@@ -3,14 +3,16 @@
 #include "attendance/clsOTDetCalc.h"
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
+#include "family/modCommon.h"
 #include "leave/BlockStamp.h"
 #include "leave/EmployeeBlocks.h"
 #include "leave/RecalculationLock.h"
 #include "leave/RowFailures.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/work_table.h"
+#include "session/Session.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -110,17 +112,17 @@ std::string rewriteDay(const WorkTable& table, int day) {
 // The work table lists the empty days; what somebody has entered on one of them meanwhile takes the
 // day off the list again, in the transaction that fills the others.
 void LoadDefaultAttendance(Session& session, const std::string& strRegisters) {
-    if (!FnVarReadValue(session, "SELECT COUNT(ATTHEADID) FROM  ATT_OPTSETTINGS where LOADDEFYN=1",
-                        0)
+    if (!FnVarValueOrThrow(session,
+                           "SELECT COUNT(ATTHEADID) FROM  ATT_OPTSETTINGS where LOADDEFYN=1", 0)
              .toBool())
         return;
     std::string findDays = "DECLARE @TMP AS VARCHAR(MAX) SET @TMP = ''";
     for (int day = 1; day <= 31; ++day)
         findDays += " IF EXISTS(SELECT AD.ATTTRANNO" + emptyDays(session, day, strRegisters) +
                     ") SET @TMP = @TMP + '{" + text(day) + "}'";
-    const std::string days = FnVarReadValue(session, findDays + " SELECT @TMP", "").toText();
+    const std::string days = FnVarValueOrThrow(session, findDays + " SELECT @TMP", "").toText();
     const std::string lossOfPay = session.gSpChar.FnStrSpSQL(
-        FnVarReadValue(session, "SELECT LEVSHORT FROM ATT_DEFINITION WHERE LEVID = 1", "LOP")
+        FnVarValueOrThrow(session, "SELECT LEVSHORT FROM ATT_DEFINITION WHERE LEVID = 1", "LOP")
             .toText());
 
     const WorkTable table(session, "TMPLEV");

@@ -1,8 +1,8 @@
 // What the ledger's rows begin with and hang on: from-dates, opening balances, encashments. The
 // rows themselves are in LedgerSlices.cpp.
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
 #include "leave/modLeaveFunctions.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -1,6 +1,6 @@
-#include "data/Session.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
 #include "leave/modLeaveFunctions.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "data/Session.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "data/SettingsStore.h"
+#include "family/SettingsStore.h"
 
 class QWidget;
 

@@ -3,10 +3,11 @@
 #include <array>
 
 #include "base/utf8.h"
-#include "data/Session.h"
-#include "data/modCommon.h"
-#include "data/modEmployeeViews.h"
+#include "db/recordset.h"
 #include "schema/embedded_sql.h"
+#include "session/Session.h"
+#include "session/modEmployeeViews.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -88,8 +89,8 @@ void recreateView(Session& session, const std::string& file) {
     text.replace(text.find(placeholder), placeholder.size(), session.gHostPrefix);
     const std::string name = session.gHostPrefix + "_" + file;
     OwnTransaction transaction(session);
-    if (FnBlnReadRecordExists(session, "SELECT * FROM SYS.VIEWS WHERE NAME = '" +
-                                           session.gSpChar.FnStrSpSQL(name) + "'"))
+    if (FnBlnExistsOrThrow(session, "SELECT * FROM SYS.VIEWS WHERE NAME = '" +
+                                        session.gSpChar.FnStrSpSQL(name) + "'"))
         session.gConn.Execute("DROP VIEW [dbo].[" + name + "]");
     session.gConn.Execute(text);
     transaction.commit();
@@ -105,7 +106,7 @@ std::string_view FnStrSchemaText(std::string_view name) {
 
 bool FnBlnPrepareObject(Session& session, const std::string& name, ServerObjectKind kind,
                         bool replace) {
-    if (!FnBlnReadRecordExists(session, "Select * From Sys.Objects Where Name = '" + name + "'"))
+    if (!FnBlnExistsOrThrow(session, "Select * From Sys.Objects Where Name = '" + name + "'"))
         return true;
     if (!replace) return false;
     constexpr std::array drops = {"Drop Function [dbo].", "Drop Procedure [dbo].",
@@ -149,11 +150,10 @@ void TidyAttendanceRows(Session& session) {
         batch += " DELETE FROM ATT_OVERTIME WHERE ATTTRANNO = " + key +
                  " DELETE FROM ATT_DAYTODAY WHERE ATTTRANNO = " + key;
     }
-    if (FnBlnReadRecordExists(
-            session,
-            "SELECT att.EMPID FROM ATT_DAYTODAY att,dbo.MAS_EMPLOYEEDET det WHERE "
-            "att.empid=det.empid AND att.empdetid=det.empdetid AND "
-            "att.ATTHEADID<>det.ATTHEADID"))
+    if (FnBlnExistsOrThrow(session,
+                           "SELECT att.EMPID FROM ATT_DAYTODAY att,dbo.MAS_EMPLOYEEDET det WHERE "
+                           "att.empid=det.empid AND att.empdetid=det.empdetid AND "
+                           "att.ATTHEADID<>det.ATTHEADID"))
         batch +=
             " UPDATE DBO.ATT_DAYTODAY SET ATTHEADID = DBO.UDF_OWB_FNINTATTHEADID(EMPID, "
             "EMPDETID)";

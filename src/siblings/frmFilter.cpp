@@ -3,9 +3,9 @@
 #include <set>
 
 #include "base/utf8.h"
-#include "data/modCommon.h"
-#include "data/screens/FnGrid.h"
+
 #include "db/recordset.h"
+#include "session/screens/FnGrid.h"
 
 namespace owb {
 

@@ -6,8 +6,8 @@
 
 #include <string>
 
-#include "data/screens/SessionScreen.h"
 #include "screen/grid.h"
+#include "session/screens/SessionScreen.h"
 
 namespace owb {
 

@@ -3,8 +3,8 @@
 #include <sstream>
 
 #include "app/modMenu.h"
-#include "data/modCommon.h"
 #include "db/recordset.h"
+#include "session/lenient_queries.h"
 
 namespace owb {
 

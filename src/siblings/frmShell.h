@@ -8,8 +8,8 @@
 #include <string>
 
 #include "app/LocalTalk.h"
-#include "data/screens/SessionScreen.h"
 #include "screen/grid.h"
+#include "session/screens/SessionScreen.h"
 
 namespace owb {
 

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "app/ProcessLauncher.h"
-#include "data/screens/modExternal.h"
+#include "session/screens/modExternal.h"
 #include "support/screens.h"
 #include "support/scripted.h"
 

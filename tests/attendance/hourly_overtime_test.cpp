@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "attendance/clsOTDetCalc.h"
-#include "data/MemorySettingsStore.h"
-#include "data/Session.h"
+#include "session/MemorySettingsStore.h"
+#include "session/Session.h"
 #include "support/company.h"
 
 namespace owb {

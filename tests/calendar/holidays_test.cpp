@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "calendar/clsNODNDPCalc.h"
-#include "data/modAttSetting.h"
-#include "data/modOWBSetting.h"
+#include "session/modAttSetting.h"
+#include "session/modOWBSetting.h"
 #include "support/payroll.h"
 
 namespace owb {

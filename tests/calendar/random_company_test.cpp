@@ -5,8 +5,8 @@
 #include <random>
 
 #include "calendar/reference_model.h"
-#include "data/modOWBSetting.h"
 #include "db/recordset.h"
+#include "session/modOWBSetting.h"
 #include "support/payroll.h"
 
 namespace owb {

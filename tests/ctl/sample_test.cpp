@@ -1,9 +1,9 @@
 // The sample company: repeatable, whole, and with a case of everything.
 #include <gtest/gtest.h>
 
-#include "data/modCommon.h"
 #include "sample/sample.h"
 #include "schema/modSQLFunction.h"
+#include "session/locks.h"
 #include "support/company.h"
 
 namespace owb {

@@ -6,9 +6,9 @@
 #include <sstream>
 
 #include "ctl/command.h"
-#include "data/modEmployeeViews.h"
 #include "sample/sample.h"
 #include "schema/modSQLFunction.h"
+#include "session/modEmployeeViews.h"
 #include "support/company.h"
 
 namespace owb {

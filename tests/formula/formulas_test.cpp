@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "calendar/clsNODNDPCalc.h"
-#include "data/modOWBSetting.h"
 #include "formula/clsEvalFormula.h"
+#include "session/modOWBSetting.h"
 #include "support/payroll.h"
 
 namespace owb {

@@ -3,12 +3,12 @@
 
 #include <random>
 
-#include "data/modOWBSetting.h"
 #include "db/recordset.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/reference_ledger.h"
 #include "leave/screens/frmConfiguring.h"
 #include "leave/screens/modLeaveProcess.h"
+#include "session/modOWBSetting.h"
 #include "support/payroll.h"
 #include "support/screens.h"
 

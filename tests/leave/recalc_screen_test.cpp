@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "data/modEmployeeViews.h"
 #include "leave/screens/frmLeaveRecalc.h"
+#include "session/modEmployeeViews.h"
 #include "support/payroll.h"
 #include "support/scripted.h"
 

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "data/Session.h"
+#include "session/Session.h"
 
 namespace owb::model {
 

@@ -17,8 +17,8 @@
 #include <fstream>
 #include <random>
 
-#include "data/modOWBSetting.h"
 #include "leave/ledger_company.h"
+#include "session/modOWBSetting.h"
 #include "support/disturbed.h"
 #include "support/driver_layer.h"
 

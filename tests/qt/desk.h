@@ -9,9 +9,9 @@
 #include <deque>
 #include <functional>
 
-#include "data/MemorySettingsStore.h"
 #include "qt/qt_front_end.h"
 #include "qt/screen_window.h"
+#include "session/MemorySettingsStore.h"
 
 namespace owb::test {
 

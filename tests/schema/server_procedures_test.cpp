@@ -1,9 +1,8 @@
 // Procedures, trigger and views, and their installation.
 #include <gtest/gtest.h>
 
-#include "data/modCommon.h"
-#include "data/modEmployeeViews.h"
 #include "schema/modSQLFunction.h"
+#include "session/modEmployeeViews.h"
 #include "support/company.h"
 
 namespace owb {

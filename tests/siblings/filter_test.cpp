@@ -3,8 +3,8 @@
 
 #include <sstream>
 
-#include "data/modEmployeeViews.h"
 #include "script/script_front_end.h"
+#include "session/modEmployeeViews.h"
 #include "siblings/frmFilter.h"
 #include "support/payroll.h"
 

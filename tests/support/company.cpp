@@ -2,9 +2,9 @@
 
 #include <filesystem>
 
-#include "data/modCommon.h"
 #include "db/embedded/embedded_driver.h"
 #include "db/recordset.h"
+#include "family/modCommon.h"
 #include "schema/modSQLFunction.h"
 
 namespace owb::test {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "data/MemorySettingsStore.h"
-#include "data/Session.h"
+#include "session/MemorySettingsStore.h"
+#include "session/Session.h"
 #include "support/temp_dir.h"
 
 namespace owb::test {

@@ -1,8 +1,8 @@
 #include "support/payroll.h"
 
-#include "data/modOWBSetting.h"
 #include "leave/modLeaveFunctions.h"
 #include "schema/modSQLFunction.h"
+#include "session/modOWBSetting.h"
 
 namespace owb::test {
 

@@ -9,9 +9,9 @@
 #include "app/ProcessLauncher.h"
 #include "app/SettingsShellTalk.h"
 #include "app/frmMain.h"
-#include "data/FileSettingsStore.h"
 #include "qt/qt_front_end.h"
 #include "script/script_front_end.h"
+#include "session/FileSettingsStore.h"
 
 namespace {
 

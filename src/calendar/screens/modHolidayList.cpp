@@ -1,7 +1,8 @@
 #include "calendar/screens/modHolidayList.h"
 
-#include "data/modCommon.h"
 #include "db/recordset.h"
+#include "family/modCommon.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -166,7 +167,7 @@ void modHolidayList::cmdNew_Click() {
 int32_t modHolidayList::monthOf(const DateTime& date) {
     const std::string day = FnStrIsoDate(date);
     return static_cast<int32_t>(
-        FnVarReadValue(session_, "SELECT DBO.FNLNGMONTHYEAR('" + day + "', '" + day + "')")
+        FnVarValueOrThrow(session_, "SELECT DBO.FNLNGMONTHYEAR('" + day + "', '" + day + "')")
             .toInt());
 }
 

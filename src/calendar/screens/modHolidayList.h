@@ -4,10 +4,10 @@
 // holiday that is edited in the view of a head or branch is taken from it and becomes its own.
 #pragma once
 
-#include "data/screens/SessionScreen.h"
 #include "exchange/screens/frmImport.h"
 #include "exchange/sheet_file.h"
 #include "screen/grid.h"
+#include "session/screens/SessionScreen.h"
 
 namespace owb {
 

@@ -2,10 +2,13 @@
 // audit.
 #include "base/utf8.h"
 #include "calendar/screens/modHolidayList.h"
-#include "data/modAuditTrail.h"
-#include "data/modCommon.h"
-#include "data/modOWBSetting.h"
 #include "db/recordset.h"
+#include "family/modCommon.h"
+#include "session/locks.h"
+#include "session/modAuditTrail.h"
+#include "session/modOWBSetting.h"
+#include "session/months.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -38,8 +41,8 @@ std::string modHolidayList::refusal(const Holiday& holiday, int32_t& lngMonthYea
     lngMonthYear = monthOf(holiday.date);
     if (FnBlnMonthRangeLocked(session_, lngMonthYear, lngMonthYear, true, 0)) return lockText();
     const auto count = [&](const std::string& condition) {
-        return FnVarReadValue(session_, "SELECT COUNT(HOLIDAYID) FROM ATT_HOLIDAY where " +
-                                            condition + "'" + day + "'")
+        return FnVarValueOrThrow(session_, "SELECT COUNT(HOLIDAYID) FROM ATT_HOLIDAY where " +
+                                               condition + "'" + day + "'")
             .toInt();
     };
     if (chkBranchWise.value) {
@@ -47,7 +50,7 @@ std::string modHolidayList::refusal(const Holiday& holiday, int32_t& lngMonthYea
             return "Future Holiday Date defined in Attendancewise.  Branchwise Holiday Can't "
                    "Define ";
     } else if (count("BRANCHID>0 and HOLIDAYDATE <= ") > 0) {
-        const Value start = FnVarReadValue(session_, " Select BRGHEFROM  From MAS_OPTSET");
+        const Value start = FnVarValueOrThrow(session_, " Select BRGHEFROM  From MAS_OPTSET");
         return "Branch wise Holiday Enabled from " +
                (start.isNull() ? "" : dateText(start.toDate(), "dd/mmm/yy")) +
                "  AttendanceWise Holiday Can't Define ";
@@ -55,22 +58,22 @@ std::string modHolidayList::refusal(const Holiday& holiday, int32_t& lngMonthYea
     if (holiday.id != 0) return "";
 
     const Value general =
-        FnVarReadValue(session_, "Select HOLIDAYID From ATT_HOLIDAY Where HOLIDAYDATE = '" + day +
-                                     "'" + kGeneralRow);
+        FnVarValueOrThrow(session_, "Select HOLIDAYID From ATT_HOLIDAY Where HOLIDAYDATE = '" +
+                                        day + "'" + kGeneralRow);
     const std::string scope = scopeColumn() + "= " + number(scopeId());
     if (!general.isNull()) {
         if (scopeId() == 0 || !hasException(general.toInt())) return kAlreadyAvailable;
     } else if (scopeId() != 0 &&
-               FnBlnReadRecordExists(
-                   session_, "Select HOLIDAYID From ATT_HOLIDAY Where HOLIDAYDATE = '" + day +
-                                 "' And " + scope)) {
+               FnBlnExistsOrThrow(session_,
+                                  "Select HOLIDAYID From ATT_HOLIDAY Where HOLIDAYDATE = '" + day +
+                                      "' And " + scope)) {
         return "Holiday defined in '" + scopeName() + "' category.";
     }
     return "";
 }
 
 bool modHolidayList::hasException(int64_t holidayId) {
-    return FnBlnReadRecordExists(
+    return FnBlnExistsOrThrow(
         session_, "SELECT HOLIDAYID FROM ATT_HOLEX Where HOLIDAYID = " + number(holidayId) +
                       " AND " + scopeColumn() + "= " + number(scopeId()));
 }
@@ -78,10 +81,10 @@ bool modHolidayList::hasException(int64_t holidayId) {
 // A company's holiday with an exception already is taken from no further branch.
 bool modHolidayList::keptInBranches(int64_t holidayId) {
     if (!chkBranchWise.value ||
-        !FnBlnReadRecordExists(session_,
-                               "SELECT HOLIDAYID FROM ATT_HOLEX WHERE (ATTHEADID > 0 OR BRANCHID > "
-                               "0) AND HOLIDAYID = " +
-                                   number(holidayId)))
+        !FnBlnExistsOrThrow(session_,
+                            "SELECT HOLIDAYID FROM ATT_HOLEX WHERE (ATTHEADID > 0 OR BRANCHID > "
+                            "0) AND HOLIDAYID = " +
+                                number(holidayId)))
         return false;
     inform("General Holiday Can't Delete in Branchwise");
     return true;
@@ -141,7 +144,7 @@ void modHolidayList::SaveHolidayRow(SaveBatch& batch, const Holiday& holiday) {
     }
     if (scopeId() != 0) {
         // A company's holiday that was taken from this scope comes back: no new row.
-        const Value general = FnVarReadValue(
+        const Value general = FnVarValueOrThrow(
             session_, "Select HOLIDAYID From ATT_HOLIDAY Where HOLIDAYDATE = '" + day +
                           "' And HOLIDAYDESC = '" +
                           session_.gSpChar.FnStrSpSQL(holiday.description) + "'" + kGeneralRow);
@@ -187,7 +190,7 @@ void modHolidayList::updateBranchStart(SaveBatch& batch) const {
 }
 
 void modHolidayList::showBranchStart() {
-    const Value start = FnVarReadValue(session_, " Select BRGHEFROM  From MAS_OPTSET");
+    const Value start = FnVarValueOrThrow(session_, " Select BRGHEFROM  From MAS_OPTSET");
     lblEffFrom.caption = start.isNull() ? "N/A" : dateText(start.toDate(), "dd/mmm/yyyy");
 }
 
@@ -219,9 +222,8 @@ void modHolidayList::cmdDelete_Click() {
     if (selected_.id == 0) return inform("Select record to delete.");
     const std::string id = number(selected_.id);
     const Value general =
-        FnVarReadValue(session_, "SELECT GENERALYN FROM ATT_HOLIDAY WHERE HOLIDAYID = " + id, 0);
-    if (!FnBlnReadRecordExists(session_,
-                               "SELECT HOLIDAYID FROM ATT_HOLIDAY WHERE HOLIDAYID = " + id))
+        FnVarValueOrThrow(session_, "SELECT GENERALYN FROM ATT_HOLIDAY WHERE HOLIDAYID = " + id, 0);
+    if (!FnBlnExistsOrThrow(session_, "SELECT HOLIDAYID FROM ATT_HOLIDAY WHERE HOLIDAYID = " + id))
         return inform("Holiday already deleted.");
     if (!stillAsShown(shown_, kHoliday, [this] { showAgain(); })) return;
     const int32_t lngMonthYear = monthOf(selected_.date);

@@ -4,11 +4,11 @@
 
 #include "base/utf8.h"
 #include "calendar/screens/modHolidayList.h"
-#include "data/modCommon.h"
-#include "data/modOWBSetting.h"
 #include "exchange/clsEXLFunc.h"
 #include "exchange/modExpToExcel.h"
 #include "exchange/screens/frmImport.h"
+#include "family/modCommon.h"
+#include "session/modOWBSetting.h"
 
 namespace owb {
 

@@ -1,16 +1,18 @@
 #include "calendar/screens/modHolidayWeekly.h"
 
-#include "data/modAuditTrail.h"
-#include "data/modCommon.h"
-#include "data/modOWBSetting.h"
 #include "db/recordset.h"
+#include "family/modCommon.h"
+#include "session/locks.h"
+#include "session/modAuditTrail.h"
+#include "session/modOWBSetting.h"
+#include "session/months.h"
+#include "session/queries.h"
 
 namespace owb {
 
 namespace {
 
 constexpr int32_t kMenuId = 1511;
-constexpr int32_t kForEver = 99999;  // month key beyond all
 constexpr const char* kRule = "The weekly holiday";
 constexpr const char* kFlags[] = {"FH1YN", "SH1YN", "FH2YN", "SH2YN", "FH3YN",
                                   "SH3YN", "FH4YN", "SH4YN", "FH5YN", "SH5YN"};
@@ -303,8 +305,8 @@ void modHolidayWeekly::cmdDelete_Click() {
     if (monthsLocked(rule.monthYear)) return;
     if (!ask("Do you want to delete selected record?")) return;
     const std::string month = number(rule.monthYear);
-    if (FnVarReadValue(session_,
-                       "Select Count(EMPID) From SLC_SALARYCALC_E Where MONTHYEAR >= " + month)
+    if (FnVarValueOrThrow(session_,
+                          "Select Count(EMPID) From SLC_SALARYCALC_E Where MONTHYEAR >= " + month)
                 .toInt() > 0 &&
         !ask("Salary will be re-calculated.  Do you want to continue?"))
         return;

@@ -3,10 +3,10 @@
 #include "base/number_text.h"
 #include "base/utf8.h"
 #include "config/screens/modAttHeadSet.h"
-#include "data/clsCtrlDep.h"
-#include "data/modAttSetting.h"
-#include "data/modCommon.h"
 #include "db/recordset.h"
+#include "session/clsCtrlDep.h"
+#include "session/modAttSetting.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -174,17 +174,17 @@ void modAttHead::show(const Head& head, bool isNew) {
     const std::string id = std::to_string(head.id);
     const bool allotted =
         !isNew &&
-        FnBlnReadRecordExists(session_,
-                              "SELECT ALLOTID FROM ATT_ALLOTMENT WHERE EMPID IN(SELECT EMPID "
-                              "FROM MAS_EMPLOYEEDET WHERE ATTHEADID = " +
-                                  id + ")");
+        FnBlnExistsOrThrow(session_,
+                           "SELECT ALLOTID FROM ATT_ALLOTMENT WHERE EMPID IN(SELECT EMPID "
+                           "FROM MAS_EMPLOYEEDET WHERE ATTHEADID = " +
+                               id + ")");
     for (OptionButton* option : optRegister.buttons()) option->enabled = !allotted;
     const int64_t employees =
         isNew ? 0
-              : FnVarReadValue(session_,
-                               "SELECT COUNT(ME.EMPID) FROM MAS_EMPLOYEE ME, MAS_EMPLOYEEDET MD "
-                               "WHERE ME.EMPID = MD.EMPID AND MD.ATTHEADID = " +
-                                   id)
+              : FnVarValueOrThrow(session_,
+                                  "SELECT COUNT(ME.EMPID) FROM MAS_EMPLOYEE ME, MAS_EMPLOYEEDET MD "
+                                  "WHERE ME.EMPID = MD.EMPID AND MD.ATTHEADID = " +
+                                      id)
                     .toInt();
     lblEmployees.caption = session_.gEmployeeCaption + " (s) : " + std::to_string(employees);
     cmdSetting.enabled = !isNew && (head.registerType == 2 || head.registerType == 3);
@@ -234,19 +234,19 @@ void modAttHead::refuseClearedOvertime(CheckBox& box, bool wasKept, int row, con
                                        const char* text) {
     if (box.value || isNew_ || !wasKept) return;
     const std::string id = std::to_string(selected_.id), salaryRow = std::to_string(row);
-    const bool paid = FnBlnReadRecordExists(
+    const bool paid = FnBlnExistsOrThrow(
         session_,
         "SELECT OT.SLNO FROM SLC_COMPCALCDET OT, SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET E WHERE "
         "OT.EMPID = SE.EMPID AND OT.MONTHYEAR = SE.MONTHYEAR AND OT.STRUCTID = E.STRUCTID AND "
         "SE.EMPDETID = E.EMPDETID AND SE.EMPID = E.EMPID AND OT.SALHEADROWID = " +
             salaryRow + " AND (OT.UNIT > 0 OR OT.RATE > 0 ) AND E.ATTHEADID = " + id);
     if (!paid) {
-        const bool inStructure = FnBlnReadRecordExists(
+        const bool inStructure = FnBlnExistsOrThrow(
             session_, "Select STRUCTID From SLC_SALSTRUCTDET Where SALHEADROWID = " + salaryRow +
                           " AND CALCTYPE <> 7");
-        if (!inStructure || FnBlnReadRecordExists(
-                                session_, "Select ATTHEADID From MAS_ATTHEAD Where ATTHEADID <> " +
-                                              id + " AND " + column + " = 1"))
+        if (!inStructure ||
+            FnBlnExistsOrThrow(session_, "Select ATTHEADID From MAS_ATTHEAD Where ATTHEADID <> " +
+                                             id + " AND " + column + " = 1"))
             return;
     }
     box.value = true;

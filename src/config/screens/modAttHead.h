@@ -5,8 +5,8 @@
 
 #include <array>
 
-#include "data/screens/SessionScreen.h"
 #include "screen/grid.h"
+#include "session/screens/SessionScreen.h"
 
 namespace owb {
 

@@ -1,10 +1,11 @@
 #include "config/screens/modAttHeadSet.h"
 
 #include "base/number_text.h"
-#include "data/modAttSetting.h"
-#include "data/modAuditTrail.h"
-#include "data/modCommon.h"
-#include "data/modOWBSetting.h"
+#include "session/locks.h"
+#include "session/modAttSetting.h"
+#include "session/modAuditTrail.h"
+#include "session/modOWBSetting.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -159,7 +160,7 @@ bool modAttHeadSet::bandsAccepted() {
 }
 
 bool modAttHeadSet::changeAccepted(SaveBatch& batch) {
-    if (!FnBlnReadRecordExists(
+    if (!FnBlnExistsOrThrow(
             session_,
             "Select SE.SALID From SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET ED  Where "
             "SE.EMPID = ED.EMPID AND SE.EMPDETID = ED.EMPDETID AND ED.ATTHEADID = " +

@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "data/screens/SessionScreen.h"
+#include "session/screens/SessionScreen.h"
 
 namespace owb {
 

@@ -1,10 +1,11 @@
 // Saving and deleting a head: the checks in their order, the row, and what it marks.
 #include "config/screens/modAttHead.h"
-#include "data/modAttSetting.h"
-#include "data/modAuditTrail.h"
-#include "data/modCommon.h"
-#include "data/modOWBSetting.h"
 #include "db/recordset.h"
+#include "session/locks.h"
+#include "session/modAttSetting.h"
+#include "session/modAuditTrail.h"
+#include "session/modOWBSetting.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -89,7 +90,7 @@ std::vector<modAttHead::Setting> modAttHead::settingsOf(const Head& before, cons
 }
 
 bool modAttHead::hasSalaryRows() const {
-    return FnBlnReadRecordExists(
+    return FnBlnExistsOrThrow(
         session_,
         "Select SE.SALID From SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET ED  Where SE.EMPID = ED.EMPID "
         "AND SE.EMPDETID = ED.EMPDETID AND ED.ATTHEADID = " +
@@ -181,7 +182,7 @@ void modAttHead::insert(SaveBatch& batch, const Head& head) {
 // From the payroll's first month on, as the master rows say.
 void modAttHead::makeLeaveSettings(SaveBatch& batch, const std::string& headId) {
     const auto month = static_cast<int32_t>(
-        FnVarReadValue(session_, "SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
+        FnVarValueOrThrow(session_, "SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
     Recordset rs(session_.gConn,
                  "SELECT LEVID FROM ATT_DEFINITION WHERE LEAVEYN = 1 AND ALLOTMENTYN = 1");
     for (; !rs.IsEOF(); rs.MoveNext()) {
@@ -209,14 +210,14 @@ std::string modAttHead::markHeadSql() const {
 void modAttHead::cmdDelete_Click() {
     if (denied(cmdDelete)) return;
     const char* onlyHead = "First Attedance detail is required, can't delete";
-    if (FnVarReadValue(session_, "SELECT COUNT(ATTHEADID) FROM MAS_ATTHEAD").toInt() == 1)
+    if (FnVarValueOrThrow(session_, "SELECT COUNT(ATTHEADID) FROM MAS_ATTHEAD").toInt() == 1)
         return inform(onlyHead);
     if (isNew_) return inform("Select Attendance Head to delete.");
     if (!stillAsShown(shown_, kHead, [this] { showAgain(); })) return;
     const std::string head = number(selected_.id);
     const std::string assigned = "Select * From MAS_EMPLOYEEDET Where ATTHEADID = " + head;
     const std::string isAssigned = session_.gEmployeeCaption + " assigned, cannot delete";
-    if (FnBlnReadRecordExists(session_, assigned)) return inform(isAssigned);
+    if (FnBlnExistsOrThrow(session_, assigned)) return inform(isAssigned);
     if (!ask("Do you want to delete ?")) return;
     SaveBatch batch;
     batch.requireShown(shown_, kHead)

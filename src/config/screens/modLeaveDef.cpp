@@ -1,10 +1,10 @@
 #include "config/screens/modLeaveDef.h"
 
 #include "base/utf8.h"
-#include "data/modAuditTrail.h"
-#include "data/modCommon.h"
-#include "data/modOWBSetting.h"
 #include "db/recordset.h"
+#include "session/modAuditTrail.h"
+#include "session/modOWBSetting.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -154,7 +154,7 @@ std::string modLeaveDef::encashedSql() const {
 void modLeaveDef::chkLeaveAllotment_Click() {
     if (chkLeaveAllotment.value || selected_.levId == 0) return;
     chkLeaveAllotment.value = true;  // until it is known that it may go
-    if (FnVarReadValue(session_, encashedSql()).toInt() == 0)
+    if (FnVarValueOrThrow(session_, encashedSql()).toInt() == 0)
         chkLeaveAllotment.value = false;
     else
         inform(kIsEncashed);
@@ -172,9 +172,9 @@ void modLeaveDef::cmdNew_Click() {
 // --- saving ---
 
 bool modLeaveDef::taken(const char* column, const std::string& text) const {
-    return FnBlnReadRecordExists(session_, std::string("SELECT LEVID FROM ATT_DEFINITION WHERE ") +
-                                               column + " = '" + session_.gSpChar.FnStrSpSQL(text) +
-                                               "' AND LEVID <> " + number(selected_.levId));
+    return FnBlnExistsOrThrow(session_, std::string("SELECT LEVID FROM ATT_DEFINITION WHERE ") +
+                                            column + " = '" + session_.gSpChar.FnStrSpSQL(text) +
+                                            "' AND LEVID <> " + number(selected_.levId));
 }
 
 void modLeaveDef::cmdSave_Click() {
@@ -210,7 +210,7 @@ bool modLeaveDef::changeOfSalaryAccepted(SaveBatch& batch, std::string& marks) {
     const char* locked =
         "Some of the Salary processed months are 'Locked'.\nUnlock such months to change 'Affects "
         "Salary' setting.";
-    if (FnVarReadValue(session_, lockedMonths).toInt() > 0) {
+    if (FnVarValueOrThrow(session_, lockedMonths).toInt() > 0) {
         inform(locked);
         return false;
     }
@@ -321,7 +321,7 @@ bool modLeaveDef::deletionAccepted(SaveBatch& batch) {
              " (s). Hence, Leave can not be deleted."}};
     batch.requireShown(shown_, kDefinition);
     for (const Use& use : uses) {
-        if (FnBlnReadRecordExists(session_, use.sql)) {
+        if (FnBlnExistsOrThrow(session_, use.sql)) {
             inform(use.text, use.title);
             return false;
         }

@@ -4,8 +4,8 @@
 // taken.
 #pragma once
 
-#include "data/screens/SessionScreen.h"
 #include "screen/grid.h"
+#include "session/screens/SessionScreen.h"
 
 namespace owb {
 

@@ -1,8 +1,9 @@
 #include "formula/screens/frmFormulacustom.h"
 
 #include "base/utf8.h"
-#include "data/modCommon.h"
+#include "db/recordset.h"
 #include "formula/VerifyCusQuery.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -101,7 +102,7 @@ void frmFormulacustom::cmdSave_Click() {
     const std::string taken = "SELECT FID from MAS_FORMULACUSTOM where FNAME=" + literal(name) +
                               " AND FID <> " + std::to_string(fid_);
     const char* isTaken = "Specified Name already exist";
-    if (FnBlnReadRecordExists(session_, taken)) return refuse(isTaken, txtFname);
+    if (FnBlnExistsOrThrow(session_, taken)) return refuse(isTaken, txtFname);
     if (trim(txtFquery.value).empty()) return refuse("Please Write the Query", txtFquery);
     if (!VerifyCusQuery(session_, frontEnd(), txtFquery.value)) return setFocus(txtFquery);
     SaveBatch batch;
@@ -145,7 +146,7 @@ void frmFormulacustom::cmdDelete_Click() {
     const std::string uses =
         "SELECT COUNT(*) FROM LEV_ALLOTCONFIG WHERE FID = " + std::to_string(fid_);
     const char* isUsed = "Query already assigned. Cannot be deleted.";
-    if (FnVarReadValue(session_, uses, 0).toInt() > 0) return inform(isUsed);
+    if (FnVarValueOrThrow(session_, uses, 0).toInt() > 0) return inform(isUsed);
     SaveBatch batch;
     batch.requireShown(shown_, kWhat)
         .refuseUnless("0 = (" + uses + ")", isUsed)

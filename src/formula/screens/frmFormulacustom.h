@@ -2,8 +2,8 @@
 // (MAS_FORMULACUSTOM, module 2). A new name follows into the formulas that use the query.
 #pragma once
 
-#include "data/screens/SessionScreen.h"
 #include "screen/grid.h"
+#include "session/screens/SessionScreen.h"
 
 namespace owb {
 

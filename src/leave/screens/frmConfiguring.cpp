@@ -1,7 +1,7 @@
 #include "leave/screens/frmConfiguring.h"
 
-#include "data/Session.h"
 #include "leave/ConfigurationPass.h"
+#include "session/Session.h"
 
 namespace owb {
 

@@ -1,11 +1,13 @@
 #include "leave/screens/frmLeaveRecalc.h"
 
-#include "data/modCommon.h"
-#include "data/modEmployeeViews.h"
-#include "data/modRights.h"
-#include "data/screens/modExternal.h"
 #include "db/recordset.h"
+#include "family/modCommon.h"
 #include "leave/screens/modLeaveProcess.h"
+#include "session/modEmployeeViews.h"
+#include "session/modRights.h"
+#include "session/months.h"
+#include "session/queries.h"
+#include "session/screens/modExternal.h"
 
 namespace owb {
 
@@ -169,7 +171,7 @@ void frmLeaveRecalc::cmdRecalculate_Click() {
     if (employees.empty())
         return refuse("Select atleast one " + session_.gEmployeeCaption, fpgEmployee);
     chooseInTable(employees);
-    if (FnVarReadValue(session_, "SELECT COUNT(ALLOTID)" + chosenRows()).toInt() == 0)
+    if (FnVarValueOrThrow(session_, "SELECT COUNT(ALLOTID)" + chosenRows()).toInt() == 0)
         return inform("No leaves to recalculate");
     session_.gConn.Execute("UPDATE lev_allotment SET EDITMODEYN=1" + chosenRows());
     modLeaveProcess process(session_, frontEnd());

@@ -3,8 +3,8 @@
 // in the months from - to.
 #pragma once
 
-#include "data/screens/SessionScreen.h"
 #include "screen/grid.h"
+#include "session/screens/SessionScreen.h"
 
 namespace owb {
 

@@ -1,9 +1,9 @@
 #include "leave/screens/modLeaveProcess.h"
 
 #include "base/db_error.h"
-#include "data/Session.h"
 #include "leave/RecalculationLock.h"
 #include "leave/modLeaveFunctions.h"
+#include "session/Session.h"
 
 namespace owb {
 

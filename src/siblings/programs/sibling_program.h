@@ -9,11 +9,11 @@
 #include <string>
 
 #include "app/ThisApp.h"
-#include "data/FileSettingsStore.h"
-#include "data/Session.h"
-#include "data/modEmployeeViews.h"
-#include "data/modOWBSetting.h"
 #include "qt/qt_front_end.h"
+#include "session/FileSettingsStore.h"
+#include "session/Session.h"
+#include "session/modEmployeeViews.h"
+#include "session/modOWBSetting.h"
 
 namespace owb {
 
