@@ -17,6 +17,7 @@
 #include "bench.h"
 #include "leave/modLeaveFunctions.h"
 #include "leave/screens/frmConfiguring.h"
+#include "marks/marks.h"
 #include "sample/sample.h"
 #include "schema/modSQLFunction.h"
 #include "session/modOWBSetting.h"

@@ -83,8 +83,10 @@ void recalculatePending(Session& session, FrontEnd& frontEnd) {
         kScreensOnFigures.end())
         return;
     std::string condition;
-    if (session.gOptSet.CLASSSECURITYN && session.gExtendedYN)
-        condition = FnStrClassSecurityFilter(session, 0, 0, "LEV.EMPID");
+    if (session.gExtendedYN) {
+        FillClassSecurity(session, 0, 0);
+        condition = FnStrClassSecurityFilter(session, "LEV.EMPID");
+    }
     int64_t marked = 0;
     for (const char* table : {"LEV_ALLOTMENT", "LEV_MONTHDET", "ATT_DAYTODAY"})
         marked += FnVarValueOrThrow(session,

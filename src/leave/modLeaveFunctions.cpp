@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <set>
 
 #include "attendance/clsOTDetCalc.h"
 #include "base/number_text.h"
@@ -13,6 +12,7 @@
 #include "leave/EmployeeBlocks.h"
 #include "leave/RecalculationLock.h"
 #include "leave/RowFailures.h"
+#include "marks/marks.h"
 #include "session/Session.h"
 #include "session/queries.h"
 
@@ -27,22 +27,6 @@ std::string text(int64_t number) {
 std::string rowKey(int64_t lngEmpId, int64_t lngEmpDetId, int32_t lngMonthYear) {
     return "EMPID = " + text(lngEmpId) + " And EMPDETID = " + text(lngEmpDetId) +
            " And MONTHYEAR = " + text(lngMonthYear);
-}
-
-// The list with leaves 2 and 3 brought in together, in ascending order.
-std::string leavesTogether(const std::string& strLevIds) {
-    std::set<int> ids;
-    for (size_t at = 0; at < strLevIds.size();) {
-        size_t end = strLevIds.find(',', at);
-        if (end == std::string::npos) end = strLevIds.size();
-        const std::string item = strLevIds.substr(at, end - at);
-        if (!item.empty()) ids.insert(static_cast<int>(textToNumber(item)));
-        at = end + 1;
-    }
-    if (ids.count(2) || ids.count(3)) ids.insert({2, 3});
-    std::string list;
-    for (const int id : ids) list += (list.empty() ? "" : ",") + text(id);
-    return list;
 }
 
 }  // namespace
@@ -67,50 +51,6 @@ clsOTDetCalc& FnOtDetCalc(Session& session) {
             UpdateMonthDays(session, hidden);
         });
     return *session.gOtDetCalc;
-}
-
-std::string MarkAllotmentDirtySql(int32_t intAttHeadId, int64_t lngEmpId) {
-    std::string sql = " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1";
-    if (intAttHeadId != 0) sql += " WHERE  ATTHEADID = " + text(intAttHeadId);
-    if (lngEmpId != 0)
-        sql += (intAttHeadId != 0 ? " AND EMPID = " : " WHERE EMPID = ") + text(lngEmpId);
-    return sql;
-}
-
-void MarkAllotmentDirty(Session& session, int32_t intAttHeadId, int64_t lngEmpId) {
-    session.gConn.Execute(MarkAllotmentDirtySql(intAttHeadId, lngEmpId));
-}
-
-std::string MarkAllotmentDirtyFromSql(Session&, DateTime dteFrom, int32_t intAttHeadId,
-                                      const std::string& strEmpIds, const std::string& strLevIds) {
-    const std::string date = FnStrIsoLiteral(dteFrom);
-    std::string sql =
-        " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE dbo.FnLngMonthYear(ALLOTFROM, ALLOTFROM) "
-        ">= dbo.FnLngMonthYear(" +
-        date + ", " + date + ")";
-    if (!strEmpIds.empty()) sql += " AND EMPID IN (" + strEmpIds + ")";
-    if (intAttHeadId != 0) sql += " AND ATTHEADID = " + text(intAttHeadId);
-    const std::string leaves = leavesTogether(strLevIds);
-    if (!leaves.empty()) sql += " AND LEVID IN (" + leaves + ")";
-    return sql;
-}
-
-void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHeadId,
-                            const std::string& strEmpIds, const std::string& strLevIds) {
-    session.gConn.Execute(
-        MarkAllotmentDirtyFromSql(session, dteFrom, intAttHeadId, strEmpIds, strLevIds));
-}
-
-std::string MarkSalaryDirtySql(int32_t lngMonthYear, bool blnOnlyThisMonth, int64_t lngEmpId) {
-    std::string sql = " UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1 WHERE MONTHYEAR " +
-                      std::string(blnOnlyThisMonth ? "= " : ">= ") + text(lngMonthYear);
-    if (lngEmpId != 0) sql += " AND EMPID = " + text(lngEmpId);
-    return sql + " UPDATE RMB_MASTER SET EDITMODEYN =1";
-}
-
-void MarkSalaryDirty(Session& session, int32_t lngMonthYear, bool blnOnlyThisMonth,
-                     int64_t lngEmpId) {
-    session.gConn.Execute(MarkSalaryDirtySql(lngMonthYear, blnOnlyThisMonth, lngEmpId));
 }
 
 namespace {

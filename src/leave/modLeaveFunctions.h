@@ -47,25 +47,6 @@ std::string FnStrOfEmpFilter(const Session& session, const std::string& column);
 // The session's shared overtime calculator, made on first use.
 clsOTDetCalc& FnOtDetCalc(Session& session);
 
-// --- marks (modLeaveFunctions.cpp) ---
-
-// Ledger rows of a head, of an employee, or of both; 0 stands for any.
-void MarkAllotmentDirty(Session& session, int32_t intAttHeadId, int64_t lngEmpId);
-// Ledger rows from the month of a date on. Lists are numbers separated by commas, "" all; leaves 2
-// and 3 are one for this: either brings in the other.
-void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHeadId,
-                            const std::string& strEmpIds, const std::string& strLevIds);
-// Salary rows of a month, or from the month on, for one employee (0 all), and the reimbursements:
-// the hand-over to the salary program, which clears these marks.
-void MarkSalaryDirty(Session& session, int32_t lngMonthYear, bool blnOnlyThisMonth,
-                     int64_t lngEmpId);
-// The same marks as text, for a save that runs as one batch: one or more statements, each of which
-// begins with a blank.
-std::string MarkAllotmentDirtySql(int32_t intAttHeadId, int64_t lngEmpId);
-std::string MarkAllotmentDirtyFromSql(Session& session, DateTime dteFrom, int32_t intAttHeadId,
-                                      const std::string& strEmpIds, const std::string& strLevIds);
-std::string MarkSalaryDirtySql(int32_t lngMonthYear, bool blnOnlyThisMonth, int64_t lngEmpId);
-
 // --- month days (modLeaveFunctions.cpp) ---
 
 // Recomputes the marked LEV_MONTHDET rows: overtime of the register row, NODCALC, NOD, NDP, OT1,

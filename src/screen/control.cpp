@@ -50,6 +50,9 @@ void Control::leave() {
     run(onLeave);
 }
 
+CloseCommand::CloseCommand(Screen& screen)
+    : Command(screen, "cmdClose", "Cl&ose", [&screen] { screen.close(); }) {}
+
 std::string ProgressBar::text() const {
     return maximum == 0 ? "" : std::to_string(value) + " / " + std::to_string(maximum);
 }

@@ -65,7 +65,23 @@ class Label : public Control {
 
 class Command : public Control {
   public:
-    using Control::Control;
+    // What a command does decides what is asked before its handler runs: whoever writes needs the
+    // right to.
+    enum Kind { Reading, Writing };
+    Command(Screen& screen, std::string name, std::string caption, Kind kind = Reading,
+            std::function<void()> handler = {})
+        : Control(screen, std::move(name), std::move(caption)) {
+        writes = kind == Writing;
+        onClick = std::move(handler);
+    }
+    Command(Screen& screen, std::string name, std::string caption, std::function<void()> handler)
+        : Command(screen, std::move(name), std::move(caption), Reading, std::move(handler)) {}
+};
+
+// "Close": ends the screen.
+class CloseCommand : public Command {
+  public:
+    explicit CloseCommand(Screen& screen);
 };
 
 // How far a pass has come; maximum 0 means that the number is not known.

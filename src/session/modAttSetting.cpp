@@ -146,13 +146,18 @@ int32_t FnIntOptionHead(Session& session, int32_t intAttHeadId) {
     return common ? 0 : intAttHeadId;
 }
 
+AttOptionsRecord FnReadAttOptions(Session& session, int32_t intAttHeadId) {
+    AttOptionsRecord options;
+    Recordset rs(session.gConn,
+                 "SELECT * FROM ATT_OPTSETTINGS WHERE ATTHEADID=" + std::to_string(intAttHeadId));
+    if (rs.IsEOF()) return options;
+    readFlags(rs, options, kOptionFlags);
+    options.DEFVAL = numberField(rs, "DEFVAL", options.DEFVAL);
+    return options;
+}
+
 void LoadAttOptions(Session& session, int32_t intAttHeadId) {
-    session.gOpt = AttOptionsRecord{};
-    Recordset rs(session.gConn, "SELECT * FROM ATT_OPTSETTINGS WHERE ATTHEADID=" +
-                                    std::to_string(FnIntOptionHead(session, intAttHeadId)));
-    if (rs.IsEOF()) return;
-    readFlags(rs, session.gOpt, kOptionFlags);
-    session.gOpt.DEFVAL = numberField(rs, "DEFVAL", session.gOpt.DEFVAL);
+    session.gOpt = FnReadAttOptions(session, FnIntOptionHead(session, intAttHeadId));
 }
 
 LeaveSettingsRecord FnReadLeaveSettings(Session& session, int32_t intLevId, int32_t intAttHeadId,

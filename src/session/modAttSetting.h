@@ -19,6 +19,8 @@ int32_t FnIntOptionHead(Session& session, int32_t intAttHeadId);
 // ATT_OPTSETTINGS into gOpt: the row that counts for the head (FnIntOptionHead); 0 loads the
 // common row.
 void LoadAttOptions(Session& session, int32_t intAttHeadId);
+// The head's own row, whatever COMMONYN says; defaults stand where there is none. Throws DbError.
+AttOptionsRecord FnReadAttOptions(Session& session, int32_t intAttHeadId);
 // LEV_SETTINGS into gLev: the version of (leave, head) with the greatest MONTHYEAR not after the
 // month; month 0 is the last payroll month. Defaults stand when there is none.
 void LoadLeaveSettings(Session& session, int32_t intLevId, int32_t intAttHeadId,

@@ -2,8 +2,20 @@
 
 #include "session/Session.h"
 #include "session/lenient_queries.h"
+#include "session/queries.h"
 
 namespace owb {
+
+bool FnBlnAuditTrailOn(Session& session) {
+    try {
+        if (session.gAuditTrailOn < 0)
+            session.gAuditTrailOn = FnBlnExistsOrThrow(
+                session, "SELECT * FROM MAS_OPTSETFEATURE WHERE AUDITTRAILYN = 1");
+    } catch (const DbError&) {
+        return false;
+    }
+    return session.gAuditTrailOn == 1;
+}
 
 void UpdateAuditTrail(Session& session, int32_t module, int64_t lngEmpId, const std::string& action,
                       const std::string& detail, const std::string& extra) {
@@ -18,6 +30,24 @@ void UpdateAuditTrail(Session& session, int32_t module, int64_t lngEmpId, const 
                      std::to_string(module) + ", " + std::to_string(lngEmpId) + ", " +
                      quoted(action) + ", " + quoted(detail) + ", " + quoted(extra) + " , " +
                      quoted(windowsUser));
+}
+
+AuditText& AuditText::add(const std::string& text) {
+    text_ += text;
+    return *this;
+}
+
+AuditText& AuditText::value(const std::string& label, const std::string& value) {
+    return add(mark_ + label + " = " + value);
+}
+
+AuditText& AuditText::change(const std::string& label, const std::string& before,
+                             const std::string& now) {
+    return before == now ? *this : add(mark_ + label + " Changed from " + before + " to " + now);
+}
+
+std::string FnStrYesNo(bool value) {
+    return value ? "Yes" : "No";
 }
 
 }  // namespace owb

@@ -1,5 +1,4 @@
-// One line of the audit trail, written by the family's procedure. Callers ask FnBlnAuditTrailOn
-// first. Details are ":Label = value" pieces; a change reads ":Label Changed from <old> to <new>".
+// The audit trail: one line for each change, written by the family's procedure.
 #pragma once
 
 #include <cstdint>
@@ -11,8 +10,36 @@ struct Session;
 
 constexpr int32_t kAuditModule = 3;  // this program, among the family's
 
-// Errors are ignored: no save fails for the trail's sake. `lngEmpId` 0: no one employee.
+// Is the audit trail kept? Asked once for each session; while it cannot be asked there is none.
+bool FnBlnAuditTrailOn(Session& session);
+// Errors are ignored: no save fails for the trail's sake. `lngEmpId` 0: no one employee. Callers
+// ask FnBlnAuditTrailOn first.
 void UpdateAuditTrail(Session& session, int32_t module, int64_t lngEmpId, const std::string& action,
                       const std::string& detail, const std::string& extra = "");
+
+// A line as a save hands it over; it is written once the save is done (SaveBatch::audit).
+struct AuditLine {
+    std::string action, detail, extra = "";
+    int64_t empId = 0;
+};
+
+// The detail of a line, piece by piece. Each label begins with `mark`.
+class AuditText {
+  public:
+    explicit AuditText(std::string begin = "", std::string mark = ":")
+        : text_(std::move(begin)), mark_(std::move(mark)) {}
+
+    AuditText& add(const std::string& text);
+    AuditText& value(const std::string& label, const std::string& value);  // ":Label = value"
+    // ":Label Changed from <before> to <now>", where they differ.
+    AuditText& change(const std::string& label, const std::string& before, const std::string& now);
+    const std::string& text() const { return text_; }
+
+  private:
+    std::string text_, mark_;
+};
+
+// "Yes" or "No".
+std::string FnStrYesNo(bool value);
 
 }  // namespace owb

@@ -235,15 +235,4 @@ EmployeeDates LoadEmployeeDates(Session& session, int64_t lngEmpId) {
             date("CONFIRMATIONDATE")};
 }
 
-bool FnBlnAuditTrailOn(Session& session) {
-    try {
-        if (session.gAuditTrailOn < 0)
-            session.gAuditTrailOn = FnBlnExistsOrThrow(
-                session, "SELECT * FROM MAS_OPTSETFEATURE WHERE AUDITTRAILYN = 1");
-    } catch (const DbError&) {
-        return false;
-    }
-    return session.gAuditTrailOn == 1;
-}
-
 }  // namespace owb

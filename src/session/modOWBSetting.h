@@ -32,7 +32,4 @@ struct EmployeeDates {
 };
 EmployeeDates LoadEmployeeDates(Session& session, int64_t lngEmpId);
 
-// Is the audit trail kept? Asked once for each session; while it cannot be asked there is none.
-bool FnBlnAuditTrailOn(Session& session);
-
 }  // namespace owb

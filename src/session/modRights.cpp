@@ -1,6 +1,7 @@
 #include "session/modRights.h"
 
 #include "base/utf8.h"
+#include "db/sql_text.h"
 #include "session/Session.h"
 #include "session/queries.h"
 
@@ -40,15 +41,29 @@ bool FnBlnCommandDenied(Session& session, const std::string& tag) {
     return true;
 }
 
-std::string FnStrClassSecurityFilter(Session& session, int32_t mode, int32_t lngMonthYear,
-                                     const std::string& employeeColumn) {
+void FillClassSecurity(Session& session, int32_t mode, int32_t lngMonthYear) {
+    if (!session.gOptSet.CLASSSECURITYN) return;
+    Sql sql;
+    sql << (session.gExtendedYN ? "dbo.ClassSecurityCloud " : "dbo.ClassSecurity ") << mode << ","
+        << lngMonthYear << ",0";
+    if (session.gExtendedYN) sql << "," << literal(session.gWinUserId);
+    session.gConn.Execute(sql);
+}
+
+std::string FnStrClassSecurityFilter(const Session& session, const std::string& employeeColumn) {
     if (!session.gOptSet.CLASSSECURITYN) return "";
-    const std::string arguments = std::to_string(mode) + "," + std::to_string(lngMonthYear) + ",0";
-    session.gConn.Execute(session.gExtendedYN
-                              ? "dbo.ClassSecurityCloud " + arguments + ",'" +
-                                    session.gSpChar.FnStrSpSQL(session.gWinUserId) + "'"
-                              : "dbo.ClassSecurity " + arguments);
     return " AND " + employeeColumn + "  IN (SELECT EMPID FROM [TMP" + session.gHostPrefix + "])";
+}
+
+std::string FnStrClassSecurityVersionFilter(const Session& session,
+                                            const std::string& employeeColumn,
+                                            const std::string& versionColumn) {
+    if (!session.gOptSet.CLASSSECURITYN) return "";
+    const auto pair = [](const std::string& employee, const std::string& version) {
+        return "CAST(" + employee + " AS VARCHAR(10)) + '-' + CAST(" + version + " AS VARCHAR(10))";
+    };
+    return " AND " + pair(employeeColumn, versionColumn) + " IN (SELECT " +
+           pair("EMPID", "EMPDETID") + " FROM [TMP" + session.gHostPrefix + "])";
 }
 
 }  // namespace owb

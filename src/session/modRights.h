@@ -23,10 +23,15 @@ void ApplyScreenRights(Session& session, int32_t formId, std::vector<CommandRigh
 // before any handler that writes (SessionScreen::mayWrite).
 bool FnBlnCommandDenied(Session& session, const std::string& tag);
 
-// Fills [TMP<prefix>] with the employees that the user may see, while class security is on, and
-// gives the condition that limits a query to them; "" while it is off. `mode` and `lngMonthYear`
-// go to the family's procedure as they are.
-std::string FnStrClassSecurityFilter(Session& session, int32_t mode, int32_t lngMonthYear,
+// Class-wise security: while it is on, a user sees some employees alone. FillClassSecurity puts
+// them into [TMP<prefix>] by the family's procedure, which takes `mode` and `lngMonthYear` as they
+// are; the filters limit a query to them, " AND ...", "" while it is off. Throws DbError.
+void FillClassSecurity(Session& session, int32_t mode, int32_t lngMonthYear);
+std::string FnStrClassSecurityFilter(const Session& session,
                                      const std::string& employeeColumn = "ME.EMPID");
+// By employee and version, for registers: some versions of an employee may be hidden.
+std::string FnStrClassSecurityVersionFilter(const Session& session,
+                                            const std::string& employeeColumn,
+                                            const std::string& versionColumn);
 
 }  // namespace owb

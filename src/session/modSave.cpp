@@ -4,6 +4,7 @@
 
 #include "base/utf8.h"
 #include "session/Session.h"
+#include "session/locks.h"
 
 #include "db/recordset.h"
 #include "db/sql_text.h"
@@ -32,6 +33,11 @@ RowText& RowText::setSql(const std::string& column, const std::string& expressio
     return *this;
 }
 
+RowText& RowText::join(const RowText& further) {
+    cells_.insert(cells_.end(), further.cells_.begin(), further.cells_.end());
+    return *this;
+}
+
 std::string RowText::list(const char* between, bool asCondition) const {
     std::string out;
     for (const auto& [column, expression] : cells_)
@@ -55,7 +61,7 @@ std::string RowText::update(const std::string& table, const std::string& where) 
 
 std::string RowText::updateOrInsert(const std::string& table, const RowText& key) const {
     RowText row = key;
-    row.cells_.insert(row.cells_.end(), cells_.begin(), cells_.end());
+    row.join(*this);
     return update(table, key.condition()) + " IF @@ROWCOUNT = 0" + row.insertInto(table);
 }
 
@@ -106,6 +112,15 @@ SaveBatch& SaveBatch::refuseUnless(const std::string& condition, const std::stri
                "; END");
 }
 
+SaveBatch& SaveBatch::requireOpen(const Lock& lock) {
+    return refuseUnless(lock.open(), lock.text);
+}
+
+SaveBatch& SaveBatch::audit(AuditLine line) {
+    auditLines_.push_back(std::move(line));
+    return *this;
+}
+
 SaveBatch& SaveBatch::requireShown(const ShownRow& row, const std::string& what) {
     return refuseUnless(row.stands(), FnStrChangedMeanwhile(what));
 }
@@ -124,6 +139,9 @@ void SaveBatch::run(Session& session) const {
         if (e.number != kRefused) throw;
         throw SaveRefused(refusals_.at(static_cast<size_t>(e.state) - 1));
     }
+    if (auditLines_.empty() || !FnBlnAuditTrailOn(session)) return;
+    for (const AuditLine& line : auditLines_)
+        UpdateAuditTrail(session, kAuditModule, line.empId, line.action, line.detail, line.extra);
 }
 
 std::string FnStrChangedMeanwhile(const std::string& what) {

@@ -1,6 +1,7 @@
 // How screens write: one save or deletion is one batch that the database does whole or not at all.
 // It holds, in this order, what must still be true when it runs, the rows, and the marks that the
-// rows bring. The audit line is no part of it: it follows as a statement of its own.
+// rows bring (marks/marks.h). Its audit line follows as a statement of its own once the batch is
+// done, since no save fails for the trail's sake.
 #pragma once
 
 #include <stdexcept>
@@ -9,9 +10,11 @@
 #include <vector>
 
 #include "base/value.h"
+#include "session/modAuditTrail.h"
 
 namespace owb {
 
+struct Lock;
 struct Session;
 
 // Columns of one row with what is written into them. Every statement begins with a blank.
@@ -20,6 +23,8 @@ class RowText {
     RowText& set(const std::string& column, const Value& value);
     // T-SQL instead of a value: a variable, a sub-query.
     RowText& setSql(const std::string& column, const std::string& expression);
+
+    RowText& join(const RowText& further);  // its columns behind these
 
     std::string insertInto(const std::string& table) const;
     std::string update(const std::string& table, const std::string& where) const;
@@ -68,6 +73,8 @@ class SaveBatch {
     SaveBatch& add(const std::string& statements);
     // When the condition does not hold at this place of the batch, nothing of it is done.
     SaveBatch& refuseUnless(const std::string& condition, const std::string& text);
+    // The lock does not hold.
+    SaveBatch& requireOpen(const Lock& lock);
     // The shown row is as it was; `what` begins the text: "<what> has been changed by another user
     // meanwhile.".
     SaveBatch& requireShown(const ShownRow& row, const std::string& what);
@@ -75,12 +82,16 @@ class SaveBatch {
     // batch has ended.
     std::string newKey(const std::string& table, const std::string& column);
 
+    // The line of the trail for the save, where the trail is kept.
+    SaveBatch& audit(AuditLine line);
+
     // Throws SaveRefused, or DbError; in both cases nothing is done.
     void run(Session& session) const;
 
   private:
     std::string sql_;
     std::vector<std::string> refusals_;
+    std::vector<AuditLine> auditLines_;
     int keys_ = 0;
 };
 

@@ -40,7 +40,7 @@ Layout frmFilter::layout() {
                         item(cmdApply), item(cmdClose)})});
 }
 
-void frmFilter::onLoad() {
+void frmFilter::load() {
     fpgEmployee.setColumns(
         {{.caption = "Show", .width = 6, .type = CellType::Check, .locked = false},
          {.caption = session_.gOptSet.EMPIDCAP, .width = 8, .align = Align::Right},

@@ -33,7 +33,7 @@ class frmFilter final : public SessionScreen {
     void cmdApply_Click();
 
   private:
-    void onLoad() override;
+    void load() override;
     Layout layout() override;
     void fillCombos();
 };

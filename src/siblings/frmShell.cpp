@@ -70,7 +70,7 @@ Layout frmShell::layout() {
                    row({space(), item(cmdOpen), item(cmdClose)})});
 }
 
-void frmShell::onLoad() {
+void frmShell::load() {
     session_.settings.SaveSetting("ExeTalk", "Orvane WagebookStatusHWND", listener_.path());
     lblCompany.caption = FnVarGetValue(session_, "SELECT CMPNAME FROM MAS_COMPANY").toText();
     lstHead.add("All", 0);

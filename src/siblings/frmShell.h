@@ -31,7 +31,7 @@ class frmShell final : public SessionScreen {
     void cmdOpen_Click();
 
   private:
-    void onLoad() override;
+    void load() override;
     void onTimer() override;
     void onUnload() override;
     Layout layout() override;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "leave/modLeaveFunctions.h"
+#include "marks/marks.h"
 #include "support/payroll.h"
 
 namespace owb {

@@ -18,6 +18,7 @@
 #include <random>
 
 #include "leave/ledger_company.h"
+#include "marks/marks.h"
 #include "session/modOWBSetting.h"
 #include "support/disturbed.h"
 #include "support/driver_layer.h"

@@ -19,7 +19,7 @@ class Sample final : public Screen {
     }
     Label lblText{*this, "lblText", "Text"};
     Command cmdFail{*this, "cmdFail", "&Fail"};
-    Command cmdIdle{*this, "cmdIdle"};
+    Command cmdIdle{*this, "cmdIdle", ""};
 
     std::string life;
     bool loadFails = false;

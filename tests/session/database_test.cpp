@@ -357,7 +357,8 @@ TEST_F(Database, RightsOfUsers) {
 
 TEST_F(Database, ClassSecurityLimitsToTheUsersBranches) {
     SetHostNames(session);
-    EXPECT_EQ(FnStrClassSecurityFilter(session, 1, 24290), "");
+    FillClassSecurity(session, 1, 24290);
+    EXPECT_EQ(FnStrClassSecurityFilter(session), "");
     company.run("INSERT INTO MAS_EMPLOYEE (EMPID) VALUES (1), (2)");
     company.run(
         "INSERT INTO MAS_EMPLOYEEDET (EMPID, EMPDETID, BRANCHID) VALUES (1, 1, 8), (2, 1, 9)");
@@ -366,9 +367,15 @@ TEST_F(Database, ClassSecurityLimitsToTheUsersBranches) {
         "HOST_NAME())");
     session.gOptSet.CLASSSECURITYN = true;
     auto visible = [&] {
-        const std::string condition = FnStrClassSecurityFilter(session, 1, 24290);
-        return company.rows("SELECT EMPID FROM MAS_EMPLOYEE ME WHERE 1 = 1" + condition +
-                            " ORDER BY EMPID");
+        FillClassSecurity(session, 1, 24290);
+        const std::string employees =
+            company.rows("SELECT EMPID FROM MAS_EMPLOYEE ME WHERE 1 = 1" +
+                         FnStrClassSecurityFilter(session) + " ORDER BY EMPID");
+        EXPECT_EQ(company.rows("SELECT EMPID FROM MAS_EMPLOYEEDET MD WHERE 1 = 1" +
+                               FnStrClassSecurityVersionFilter(session, "EMPID", "EMPDETID") +
+                               " ORDER BY EMPID"),
+                  employees);
+        return employees;
     };
     EXPECT_EQ(visible(), "1 2");
     company.run("INSERT INTO SEC_USERCLASS (USERID, BRANCHID) VALUES (2, 9)");

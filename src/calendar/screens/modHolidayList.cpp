@@ -1,180 +1,161 @@
 #include "calendar/screens/modHolidayList.h"
 
-#include "db/recordset.h"
+#include <set>
+
+#include "base/utf8.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "session/queries.h"
+#include "session/screens/fill_grid.h"
+#include "session/screens/sheets.h"
 
 namespace owb {
 
 namespace {
 
 constexpr int32_t kMenuId = 1512;
-
-enum Column : size_t { kId, kHeadId, kBranchId, kDate, kDescription, kType };
-
-std::string number(int64_t value) {
-    return std::to_string(value);
-}
+constexpr size_t kLongestDescription = 100;
 
 }  // namespace
 
 modHolidayList::modHolidayList(Session& session, FrontEnd& frontEnd)
-    : SessionScreen(session, frontEnd, "modHolidayList", "Holiday List") {
+    : RowScreen(session, frontEnd,
+                {"modHolidayList", "Holiday List", kMenuId, "fpgHDetail", "&New"}, holiday_) {
+    holiday_.date("HOLIDAYDATE", txtHDate, "Holiday Date");
+    holiday_.text("HOLIDAYDESC", txtHDesc, "Description");
+    holiday_.check("HOLIDAYTYPE", chkNH, "National Holiday Applicability").addedLabel =
+        "National Holiday";
+    // Shown with the row, so that a save finds out when they change; not edited.
+    holiday_.keep("ATTHEADID");
+    holiday_.keep("BRANCHID");
     chkBranchWise.toolTip = "Holiday List Can be Define Branchwise";
-    for (TextBox* box : {&txtHDate, &txtFilterFrom, &txtFilterTo}) {
-        box->toolTip = "dd/mm/yyyy,Press F2 or Double click";
-        box->filter = [this](int key, const std::string&) {
-            return session_.gGenCmn.FnIntAllowDateOnlyWithAlpha(key);
-        };
-        box->onLeave = [box] { box->value = FnStrCleanDateCentury(box->value); };
-        pickDates(*box);
-    }
     txtHDesc.maxLength = kLongestDescription;
+    lblImport.writes = true;
     lblExport.toolTip = "Right Click For Export To Excel";
     cmbHFilter.toolTip = "Holiday Type";
     cmbHFilter.editable = false;
     cmbHFilter.add("All", -1);
     cmbHFilter.add("General", 0);
     cmbHFilter.add("National", 1);
-    fpgHDetail.setColumns({{.caption = "HID", .hidden = true},
-                           {.caption = "Att.Head ID", .hidden = true},
-                           {.caption = "BranchID", .hidden = true},
-                           {.caption = "Date", .width = 12, .type = CellType::Date},
-                           {.caption = "Description", .width = 40},
-                           {.caption = "Type", .width = 12}});
-    fpgHDetail.singleRows = true;
+    list.setColumns({{.caption = "HID", .hidden = true},
+                     {.caption = "Att.Head ID", .hidden = true},
+                     {.caption = "BranchID", .hidden = true},
+                     {.caption = "Date", .width = 12, .type = CellType::Date},
+                     {.caption = "Description", .width = 40},
+                     {.caption = "Type", .width = 12}});
 
-    chkBranchWise.onClick = [this] { chkBranchWise_Click(); };
-    cmbAttHead.onChange = [this] { cmbAttHead_Click(); };
-    cmbHFilter.onChange = txtFilterFrom.onChange =
-        txtFilterTo.onChange = [this] { filter_Change(); };
-    fpgHDetail.onCurrentChange = [this](size_t row, size_t) { fpgHDetail_Click(row); };
+    chkBranchWise.onClick = [this] { scopesChanged(); };
+    cmbAttHead.onChange = [this] { showAgain(); };
+    cmbHFilter.onChange = txtFilterFrom.onChange = txtFilterTo.onChange = [this] { reloadList(); };
     lblImport.onClick = [this] { lblImport_Click(); };
-    lblExport.onClick = [this] { lblExport_Click(); };
-    cmdNew.onClick = [this] { cmdNew_Click(); };
-    cmdSave.onClick = [this] { cmdSave_Click(); };
-    cmdDelete.onClick = [this] { cmdDelete_Click(); };
-    cmdClose.onClick = [this] { close(); };
+    lblExport.onClick = [this] { ExportGrid(*this, list); };
 }
 
 Layout modHolidayList::layout() {
+    std::vector<Layout> commands = commandItems();
+    commands.insert(commands.begin(), {item(lblImport), item(lblExport), space()});
     return column({row({item(chkBranchWise), item(lblAttHead), item(cmbAttHead, 1),
                         item("Branch wise Eff.From :", lblEffFrom)}),
                    group("Filter", {row({item("Holiday Type", cmbHFilter),
                                          item("From", txtFilterFrom), item("To", txtFilterTo)})}),
-                   item(fpgHDetail, 1),
+                   item(list, 1),
                    form({item("Date", txtHDate), item("Description", txtHDesc), item("", chkNH)}),
-                   row({item(lblImport), item(lblExport), space(), item(cmdNew), item(cmdSave),
-                        item(cmdDelete), item(cmdClose)})});
+                   row(std::move(commands))});
 }
 
-void modHolidayList::onLoad() {
-    applyRights({&cmdSave, &cmdDelete}, kMenuId);
-    lblImport.enabled = !session_.gReadOnly;
+void modHolidayList::load() {
     cmbHFilter.select(0);
-    loadScopes();
-    showBranchStart();
-    LoadList();
+    cmbAttHead.load(ScopeCombo::Of::Heads, session_.gAttHeadId);
+    showAgain();
 }
 
-// The heads, or the branches, below the whole company.
-void modHolidayList::loadScopes() {
+void modHolidayList::scopesChanged() {
     const bool branches = chkBranchWise.value;
     lblAttHead.caption = branches ? "Branch" : "Attendance Head";
-    cmbAttHead.clear();
-    cmbAttHead.add("ALL", 0);
-    Recordset rs(session_.gConn,
-                 branches ? "SELECT BRANCHID, BRANCHNAME FROM MAS_BRANCH ORDER BY BRANCHNAME"
-                          : "SELECT ATTHEADID, ATTHEADNAME FROM MAS_ATTHEAD ORDER BY ATTHEADID");
-    for (; !rs.IsEOF(); rs.MoveNext()) cmbAttHead.add(rs.Fields(1).toText(), rs.Fields(0).toInt());
-    if (branches || !cmbAttHead.selectKey(session_.gAttHeadId)) cmbAttHead.select(0);
+    cmbAttHead.load(branches ? ScopeCombo::Of::Branches : ScopeCombo::Of::Heads,
+                    branches ? 0 : session_.gAttHeadId);
+    showAgain();
 }
 
-// The row that is being edited stays the current one.
-void modHolidayList::LoadList() {
-    std::string limits;
-    if (const auto from = parseTypedDate(txtFilterFrom.value))
-        limits += " And HOLIDAYDATE >= " + FnStrIsoLiteral(*from);
-    if (const auto to = parseTypedDate(txtFilterTo.value))
-        limits += " And HOLIDAYDATE <= " + FnStrIsoLiteral(*to);
-    if (cmbHFilter.key() >= 0) limits += " And ISNULL(HOLIDAYTYPE,0) = " + number(cmbHFilter.key());
-    const std::string columns =
-        "Select HOLIDAYID, HOLIDAYDATE, HOLIDAYDESC, HOLIDAYTYPE, ATTHEADID ,BRANCHID  From "
-        "ATT_HOLIDAY Where ";
-    std::string sql = columns + "ISNULL(ATTHEADID,0) = 0 AND ISNULL(BRANCHID,0) = 0" + limits;
-    if (scopeId() != 0)
-        sql += " UNION " + columns + scopeColumn() + "= " + number(scopeId()) + limits;
-    Recordset rs(session_.gConn, sql + " Order By HOLIDAYDATE DESC");
-    fpgHDetail.setRowCount(0);
-    for (; !rs.IsEOF(); rs.MoveNext()) {
-        if (scopeId() != 0 && hasException(rs.Fields("HOLIDAYID").toInt())) continue;
-        const size_t row =
-            fpgHDetail.addRow({rs.Fields("HOLIDAYID").toText(), rs.Fields("ATTHEADID").toText(),
-                               rs.Fields("BRANCHID").toText(),
-                               dateText(rs.Fields("HOLIDAYDATE").toDate(), "dd/mm/yyyy"),
-                               rs.Fields("HOLIDAYDESC").toText(),
-                               rs.Fields("HOLIDAYTYPE").toBool() ? "National" : "General"});
-        if (selected_.id != 0 && rs.Fields("HOLIDAYID").toInt() == selected_.id)
-            fpgHDetail.setCurrent(static_cast<int>(row), kDate);
-    }
-}
-
+// BRGHEFROM is the first date of a holiday of a branch.
 void modHolidayList::showAgain() {
-    cmdNew_Click();
-    LoadList();
-    showBranchStart();
+    RowScreen::showAgain();
+    const Value start = FnVarValueOrThrow(session_, " Select BRGHEFROM  From MAS_OPTSET");
+    lblEffFrom.caption = start.isNull() ? "N/A" : dateText(start.toDate(), "dd/mmm/yyyy");
 }
 
-void modHolidayList::chkBranchWise_Click() {
-    loadScopes();
-    showAgain();
+HolidayScope modHolidayList::scope() const {
+    return {chkBranchWise.value ? "BRANCHID" : "ATTHEADID", cmbAttHead.key()};
 }
 
-void modHolidayList::cmbAttHead_Click() {
-    showAgain();
+// The company's holidays and the scope's own, but for those that are taken from it.
+void modHolidayList::loadList() {
+    Sql limits, sql;
+    if (const auto from = txtFilterFrom.date()) limits << " And HOLIDAYDATE >= " << *from;
+    if (const auto to = txtFilterTo.date()) limits << " And HOLIDAYDATE <= " << *to;
+    if (cmbHFilter.key() >= 0) limits << " And ISNULL(HOLIDAYTYPE,0) = " << cmbHFilter.key();
+    const char* columns =
+        "Select HOLIDAYID, ATTHEADID, BRANCHID, HOLIDAYDATE, HOLIDAYDESC, (CASE WHEN HOLIDAYTYPE = "
+        "1 THEN 'National' ELSE 'General' END) AS KIND From ATT_HOLIDAY Where ";
+    sql << columns << "ISNULL(ATTHEADID,0) = 0 AND ISNULL(BRANCHID,0) = 0";
+    if (scope().id != 0)
+        sql << " AND NOT " << exceptionSql("ATT_HOLIDAY.HOLIDAYID") << limits << " UNION "
+            << columns << scope().condition();
+    fillGrid(session_, list, sql << limits << " Order By HOLIDAYDATE DESC");
 }
 
-void modHolidayList::filter_Change() {
-    LoadList();
-}
-
-void modHolidayList::fpgHDetail_Click(size_t row) {
-    const auto id = static_cast<int64_t>(fpgHDetail.number(row, kId));
-    shown_ = ShownRow(session_, "ATT_HOLIDAY",
-                      "HOLIDAYDATE, HOLIDAYDESC, HOLIDAYTYPE, ATTHEADID, BRANCHID",
-                      "HOLIDAYID = " + number(id));
-    if (!shown_.found()) {
-        inform("Holiday already deleted.");
-        return showAgain();
-    }
-    selected_ = {id, shown_.value("HOLIDAYDATE").toDate(), shown_.value("HOLIDAYDESC").toText(),
-                 shown_.value("HOLIDAYTYPE").toBool()};
-    txtHDate.value = dateText(selected_.date, "dd/mm/yyyy");
-    txtHDesc.value = selected_.description;
-    chkNH.value = selected_.national;
-}
-
-void modHolidayList::cmdNew_Click() {
-    selected_ = {};
-    shown_ = {};
-    txtHDate.value.clear();
-    txtHDesc.value.clear();
-    chkNH.value = false;
-    fpgHDetail.setCurrent(-1, -1);
-    setFocus(txtHDate);
+modHolidayList::Holiday modHolidayList::typed() const {
+    return {txtHDate.date().value_or(DateTime{}), trim(txtHDesc.value), chkNH.value};
 }
 
 int32_t modHolidayList::monthOf(const DateTime& date) {
-    const std::string day = FnStrIsoDate(date);
-    return static_cast<int32_t>(
-        FnVarValueOrThrow(session_, "SELECT DBO.FNLNGMONTHYEAR('" + day + "', '" + day + "')")
-            .toInt());
+    return static_cast<int32_t>(FnVarValueOrThrow(session_, Sql() << "SELECT DBO.FNLNGMONTHYEAR("
+                                                                  << date << ", " << date << ")")
+                                    .toInt());
 }
 
-std::string modHolidayList::lockText() const {
-    return "One or more " + session_.gEmployeeCaption +
-           " Record(s)/Month(s) has been locked.\nStill if you want to make changes, unlock it and "
-           "try again.";
+int32_t modHolidayList::monthBefore() {
+    return monthOf(row_.before("HOLIDAYDATE").toDate());
+}
+
+Lock modHolidayList::lockOf(int32_t lngMonthYear) const {
+    return MonthsLock(lngMonthYear, lngMonthYear, true, 0, FnStrRecordsLocked(session_));
+}
+
+// --- from a sheet of the list's own columns ---
+
+// Each row goes through the checks of a save before anything is written, and all good rows are
+// written as one.
+void modHolidayList::lblImport_Click() {
+    std::vector<Holiday> holidays;
+    std::set<int32_t> days, months;
+    const auto accept = [&](const std::vector<std::string>& cells) -> std::string {
+        const Holiday holiday{parseTypedDate(FnStrCleanDateCentury(cells[0])).value_or(DateTime{}),
+                              trim(cells[1]), equalsIgnoreCaseAscii(trim(cells[2]), "National")};
+        if (const auto refusal = refusalOf(holiday, true)) return refusal->text;
+        if (!days.insert(holiday.date.day).second) return "Holiday already available.";
+        holidays.push_back(holiday);
+        return "";
+    };
+    if (!ImportSheet(*this, {{"Date", 0, true}, {"Description", kLongestDescription}, {"Type"}},
+                     accept))
+        return;
+    SaveBatch batch;
+    for (const Holiday& holiday : holidays) {
+        addHoliday(batch, holiday);
+        months.insert(monthOf(holiday.date));
+        batch.audit({"General Holiday Added",
+                     auditBegin()
+                         .value("Holiday Date", dateText(holiday.date, "dd/mm/yyyy"))
+                         .value("Description", holiday.description)
+                         .value("National Holiday", FnStrYesNo(holiday.national))
+                         .text()});
+    }
+    for (const int32_t month : months) markMonth(batch, month);
+    updateBranchStart(batch);
+    if (!save(batch, [this] { showAgain(); })) return;
+    showAgain();
+    session_.gGenCmn.ShowSavedMessage();
 }
 
 }  // namespace owb

@@ -1,12 +1,12 @@
 #include "calendar/screens/modHolidayWeekly.h"
 
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
-#include "session/locks.h"
-#include "session/modAuditTrail.h"
-#include "session/modOWBSetting.h"
-#include "session/months.h"
+#include "marks/marks.h"
 #include "session/queries.h"
+#include "session/screens/fill_grid.h"
+#include "session/screens/sheets.h"
 
 namespace owb {
 
@@ -14,36 +14,39 @@ namespace {
 
 constexpr int32_t kMenuId = 1511;
 constexpr const char* kRule = "The weekly holiday";
-constexpr const char* kFlags[] = {"FH1YN", "SH1YN", "FH2YN", "SH2YN", "FH3YN",
-                                  "SH3YN", "FH4YN", "SH4YN", "FH5YN", "SH5YN"};
-constexpr const char* kWeeks[] = {"1st Week", "2nd Week", "3rd Week", "4th Week", "5th Week"};
+constexpr Captions<10> kFlags = {"FH1YN", "SH1YN", "FH2YN", "SH2YN", "FH3YN",
+                                 "SH3YN", "FH4YN", "SH4YN", "FH5YN", "SH5YN"};
+constexpr Captions<5> kWeeks = {"1st Week", "2nd Week", "3rd Week", "4th Week", "5th Week"};
 
-template <size_t... I>
-std::array<CheckBox, sizeof...(I)> boxes(Screen& screen, const char* name, const char* caption,
-                                         std::index_sequence<I...>) {
-    return {CheckBox(screen, std::string(name) + "(" + std::to_string(I) + ")", caption)...};
+std::string flagColumns() {
+    std::string columns;
+    for (const char* flag : kFlags) columns += (columns.empty() ? "" : ", ") + std::string(flag);
+    return columns;
 }
 
-std::string number(int64_t value) {
-    return std::to_string(value);
+const char* halvesText(bool first, bool second) {
+    return first && second ? "Full Day" : first ? "First Half" : second ? "Second Half" : "";
 }
 
-const char* yesNo(bool value) {
-    return value ? "Yes" : "No";
+RowText flagsOf(const std::array<bool, 10>& halves) {
+    RowText row;
+    for (size_t i = 0; i < halves.size(); ++i) row.set(kFlags[i], Value(halves[i]));
+    return row.set("EDITEDYN", Value(0));
 }
 
 }  // namespace
 
+std::string modHolidayWeekly::Rule::key() const {
+    return Sql() << "EFFFROM=" << monthYear << " AND WEEKID=" << weekDay;
+}
+
 modHolidayWeekly::modHolidayWeekly(Session& session, FrontEnd& frontEnd)
-    : SessionScreen(session, frontEnd, "modHolidayWeekly", "Weekly Holiday"),
-      chkFirst(boxes(*this, "chkFirst", "First Half", std::make_index_sequence<5>())),
-      chkSecond(boxes(*this, "chkSecond", "Second Half", std::make_index_sequence<5>())),
+    : SessionScreen(session, frontEnd, "modHolidayWeekly", "Weekly Holiday", kMenuId),
       attHeadId_(session.gAttHeadId) {
     cmbWeekDay.toolTip = "Select Weekday";
     cmbWeekDay.editable = false;
     for (int day = 1; day <= 7; ++day) cmbWeekDay.add(weekdayName(day), day);
     cmbMonthYear.toolTip = "Select effective Month/Year,Press F2 or Double click  to quick select";
-    pickMonths(cmbMonthYear);
     cmdAdvanced.toolTip = "Rotating Weekly Holiday";
     std::vector<GridColumn> columns{{.caption = "EFFFROM", .hidden = true},
                                     {.caption = "WEEKID", .hidden = true},
@@ -53,10 +56,7 @@ modHolidayWeekly::modHolidayWeekly(Session& session, FrontEnd& frontEnd)
     fpgWeeklyHoliday.setColumns(std::move(columns));
     fpgWeeklyHoliday.singleRows = true;
     fpgWeeklyHoliday.onCurrentChange = [this](size_t row, size_t) { fpgWeeklyHoliday_Click(row); };
-    cmdSave.onClick = [this] { cmdSave_Click(); };
-    cmdDelete.onClick = [this] { cmdDelete_Click(); };
-    cmdAdvanced.onClick = [this] { cmdAdvanced_Click(); };
-    cmdClose.onClick = [this] { close(); };
+    mnuExport.onClick = [this] { ExportGrid(*this, fpgWeeklyHoliday); };
 }
 
 Layout modHolidayWeekly::layout() {
@@ -69,41 +69,34 @@ Layout modHolidayWeekly::layout() {
          row({item(cmdAdvanced), space(), item(cmdSave), item(cmdDelete), item(cmdClose)})});
 }
 
-void modHolidayWeekly::onLoad() {
-    applyRights({&cmdSave, &cmdDelete}, kMenuId);
-    loadMonths(cmbMonthYear, 0);
+void modHolidayWeekly::load() {
+    cmbMonthYear.load();
     cmdAdvanced.visible = attHeadId_ == 0 && session_.gOpt.ROTWHYN;
-    loadGrid();
+    showAgain();
 }
 
-void modHolidayWeekly::loadGrid() {
-    fpgWeeklyHoliday.setRowCount(0);
-    std::string flags;
-    for (const char* flag : kFlags) flags += std::string(", ") + flag;
-    Recordset rs(session_.gConn, "SELECT EFFFROM, WEEKID" + flags +
-                                     " FROM LEV_WEEKLYHLD WHERE ATTHEADID = " + number(attHeadId_) +
-                                     " ORDER BY EFFFROM DESC, WEEKID");
-    for (; !rs.IsEOF(); rs.MoveNext()) {
-        std::vector<std::string> cells{
-            rs.Fields("EFFFROM").toText(), rs.Fields("WEEKID").toText(),
-            FnStrMonthYearText(static_cast<int32_t>(rs.Fields("EFFFROM").toInt())),
-            weekdayName(static_cast<int>(rs.Fields("WEEKID").toInt()))};
-        for (size_t week = 0; week < 5; ++week) {
-            const bool first = rs.Fields(kFlags[2 * week]).toBool();
-            const bool second = rs.Fields(kFlags[2 * week + 1]).toBool();
-            cells.emplace_back(first && second ? "Full Day"
-                               : first         ? "First Half"
-                               : second        ? "Second Half"
-                                               : "");
-        }
-        fpgWeeklyHoliday.addRow(std::move(cells));
+void modHolidayWeekly::showAgain() {
+    shown_ = {};
+    std::vector<std::vector<std::string>> rows;
+    for (Recordset rs(session_.gConn, Sql() << "SELECT EFFFROM, WEEKID, " << flagColumns()
+                                            << " FROM LEV_WEEKLYHLD WHERE ATTHEADID = "
+                                            << attHeadId_ << " ORDER BY EFFFROM DESC, WEEKID");
+         !rs.IsEOF(); rs.MoveNext()) {
+        const auto month = static_cast<int32_t>(rs.Fields("EFFFROM").toInt());
+        const auto day = static_cast<int>(rs.Fields("WEEKID").toInt());
+        std::vector<std::string>& cells = rows.emplace_back(
+            std::vector<std::string>{std::to_string(month), std::to_string(day),
+                                     FnStrMonthYearText(month), weekdayName(day)});
+        for (size_t i = 0; i < kFlags.size(); i += 2)
+            cells.emplace_back(
+                halvesText(rs.Fields(kFlags[i]).toBool(), rs.Fields(kFlags[i + 1]).toBool()));
     }
+    fpgWeeklyHoliday.setCurrent(-1, -1);
+    fillGrid(fpgWeeklyHoliday, std::move(rows));
 }
 
 modHolidayWeekly::Rule modHolidayWeekly::ruleOnScreen() const {
-    Rule rule;
-    rule.monthYear = static_cast<int32_t>(cmbMonthYear.key());
-    rule.weekDay = static_cast<int32_t>(cmbWeekDay.key());
+    Rule rule{cmbMonthYear.month(), static_cast<int32_t>(cmbWeekDay.key()), {}};
     for (size_t week = 0; week < 5; ++week) {
         rule.halves[2 * week] = chkFirst[week].value;
         rule.halves[2 * week + 1] = chkSecond[week].value;
@@ -112,7 +105,7 @@ modHolidayWeekly::Rule modHolidayWeekly::ruleOnScreen() const {
 }
 
 void modHolidayWeekly::show(const Rule& rule) {
-    cmbMonthYear.selectKey(rule.monthYear);
+    cmbMonthYear.setMonth(rule.monthYear);
     cmbWeekDay.selectKey(rule.weekDay);
     for (size_t week = 0; week < 5; ++week) {
         chkFirst[week].value = rule.halves[2 * week];
@@ -121,10 +114,10 @@ void modHolidayWeekly::show(const Rule& rule) {
 }
 
 void modHolidayWeekly::fpgWeeklyHoliday_Click(size_t row) {
-    Rule rule;
-    rule.monthYear = static_cast<int32_t>(fpgWeeklyHoliday.number(row, 0));
-    rule.weekDay = static_cast<int32_t>(fpgWeeklyHoliday.number(row, 1));
-    shown_ = readRow(attHeadId_, rule);
+    Rule rule{static_cast<int32_t>(fpgWeeklyHoliday.number(row, 0)),
+              static_cast<int32_t>(fpgWeeklyHoliday.number(row, 1)),
+              {}};
+    shown_ = readRow(rule);
     if (!shown_.found()) {
         frontEnd().warning(FnStrChangedMeanwhile(kRule));
         return showAgain();
@@ -133,37 +126,9 @@ void modHolidayWeekly::fpgWeeklyHoliday_Click(size_t row) {
     show(rule);
 }
 
-void modHolidayWeekly::showAgain() {
-    shown_ = {};
-    loadGrid();
-}
-
-std::string modHolidayWeekly::lockText(int32_t lngMonthYear) const {
-    return "One or more " + session_.gEmployeeCaption +
-           " (s) record/Month(s) has been locked with effective from " +
-           FnStrMonthYearText(lngMonthYear) + ".";
-}
-
-bool modHolidayWeekly::monthsLocked(int32_t lngMonthYear) {
-    if (!FnBlnMonthRangeLocked(session_, lngMonthYear, kForEver, true, 0)) return false;
-    frontEnd().warning(lockText(lngMonthYear), "Permission Denied");
-    return true;
-}
-
-namespace {
-
-std::string keyOf(int32_t monthYear, int32_t weekDay) {
-    return "EFFFROM=" + number(monthYear) + " AND WEEKID=" + number(weekDay);
-}
-
-}  // namespace
-
-ShownRow modHolidayWeekly::readRow(int32_t intAttHeadId, const Rule& key) {
-    std::string columns;
-    for (const char* flag : kFlags) columns += (columns.empty() ? "" : ", ") + std::string(flag);
-    return ShownRow(
-        session_, "LEV_WEEKLYHLD", columns,
-        "ATTHEADID=" + number(intAttHeadId) + " AND " + keyOf(key.monthYear, key.weekDay));
+ShownRow modHolidayWeekly::readRow(const Rule& key) {
+    return ShownRow(session_, "LEV_WEEKLYHLD", flagColumns(),
+                    Sql() << "ATTHEADID=" << attHeadId_ << " AND " << key.key());
 }
 
 modHolidayWeekly::Halves modHolidayWeekly::halvesOf(const ShownRow& row) {
@@ -176,47 +141,40 @@ bool modHolidayWeekly::stillAsChosen(const ShownRow& row) {
     return shown_.key() != row.key() || stillAsShown(shown_, kRule, [this] { showAgain(); });
 }
 
+Lock modHolidayWeekly::lockFrom(int32_t lngMonthYear) const {
+    return MonthsLock(lngMonthYear, kForEver, true, 0, FnStrLockedFrom(session_, lngMonthYear));
+}
+
+void modHolidayWeekly::cmdAdvanced_Click() {
+    inform("Rotating Weekly Holiday is not available in this version.");
+}
+
 // --- saving ---
 
 void modHolidayWeekly::cmdSave_Click() {
-    if (denied(cmdSave)) return;
     const Rule rule = ruleOnScreen();
     if (rule.monthYear == 0) return refuse("Select effective Month/Year.", cmbMonthYear);
     if (rule.weekDay == 0) return refuse("Select proper 'Day of the Week'.", cmbWeekDay);
-    if (monthsLocked(rule.monthYear)) return;
+    SaveBatch batch;
+    if (refusedByLock(batch, lockFrom(rule.monthYear))) return;
 
-    const ShownRow row = readRow(attHeadId_, rule);
+    const ShownRow row = readRow(rule);
     if (!stillAsChosen(row)) return;
     const Halves before = halvesOf(row);
-    const bool changed = !row.found() || before != rule.halves;
-    SaveBatch batch;
-    batch.refuseUnless(FnStrMonthRangeOpenSql(rule.monthYear, kForEver, true, 0),
-                       lockText(rule.monthYear));
     batch.requireShown(row, kRule);
-    SaveWeeklyRow(batch, row, rule);
+    writeRow(batch, row, rule);
     if (attHeadId_ != 0)
         markEdited(batch, rule);
     else
         passOnToHeads(batch, rule);
-    markAfterSave(batch, rule, changed);
+    batch.add(marksOf(rule, !row.found() || before != rule.halves))
+        .audit(auditSave(rule, !row.found(), before));
     if (!save(batch, [this] { showAgain(); })) return;
-    if (FnBlnAuditTrailOn(session_)) auditSave(rule, !row.found(), before);
     showAgain();
     session_.gGenCmn.ShowSavedMessage();
 }
 
-namespace {
-
-RowText flagsOf(const std::array<bool, 10>& halves) {
-    RowText row;
-    for (size_t i = 0; i < halves.size(); ++i) row.set(kFlags[i], Value(halves[i] ? 1 : 0));
-    return row.set("EDITEDYN", Value(0));
-}
-
-}  // namespace
-
-void modHolidayWeekly::SaveWeeklyRow(SaveBatch& batch, const ShownRow& row,
-                                     const Rule& rule) const {
+void modHolidayWeekly::writeRow(SaveBatch& batch, const ShownRow& row, const Rule& rule) const {
     RowText flags = flagsOf(rule.halves);
     if (row.found()) {
         batch.add(flags.update("LEV_WEEKLYHLD", row.key()));
@@ -231,152 +189,97 @@ void modHolidayWeekly::SaveWeeklyRow(SaveBatch& batch, const ShownRow& row,
 
 // A company rule flows to all heads that have not diverged.
 void modHolidayWeekly::passOnToHeads(SaveBatch& batch, const Rule& rule) const {
-    const std::string key = keyOf(rule.monthYear, rule.weekDay);
     batch.add(flagsOf(rule.halves)
-                  .update("LEV_WEEKLYHLD", key + " AND ISNULL(EDITEDYN,0) <> 1 AND ATTHEADID IN "
-                                                 "(SELECT ATTHEADID FROM MAS_ATTHEAD)"));
-    std::string columns, values;
-    for (size_t i = 0; i < rule.halves.size(); ++i) {
-        columns += std::string(", ") + kFlags[i];
-        values += rule.halves[i] ? ", 1" : ", 0";
-    }
+                  .update("LEV_WEEKLYHLD",
+                          rule.key() + " AND ISNULL(EDITEDYN,0) <> 1 AND ATTHEADID IN (SELECT "
+                                       "ATTHEADID FROM MAS_ATTHEAD)"));
     const std::string first = batch.newKey("LEV_WEEKLYHLD", "WHID");
-    batch.add(" INSERT INTO LEV_WEEKLYHLD (WHID, ATTHEADID, EFFFROM, WEEKID, EDITEDYN" + columns +
-              ") SELECT " + first + " + ROW_NUMBER() OVER (ORDER BY ATTHEADID) - 1, ATTHEADID, " +
-              number(rule.monthYear) + ", " + number(rule.weekDay) + ", 0" + values +
-              " FROM MAS_ATTHEAD WHERE ATTHEADID NOT IN (SELECT ATTHEADID FROM LEV_WEEKLYHLD "
-              "WHERE " +
-              key + ")");
+    Sql values;
+    for (const bool half : rule.halves) values << ", " << half;
+    batch.add(Sql() << " INSERT INTO LEV_WEEKLYHLD (WHID, ATTHEADID, EFFFROM, WEEKID, EDITEDYN, "
+                    << flagColumns() << ") SELECT " << first
+                    << " + ROW_NUMBER() OVER (ORDER BY ATTHEADID) - 1, ATTHEADID, "
+                    << rule.monthYear << ", " << rule.weekDay << ", 0" << values
+                    << " FROM MAS_ATTHEAD WHERE ATTHEADID NOT IN (SELECT ATTHEADID FROM "
+                       "LEV_WEEKLYHLD WHERE "
+                    << rule.key() << ")");
 }
 
 // A head's row that differs from the company's of the same month and day no longer follows it.
 void modHolidayWeekly::markEdited(SaveBatch& batch, const Rule& rule) const {
-    std::string same;
+    Sql same;
     for (size_t i = 0; i < rule.halves.size(); ++i)
-        same += std::string(" AND ISNULL(") + kFlags[i] + ",0) = " + (rule.halves[i] ? "1" : "0");
-    const std::string key = keyOf(rule.monthYear, rule.weekDay);
-    batch.add(" UPDATE LEV_WEEKLYHLD SET EDITEDYN=1 WHERE ATTHEADID=" + number(attHeadId_) +
-              " AND " + key +
-              " AND NOT EXISTS (SELECT * FROM LEV_WEEKLYHLD WHERE ATTHEADID=0 AND " + key + same +
-              ")");
-}
-
-// `heads` is " = 10" or " IN (...)".
-void modHolidayWeekly::markHeads(SaveBatch& batch, const std::string& heads,
-                                 int32_t lngMonthYear) const {
-    const std::string month = number(lngMonthYear);
-    DateTime first, last;
-    GetMonthPeriod(session_, lngMonthYear, first, last);
-    batch
-        .add(" UPDATE ATT_DAYTODAY SET EDITMODEYN=1 WHERE MONTHYEAR >= " + month +
-             " AND ATTHEADID" + heads)
-        .add(" UPDATE LEV_MONTHDET SET EDITMODEYN=1 WHERE MONTHYEAR>=" + month +
-             " AND EMPID=(SELECT EMPID FROM MAS_EMPLOYEEDET WHERE EMPDETID=LEV_MONTHDET.EMPDETID "
-             "AND EMPID=LEV_MONTHDET.EMPID AND ATTHEADID" +
-             heads + ")")
-        .add(" UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE ATTHEADID" + heads +
-             " AND allotfrom >='" + dateText(first, "yyyy-mmm-dd") + "'");
+        same << " AND ISNULL(" << kFlags[i] << ",0) = " << rule.halves[i];
+    batch.add(Sql() << " UPDATE LEV_WEEKLYHLD SET EDITEDYN=1 WHERE ATTHEADID=" << attHeadId_
+                    << " AND " << rule.key()
+                    << " AND NOT EXISTS (SELECT * FROM LEV_WEEKLYHLD WHERE ATTHEADID=0 AND "
+                    << rule.key() << same << ")");
 }
 
 // A save that changes nothing marks the widest set: the rows of all heads.
-void modHolidayWeekly::markAfterSave(SaveBatch& batch, const Rule& rule, bool changed) const {
-    const std::string month = number(rule.monthYear);
-    if (!changed)
-        batch.add(" UPDATE ATT_DAYTODAY SET EDITMODEYN=1 WHERE MONTHYEAR >= " + month)
-            .add(" UPDATE LEV_MONTHDET SET EDITMODEYN=1 WHERE MONTHYEAR >= " + month);
-    else if (attHeadId_ != 0)
-        markHeads(batch, " = " + number(attHeadId_), rule.monthYear);
+std::string modHolidayWeekly::marksOf(const Rule& rule, bool changed) const {
+    if (!changed) return MarkWeeklyOffUnchangedSql(rule.monthYear);
+    Sql heads;
+    if (attHeadId_ != 0)
+        heads << " = " << attHeadId_;
     else
-        markHeads(batch,
-                  " IN (SELECT ATTHEADID FROM LEV_WEEKLYHLD WHERE " +
-                      keyOf(rule.monthYear, rule.weekDay) + " AND ATTHEADID<>0 AND EDITEDYN=0)",
-                  rule.monthYear);
+        heads << " IN (SELECT ATTHEADID FROM LEV_WEEKLYHLD WHERE " << rule.key()
+              << " AND ATTHEADID<>0 AND EDITEDYN=0)";
+    return MarkWeeklyOffSql(session_, rule.monthYear, heads);
 }
 
 // --- deleting ---
 
 void modHolidayWeekly::cmdDelete_Click() {
-    if (denied(cmdDelete)) return;
     if (fpgWeeklyHoliday.rowCount() == 0) return inform("No records to delete.");
     const Rule rule = ruleOnScreen();
-    const ShownRow row = readRow(attHeadId_, rule);
+    const ShownRow row = readRow(rule);
     if (!stillAsChosen(row)) return;
     if (!row.found()) return inform("Select record to Delete");
-    if (monthsLocked(rule.monthYear)) return;
-    if (!ask("Do you want to delete selected record?")) return;
-    const std::string month = number(rule.monthYear);
-    if (FnVarValueOrThrow(session_,
-                          "Select Count(EMPID) From SLC_SALARYCALC_E Where MONTHYEAR >= " + month)
-                .toInt() > 0 &&
-        !ask("Salary will be re-calculated.  Do you want to continue?"))
-        return;
-    const std::string key =
-        " WHERE WEEKID = " + number(rule.weekDay) + " AND EFFFROM = " + month + " AND ";
     SaveBatch batch;
-    batch.refuseUnless(FnStrMonthRangeOpenSql(rule.monthYear, kForEver, true, 0),
-                       lockText(rule.monthYear));
-    batch.requireShown(row, kRule);
-    batch.add(" DELETE FROM LEV_WEEKLYHLD" + key + "ATTHEADID= " + number(attHeadId_));
-    if (attHeadId_ == 0) batch.add(" DELETE FROM LEV_WEEKLYHLD" + key + "EDITEDYN = 0 ");
-    markAfterDelete(batch, rule.monthYear);
-    if (!save(batch, [this] { showAgain(); })) return;
-    if (FnBlnAuditTrailOn(session_))
-        UpdateAuditTrail(session_, kAuditModule, 0, "Weekly Holiday Deleted",
-                         ":Attendance Name = " + attendanceName() + ":Eff. From Month = " +
-                             FnStrMonthYearText(rule.monthYear) + ":Day = " + cmbWeekDay.value);
-    showAgain();
+    if (!deletionAccepted(batch, rule)) return;
+    batch.requireShown(row, kRule).add(" DELETE FROM LEV_WEEKLYHLD WHERE " + row.key());
+    if (attHeadId_ == 0)
+        batch.add(" DELETE FROM LEV_WEEKLYHLD WHERE " + rule.key() + " AND EDITEDYN = 0 ");
+    batch.add(MarkWeeklyOffDeletedSql(session_, rule.monthYear, attHeadId_))
+        .audit({"Weekly Holiday Deleted", auditBegin(rule).text()});
+    if (save(batch, [this] { showAgain(); })) showAgain();
 }
 
-void modHolidayWeekly::markAfterDelete(SaveBatch& batch, int32_t lngMonthYear) const {
-    const std::string month = number(lngMonthYear), head = number(attHeadId_);
-    const bool all = attHeadId_ == 0;
-    const std::string salary =
-        all ? " Where MONTHYEAR >= " + month
-            : " Where EMPID In (Select EMPID From MAS_EMPLOYEEDET Where ATTHEADID = " + head +
-                  ") AND MONTHYEAR >= " + month;
-    DateTime first, last;
-    GetMonthPeriod(session_, lngMonthYear, first, last);
-    batch.add(" Update SLC_SALARYCALC_E Set EDITMODEYN = 1" + salary)
-        .add(" Update SLC_SALARYRATE_E Set TSALEDITMODEYN = 1" + salary)
-        .add(" UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE allotfrom >='" +
-             dateText(first, "yyyy-mmm-dd") + "'" + (all ? "" : " AND ATTHEADID= " + head))
-        .add(" UPDATE ATT_DAYTODAY SET EDITMODEYN = 1 WHERE MONTHYEAR >= " + month +
-             (all ? "" : " AND ATTHEADID = " + head))
-        .add(" UPDATE LEV_MONTHDET SET EDITMODEYN = 1 WHERE MONTHYEAR >= " + month +
-             (all ? ""
-                  : " AND EMPID=(SELECT EMPID FROM MAS_EMPLOYEEDET WHERE "
-                    "EMPDETID=LEV_MONTHDET.EMPDETID AND EMPID=LEV_MONTHDET.EMPID AND ATTHEADID=" +
-                        head + ")"));
-}
-
-void modHolidayWeekly::cmdAdvanced_Click() {
-    inform("Rotating Weekly Holiday is not available in this version.");
+bool modHolidayWeekly::deletionAccepted(SaveBatch& batch, const Rule& rule) {
+    if (refusedByLock(batch, lockFrom(rule.monthYear))) return false;
+    if (!ask("Do you want to delete selected record?")) return false;
+    const bool paid = FnBlnExistsOrThrow(
+        session_,
+        Sql() << "Select EMPID From SLC_SALARYCALC_E Where MONTHYEAR >= " << rule.monthYear);
+    return !paid || ask("Salary will be re-calculated.  Do you want to continue?");
 }
 
 // --- the audit's words ---
 
-std::string modHolidayWeekly::attendanceName() {
-    return attHeadId_ == 0 ? "All" : session_.gAtt.ATTHEADNAME;
+AuditText modHolidayWeekly::auditBegin(const Rule& rule) const {
+    return AuditText()
+        .value("Attendance Name", attHeadId_ == 0 ? "All" : session_.gAtt.ATTHEADNAME)
+        .value("Eff. From Month", FnStrMonthYearText(rule.monthYear))
+        .value("Day", weekdayName(rule.weekDay));
 }
 
-void modHolidayWeekly::auditSave(const Rule& rule, bool isNew, const Halves& before) {
-    std::string detail = ":Attendance Name = " + attendanceName() +
-                         ":Eff. From Month = " + FnStrMonthYearText(rule.monthYear) +
-                         ":Day = " + cmbWeekDay.value;
+AuditLine modHolidayWeekly::auditSave(const Rule& rule, bool isNew, const Halves& before) const {
+    AuditText detail = auditBegin(rule);
     for (size_t week = 0; week < 5; ++week) {
-        std::string halves;
+        AuditText halves("", ":->");
         for (const size_t half : {size_t{0}, size_t{1}}) {
-            const std::string label = half == 0 ? ":->First Half" : ":->Second Half";
-            const bool now = rule.halves[2 * week + half], was = before[2 * week + half];
+            const std::string label = half == 0 ? "First Half" : "Second Half";
+            const std::string now = FnStrYesNo(rule.halves[2 * week + half]);
             if (isNew)
-                halves += label + " = " + yesNo(now);
-            else if (now != was)
-                halves += label + " Changed from " + yesNo(was) + " to " + yesNo(now);
+                halves.value(label, now);
+            else
+                halves.change(label, FnStrYesNo(before[2 * week + half]), now);
         }
-        if (!halves.empty()) detail += std::string("::Week = ") + kWeeks[week] + halves;
+        if (!halves.text().empty())
+            detail.add(std::string("::Week = ") + kWeeks[week] + halves.text());
     }
-    UpdateAuditTrail(session_, kAuditModule, 0,
-                     isNew ? "Weekly Holiday Added" : "Weekly Holiday Updated", detail);
+    return {isNew ? "Weekly Holiday Added" : "Weekly Holiday Updated", detail.text()};
 }
 
 }  // namespace owb

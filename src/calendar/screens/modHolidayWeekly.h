@@ -3,10 +3,8 @@
 // it (EDITEDYN 0). Saving and deleting mark the register, month and ledger rows from the month on.
 #pragma once
 
-#include <array>
-
-#include "screen/grid.h"
 #include "session/screens/SessionScreen.h"
+#include "session/screens/family_combos.h"
 
 namespace owb {
 
@@ -14,20 +12,22 @@ class modHolidayWeekly final : public SessionScreen {
   public:
     modHolidayWeekly(Session& session, FrontEnd& frontEnd);
 
-    Combo cmbWeekDay{*this, "cmbWeekDay"};      // key 1 Sunday to 7 Saturday
-    Combo cmbMonthYear{*this, "cmbMonthYear"};  // key: month key
-    std::array<CheckBox, 5> chkFirst;
-    std::array<CheckBox, 5> chkSecond;
-    Grid fpgWeeklyHoliday{*this, "fpgWeeklyHoliday"};
-    Command cmdSave{*this, "cmdSave", "&Save"};
-    Command cmdDelete{*this, "cmdDelete", "&Delete"};
-    Command cmdAdvanced{*this, "cmdAdvanced", "&Rotating"};
-    Command cmdClose{*this, "cmdClose", "Cl&ose"};
+    static constexpr Captions<5> kFirst = {"First Half", "First Half", "First Half", "First Half",
+                                           "First Half"};
+    static constexpr Captions<5> kSecond = {"Second Half", "Second Half", "Second Half",
+                                            "Second Half", "Second Half"};
 
-    void cmdSave_Click();
-    void cmdDelete_Click();
-    void cmdAdvanced_Click();
-    void fpgWeeklyHoliday_Click(size_t row);
+    Combo cmbWeekDay{*this, "cmbWeekDay"};  // key 1 Sunday to 7 Saturday
+    MonthCombo cmbMonthYear{*this, "cmbMonthYear"};
+    CheckBoxArray<5> chkFirst{*this, "chkFirst", 0, kFirst};
+    CheckBoxArray<5> chkSecond{*this, "chkSecond", 0, kSecond};
+    Grid fpgWeeklyHoliday{*this, "fpgWeeklyHoliday"};
+    MenuItem mnuExport{*this, fpgWeeklyHoliday, "mnuExport", "Export To Excel"};
+    Command cmdSave{*this, "cmdSave", "&Save", Command::Writing, [this] { cmdSave_Click(); }};
+    Command cmdDelete{*this, "cmdDelete", "&Delete", Command::Writing,
+                      [this] { cmdDelete_Click(); }};
+    Command cmdAdvanced{*this, "cmdAdvanced", "&Rotating", [this] { cmdAdvanced_Click(); }};
+    CloseCommand cmdClose{*this};
 
   private:
     // FH1YN, SH1YN, FH2YN ... SH5YN.
@@ -35,29 +35,32 @@ class modHolidayWeekly final : public SessionScreen {
     struct Rule {
         int32_t monthYear = 0, weekDay = 0;
         Halves halves{};
+        std::string key() const;  // as a condition, for any head
     };
 
-    void onLoad() override;
+    void load() override;
     Layout layout() override;
-    void loadGrid();
+    void showAgain();  // the rules as they are now, none chosen
+    void fpgWeeklyHoliday_Click(size_t row);
+    void cmdSave_Click();
+    void cmdDelete_Click();
+    void cmdAdvanced_Click();
+
     Rule ruleOnScreen() const;
     void show(const Rule& rule);
-    bool monthsLocked(int32_t lngMonthYear);
-    std::string lockText(int32_t lngMonthYear) const;
-    ShownRow readRow(int32_t intAttHeadId, const Rule& key);
+    ShownRow readRow(const Rule& key);
     static Halves halvesOf(const ShownRow& row);
     // Whether the row that the user chose in the grid is as it was shown; another key was not.
     bool stillAsChosen(const ShownRow& row);
-    // The statements of a save and a deletion, in the order in which they run.
-    void SaveWeeklyRow(SaveBatch& batch, const ShownRow& row, const Rule& rule) const;
+    Lock lockFrom(int32_t lngMonthYear) const;
+    // The statements of a save, in the order in which they run.
+    void writeRow(SaveBatch& batch, const ShownRow& row, const Rule& rule) const;
     void passOnToHeads(SaveBatch& batch, const Rule& rule) const;
     void markEdited(SaveBatch& batch, const Rule& rule) const;
-    void markHeads(SaveBatch& batch, const std::string& heads, int32_t lngMonthYear) const;
-    void markAfterSave(SaveBatch& batch, const Rule& rule, bool changed) const;
-    void markAfterDelete(SaveBatch& batch, int32_t lngMonthYear) const;
-    void showAgain();  // the rules as they are now, none chosen
-    void auditSave(const Rule& rule, bool isNew, const Halves& before);
-    std::string attendanceName();
+    std::string marksOf(const Rule& rule, bool changed) const;
+    bool deletionAccepted(SaveBatch& batch, const Rule& rule);
+    AuditText auditBegin(const Rule& rule) const;
+    AuditLine auditSave(const Rule& rule, bool isNew, const Halves& before) const;
 
     int32_t attHeadId_;
     ShownRow shown_;  // the row that was chosen in the grid

@@ -1,71 +1,67 @@
 #include "config/screens/modAttHead.h"
 
-#include "base/number_text.h"
-#include "base/utf8.h"
 #include "config/screens/modAttHeadSet.h"
 #include "db/recordset.h"
 #include "session/clsCtrlDep.h"
 #include "session/modAttSetting.h"
 #include "session/queries.h"
+#include "session/screens/fill_grid.h"
 
 namespace owb {
 
 namespace {
 
 constexpr int32_t kMenuId = 1503;
-constexpr std::array kAllotTypes = {"Between Dates", "Monthly", "Calendar Year", "Financial Year"};
-constexpr std::array kNwdOptions = {"Fixed (30) days / month",
-                                    "Actual Days / Month",
-                                    "Allow User to Edit Days in Month",
-                                    "Only working days",
-                                    "Only working days + Weekly Holiday",
-                                    "Only working days + Holiday"};
-
-template <size_t N, size_t... I>
-std::array<OptionButton, N> options(Screen& screen, OptionGroup& group, const std::string& name,
-                                    const std::array<const char*, N>& captions,
-                                    std::index_sequence<I...>) {
-    return {OptionButton(screen, group, name + "(" + std::to_string(I + 1) + ")", captions[I])...};
-}
-
-template <size_t N>
-std::array<OptionButton, N> options(Screen& screen, OptionGroup& group, const std::string& name,
-                                    const std::array<const char*, N>& captions) {
-    return options(screen, group, name, captions, std::make_index_sequence<N>());
-}
 
 }  // namespace
 
 modAttHead::modAttHead(Session& session, FrontEnd& frontEnd)
-    : SessionScreen(session, frontEnd, "modAttHead", "Attendance Configuration"),
-      optAllotType(options(*this, allotTypes, "optAllotType", kAllotTypes)),
-      optNODForCalc(options(*this, nwdOptions, "optNODForCalc", kNwdOptions)) {
+    : RowScreen(session, frontEnd, {"modAttHead", "Attendance Configuration", kMenuId, "fpgAtt"},
+                head_) {
+    declareRow();
     txtAttID.locked = true;
     txtAttName.maxLength = txtShortName.maxLength = 60;
     txtDescription.maxLength = 200;
     cmdSetting.toolTip = "Hours of the bands of a day";
-    fpgAtt.caption = "Attendance Heads";
-    fpgAtt.setColumns({{.caption = "Sl. No.", .width = 6},
-                       {.caption = "Attendance Head Name", .width = 24},
-                       {.caption = "Sal. Calc.", .width = 13},
-                       {.caption = "Register Type", .width = 15},
-                       {.caption = "OT 1", .width = 6, .type = CellType::Check},
-                       {.caption = "OT 2", .width = 6, .type = CellType::Check},
-                       {.caption = "Salary Calendar days (NWD)", .width = 32},
-                       {.caption = "Short Name", .width = 16},
-                       {.caption = "Remarks", .width = 30},
-                       {.caption = "Inactive", .width = 8, .type = CellType::Check}});
-    fpgAtt.frozenColumns = 2;
-    fpgAtt.singleRows = true;
-    fpgAtt.onCurrentChange = [this](size_t row, size_t) { fpgAtt_Click(row); };
-    chkOT1.onClick = [this] { chkOT1_Click(); };
-    chkOT2.onClick = [this] { chkOT2_Click(); };
-    cmdSetting.onClick = [this] { cmdSetting_Click(); };
-    cmdCreateCopy.onClick = [this] { cmdCreateCopy_Click(); };
-    cmdNew.onClick = [this] { cmdNew_Click(); };
-    cmdSave.onClick = [this] { cmdSave_Click(); };
-    cmdDelete.onClick = [this] { cmdDelete_Click(); };
-    cmdClose.onClick = [this] { close(); };
+    list.caption = "Attendance Heads";
+    list.setColumns({{.caption = "Sl. No.", .width = 6},
+                     {.caption = "Attendance Head Name", .width = 24},
+                     {.caption = "Sal. Calc.", .width = 13},
+                     {.caption = "Register Type", .width = 15},
+                     {.caption = "OT 1", .width = 6, .type = CellType::Check},
+                     {.caption = "OT 2", .width = 6, .type = CellType::Check},
+                     {.caption = "Salary Calendar days (NWD)", .width = 32},
+                     {.caption = "Short Name", .width = 16},
+                     {.caption = "Remarks", .width = 30},
+                     {.caption = "Inactive", .width = 8, .type = CellType::Check}});
+    list.frozenColumns = 2;
+    chkOT1.onClick = [this] {
+        refuseClearedOvertime(chkOT1, "OT1YN", 100, "OT1 defined, cannot change");
+    };
+    chkOT2.onClick = [this] {
+        refuseClearedOvertime(chkOT2, "OT2YN", 101, "OT2 defined, cannot change");
+    };
+}
+
+// In the order of the audit line. A new head's line tells the first five.
+void modAttHead::declareRow() {
+    head_.text("ATTHEADNAME", txtAttName, "Attendance Name");
+    head_.text("ATTMENUNAME", txtShortName, "Short Name");
+    head_.flag("ATTNTIGHTYN", optIntegration, "Salary Calculation");
+    // Without a choice, which only an independent head may leave open, months have all their days.
+    head_.option("NODFORCALC", optNODForCalc, "Salary Calendar days (NWD)").typed = [this] {
+        return Value(optNODForCalc.chosen() < 0 ? 2 : optNODForCalc.chosen() + 1);
+    };
+    head_.option("ATTNTYPE", optRegister, "Attendance Register Type", 1, 3);
+    for (EditedRow::Field* field :
+         {&head_.check("MORETHANNODYN", chkAllowMore, chkAllowMore.caption),
+          &head_.option("ATTNALLOTTYPE", optAllotType, "Allotment Type"),
+          &head_.check("OT1YN", chkOT1, chkOT1.caption),
+          &head_.check("OT2YN", chkOT2, chkOT2.caption),
+          &head_.flag("OTHOURLYYN", optOT, "Over Time for Day to day attendance"),
+          &head_.check("INACTIVEYN", chkInactive, chkInactive.caption),
+          &head_.text("ATTDESC", txtDescription, "Remarks")})
+        field->inAdded = false;
 }
 
 Layout modAttHead::layout() {
@@ -74,7 +70,7 @@ Layout modAttHead::layout() {
     for (size_t i = 0; i < optNODForCalc.size(); ++i)
         (i < optNODForCalc.size() / 2 ? nwdLeft : nwdRight).push_back(item(optNODForCalc[i]));
     return column(
-        {item(fpgAtt, 1),
+        {item(list, 1),
          row({form({item("Sl. No.", txtAttID), item("Attendance Head Name", txtAttName),
                     item("Short Name for menu caption.", txtShortName),
                     item("Remarks", txtDescription), item("", chkInactive),
@@ -95,178 +91,97 @@ Layout modAttHead::layout() {
               item(cmdDelete), item(cmdClose)})});
 }
 
-void modAttHead::onLoad() {
-    applyRights({&cmdSave, &cmdDelete, &cmdCreateCopy}, kMenuId);
-    loadGrid();
-    for (size_t row = 0; row < fpgAtt.rowCount(); ++row) {
-        if (fpgAtt.number(row, 0) != session_.gAttHeadId) continue;
-        fpgAtt.setCurrent(static_cast<int>(row), 0);
-        fpgAtt_Click(row);
-    }
+void modAttHead::load() {
+    RowScreen::showAgain();
+    for (size_t line = 0; line < list.rowCount(); ++line)
+        if (list.number(line, 0) == session_.gAttHeadId) showLine(line);
 }
 
-void modAttHead::loadGrid() {
-    fpgAtt.setRowCount(0);
-    Recordset rs(session_.gConn,
-                 "SELECT ATTHEADID, ATTHEADNAME, (CASE ATTNTIGHTYN WHEN 1 THEN 'Dependent' ELSE "
-                 "'Independent' END) AS INTEGRATION, (CASE ATTNTYPE WHEN 1 THEN 'Leave Register' "
-                 "WHEN 2 THEN 'Daily' WHEN 3 THEN 'Hourly' ELSE 'Monthly' END) AS REGISTERTYPE, "
-                 "ISNULL(OT1YN,0) AS OT1YN, ISNULL(OT2YN,0) AS OT2YN, NODFORCALC, ATTMENUNAME, "
-                 "ATTDESC,ISNULL(INACTIVEYN,0) AS INACTIVEYN FROM MAS_ATTHEAD ORDER BY ATTHEADID");
-    for (; !rs.IsEOF(); rs.MoveNext()) {
-        const auto option = static_cast<size_t>(rs.Fields("NODFORCALC").toInt());
-        fpgAtt.addRow({rs.Fields("ATTHEADID").toText(), rs.Fields("ATTHEADNAME").toText(),
-                       rs.Fields("INTEGRATION").toText(), rs.Fields("REGISTERTYPE").toText(),
-                       rs.Fields("OT1YN").toText(), rs.Fields("OT2YN").toText(),
-                       option == 0 ? "" : kNwdOptions[std::min<size_t>(option, 6) - 1],
-                       rs.Fields("ATTMENUNAME").toText(), rs.Fields("ATTDESC").toText(),
-                       rs.Fields("INACTIVEYN").toText()});
-    }
-    show({}, true);
-}
-
-modAttHead::Head modAttHead::readHead(int64_t id) {
-    shown_ = ShownRow(session_, "MAS_ATTHEAD",
-                      "ATTHEADNAME, ATTMENUNAME, ATTDESC, ATTNTYPE, ATTNALLOTTYPE, NODFORCALC, "
-                      "ATTNTIGHTYN, OT1YN, OT2YN, OTHOURLYYN, MORETHANNODYN, INACTIVEYN",
-                      "ATTHEADID = " + std::to_string(id));
-    if (!shown_.found()) return {};
-    // A number above those that the options name means the last of them.
-    const auto number = [&](const char* column, int64_t last) {
-        return static_cast<int>(std::min(shown_.value(column).toInt(), last));
-    };
-    Head head;
-    head.id = id;
-    head.name = shown_.value("ATTHEADNAME").toText();
-    head.menuName = shown_.value("ATTMENUNAME").toText();
-    head.remarks = shown_.value("ATTDESC").toText();
-    head.registerType = number("ATTNTYPE", 4);
-    if (head.registerType < 1) head.registerType = 4;
-    head.allotType = number("ATTNALLOTTYPE", 4);
-    head.nwdOption = number("NODFORCALC", 6);
-    head.tight = shown_.value("ATTNTIGHTYN").toBool();
-    head.ot1 = shown_.value("OT1YN").toBool();
-    head.ot2 = shown_.value("OT2YN").toBool();
-    head.otHourly = shown_.value("OTHOURLYYN").toBool();
-    head.allowMore = shown_.value("MORETHANNODYN").toBool();
-    head.inactive = shown_.value("INACTIVEYN").toBool();
-    return head;
-}
-
-void modAttHead::show(const Head& head, bool isNew) {
-    selected_ = head;
-    isNew_ = isNew;
-    if (isNew) fpgAtt.setCurrent(-1, -1);
-    txtAttID.value = head.id == 0 ? "" : std::to_string(head.id);
-    txtAttName.value = head.name;
-    txtShortName.value = head.menuName;
-    txtDescription.value = head.remarks;
-    optIntegration.choose(head.tight ? 0 : 1);
-    optRegister.choose(head.registerType - 1);
-    allotTypes.choose(head.allotType - 1);
-    nwdOptions.choose(head.nwdOption - 1);
-    optOT.choose(head.otHourly ? 0 : 1);
-    chkOT1.value = head.ot1;
-    chkOT2.value = head.ot2;
-    chkAllowMore.value = head.allowMore;
-    chkInactive.value = head.inactive;
-
-    const std::string id = std::to_string(head.id);
-    const bool allotted =
-        !isNew &&
-        FnBlnExistsOrThrow(session_,
-                           "SELECT ALLOTID FROM ATT_ALLOTMENT WHERE EMPID IN(SELECT EMPID "
-                           "FROM MAS_EMPLOYEEDET WHERE ATTHEADID = " +
-                               id + ")");
-    for (OptionButton* option : optRegister.buttons()) option->enabled = !allotted;
-    const int64_t employees =
-        isNew ? 0
-              : FnVarValueOrThrow(session_,
-                                  "SELECT COUNT(ME.EMPID) FROM MAS_EMPLOYEE ME, MAS_EMPLOYEEDET MD "
-                                  "WHERE ME.EMPID = MD.EMPID AND MD.ATTHEADID = " +
-                                      id)
-                    .toInt();
-    lblEmployees.caption = session_.gEmployeeCaption + " (s) : " + std::to_string(employees);
-    cmdSetting.enabled = !isNew && (head.registerType == 2 || head.registerType == 3);
-}
-
-modAttHead::Head modAttHead::headOnScreen() const {
-    Head head;
-    head.id = static_cast<int64_t>(textToNumber(txtAttID.value));
-    head.name = trim(txtAttName.value);
-    head.menuName = trim(txtShortName.value);
-    head.remarks = trim(txtDescription.value);
-    head.registerType = optRegister.chosen() + 1;
-    head.allotType = allotTypes.chosen() + 1;
-    head.nwdOption = nwdOptions.chosen() + 1;
-    head.tight = optTightIntegrate.value();
-    head.ot1 = chkOT1.value;
-    head.ot2 = chkOT2.value;
-    head.otHourly = optOTHourly.value();
-    head.allowMore = chkAllowMore.value;
-    head.inactive = chkInactive.value;
-    return head;
-}
-
-void modAttHead::fpgAtt_Click(size_t row) {
-    const Head head = readHead(static_cast<int64_t>(fpgAtt.number(row, 0)));
-    if (shown_.found()) return show(head, false);
-    frontEnd().warning(FnStrChangedMeanwhile(kHead));
-    showAgain();
-}
-
+// The session's records follow what is stored.
 void modAttHead::showAgain() {
     LoadAttHead(session_, session_.gAttHeadId);
     LoadAttOptions(session_, session_.gAttHeadId);
-    loadGrid();
+    RowScreen::showAgain();
 }
 
-void modAttHead::chkOT1_Click() {
-    refuseClearedOvertime(chkOT1, selected_.ot1, 100, "OT1YN", "OT1 defined, cannot change");
+void modAttHead::loadList() {
+    std::string days = "(CASE";
+    for (size_t i = 0; i + 1 < kNwdOptions.size(); ++i)
+        days += Sql() << " WHEN NODFORCALC = " << i + 1 << " THEN " << literal(kNwdOptions[i]);
+    fillGrid(session_, list,
+             "SELECT ATTHEADID, ATTHEADNAME, (CASE ATTNTIGHTYN WHEN 1 THEN 'Dependent' ELSE "
+             "'Independent' END) AS INTEGRATION, (CASE ATTNTYPE WHEN 1 THEN 'Leave Register' WHEN "
+             "2 THEN 'Daily' WHEN 3 THEN 'Hourly' ELSE 'Monthly' END) AS REGISTERTYPE, OT1YN, "
+             "OT2YN, " +
+                 days + " WHEN NODFORCALC > 5 THEN " + literal(kNwdOptions[5]) +
+                 " ELSE '' END) AS DAYS, ATTMENUNAME, ATTDESC, INACTIVEYN FROM MAS_ATTHEAD ORDER "
+                 "BY ATTHEADID");
 }
 
-void modAttHead::chkOT2_Click() {
-    refuseClearedOvertime(chkOT2, selected_.ot2, 101, "OT2YN", "OT2 defined, cannot change");
+void modAttHead::rowShown() {
+    const bool isNew = row_.isNew();
+    if (isNew) {
+        optIntegration.choose(0);
+        optRegister.choose(0);
+    }
+    txtAttID.value = isNew ? "" : std::to_string(row_.key());
+    const bool allotted =
+        !isNew && FnBlnExistsOrThrow(session_, Sql() << "SELECT ALLOTID FROM ATT_ALLOTMENT WHERE "
+                                                        "EMPID IN(SELECT EMPID FROM "
+                                                        "MAS_EMPLOYEEDET WHERE ATTHEADID = "
+                                                     << row_.key() << ")");
+    for (OptionButton* option : optRegister.buttons()) option->enabled = !allotted;
+    const std::string employees =
+        isNew ? "0"
+              : FnVarValueOrThrow(session_,
+                                  Sql() << "SELECT COUNT(ME.EMPID) FROM MAS_EMPLOYEE ME, "
+                                           "MAS_EMPLOYEEDET MD WHERE ME.EMPID = MD.EMPID AND "
+                                           "MD.ATTHEADID = "
+                                        << row_.key())
+                    .toText();
+    lblEmployees.caption = session_.gEmployeeCaption + " (s) : " + employees;
+    cmdSetting.enabled = !isNew && isRegisterKept();
+}
+
+bool modAttHead::isRegisterKept() const {
+    return optAttDaily.value() || optAttHourly.value();
 }
 
 // Overtime that was paid on the head stays, and so does the last head of a salary structure's row.
-void modAttHead::refuseClearedOvertime(CheckBox& box, bool wasKept, int row, const char* column,
+void modAttHead::refuseClearedOvertime(CheckBox& box, const char* column, int row,
                                        const char* text) {
-    if (box.value || isNew_ || !wasKept) return;
-    const std::string id = std::to_string(selected_.id), salaryRow = std::to_string(row);
+    if (box.value || row_.isNew() || !row_.before(column).toBool()) return;
     const bool paid = FnBlnExistsOrThrow(
         session_,
-        "SELECT OT.SLNO FROM SLC_COMPCALCDET OT, SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET E WHERE "
-        "OT.EMPID = SE.EMPID AND OT.MONTHYEAR = SE.MONTHYEAR AND OT.STRUCTID = E.STRUCTID AND "
-        "SE.EMPDETID = E.EMPDETID AND SE.EMPID = E.EMPID AND OT.SALHEADROWID = " +
-            salaryRow + " AND (OT.UNIT > 0 OR OT.RATE > 0 ) AND E.ATTHEADID = " + id);
-    if (!paid) {
-        const bool inStructure = FnBlnExistsOrThrow(
-            session_, "Select STRUCTID From SLC_SALSTRUCTDET Where SALHEADROWID = " + salaryRow +
-                          " AND CALCTYPE <> 7");
-        if (!inStructure ||
-            FnBlnExistsOrThrow(session_, "Select ATTHEADID From MAS_ATTHEAD Where ATTHEADID <> " +
-                                             id + " AND " + column + " = 1"))
-            return;
-    }
+        Sql() << "SELECT OT.SLNO FROM SLC_COMPCALCDET OT, SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET E "
+                 "WHERE OT.EMPID = SE.EMPID AND OT.MONTHYEAR = SE.MONTHYEAR AND OT.STRUCTID = "
+                 "E.STRUCTID AND SE.EMPDETID = E.EMPDETID AND SE.EMPID = E.EMPID AND "
+                 "OT.SALHEADROWID = "
+              << row << " AND (OT.UNIT > 0 OR OT.RATE > 0 ) AND E.ATTHEADID = " << row_.key());
+    const auto isLastOfStructure = [&] {
+        return FnBlnExistsOrThrow(session_, Sql() << "Select STRUCTID From SLC_SALSTRUCTDET Where "
+                                                     "SALHEADROWID = "
+                                                  << row << " AND CALCTYPE <> 7") &&
+               !FnBlnExistsOrThrow(session_, Sql() << "Select ATTHEADID From MAS_ATTHEAD Where "
+                                                      "ATTHEADID <> "
+                                                   << row_.key() << " AND " << column << " = 1");
+    };
+    if (!paid && !isLastOfStructure()) return;
     box.value = true;
     inform(text);
 }
 
 void modAttHead::cmdSetting_Click() {
-    modAttHeadSet(session_, frontEnd(), static_cast<int32_t>(selected_.id)).showModal();
+    modAttHeadSet(session_, frontEnd(), static_cast<int32_t>(row_.key())).showModal();
 }
 
 void modAttHead::cmdCreateCopy_Click() {
     inform("New Attendance Creation is not available in this version.");
 }
 
-void modAttHead::cmdNew_Click() {
-    Head head;
-    shown_ = {};
-    head.id = clsCtrlDep(session_).FnLngGetNextNumber("MAS_ATTHEAD", "ATTHEADID");
-    show(head, true);
-    setFocus(txtAttName);
+void modAttHead::newBegun() {
+    txtAttID.value =
+        std::to_string(clsCtrlDep(session_).FnLngGetNextNumber("MAS_ATTHEAD", "ATTHEADID"));
 }
 
 }  // namespace owb

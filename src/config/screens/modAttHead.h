@@ -3,18 +3,23 @@
 // salary rests on asks first and, once the row is written, marks everything computed for the head.
 #pragma once
 
-#include <array>
-
-#include "screen/grid.h"
-#include "session/screens/SessionScreen.h"
+#include "session/screens/RowScreen.h"
 
 namespace owb {
 
-class modAttHead final : public SessionScreen {
+class modAttHead final : public RowScreen {
   public:
     modAttHead(Session& session, FrontEnd& frontEnd);
 
-    Grid fpgAtt{*this, "fpgAtt"};
+    static constexpr Captions<4> kAllotTypes = {"Between Dates", "Monthly", "Calendar Year",
+                                                "Financial Year"};
+    static constexpr Captions<6> kNwdOptions = {"Fixed (30) days / month",
+                                                "Actual Days / Month",
+                                                "Allow User to Edit Days in Month",
+                                                "Only working days",
+                                                "Only working days + Weekly Holiday",
+                                                "Only working days + Holiday"};
+
     TextBox txtAttID{*this, "txtAttID", "Sl. No."};
     TextBox txtAttName{*this, "txtAttName", "Attendance Head Name"};
     TextBox txtShortName{*this, "txtShortName", "Short Name for menu caption."};
@@ -29,8 +34,7 @@ class modAttHead final : public SessionScreen {
     OptionButton optAttDaily{*this, optRegister, "optAttDaily", "Daily"};
     OptionButton optAttHourly{*this, optRegister, "optAttHourly", "Hourly"};
     OptionButton OptAttMonthly{*this, optRegister, "OptAttMonthly", "Monthly"};
-    OptionGroup allotTypes;  // buttons are named by what ATTNALLOTTYPE holds: 1 to 4
-    std::array<OptionButton, 4> optAllotType;
+    OptionArray<4> optAllotType{*this, "optAllotType", 1, kAllotTypes};  // as ATTNALLOTTYPE
     CheckBox chkOT1{*this, "chkOT1", "Over Time 1"};
     CheckBox chkOT2{*this, "chkOT2", "Over Time 2"};
     OptionGroup optOT;
@@ -40,72 +44,41 @@ class modAttHead final : public SessionScreen {
     Label lblSalary{*this, "lblSalary", "Salary = "};
     Label lblDaysPaid{*this, "lblDaysPaid", "Pay Days or Present Days"};
     Label lblNWD{*this, "lblNWD", "NWD"};
-    OptionGroup nwdOptions;  // named by what NODFORCALC holds: 1 to 6
-    std::array<OptionButton, 6> optNODForCalc;
+    OptionArray<6> optNODForCalc{*this, "optNODForCalc", 1, kNwdOptions};  // as NODFORCALC
     CheckBox chkAllowMore{*this, "chkAllowMore", "Allow more than working days"};
     CheckBox chkInactive{*this, "chkInactive", "Inactive"};
-    Command cmdSetting{*this, "cmdSetting", "Se&tting"};
-    Command cmdCreateCopy{*this, "cmdCreateCopy", "Create Cop&y"};
-    Command cmdNew{*this, "cmdNew", "Ne&w"};
-    Command cmdSave{*this, "cmdSave", "&Save"};
-    Command cmdDelete{*this, "cmdDelete", "&Delete"};
-    Command cmdClose{*this, "cmdClose", "Cl&ose"};
-
-    void fpgAtt_Click(size_t row);
-    void chkOT1_Click();
-    void chkOT2_Click();
-    void cmdSetting_Click();
-    void cmdCreateCopy_Click();
-    void cmdNew_Click();
-    void cmdSave_Click();
-    void cmdDelete_Click();
+    Command cmdSetting{*this, "cmdSetting", "Se&tting", [this] { cmdSetting_Click(); }};
+    Command cmdCreateCopy{*this, "cmdCreateCopy", "Create Cop&y", Command::Writing,
+                          [this] { cmdCreateCopy_Click(); }};
 
   private:
-    static constexpr const char* kHead = "The attendance head";  // begins what is told of it
-
-    struct Head {
-        int64_t id = 0;
-        std::string name, menuName, remarks;
-        int registerType = 1;  // ATTNTYPE
-        int allotType = 0;     // ATTNALLOTTYPE; 0: none chosen
-        int nwdOption = 0;     // NODFORCALC; 0: none chosen
-        bool tight = true, ot1 = false, ot2 = false, otHourly = false, allowMore = false,
-             inactive = false;
-    };
-    // A setting of two heads as the user reads it.
-    struct Setting {
-        std::string label, before, now;
-        bool salaryRestsOnIt = false;
-    };
-
-    void onLoad() override;
     Layout layout() override;
-    void loadGrid();
-    // The head of the row that is read into shown_.
-    Head readHead(int64_t id);
-    void showAgain();  // the list as it is now, none chosen
-    void show(const Head& head, bool isNew);
-    Head headOnScreen() const;
-    bool fieldsAccepted(const Head& head);
-    std::vector<Setting> settingsOf(const Head& before, const Head& now) const;
-    bool hasSalaryRows() const;
-    // Whether the save may go on. Into the batch goes what it must still find so, and into `marks`
-    // the marks on what is computed for the head.
-    bool changesAccepted(SaveBatch& batch, const Head& now, std::string& marks);
-    void requireFreeNames(SaveBatch& batch, const Head& head) const;
-    static RowText rowOf(const Head& head);
-    void insert(SaveBatch& batch, const Head& head);
-    void makeLeaveSettings(SaveBatch& batch, const std::string& headId);
-    std::string markHeadSql() const;
-    void refuseClearedOvertime(CheckBox& box, bool wasKept, int row, const char* column,
-                               const char* text);
-    std::string auditOf(const Head& head) const;
-    void auditSave(const Head& now);
-    void finish();
+    void declareRow();
+    void load() override;
+    void showAgain() override;
+    void loadList() override;
+    void rowShown() override;
+    void newBegun() override;
+    std::optional<Refusal> check() override;
+    bool mayBeSaved(SaveBatch& batch) override;
+    std::string writeRow(SaveBatch& batch) override;
+    std::optional<Refusal> checkDeletion() override;
+    bool mayBeDeleted(SaveBatch& batch) override;
+    void deleteRow(SaveBatch& batch) override;
+    void joinMarks(SaveBatch& batch, Change change, const std::string& key) override;
+    AuditLine auditLine(Change change) override;
+    void finish() override;
 
-    Head selected_;   // as stored
-    ShownRow shown_;  // the same as it was read
-    bool isNew_ = true;
+    void cmdSetting_Click();
+    void cmdCreateCopy_Click();
+    bool isRegisterKept() const;  // a register of days
+    // The first changed setting that the salary of the head's employees rests on; "" none, or
+    // nobody has been paid by the head.
+    std::string changedForSalary() const;
+    std::string makeLeaveSettings(const std::string& headId);
+    void refuseClearedOvertime(CheckBox& box, const char* column, int row, const char* text);
+
+    EditedRow head_{"MAS_ATTHEAD", "ATTHEADID", "The attendance head"};
 };
 
 }  // namespace owb

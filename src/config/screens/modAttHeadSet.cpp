@@ -1,71 +1,70 @@
 #include "config/screens/modAttHeadSet.h"
 
 #include "base/number_text.h"
-#include "session/locks.h"
+#include "config/screens/paid_heads.h"
+#include "marks/marks.h"
 #include "session/modAttSetting.h"
-#include "session/modAuditTrail.h"
-#include "session/modOWBSetting.h"
-#include "session/queries.h"
 
 namespace owb {
-
-namespace {
-
-enum BandIndex { kNoAttendance, kHalfDay, kFullDay, kLimits };
-
-}  // namespace
 
 modAttHeadSet::modAttHeadSet(Session& session, FrontEnd& frontEnd, int32_t intAttHeadId)
     : SessionScreen(session, frontEnd, "modAttHeadSet", "Day to Day Hourly Setting"),
       attHeadId_(intAttHeadId) {
+    declareRow();
+    for (const auto& [box, what] :
+         {std::pair<NumberBox&, const char*>{txtNoAttMin, "no attendance minimum"},
+          {txtNoAttMax, "no attendance maximum"},
+          {txtHalfMin, "half day minimum"},
+          {txtHalfMax, "half day maximum"},
+          {txtHalfCutoff, "half day cutoff"},
+          {txtFullMin, "full day minimum"},
+          {txtFullMax, "full day maximum"},
+          {txtFullCutOff, "full day cutoff"},
+          {txtAttUpperLimit, "upper limit"}})
+        limits_.push_back(
+            {box, 24, std::string("Attendance - ") + what + " can't be greater than 24"});
+    limits_.push_back({txtOTMinLimit, 1440, "Over Time minimum limit can't be greater than 1440"});
+    for (const Limit& limit : limits_) {
+        limit.box.maxLength = 5;
+        limit.box.onLeave = [this, &limit] { refused(aboveLimit(limit)); };
+    }
+    txtAttUpperLimit.toolTip = "Maximum working hour in a day.";
+    txtOTMinLimit.toolTip = "Minimum working minutes for OT consideration.";
+}
+
+// In the order of the audit line, where a band's first change begins with the band's title.
+void modAttHeadSet::declareRow() {
+    const auto figure = [&](const char* column, NumberBox& box, const char* label,
+                            const char* unit = "") {
+        hours_.number(column, box, label).words = [unit](const Value& v) {
+            return numberText(v.toDouble()) + unit;
+        };
+    };
     const char *min = "Min. Value", *max = "Max. Value", *cutoff = "Cutoff",
                *overtime = "OverTime Applicability", *deduct = "OT Deduct",
                *salary = "Affect Salary Applicability";
-    bands_ = {{":No Attendance Settings Changed",
-               {{"MINNOATT", min, &txtNoAttMin, nullptr,
-                 "Attendance - no attendance minimum can't be greater than 24"},
-                {"MAXNOATT", max, &txtNoAttMax, nullptr,
-                 "Attendance - no attendance maximum can't be greater than 24"},
-                {"NOATTOTYN", overtime, nullptr, &chkNoAttOT},
-                {"NOATTSALAFFYN", salary, nullptr, &chkNoAffectSal}}},
-              {":Half Day Attendance Settings Changed",
-               {{"MINHALFDAY", min, &txtHalfMin, nullptr,
-                 "Attendance - half day minimum can't be greater than 24"},
-                {"MAXHALFDAY", max, &txtHalfMax, nullptr,
-                 "Attendance - half day maximum can't be greater than 24"},
-                {"CUTOFFHALFDAY", cutoff, &txtHalfCutoff, nullptr,
-                 "Attendance - half day cutoff can't be greater than 24"},
-                {"HALFDAYOTYN", overtime, nullptr, &chkHalfOT},
-                {"HALFDAYDEDYN", deduct, nullptr, &chkHalfDed},
-                {"HALFATTSALAFFYN", salary, nullptr, &chkHalfAffectSal}}},
-              {":Full Day Attendance Settings Changed",
-               {{"MINFULLDAY", min, &txtFullMin, nullptr,
-                 "Attendance - full day minimum can't be greater than 24"},
-                {"MAXFULLDAY", max, &txtFullMax, nullptr,
-                 "Attendance - full day maximum can't be greater than 24"},
-                {"CUTOFFFullDAY", cutoff, &txtFullCutOff, nullptr,
-                 "Attendance - full day cutoff can't be greater than 24"},
-                {"FULLDAYOTYN", overtime, nullptr, &chkFullOT},
-                {"FullDAYDEDYN", deduct, nullptr, &chkFullDed},
-                {"FULLATTSALAFFYN", salary, nullptr, &chkFullAffectSal}}},
-              {"",
-               {{"AttUpperLimit", "Attendance Upper Limit", &txtAttUpperLimit, nullptr,
-                 "Attendance - upper limit can't be greater than 24"},
-                {"OTHOURMIN", "Over Time Min. Limit", &txtOTMinLimit, nullptr,
-                 "Over Time minimum limit can't be greater than 1440", 1440}}}};
-    for (const Band& band : bands_)
-        for (const Field& field : band.fields) {
-            if (field.box == nullptr) continue;
-            field.box->maxLength = 5;
-            field.box->filter = [this](int key, const std::string& before) {
-                return session_.gGenCmn.FnIntAllowDoubleOnly(key, before);
-            };
-            field.box->onLeave = [this, &field] { withinLimit(field); };
-        }
-    txtAttUpperLimit.toolTip = "Maximum working hour in a day.";
-    txtOTMinLimit.toolTip = "Minimum working minutes for OT consideration.";
-    cmdSave.onClick = [this] { cmdSave_Click(); };
-    cmdClose.onClick = [this] { close(); };
+    hours_.section(":No Attendance Settings Changed");
+    figure("MINNOATT", txtNoAttMin, min);
+    figure("MAXNOATT", txtNoAttMax, max);
+    hours_.check("NOATTOTYN", chkNoAttOT, overtime);
+    hours_.check("NOATTSALAFFYN", chkNoAffectSal, salary);
+    hours_.section(":Half Day Attendance Settings Changed");
+    figure("MINHALFDAY", txtHalfMin, min);
+    figure("MAXHALFDAY", txtHalfMax, max);
+    figure("CUTOFFHALFDAY", txtHalfCutoff, cutoff);
+    hours_.check("HALFDAYOTYN", chkHalfOT, overtime);
+    hours_.check("HALFDAYDEDYN", chkHalfDed, deduct);
+    hours_.check("HALFATTSALAFFYN", chkHalfAffectSal, salary);
+    hours_.section(":Full Day Attendance Settings Changed");
+    figure("MINFULLDAY", txtFullMin, min);
+    figure("MAXFULLDAY", txtFullMax, max);
+    figure("CUTOFFFullDAY", txtFullCutOff, cutoff);
+    hours_.check("FULLDAYOTYN", chkFullOT, overtime);
+    hours_.check("FullDAYDEDYN", chkFullDed, deduct);
+    hours_.check("FULLATTSALAFFYN", chkFullAffectSal, salary);
+    hours_.section("");
+    figure("AttUpperLimit", txtAttUpperLimit, "Attendance Upper Limit", " hours(s)");
+    figure("OTHOURMIN", txtOTMinLimit, "Over Time Min. Limit", " minutes(s)");
 }
 
 Layout modAttHeadSet::layout() {
@@ -86,151 +85,80 @@ Layout modAttHeadSet::layout() {
          space(), row({space(), item(cmdSave), item(cmdClose)})});
 }
 
-void modAttHeadSet::onLoad() {
-    applyRights({&cmdSave});
-    stored_.clear();
-    std::string columns;
-    for (const Band& band : bands_)
-        for (const Field& field : band.fields)
-            columns += (columns.empty() ? "" : ", ") + std::string(field.column);
-    shown_ =
-        ShownRow(session_, "MAS_ATTHEAD", columns, "ATTHEADID = " + std::to_string(attHeadId_));
-    for (const Band& band : bands_) {
-        std::vector<double>& values = stored_.emplace_back();
-        for (const Field& field : band.fields) {
-            if (field.box != nullptr)
-                field.box->value = numberText(shown_.value(field.column).toDouble());
-            else
-                field.check->value = shown_.value(field.column).toBool();
-            values.push_back(valueOf(field));
-        }
-    }
+void modAttHeadSet::load() {
+    hours_.readKey(session_, attHeadId_);
 }
 
-// As the row holds it: figures with two decimals.
-double modAttHeadSet::valueOf(const Field& field) const {
-    if (field.box == nullptr) return field.check->value ? 1 : 0;
-    return roundHalfAway(textToNumber(field.box->value), 2);
+std::optional<Refusal> modAttHeadSet::aboveLimit(const Limit& limit) const {
+    if (limit.box.number() <= limit.largest) return {};
+    return Refusal{limit.text, &limit.box};
 }
 
-bool modAttHeadSet::withinLimit(const Field& field) {
-    if (valueOf(field) <= field.largest) return true;
-    refuse(field.tooLarge, *field.box);
-    return false;
-}
-
-bool modAttHeadSet::bandsAccepted() {
-    const std::vector<Field>& limits = bands_[kLimits].fields;
-    for (const BandIndex band : {kNoAttendance, kHalfDay, kFullDay})
-        for (const Field& field : bands_[band].fields)
-            if (field.box != nullptr && !withinLimit(field)) return false;
-
-    const auto value = [&](BandIndex band, size_t field) {
-        return valueOf(bands_[band].fields[field]);
-    };
-    constexpr size_t kMin = 0, kMax = 1, kCutoff = 2;
+// The bands' own limits, the bands among each other, then the two limits.
+std::optional<Refusal> modAttHeadSet::check() const {
+    const size_t bands = limits_.size() - 2;
+    for (size_t i = 0; i < bands; ++i)
+        if (auto refusal = aboveLimit(limits_[i])) return refusal;
     struct Rule {
         bool broken;
         const char* text;
-        TextBox& field;
+        const NumberBox& field;
     };
-    const auto cutoffOutside = [&](BandIndex band) {
-        return value(band, kCutoff) < value(band, kMin) || value(band, kCutoff) > value(band, kMax);
+    const auto outside = [](const NumberBox& cutoff, const NumberBox& min, const NumberBox& max) {
+        return cutoff.number() < min.number() || cutoff.number() > max.number();
     };
     for (const Rule& rule :
-         {Rule{value(kNoAttendance, kMax) < value(kNoAttendance, kMin),
+         {Rule{txtNoAttMax.number() < txtNoAttMin.number(),
                "No attendance Maximum can't be lesser than Minimum", txtNoAttMax},
-          {value(kHalfDay, kMin) <= value(kNoAttendance, kMax),
+          {txtHalfMin.number() <= txtNoAttMax.number(),
            "Half day Minimum can't be lesser than or equal to no attendance maximum.", txtHalfMin},
-          {value(kHalfDay, kMax) < value(kHalfDay, kMin),
+          {txtHalfMax.number() < txtHalfMin.number(),
            "Half day Maximum can't be lesser than Minimum", txtHalfMax},
-          {cutoffOutside(kHalfDay), "Half day cutoff has to be between Minimum and Maximum",
-           txtHalfCutoff},
-          {value(kFullDay, kMin) <= value(kHalfDay, kMax),
+          {outside(txtHalfCutoff, txtHalfMin, txtHalfMax),
+           "Half day cutoff has to be between Minimum and Maximum", txtHalfCutoff},
+          {txtFullMin.number() <= txtHalfMax.number(),
            "Full day Minimum can't be lesser than or equal to half day maximum.", txtFullMin},
-          {value(kFullDay, kMax) < value(kFullDay, kMin),
+          {txtFullMax.number() < txtFullMin.number(),
            "Full day Maximum can't be lesser than Minimum", txtFullMax},
-          {cutoffOutside(kFullDay), "Full day cutoff has to be between Minimum and Maximum",
-           txtFullCutOff}}) {
-        if (!rule.broken) continue;
-        refuse(rule.text, rule.field);
-        return false;
-    }
-    return withinLimit(limits[0]) && withinLimit(limits[1]);
+          {outside(txtFullCutOff, txtFullMin, txtFullMax),
+           "Full day cutoff has to be between Minimum and Maximum", txtFullCutOff}})
+        if (rule.broken) return Refusal{rule.text, const_cast<NumberBox*>(&rule.field)};
+    for (size_t i = bands; i < limits_.size(); ++i)
+        if (auto refusal = aboveLimit(limits_[i])) return refusal;
+    return {};
 }
 
+// Where employees can be locked, a locked one counts as a locked month does.
 bool modAttHeadSet::changeAccepted(SaveBatch& batch) {
-    if (!FnBlnExistsOrThrow(
-            session_,
-            "Select SE.SALID From SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET ED  Where "
-            "SE.EMPID = ED.EMPID AND SE.EMPDETID = ED.EMPDETID AND ED.ATTHEADID = " +
-                std::to_string(attHeadId_)))
-        return true;
-    // Where employees can be locked, a locked one counts as a locked month does.
+    if (!FnBlnHeadPaid(session_, attHeadId_)) return true;
     const bool employees = session_.gFeature.EMPLOCKYN;
-    const std::string locked =
-        employees ? "One or more " + session_.gEmployeeCaption +
-                        " (s) record/Month(s) locked, unlock to change attendance setting."
-                  : "Months locked, unlock locked months to change attendance setting.";
-    if (FnBlnMonthRangeLocked(session_, 0, 99999, employees, 0)) {
-        inform(locked, "Permission Denied");
+    const Lock lock =
+        ConfigurationLock(0, attHeadId_, employees, FnStrHoursLocked(session_, employees));
+    batch.requireOpen(lock);
+    if (lock.holds(session_)) {
+        inform(lock.text, lock.title);
         return false;
     }
-    batch.refuseUnless(FnStrMonthRangeOpenSql(0, 99999, employees, 0), locked);
     return ask("By changing these values, salary will be recalculated.\nDo you want to proceed?");
 }
 
-bool modAttHeadSet::changed() const {
-    for (size_t b = 0; b < bands_.size(); ++b)
-        for (size_t f = 0; f < bands_[b].fields.size(); ++f)
-            if (valueOf(bands_[b].fields[f]) != stored_[b][f]) return true;
-    return false;
-}
-
 void modAttHeadSet::cmdSave_Click() {
-    if (denied(cmdSave)) return;
-    const std::string what = "The attendance head";
-    if (!stillAsShown(shown_, what, [this] { onLoad(); })) return;
-    if (!bandsAccepted()) return;
-    if (changed()) {
+    const auto showAgain = [this] { load(); };
+    if (!stillAsShown(hours_.shown(), hours_.what(), showAgain)) return;
+    if (refused(check())) return;
+    if (hours_.changed()) {
         SaveBatch batch;
         if (!changeAccepted(batch)) return;
-        RowText row;
-        for (const Band& band : bands_)
-            for (const Field& field : band.fields) row.set(field.column, Value(valueOf(field)));
-        batch.requireShown(shown_, what)
-            .add(row.update("MAS_ATTHEAD", shown_.key()))
-            .add(" UPDATE ATT_DAYTODAY SET EDITMODEYN = 1 WHERE ATTHEADID = " +
-                 std::to_string(attHeadId_));
-        if (!save(batch, [this] { onLoad(); })) return;
-        if (FnBlnAuditTrailOn(session_)) audit();
+        hours_.writeInto(batch);
+        AuditText detail("Day to Day Hourly Setting Updated:", ":->");
+        hours_.tellChanges(detail);
+        batch.add(MarkHeadHoursSql(attHeadId_))
+            .audit({"Attendance Configuration Updated", detail.text()});
+        if (!save(batch, showAgain)) return;
         LoadAttHead(session_, session_.gAttHeadId);
-        onLoad();
+        load();
     }
     session_.gGenCmn.ShowSavedMessage();
-}
-
-void modAttHeadSet::audit() {
-    std::string detail = "Day to Day Hourly Setting Updated:";
-    for (size_t b = 0; b < bands_.size(); ++b) {
-        std::string changes;
-        for (size_t f = 0; f < bands_[b].fields.size(); ++f) {
-            const Field& field = bands_[b].fields[f];
-            const double before = stored_[b][f], now = valueOf(field);
-            if (before == now) continue;
-            const auto text = [&](double value) -> std::string {
-                if (field.check != nullptr) return value != 0 ? "Yes" : "No";
-                const char* unit = b != kLimits          ? ""
-                                   : field.largest == 24 ? " hours(s)"
-                                                         : " minutes(s)";
-                return numberText(value) + unit;
-            };
-            changes += std::string(":->") + field.label + " Changed from " + text(before) + " to " +
-                       text(now);
-        }
-        if (!changes.empty()) detail += bands_[b].title + changes;
-    }
-    UpdateAuditTrail(session_, kAuditModule, 0, "Attendance Configuration Updated", detail);
 }
 
 }  // namespace owb

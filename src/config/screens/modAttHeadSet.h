@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "session/screens/EditedRow.h"
 #include "session/screens/SessionScreen.h"
 
 namespace owb {
@@ -13,61 +14,50 @@ class modAttHeadSet final : public SessionScreen {
     modAttHeadSet(Session& session, FrontEnd& frontEnd, int32_t intAttHeadId);
 
     Label lblNoAtt{*this, "lblNoAtt", "No Attendance"};
-    TextBox txtNoAttMin{*this, "txtNoAttMin", "Min."};
-    TextBox txtNoAttMax{*this, "txtNoAttMax", "Max."};
+    NumberBox txtNoAttMin{*this, "txtNoAttMin", "Min."};
+    NumberBox txtNoAttMax{*this, "txtNoAttMax", "Max."};
     CheckBox chkNoAttOT{*this, "chkNoAttOT", "OT"};
     CheckBox chkNoAffectSal{*this, "chkNoAffectSal", "Affect Salary"};
     Label lblHalf{*this, "lblHalf", "Half Day"};
-    TextBox txtHalfMin{*this, "txtHalfMin", "Min."};
-    TextBox txtHalfMax{*this, "txtHalfMax", "Max."};
-    TextBox txtHalfCutoff{*this, "txtHalfCutoff", "Cutoff"};
+    NumberBox txtHalfMin{*this, "txtHalfMin", "Min."};
+    NumberBox txtHalfMax{*this, "txtHalfMax", "Max."};
+    NumberBox txtHalfCutoff{*this, "txtHalfCutoff", "Cutoff"};
     CheckBox chkHalfOT{*this, "chkHalfOT", "OT"};
     CheckBox chkHalfDed{*this, "chkHalfDed", "OT Deduct"};
     CheckBox chkHalfAffectSal{*this, "chkHalfAffectSal", "Affect Salary"};
     Label lblFull{*this, "lblFull", "Full Day"};
-    TextBox txtFullMin{*this, "txtFullMin", "Min."};
-    TextBox txtFullMax{*this, "txtFullMax", "Max."};
-    TextBox txtFullCutOff{*this, "txtFullCutOff", "Cutoff"};
+    NumberBox txtFullMin{*this, "txtFullMin", "Min."};
+    NumberBox txtFullMax{*this, "txtFullMax", "Max."};
+    NumberBox txtFullCutOff{*this, "txtFullCutOff", "Cutoff"};
     CheckBox chkFullOT{*this, "chkFullOT", "OT"};
     CheckBox chkFullDed{*this, "chkFullDed", "OT Deduct"};
     CheckBox chkFullAffectSal{*this, "chkFullAffectSal", "Affect Salary"};
-    TextBox txtAttUpperLimit{*this, "txtAttUpperLimit", "Attendance Upper Limit"};
-    TextBox txtOTMinLimit{*this, "txtOTMinLimit", "Over Time Min. Limit"};
+    NumberBox txtAttUpperLimit{*this, "txtAttUpperLimit", "Attendance Upper Limit"};
+    NumberBox txtOTMinLimit{*this, "txtOTMinLimit", "Over Time Min. Limit"};
     Label lblHint{*this, "lblHint", "Enter In Minutes (30 for thirty minutes)"};
-    Command cmdSave{*this, "cmdSave", "&Save"};
-    Command cmdClose{*this, "cmdClose", "Cl&ose"};
-
-    void cmdSave_Click();
+    Command cmdSave{*this, "cmdSave", "&Save", Command::Writing, [this] { cmdSave_Click(); }};
+    CloseCommand cmdClose{*this};
 
   private:
-    // One column of the row with its control: a box of hours or minutes, or a check.
-    struct Field {
-        const char* column;
-        const char* label;  // in the audit
-        TextBox* box = nullptr;
-        CheckBox* check = nullptr;
-        const char* tooLarge = nullptr;  // what is said of a figure above the largest
-        double largest = 24;
-    };
-    struct Band {
-        const char* title;  // in the audit
-        std::vector<Field> fields;
+    // A figure has a largest value, and a text for one above it.
+    struct Limit {
+        NumberBox& box;
+        double largest;
+        std::string text;
     };
 
-    void onLoad() override;
+    void load() override;
     Layout layout() override;
-    double valueOf(const Field& field) const;
-    bool withinLimit(const Field& field);
-    bool bandsAccepted();
+    void declareRow();
+    void cmdSave_Click();
+    std::optional<Refusal> aboveLimit(const Limit& limit) const;
+    std::optional<Refusal> check() const;
     // Whether the save may go on; what it must still find so goes into the batch.
     bool changeAccepted(SaveBatch& batch);
-    bool changed() const;
-    void audit();
 
     int32_t attHeadId_;
-    std::vector<Band> bands_;  // no attendance, half day, full day, and the two limits
-    std::vector<std::vector<double>> stored_;  // of the row, as bands_ has the fields
-    ShownRow shown_;                           // the same row
+    EditedRow hours_{"MAS_ATTHEAD", "ATTHEADID", "The attendance head"};
+    std::vector<Limit> limits_;  // the bands' figures, then the two limits
 };
 
 }  // namespace owb

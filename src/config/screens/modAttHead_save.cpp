@@ -1,160 +1,66 @@
 // Saving and deleting a head: the checks in their order, the row, and what it marks.
 #include "config/screens/modAttHead.h"
+#include "config/screens/paid_heads.h"
 #include "db/recordset.h"
-#include "session/locks.h"
+#include "marks/marks.h"
 #include "session/modAttSetting.h"
-#include "session/modAuditTrail.h"
-#include "session/modOWBSetting.h"
 #include "session/queries.h"
 
 namespace owb {
 
 namespace {
 
-std::string number(int64_t value) {
-    return std::to_string(value);
-}
-
 constexpr const char* kNameTaken = "Specified name already exists";
 constexpr const char* kMenuTaken = "Specified Attendance Menu already exists";
-
-const char* yesNo(bool value) {
-    return value ? "Yes" : "No";
-}
+constexpr const char* kOnlyHead = "First Attedance detail is required, can't delete";
 
 }  // namespace
 
-void modAttHead::cmdSave_Click() {
-    if (denied(cmdSave)) return;
-    if (!isNew_ && !stillAsShown(shown_, kHead, [this] { showAgain(); })) return;
-    const Head now = headOnScreen();
-    if (!fieldsAccepted(now)) return;
-    SaveBatch batch;
-    std::string marks;
-    if (isNew_) {
-        insert(batch, now);
-    } else {
-        if (!changesAccepted(batch, now, marks)) return;
-        batch.requireShown(shown_, kHead);
-        requireFreeNames(batch, now);
-        batch.add(rowOf(now).update("MAS_ATTHEAD", shown_.key())).add(marks);
-    }
-    if (!save(batch, [this] { showAgain(); })) return;
-    if (FnBlnAuditTrailOn(session_)) auditSave(now);
-    finish();
-    session_.gGenCmn.ShowSavedMessage();
-}
-
-bool modAttHead::fieldsAccepted(const Head& head) {
-    const auto refused = [&](const char* text, Control& field) {
-        refuse(text, field);
-        return false;
+std::optional<Refusal> modAttHead::check() {
+    const auto taken = [&](const char* column) {
+        return FnBlnDuplicate(session_, "MAS_ATTHEAD", column, "ATTHEADID",
+                              row_.typed(column).toText(), row_.key());
     };
-    if (head.id == 0) return refused("Specify Sl. No.", txtAttID);
-    if (head.menuName.empty()) return refused("Specify Menu Caption", txtShortName);
-    if (head.name.empty()) return refused("Specify Attendance Head Name", txtAttName);
-    if (FnBlnDuplicate(session_, "MAS_ATTHEAD", "ATTHEADNAME", "ATTHEADID", head.name, head.id))
-        return refused(kNameTaken, txtAttName);
-    if (FnBlnDuplicate(session_, "MAS_ATTHEAD", "ATTMENUNAME", "ATTHEADID", head.menuName, head.id))
-        return refused(kMenuTaken, txtShortName);
-    if (head.tight && head.nwdOption == 0)
-        return refused("Invalid option selected for 'Salary Calendar Days'.", optNODForCalc[0]);
-    if (OptAttMonthly.value() && head.allotType == 0)
-        return refused("Invalid Allotment type option selected.", optAllotType[0]);
-    return true;
+    if (txtAttID.value.empty()) return Refusal{"Specify Sl. No.", &txtAttID};
+    if (row_.typed("ATTMENUNAME").toText().empty())
+        return Refusal{"Specify Menu Caption", &txtShortName};
+    if (row_.typed("ATTHEADNAME").toText().empty())
+        return Refusal{"Specify Attendance Head Name", &txtAttName};
+    if (taken("ATTHEADNAME")) return Refusal{kNameTaken, &txtAttName};
+    if (taken("ATTMENUNAME")) return Refusal{kMenuTaken, &txtShortName};
+    if (optTightIntegrate.value() && optNODForCalc.chosen() < 0)
+        return Refusal{"Invalid option selected for 'Salary Calendar Days'.", &optNODForCalc[0]};
+    if (OptAttMonthly.value() && optAllotType.chosen() < 0)
+        return Refusal{"Invalid Allotment type option selected.", &optAllotType[0]};
+    return {};
 }
 
-std::vector<modAttHead::Setting> modAttHead::settingsOf(const Head& before, const Head& now) const {
-    const auto chosen = [](const OptionGroup& group, int index) -> std::string {
-        return index == 0 ? "" : group.buttons()[static_cast<size_t>(index - 1)]->caption;
-    };
-    const auto integration = [&](bool tight) {
-        return (tight ? optTightIntegrate : optLooseIntegrate).caption;
-    };
-    return {
-        {"Attendance Name", before.name, now.name},
-        {"Short Name", before.menuName, now.menuName},
-        {"Salary Calculation", integration(before.tight), integration(now.tight), true},
-        {"Salary Calendar days (NWD)", chosen(nwdOptions, before.nwdOption),
-         chosen(nwdOptions, now.nwdOption), true},
-        {"Attendance Register Type", chosen(optRegister, before.registerType),
-         chosen(optRegister, now.registerType)},
-        {chkAllowMore.caption, yesNo(before.allowMore), yesNo(now.allowMore), true},
-        {"Allotment Type", chosen(allotTypes, before.allotType), chosen(allotTypes, now.allotType)},
-        {chkOT1.caption, yesNo(before.ot1), yesNo(now.ot1)},
-        {chkOT2.caption, yesNo(before.ot2), yesNo(now.ot2)},
-        {"Over Time for Day to day attendance", before.otHourly ? "Hourly" : "Daily",
-         now.otHourly ? "Hourly" : "Daily"},
-        {chkInactive.caption, yesNo(before.inactive), yesNo(now.inactive)},
-        {"Remarks", before.remarks, now.remarks}};
+std::string modAttHead::changedForSalary() const {
+    if (row_.isNew()) return "";
+    for (const EditedRow::Field& field : row_.fields())
+        for (const char* column : {"ATTNTIGHTYN", "NODFORCALC", "MORETHANNODYN"})
+            if (field.column == column && row_.changed(column) &&
+                FnBlnHeadPaid(session_, static_cast<int32_t>(row_.key())))
+                return field.label;
+    return "";
 }
 
-bool modAttHead::hasSalaryRows() const {
-    return FnBlnExistsOrThrow(
-        session_,
-        "Select SE.SALID From SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET ED  Where SE.EMPID = ED.EMPID "
-        "AND SE.EMPDETID = ED.EMPDETID AND ED.ATTHEADID = " +
-            number(selected_.id));
+bool modAttHead::mayBeSaved(SaveBatch& batch) {
+    row_.requireFree(batch, "ATTHEADNAME", kNameTaken);
+    row_.requireFree(batch, "ATTMENUNAME", kMenuTaken);
+    const std::string setting = changedForSalary();
+    if (setting.empty()) return true;
+    Lock lock = ConfigurationLock(0, static_cast<int32_t>(row_.key()), session_.gFeature.EMPLOCKYN,
+                                  FnStrSettingLocked(setting));
+    batch.requireOpen(lock);
+    if (lock.holds(session_)) return !refused(Refusal{lock.text});
+    return ask("By changing these values, salary will be recalculated.\nDo you want to proceed?");
 }
 
-bool modAttHead::changesAccepted(SaveBatch& batch, const Head& now, std::string& marks) {
-    const std::vector<Setting> settings = settingsOf(selected_, now);
-    const auto changed = std::find_if(settings.begin(), settings.end(), [](const Setting& s) {
-        return s.salaryRestsOnIt && s.before != s.now;
-    });
-    if (changed == settings.end() || !hasSalaryRows()) return true;
-    const std::string locked =
-        "Months locked, unlock locked months to change " + changed->label + " setting.";
-    if (FnBlnMonthRangeLocked(session_, 0, 99999, false, 0)) {
-        inform(locked);
-        return false;
-    }
-    if (!ask("By changing these values, salary will be recalculated.\nDo you want to proceed?"))
-        return false;
-    batch.refuseUnless(FnStrMonthRangeOpenSql(0, 99999, false, 0), locked);
-    marks = markHeadSql();
-    return true;
-}
-
-// Two heads may not take one name at once.
-void modAttHead::requireFreeNames(SaveBatch& batch, const Head& head) const {
-    const auto require = [&](const char* column, const std::string& name, const char* text) {
-        batch.refuseUnless("NOT EXISTS (SELECT * FROM MAS_ATTHEAD WITH (UPDLOCK, HOLDLOCK) WHERE " +
-                               RowText().set(column, Value(name)).condition() +
-                               (isNew_ ? ")" : " AND ATTHEADID <> " + number(head.id) + ")"),
-                           text);
-    };
-    require("ATTHEADNAME", head.name, kNameTaken);
-    require("ATTMENUNAME", head.menuName, kMenuTaken);
-}
-
-RowText modAttHead::rowOf(const Head& head) {
-    RowText row;
-    const auto flag = [&](const char* column, bool value) { row.set(column, Value(value)); };
-    row.set("ATTHEADNAME", Value(head.name))
-        .set("ATTMENUNAME", Value(head.menuName))
-        .set("ATTDESC", Value(head.remarks))
-        .set("ATTNTYPE", Value(head.registerType))
-        .set("ATTNALLOTTYPE", head.allotType == 0 ? Value() : Value(head.allotType))
-        // Without a choice, which only an independent head may leave open, months have all their
-        // days.
-        .set("NODFORCALC", Value(head.nwdOption == 0 ? 2 : head.nwdOption));
-    flag("ATTNTIGHTYN", head.tight);
-    flag("ATTNDTODYN", head.registerType == 2 || head.registerType == 3);
-    flag("ATTNHOURLYYN", head.registerType == 3);
-    flag("OT1YN", head.ot1);
-    flag("OT2YN", head.ot2);
-    flag("OTHOURLYYN", head.otHourly);
-    flag("MORETHANNODYN", head.allowMore);
-    flag("INACTIVEYN", head.inactive);
-    return row;
-}
-
-void modAttHead::insert(SaveBatch& batch, const Head& head) {
-    requireFreeNames(batch, head);
-    const std::string id = batch.newKey("MAS_ATTHEAD", "ATTHEADID");
-    RowText row = rowOf(head);
-    row.setSql("ATTHEADID", id);
+std::string modAttHead::writeRow(SaveBatch& batch) {
+    RowText further, bands;
+    further.set("ATTNDTODYN", Value(isRegisterKept()))
+        .set("ATTNHOURLYYN", Value(optAttHourly.value()));
     // The bands of a day, until the user sets his own.
     for (const auto& [column, value] : {std::pair{"MINNOATT", 0.0},
                                         {"MAXNOATT", 1.99},
@@ -174,65 +80,58 @@ void modAttHead::insert(SaveBatch& batch, const Head& head) {
                                         {"NOATTSALAFFYN", 0.0},
                                         {"HALFATTSALAFFYN", 0.0},
                                         {"FULLATTSALAFFYN", 0.0}})
-        row.set(column, Value(value));
-    batch.add(row.insertInto("MAS_ATTHEAD"));
-    makeLeaveSettings(batch, id);
+        bands.set(column, Value(value));
+    const std::string key = row_.writeInto(batch, further, bands);
+    if (row_.isNew()) batch.add(makeLeaveSettings(key));
+    return key;
 }
 
 // From the payroll's first month on, as the master rows say.
-void modAttHead::makeLeaveSettings(SaveBatch& batch, const std::string& headId) {
+std::string modAttHead::makeLeaveSettings(const std::string& headId) {
     const auto month = static_cast<int32_t>(
         FnVarValueOrThrow(session_, "SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
-    Recordset rs(session_.gConn,
-                 "SELECT LEVID FROM ATT_DEFINITION WHERE LEAVEYN = 1 AND ALLOTMENTYN = 1");
-    for (; !rs.IsEOF(); rs.MoveNext()) {
+    std::string sql;
+    for (Recordset rs(session_.gConn,
+                      "SELECT LEVID FROM ATT_DEFINITION WHERE LEAVEYN = 1 AND ALLOTMENTYN = 1");
+         !rs.IsEOF(); rs.MoveNext()) {
         const auto levId = static_cast<int32_t>(rs.Fields(0).toInt());
         bool found = false;
         LeaveSettingsRecord settings = FnReadLeaveSettings(session_, levId, 0, month, found);
         if (!found) settings.PRIORITY = levId;
         settings.EDITEDYN = false;
-        batch.add(SaveLeaveSettingsSql(levId, headId, month, settings));
+        sql += SaveLeaveSettingsSql(levId, headId, month, settings);
     }
+    return sql;
 }
 
-std::string modAttHead::markHeadSql() const {
-    const std::string head = number(selected_.id);
-    return " UPDATE ATT_DAYTODAY SET EDITMODEYN =1 WHERE ATTHEADID = " + head +
-           " UPDATE LEV_MONTHDET SET EDITMODEYN =1 WHERE EMPID IN (SELECT EMPID FROM "
-           "MAS_EMPLOYEEDET WHERE ATTHEADID = " +
-           head +
-           ") UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1 , TSALEDITMODEYN = 1 WHERE SALID "
-           "IN(Select SE.SALID From SLC_SALARYCALC_E SE, MAS_EMPLOYEEDET ED  Where SE.EMPID = "
-           "ED.EMPID AND SE.EMPDETID = ED.EMPDETID AND ED.ATTHEADID = " +
-           head + ")";
+void modAttHead::joinMarks(SaveBatch& batch, Change change, const std::string&) {
+    if (change == Change::Updated && !changedForSalary().empty())
+        batch.add(MarkHeadSql(static_cast<int32_t>(row_.key())));
 }
 
-void modAttHead::cmdDelete_Click() {
-    if (denied(cmdDelete)) return;
-    const char* onlyHead = "First Attedance detail is required, can't delete";
+std::optional<Refusal> modAttHead::checkDeletion() {
     if (FnVarValueOrThrow(session_, "SELECT COUNT(ATTHEADID) FROM MAS_ATTHEAD").toInt() == 1)
-        return inform(onlyHead);
-    if (isNew_) return inform("Select Attendance Head to delete.");
-    if (!stillAsShown(shown_, kHead, [this] { showAgain(); })) return;
-    const std::string head = number(selected_.id);
-    const std::string assigned = "Select * From MAS_EMPLOYEEDET Where ATTHEADID = " + head;
+        return Refusal{kOnlyHead};
+    if (row_.isNew()) return Refusal{"Select Attendance Head to delete."};
+    return {};
+}
+
+bool modAttHead::mayBeDeleted(SaveBatch& batch) {
+    const std::string assigned = Sql() << "Select * From MAS_EMPLOYEEDET Where ATTHEADID = "
+                                       << row_.key();
     const std::string isAssigned = session_.gEmployeeCaption + " assigned, cannot delete";
-    if (FnBlnExistsOrThrow(session_, assigned)) return inform(isAssigned);
-    if (!ask("Do you want to delete ?")) return;
-    SaveBatch batch;
-    batch.requireShown(shown_, kHead)
-        .refuseUnless("NOT EXISTS (" + assigned + ")", isAssigned)
+    if (FnBlnExistsOrThrow(session_, assigned)) return !refused(Refusal{isAssigned});
+    batch.refuseUnless("NOT EXISTS (" + assigned + ")", isAssigned)
         .refuseUnless("1 < (SELECT COUNT(ATTHEADID) FROM MAS_ATTHEAD WITH (TABLOCKX, HOLDLOCK))",
-                      onlyHead);
-    for (const char* table :
-         {"ATT_WEEKLY", "LEV_WEEKLYHLD", "SLC_ATTHEADNOD", "MAS_ATTHEAD", "LEV_SETTINGS",
-          "ATT_OPTSETTINGS", "ATT_HOLIDAY", "LEV_ALLOTCONFIG", "LEV_ALLOTMENT"})
-        batch.add(std::string(" DELETE FROM ") + table + " WHERE ATTHEADID = " + head);
-    if (!save(batch, [this] { showAgain(); })) return;
-    if (FnBlnAuditTrailOn(session_))
-        UpdateAuditTrail(session_, kAuditModule, 0, "Attendance Configuration Deleted",
-                         "Attendance Head Deleted" + auditOf(selected_));
-    finish();
+                      kOnlyHead);
+    return ask("Do you want to delete ?");
+}
+
+void modAttHead::deleteRow(SaveBatch& batch) {
+    row_.deleteIn(batch);
+    for (const char* table : {"ATT_WEEKLY", "LEV_WEEKLYHLD", "SLC_ATTHEADNOD", "LEV_SETTINGS",
+                              "ATT_OPTSETTINGS", "ATT_HOLIDAY", "LEV_ALLOTCONFIG", "LEV_ALLOTMENT"})
+        batch.add(Sql() << " DELETE FROM " << table << " WHERE ATTHEADID = " << row_.key());
 }
 
 // The shell's menu, the session's records and the list show what there is now.
@@ -241,25 +140,22 @@ void modAttHead::finish() {
     showAgain();
 }
 
-std::string modAttHead::auditOf(const Head& head) const {
-    std::string detail;
-    const std::vector<Setting> settings = settingsOf(head, head);
-    for (size_t i = 0; i < 5; ++i) detail += ":->" + settings[i].label + " = " + settings[i].now;
-    return detail;
-}
-
-void modAttHead::auditSave(const Head& now) {
-    if (isNew_) {
-        UpdateAuditTrail(session_, kAuditModule, 0, "Attendance Configuration Added",
-                         "New Attendance Head Added" + auditOf(now));
-        return;
+AuditLine modAttHead::auditLine(Change change) {
+    if (change == Change::Updated) {
+        AuditText detail("Attendance Head Updated", ":->");
+        if (!row_.changed("ATTHEADNAME"))
+            detail.value("Attendance Name", row_.typed("ATTHEADNAME").toText());
+        row_.tellChanges(detail);
+        return {"Attendance Configuration Updated", detail.text()};
     }
-    std::string detail = "Attendance Head Updated";
-    if (now.name == selected_.name) detail += ":->Attendance Name = " + now.name;
-    for (const Setting& s : settingsOf(selected_, now))
-        if (s.before != s.now)
-            detail += ":->" + s.label + " Changed from " + s.before + " to " + s.now;
-    UpdateAuditTrail(session_, kAuditModule, 0, "Attendance Configuration Updated", detail);
+    if (change == Change::Added) {
+        AuditText detail("New Attendance Head Added", ":->");
+        row_.tellAll(detail);
+        return {"Attendance Configuration Added", detail.text()};
+    }
+    AuditText detail("Attendance Head Deleted", ":->");
+    row_.tellStored(detail);
+    return {"Attendance Configuration Deleted", detail.text()};
 }
 
 }  // namespace owb

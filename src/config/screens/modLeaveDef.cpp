@@ -1,19 +1,15 @@
 #include "config/screens/modLeaveDef.h"
 
-#include "base/utf8.h"
 #include "db/recordset.h"
-#include "session/modAuditTrail.h"
-#include "session/modOWBSetting.h"
+#include "marks/marks.h"
 #include "session/queries.h"
+#include "session/screens/fill_grid.h"
 
 namespace owb {
 
 namespace {
 
-enum Column { kId, kName, kShort, kAffectsSalary, kAllotment };
-
 constexpr int32_t kMenuId = 1500;
-constexpr const char* kDefinition = "The leave definition";
 constexpr const char* kNameTaken = "Leave/Non Leave Type is already been created.";
 constexpr const char* kShortTaken = "Given abbreviation already set for a Leave/Non Leave Type.";
 constexpr const char* kIsEncashed =
@@ -21,51 +17,42 @@ constexpr const char* kIsEncashed =
 
 constexpr int64_t kCompensatoryWork = 3, kReserved = 4;
 
-std::string number(int64_t value) {
-    return std::to_string(value);
-}
-
-const char* yesNo(bool value) {
-    return value ? "Yes" : "No";
-}
-
 }  // namespace
 
 modLeaveDef::modLeaveDef(Session& session, FrontEnd& frontEnd)
-    : SessionScreen(session, frontEnd, "modLeaveDef", "Leave / Non-Leave Definition") {
+    : RowScreen(session, frontEnd,
+                {"modLeaveDef", "Leave / Non-Leave Definition", kMenuId, "fpgMstDetail"},
+                definition_) {
     txtLeaveName.maxLength = 60;
     txtAttShort.maxLength = 10;
+    definition_.text("LEVNAME", txtLeaveName, "Leave Name").addedLabel = "Name";
+    definition_.text("LEVSHORT", txtAttShort, "Leave Short Name").addedLabel = "Short Name";
+    definition_.check("AFFECTSALARYYN", chkAffectSalary, "Affects Salary");
+    definition_.check("ALLOTMENTYN", chkLeaveAllotment, "Leave Allotment");
     cmdMasterSetting.toolTip = "Leave settings common to all attendance heads";
-    fpgMstDetail.caption = "Leave and non-leave types";
-    fpgMstDetail.setColumns({{.caption = "LEVID", .hidden = true},
-                             {.caption = "Name", .width = 30},
-                             {.caption = "Abbreviation", .width = 12},
-                             {.caption = "Affects Salary", .width = 14, .type = CellType::Check},
-                             {.caption = "Leave Allotment", .width = 15, .type = CellType::Check}});
-    fpgMstDetail.singleRows = true;
-    fpgMstDetail.onCurrentChange = [this](size_t row, size_t) { fpgMstDetail_Click(row); };
-    optLeave.onClick = optNonLeave.onClick = [this] { optKind_Click(); };
+    list.caption = "Leave and non-leave types";
+    list.setColumns({{.caption = "LEVID", .hidden = true},
+                     {.caption = "Name", .width = 30},
+                     {.caption = "Abbreviation", .width = 12},
+                     {.caption = "Affects Salary", .width = 14, .type = CellType::Check},
+                     {.caption = "Leave Allotment", .width = 15, .type = CellType::Check}});
+    optLeave.onClick = optNonLeave.onClick = [this] { showAgain(); };
     chkLeaveAllotment.onClick = [this] { chkLeaveAllotment_Click(); };
-    cmdMasterSetting.onClick = [this] { cmdMasterSetting_Click(); };
-    cmdNew.onClick = [this] { cmdNew_Click(); };
-    cmdSave.onClick = [this] { cmdSave_Click(); };
-    cmdDelete.onClick = [this] { cmdDelete_Click(); };
-    cmdClose.onClick = [this] { close(); };
 }
 
 Layout modLeaveDef::layout() {
-    return column({row({item(optLeave), item(optNonLeave), space()}), item(fpgMstDetail, 1),
+    std::vector<Layout> commands = commandItems();
+    commands.insert(commands.begin(), {item(cmdMasterSetting), space()});
+    return column({row({item(optLeave), item(optNonLeave), space()}), item(list, 1),
                    form({item("Name", txtLeaveName), item("Abbreviation", txtAttShort),
                          item("", chkAffectSalary), item("", chkLeaveAllotment)}),
-                   row({item(cmdMasterSetting), space(), item(cmdNew), item(cmdSave),
-                        item(cmdDelete), item(cmdClose)})});
+                   row(std::move(commands))});
 }
 
-void modLeaveDef::onLoad() {
-    applyRights({&cmdSave, &cmdDelete}, kMenuId);
+void modLeaveDef::load() {
     repairRows();
     optLeave.choose();
-    loadGrid();
+    showAgain();
 }
 
 // Rows of older versions, brought to what the ledger expects of them.
@@ -92,67 +79,30 @@ void modLeaveDef::repairRows() {
         session_.gConn.Execute(sql);
 }
 
-void modLeaveDef::loadGrid() {
-    fpgMstDetail.setRowCount(0);
-    Recordset rs(session_.gConn,
-                 "SELECT LEVID, LEVNAME, LEVSHORT, AFFECTSALARYYN, ALLOTMENTYN FROM ATT_DEFINITION "
-                 "WHERE LEAVEYN = " +
-                     number(optLeave.value() ? 1 : 0) + " ORDER BY LEVID");
-    for (; !rs.IsEOF(); rs.MoveNext())
-        fpgMstDetail.addRow({rs.Fields("LEVID").toText(), rs.Fields("LEVNAME").toText(),
-                             rs.Fields("LEVSHORT").toText(),
-                             rs.Fields("AFFECTSALARYYN").toBool() ? "1" : "0",
-                             rs.Fields("ALLOTMENTYN").toBool() ? "1" : "0"});
-    show({});
+void modLeaveDef::loadList() {
+    fillGrid(session_, list,
+             Sql() << "SELECT LEVID, LEVNAME, LEVSHORT, AFFECTSALARYYN, ALLOTMENTYN FROM "
+                      "ATT_DEFINITION WHERE LEAVEYN = "
+                   << optLeave.value() << " ORDER BY LEVID");
 }
 
-void modLeaveDef::show(const Definition& definition) {
-    selected_ = definition;
-    shown_ = {};
-    if (definition.levId == 0) fpgMstDetail.setCurrent(-1, -1);
-    txtLeaveName.value = definition.name;
-    txtAttShort.value = definition.shortName;
-    chkAffectSalary.value = definition.affectsSalary;
-    chkLeaveAllotment.value = definition.allotment;
-    // Loss of pay is never allotted, the compensatory pair always.
-    chkLeaveAllotment.enabled = definition.levId == 0 || definition.levId > kCompensatoryWork;
-}
-
-modLeaveDef::Definition modLeaveDef::definitionOnScreen() const {
-    return {selected_.levId, trim(txtLeaveName.value), trim(txtAttShort.value),
-            chkAffectSalary.value, chkLeaveAllotment.value};
+// Loss of pay is never allotted, the compensatory pair always.
+void modLeaveDef::rowShown() {
+    chkLeaveAllotment.enabled = row_.isNew() || row_.key() > kCompensatoryWork;
 }
 
 std::string modLeaveDef::word() const {
     return optLeave.value() ? "Leave" : "Non-Leave";
 }
 
-void modLeaveDef::optKind_Click() {
-    loadGrid();
-}
-
-void modLeaveDef::fpgMstDetail_Click(size_t row) {
-    const auto levId = static_cast<int64_t>(fpgMstDetail.number(row, kId));
-    const ShownRow read(session_, "ATT_DEFINITION",
-                        "LEVNAME, LEVSHORT, LEAVEYN, AFFECTSALARYYN, ALLOTMENTYN",
-                        "LEVID = " + number(levId));
-    if (!read.found()) {
-        frontEnd().warning(FnStrChangedMeanwhile(kDefinition));
-        return loadGrid();
-    }
-    show({levId, read.value("LEVNAME").toText(), read.value("LEVSHORT").toText(),
-          read.value("AFFECTSALARYYN").toBool(), read.value("ALLOTMENTYN").toBool()});
-    shown_ = read;
-}
-
 std::string modLeaveDef::encashedSql() const {
     return "SELECT COUNT(AE.ALLOTID) FROM ATT_ENCASH AE INNER JOIN LEV_ALLOTMENT LA ON AE.ALLOTID "
            "= LA.ALLOTID INNER JOIN ATT_DEFINITION AD ON LA.LEVID = AD.LEVID WHERE AD.LEVID = " +
-           number(selected_.levId);
+           std::to_string(row_.key());
 }
 
 void modLeaveDef::chkLeaveAllotment_Click() {
-    if (chkLeaveAllotment.value || selected_.levId == 0) return;
+    if (chkLeaveAllotment.value || row_.isNew()) return;
     chkLeaveAllotment.value = true;  // until it is known that it may go
     if (FnVarValueOrThrow(session_, encashedSql()).toInt() == 0)
         chkLeaveAllotment.value = false;
@@ -164,100 +114,51 @@ void modLeaveDef::cmdMasterSetting_Click() {
     inform("Leave Settings is not available in this version.");
 }
 
-void modLeaveDef::cmdNew_Click() {
-    show({});
-    setFocus(txtLeaveName);
-}
-
 // --- saving ---
 
-bool modLeaveDef::taken(const char* column, const std::string& text) const {
-    return FnBlnExistsOrThrow(session_, std::string("SELECT LEVID FROM ATT_DEFINITION WHERE ") +
-                                            column + " = '" + session_.gSpChar.FnStrSpSQL(text) +
-                                            "' AND LEVID <> " + number(selected_.levId));
+std::optional<Refusal> modLeaveDef::check() {
+    const auto taken = [&](const char* column) {
+        return FnBlnExistsOrThrow(session_, Sql() << "SELECT LEVID FROM ATT_DEFINITION WHERE "
+                                                  << column << " = " << literal(row_.typed(column))
+                                                  << " AND LEVID <> " << row_.key());
+    };
+    if (row_.typed("LEVNAME").toText().empty())
+        return Refusal{"Specify " + word() + " name.", &txtLeaveName};
+    if (row_.typed("LEVSHORT").toText().empty())
+        return Refusal{"Specify " + word() + " abbreviation.", &txtAttShort};
+    if (taken("LEVNAME")) return Refusal{kNameTaken, &txtLeaveName};
+    if (taken("LEVSHORT")) return Refusal{kShortTaken, &txtAttShort};
+    return {};
 }
 
-void modLeaveDef::cmdSave_Click() {
-    if (denied(cmdSave)) return;
-    const auto showAgain = [this] { loadGrid(); };
-    if (selected_.levId != 0 && !stillAsShown(shown_, kDefinition, showAgain)) return;
-    const Definition now = definitionOnScreen();
-    if (now.name.empty()) return refuse("Specify " + word() + " name.", txtLeaveName);
-    if (now.shortName.empty()) return refuse("Specify " + word() + " abbreviation.", txtAttShort);
-    if (taken("LEVNAME", now.name)) return refuse(kNameTaken, txtLeaveName);
-    if (taken("LEVSHORT", now.shortName)) return refuse(kShortTaken, txtAttShort);
-    SaveBatch batch;
-    std::string marks;
-    if (now.levId != 0 && now.affectsSalary != selected_.affectsSalary &&
-        !changeOfSalaryAccepted(batch, marks))
-        return;
-    requireFree(batch, now);
-    write(batch, now);
-    alignSettings(batch);
-    batch.add(marks);
-    if (!save(batch, showAgain)) return;
-    if (FnBlnAuditTrailOn(session_)) auditSave(now);
-    finish();
-    session_.gGenCmn.ShowSavedMessage();
-}
-
-bool modLeaveDef::changeOfSalaryAccepted(SaveBatch& batch, std::string& marks) {
-    const std::string id = number(selected_.levId);
-    const std::string lockedMonths =
-        "Select COUNT(*) From MAS_MONTHYEAR Where LOCKEDYN = 1 And MONTHYEAR In (Select "
-        "MONTH(LEAVEDATE) + (YEAR(LEAVEDATE) * 12) From LEV_DETAILS Where LEVID = " +
-        id + ")";
-    const char* locked =
-        "Some of the Salary processed months are 'Locked'.\nUnlock such months to change 'Affects "
-        "Salary' setting.";
-    if (FnVarValueOrThrow(session_, lockedMonths).toInt() > 0) {
-        inform(locked);
-        return false;
+bool modLeaveDef::mayBeSaved(SaveBatch& batch) {
+    if (salaryChanged()) {
+        const Lock taken{Sql() << "EXISTS (Select * From MAS_MONTHYEAR Where LOCKEDYN = 1 And "
+                                  "MONTHYEAR In (Select MONTH(LEAVEDATE) + (YEAR(LEAVEDATE) * 12) "
+                                  "From LEV_DETAILS Where LEVID = "
+                               << row_.key() << "))",
+                         "Some of the Salary processed months are 'Locked'.\nUnlock such months to "
+                         "change 'Affects Salary' setting."};
+        if (taken.holds(session_)) return !refused(Refusal{taken.text});
+        if (!ask("Salaries will be processed for " + session_.gEmployeeCaption +
+                 " (s) who have availed selected leave.\nDo you want to continue updating leave "
+                 "definition?"))
+            return false;
+        batch.requireOpen(taken);
     }
-    if (!ask("Salaries will be processed for " + session_.gEmployeeCaption +
-             " (s) who have availed selected leave.\nDo you want to continue updating leave "
-             "definition?"))
-        return false;
-    batch.refuseUnless("0 = (" + lockedMonths + ")", locked);
-    marks =
-        " UPDATE dbo.LEV_MONTHDET SET EDITMODEYN = 1 FROM dbo.LEV_MONTHDET LM, (SELECT DISTINCT "
-        "EMPID, DBO.FNLNGMONTHYEAR(LEAVEDATE, LEAVEDATE) AS MNTHYR FROM dbo.LEV_DETAILS WHERE "
-        "LEVID = " +
-        id + ") AS TMPTAB WHERE LM.EMPID = TMPTAB.EMPID AND LM.MONTHYEAR = TMPTAB.MNTHYR";
+    row_.requireFree(batch, "LEVNAME", kNameTaken);
+    row_.requireFree(batch, "LEVSHORT", kShortTaken);
+    if (row_.before("ALLOTMENTYN").toBool() && !chkLeaveAllotment.value)
+        batch.refuseUnless("0 = (" + encashedSql() + ")", kIsEncashed);
     return true;
 }
 
-// What two users who save at once may not both do.
-void modLeaveDef::requireFree(SaveBatch& batch, const Definition& definition) const {
-    const auto require = [&](const char* column, const std::string& text, const char* taken) {
-        batch.refuseUnless(
-            "NOT EXISTS (SELECT * FROM ATT_DEFINITION WITH (UPDLOCK, HOLDLOCK) WHERE " +
-                RowText().set(column, Value(text)).condition() + " AND LEVID <> " +
-                number(definition.levId) + ")",
-            taken);
-    };
-    require("LEVNAME", definition.name, kNameTaken);
-    require("LEVSHORT", definition.shortName, kShortTaken);
-    if (selected_.allotment && !definition.allotment)
-        batch.refuseUnless("0 = (" + encashedSql() + ")", kIsEncashed);
+std::string modLeaveDef::writeRow(SaveBatch& batch) {
+    return row_.writeInto(batch, RowText().set("LEAVEYN", Value(optLeave.value())));
 }
 
-void modLeaveDef::write(SaveBatch& batch, const Definition& definition) const {
-    RowText row;
-    row.set("LEVNAME", Value(definition.name))
-        .set("LEVSHORT", Value(definition.shortName))
-        .set("LEAVEYN", Value(optLeave.value()))
-        .set("AFFECTSALARYYN", Value(definition.affectsSalary))
-        .set("AllotmentYN", Value(definition.allotment));
-    if (definition.levId != 0) {
-        batch.requireShown(shown_, kDefinition).add(row.update("ATT_DEFINITION", shown_.key()));
-        return;
-    }
-    row.setSql("LEVID", batch.newKey("ATT_DEFINITION", "LEVID"));
-    batch.add(row.insertInto("ATT_DEFINITION"));
-}
-
-void modLeaveDef::alignSettings(SaveBatch& batch) {
+// Settings of every type with allotment, and of no other; then the marks.
+void modLeaveDef::joinMarks(SaveBatch& batch, Change change, const std::string&) {
     const std::string insert =
         " Insert into LEV_SETTINGS(LEVID, ATTHEADID, MINMONTH, MINDAYS, MINAVAILMONTH, "
         "MINAVAILDAYS, ALLOTTYPE, COTYPE, ENCASHMINBAL, PRIORITY) ";
@@ -272,54 +173,38 @@ void modLeaveDef::alignSettings(SaveBatch& batch) {
              "Select AD.LEVID, MA.ATTHEADID, 0, 0, 0, 0, 0, 0, 0, AD.LEVID From ATT_DEFINITION AD, "
              "MAS_ATTHEAD MA Where AD.AllotmentYN = 1 And Not Exists (Select LEVID From "
              "LEV_SETTINGS Where LEVID = AD.LEVID And ATTHEADID = MA.ATTHEADID) ");
+    if (change == Change::Updated && salaryChanged())
+        batch.add(MarkLeaveKindSql(static_cast<int32_t>(row_.key())));
 }
 
 // --- deleting ---
 
-void modLeaveDef::cmdDelete_Click() {
-    if (denied(cmdDelete)) return;
-    SaveBatch batch;
-    if (!deletionAccepted(batch)) return;
-    const Definition gone = selected_;
-    for (const char* table : {"ATT_OPBAL", "LEV_DETAILS", "LEV_ALLOTMENT", "LEV_SETTINGS",
-                              "ATT_ALLOTMENT", "ATT_MONTHLEV", "ATT_DEFINITION", "LEV_ALLOTCONFIG",
-                              "LEV_ALLOTFROM", "LEV_AVAILFROM", "LEV_ADJUSTMENT"})
-        batch.add(std::string(" DELETE FROM ") + table + " WHERE LEVID = " + number(gone.levId));
-    alignSettings(batch);
-    if (!save(batch, [this] { loadGrid(); })) return;
-    if (FnBlnAuditTrailOn(session_))
-        UpdateAuditTrail(session_, kAuditModule, 0, "Leave Definition Deleted", auditOf(gone),
-                         word() + " Type Deleted");
-    finish();
+std::optional<Refusal> modLeaveDef::checkDeletion() {
+    if (row_.isNew()) return Refusal{"Select " + word() + " to delete."};
+    if (row_.key() <= kReserved)
+        return Refusal{"Selected " + word() +
+                       " is not user created. Hence, deletion is not allowed"};
+    return {};
 }
 
-bool modLeaveDef::deletionAccepted(SaveBatch& batch) {
-    const auto refused = [&](const std::string& text) {
-        inform(text);
-        return false;
-    };
-    const std::string id = number(selected_.levId);
-    if (selected_.levId == 0) return refused("Select " + word() + " to delete.");
-    if (selected_.levId <= kReserved)
-        return refused("Selected " + word() +
-                       " is not user created. Hence, deletion is not allowed");
-    if (!stillAsShown(shown_, kDefinition, [this] { loadGrid(); })) return false;
+bool modLeaveDef::mayBeDeleted(SaveBatch& batch) {
+    const std::string id = std::to_string(row_.key());
+    const std::string shortName = row_.before("LEVSHORT").toText();
     struct Use {
         std::string sql, text, title = "Orvane Wagebook";
     };
     const Use uses[] = {
         {"SELECT EMPID FROM LEV_DETAILS WHERE LEVID=" + id,
-         "'" + selected_.shortName + "' has been availed by one or more " +
-             session_.gEmployeeCaption + " (s). \nYou can not delete the Leave Definition.",
+         "'" + shortName + "' has been availed by one or more " + session_.gEmployeeCaption +
+             " (s). \nYou can not delete the Leave Definition.",
          "Invalid Action"},
         {"SELECT ENCASHSLNO FROM ATT_ENCASH AE, LEV_ALLOTMENT LA WHERE LA.ALLOTID=AE.ALLOTID AND "
          "LA.LEVID=" +
              id,
-         "Encashment has been done for '" + selected_.shortName + "'. Deletion is not allowed."},
+         "Encashment has been done for '" + shortName + "'. Deletion is not allowed."},
         {"Select OPBAL From ATT_OPBAL Where LEVID = " + id + " And OPBAL > 0",
          " 'Opening Balance' given for one or more " + session_.gEmployeeCaption +
              " (s). Hence, Leave can not be deleted."}};
-    batch.requireShown(shown_, kDefinition);
     for (const Use& use : uses) {
         if (FnBlnExistsOrThrow(session_, use.sql)) {
             inform(use.text, use.title);
@@ -330,38 +215,34 @@ bool modLeaveDef::deletionAccepted(SaveBatch& batch) {
     return ask("Do you want to delete selected " + word() + "?");
 }
 
+void modLeaveDef::deleteRow(SaveBatch& batch) {
+    row_.deleteIn(batch);
+    for (const char* table :
+         {"ATT_OPBAL", "LEV_DETAILS", "LEV_ALLOTMENT", "LEV_SETTINGS", "ATT_ALLOTMENT",
+          "ATT_MONTHLEV", "LEV_ALLOTCONFIG", "LEV_ALLOTFROM", "LEV_AVAILFROM", "LEV_ADJUSTMENT"})
+        batch.add(Sql() << " DELETE FROM " << table << " WHERE LEVID = " << row_.key());
+}
+
 // The shell's menu and the list show what there is now.
 void modLeaveDef::finish() {
     session_.settings.SaveSetting("LeaveMgmt", "CallMenu", "1");
-    loadGrid();
+    showAgain();
 }
 
-// --- the audit's words ---
-
-std::string modLeaveDef::auditOf(const Definition& definition) const {
-    return ":Type = " + word() + ":Name = " + definition.name +
-           ":Short Name = " + definition.shortName +
-           ":Affects Salary = " + yesNo(definition.affectsSalary) +
-           ":Leave Allotment = " + yesNo(definition.allotment);
-}
-
-void modLeaveDef::auditSave(const Definition& now) {
-    if (selected_.levId == 0) {
-        UpdateAuditTrail(session_, kAuditModule, 0, "New Leave Added", auditOf(now),
-                         word() + " Type Added");
-        return;
+AuditLine modLeaveDef::auditLine(Change change) {
+    AuditText detail;
+    if (change == Change::Updated) {
+        detail.add(":").value("Leave Name", row_.typed("LEVNAME").toText());
+        row_.tellChanges(detail);
+        return {"Leave Definition Updated", detail.text(), word() + " Type Updated"};
     }
-    std::string detail = "::Leave Name = " + now.name;
-    const auto change = [&](const char* label, const std::string& from, const std::string& to) {
-        if (from != to) detail += label + from + " to " + to;
-    };
-    change(":Leave Name Changed from ", selected_.name, now.name);
-    change(":Leave Short Name Changed from ", selected_.shortName, now.shortName);
-    change(":Affects Salary Changed from ", yesNo(selected_.affectsSalary),
-           yesNo(now.affectsSalary));
-    change(":Leave Allotment Changed from ", yesNo(selected_.allotment), yesNo(now.allotment));
-    UpdateAuditTrail(session_, kAuditModule, 0, "Leave Definition Updated", detail,
-                     word() + " Type Updated");
+    detail.value("Type", word());
+    if (change == Change::Added) {
+        row_.tellAll(detail);
+        return {"New Leave Added", detail.text(), word() + " Type Added"};
+    }
+    row_.tellStored(detail);
+    return {"Leave Definition Deleted", detail.text(), word() + " Type Deleted"};
 }
 
 }  // namespace owb

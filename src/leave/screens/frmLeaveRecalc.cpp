@@ -7,7 +7,9 @@
 #include "session/modRights.h"
 #include "session/months.h"
 #include "session/queries.h"
+#include "session/screens/fill_grid.h"
 #include "session/screens/modExternal.h"
+#include "session/screens/sheets.h"
 
 namespace owb {
 
@@ -24,13 +26,12 @@ std::string number(int64_t value) {
 
 frmLeaveRecalc::frmLeaveRecalc(Session& session, FrontEnd& frontEnd)
     : SessionScreen(session, frontEnd, "frmLeaveRecalc", "Allotment Recalculation") {
-    for (Combo* combo : {&cmbFromMonth, &cmbToMonth}) {
+    for (MonthCombo* combo : {&cmbFromMonth, &cmbToMonth}) {
         combo->editable = false;
-        combo->onChange = [this] { month_Change(); };
-        pickMonths(*combo);
+        combo->onChange = [this] { loadLists(); };
     }
     cmbAttHead.editable = false;
-    cmbAttHead.onChange = [this] { cmbAttHead_Click(); };
+    cmbAttHead.onChange = [this] { loadEmployees(); };
     lstLeave.caption = "Leaves";
     lstLeave.checkable = true;
     lstLeave.onChange = [this] { count(); };
@@ -45,9 +46,7 @@ frmLeaveRecalc::frmLeaveRecalc(Session& session, FrontEnd& frontEnd)
     fpgEmployee.onEditEnd = [this](size_t, size_t, const std::string&) { count(); };
     chkAllLeaves.onClick = [this] { chkAllLeaves_Click(); };
     chkAllEmployees.onClick = [this] { chkAllEmployees_Click(); };
-    cmdFilter.onClick = [this] { cmdFilter_Click(); };
-    cmdRecalculate.onClick = [this] { cmdRecalculate_Click(); };
-    cmdClose.onClick = [this] { close(); };
+    mnuExport.onClick = [this] { ExportGrid(*this, fpgEmployee); };
 }
 
 Layout frmLeaveRecalc::layout() {
@@ -62,11 +61,10 @@ Layout frmLeaveRecalc::layout() {
                    row({item(cmdFilter), space(), item(cmdRecalculate), item(cmdClose)})});
 }
 
-void frmLeaveRecalc::onLoad() {
-    applyRights({&cmdRecalculate});
+void frmLeaveRecalc::load() {
     ClearEmployeeFilter(session_);
-    for (Combo* combo : {&cmbFromMonth, &cmbToMonth}) {
-        loadMonths(*combo, session_.gFirstLeaveMonth);
+    for (MonthCombo* combo : {&cmbFromMonth, &cmbToMonth}) {
+        combo->load(session_.gFirstLeaveMonth);
         if (!combo->items.empty()) combo->select(0);
     }
     if (!cmbFromMonth.items.empty()) loadLists();
@@ -74,13 +72,13 @@ void frmLeaveRecalc::onLoad() {
 
 std::string frmLeaveRecalc::firstDay() const {
     DateTime first, last;
-    GetMonthPeriod(session_, static_cast<int32_t>(cmbFromMonth.key()), first, last);
+    GetMonthPeriod(session_, cmbFromMonth.month(), first, last);
     return FnStrIsoLiteral(first);
 }
 
 std::string frmLeaveRecalc::inMonths() const {
     DateTime first, last;
-    GetMonthPeriod(session_, static_cast<int32_t>(cmbToMonth.key()), first, last);
+    GetMonthPeriod(session_, cmbToMonth.month(), first, last);
     return " WHERE ALLOTFROM BETWEEN " + firstDay() + " AND " + FnStrIsoLiteral(last) + " AND ";
 }
 
@@ -107,17 +105,15 @@ void frmLeaveRecalc::loadLists() {
 }
 
 void frmLeaveRecalc::loadEmployees() {
-    fpgEmployee.setRowCount(0);
+    FillClassSecurity(session_, 0, 0);
     const std::string head =
         cmbAttHead.key() == 0 ? "" : " AND ATTHEADID = " + number(cmbAttHead.key());
-    Recordset rs(session_.gConn,
-                 "SELECT ME.EMPID, ME.REFNO, ME.EMPNAME FROM " + session_.gEmployeeView +
-                     " ME WHERE FILTERYN1=1 AND ME.EMPID IN (SELECT EMPID FROM LEV_ALLOTMENT" +
-                     inMonths() + "LEVID<>4" + head + ")" +
-                     FnStrClassSecurityFilter(session_, 0, 0) + " ORDER BY ME.EMPID");
-    for (; !rs.IsEOF(); rs.MoveNext())
-        fpgEmployee.addRow({"0", rs.Fields("EMPID").toText(), rs.Fields("REFNO").toText(),
-                            rs.Fields("EMPNAME").toText()});
+    fillGrid(session_, fpgEmployee,
+             "SELECT 0 AS CHOSEN, ME.EMPID, ME.REFNO, ME.EMPNAME FROM " + session_.gEmployeeView +
+                 " ME WHERE FILTERYN1=1 AND ME.EMPID IN (SELECT EMPID FROM LEV_ALLOTMENT" +
+                 inMonths() + "LEVID<>4" + head + ")" + FnStrClassSecurityFilter(session_) +
+                 " ORDER BY ME.EMPID",
+             kId);
     chkAllEmployees.value = false;
     count();
 }
@@ -134,14 +130,6 @@ std::vector<std::string> frmLeaveRecalc::chosenEmployees() const {
     for (size_t row = 0; row < fpgEmployee.rowCount(); ++row)
         if (fpgEmployee.checked(row, kOn)) employees.push_back(fpgEmployee.cell(row, kId));
     return employees;
-}
-
-void frmLeaveRecalc::month_Change() {
-    loadLists();
-}
-
-void frmLeaveRecalc::cmbAttHead_Click() {
-    loadEmployees();
 }
 
 void frmLeaveRecalc::chkAllLeaves_Click() {
@@ -163,7 +151,6 @@ void frmLeaveRecalc::cmdFilter_Click() {
 // --- recalculating ---
 
 void frmLeaveRecalc::cmdRecalculate_Click() {
-    if (denied(cmdRecalculate)) return;
     if (cmbFromMonth.key() > cmbToMonth.key())
         return refuse("From Month is greater than To month", cmbFromMonth);
     if (lstLeave.checkedKeys().empty()) return refuse("Select atleast one Leave Type", lstLeave);

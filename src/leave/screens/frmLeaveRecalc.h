@@ -5,6 +5,7 @@
 
 #include "screen/grid.h"
 #include "session/screens/SessionScreen.h"
+#include "session/screens/family_combos.h"
 
 namespace owb {
 
@@ -12,8 +13,8 @@ class frmLeaveRecalc final : public SessionScreen {
   public:
     frmLeaveRecalc(Session& session, FrontEnd& frontEnd);
 
-    Combo cmbFromMonth{*this, "cmbFromMonth"};  // key: month key
-    Combo cmbToMonth{*this, "cmbToMonth"};
+    MonthCombo cmbFromMonth{*this, "cmbFromMonth"};
+    MonthCombo cmbToMonth{*this, "cmbToMonth"};
     Combo cmbAttHead{*this, "cmbAttHead"};  // key 0: all heads
     ListBox lstLeave{*this, "lstLeave"};    // key LEVID, ticked when chosen
     Label lblLeaveCount{*this, "lblLeaveCount"};
@@ -21,20 +22,19 @@ class frmLeaveRecalc final : public SessionScreen {
     Label lblEmployeeCount{*this, "lblEmployeeCount"};
     CheckBox chkAllLeaves{*this, "chkAllLeaves", "Select All &Leaves"};
     CheckBox chkAllEmployees{*this, "chkAllEmployees"};
-    Command cmdFilter{*this, "cmdFilter", "&Filter"};
-    Command cmdRecalculate{*this, "cmdRecalculate", "&Recalculate"};
-    Command cmdClose{*this, "cmdClose", "Cl&ose"};
+    MenuItem mnuExport{*this, fpgEmployee, "mnuExport", "Export To Excel"};
+    Command cmdFilter{*this, "cmdFilter", "&Filter", [this] { cmdFilter_Click(); }};
+    Command cmdRecalculate{*this, "cmdRecalculate", "&Recalculate", Command::Writing,
+                           [this] { cmdRecalculate_Click(); }};
+    CloseCommand cmdClose{*this};
 
-    void month_Change();
-    void cmbAttHead_Click();
+  private:
+    void load() override;
+    Layout layout() override;
     void chkAllLeaves_Click();
     void chkAllEmployees_Click();
     void cmdFilter_Click();
     void cmdRecalculate_Click();
-
-  private:
-    void onLoad() override;
-    Layout layout() override;
     void loadLists();
     void loadEmployees();
     void count();

@@ -1,21 +1,10 @@
 #include "session/screens/SessionScreen.h"
 
-#include "db/recordset.h"
 #include "session/modRights.h"
-#include "session/screens/frmOwbCalender.h"
-#include "session/screens/frmSelMonth.h"
 
 namespace owb {
 
-bool SessionScreen::mayWrite(const Control& control) {
-    return !session_.gReadOnly && !FnBlnCommandDenied(session_, control.tag);
-}
-
-void SessionScreen::applyRights(const std::vector<Control*>& writing, int32_t formId) {
-    for (Control* control : writing) {
-        control->writes = true;
-        if (session_.gReadOnly) control->enabled = false;
-    }
+void SessionScreen::onLoad() {
     std::vector<Command*> commands;
     std::vector<CommandRight> rights;
     for (Control* control : controls())
@@ -23,8 +12,33 @@ void SessionScreen::applyRights(const std::vector<Control*>& writing, int32_t fo
             commands.push_back(command);
             rights.push_back({command->caption, command->tag});
         }
-    ApplyScreenRights(session_, formId != 0 ? formId : session_.gMenuId, rights);
+    ApplyScreenRights(session_, formId_ != 0 ? formId_ : session_.gMenuId, rights);
     for (size_t i = 0; i < commands.size(); ++i) commands[i]->tag = rights[i].tag;
+    setWritable(!session_.gReadOnly);
+    load();
+}
+
+void SessionScreen::setWritable(bool on) {
+    writable_ = on && !session_.gReadOnly;
+    for (Control* control : controls())
+        if (control->writes && dynamic_cast<Grid*>(control) == nullptr)
+            control->enabled = writable_;
+}
+
+bool SessionScreen::mayWrite(const Control& control) {
+    return writable_ && !FnBlnCommandDenied(session_, control.tag);
+}
+
+bool SessionScreen::refused(const std::optional<Refusal>& refusal) {
+    if (!refusal) return false;
+    frontEnd().show({refusal->text, refusal->title, refusal->icon});
+    if (refusal->field != nullptr) setFocus(*refusal->field);
+    return true;
+}
+
+bool SessionScreen::refusedByLock(SaveBatch& batch, const Lock& lock) {
+    batch.requireOpen(lock);
+    return lock.holds(session_) && refused(asRefusal(lock));
 }
 
 bool SessionScreen::save(const SaveBatch& batch, const std::function<void()>& showAgain) {
@@ -46,38 +60,9 @@ bool SessionScreen::stillAsShown(const ShownRow& row, const std::string& what,
     return false;
 }
 
-void SessionScreen::loadMonths(Combo& combo, int32_t lngFrom) {
-    combo.clear();
-    Recordset rs(session_.gConn, "SELECT MONTHYEAR, MONTHNAME FROM QRYMONTH WHERE MONTHYEAR >= " +
-                                     std::to_string(lngFrom) + " ORDER BY MONTHYEAR DESC");
-    for (; !rs.IsEOF(); rs.MoveNext())
-        combo.add(rs.Fields("MONTHNAME").toText(), rs.Fields("MONTHYEAR").toInt());
-}
-
-void SessionScreen::pickMonths(Combo& combo) {
-    combo.onPick = [this, &combo] {
-        frmSelMonth picker(session_, frontEnd());
-        picker.SetTarget(combo);
-        picker.showModal();
-    };
-}
-
-void SessionScreen::pickDates(TextBox& box) {
-    box.onPick = [this, &box] {
-        frmOwbCalender picker(session_, frontEnd());
-        picker.SetTarget(box);
-        picker.showModal();
-    };
-}
-
 bool SessionScreen::ask(const std::string& text, const std::string& title) {
     return frontEnd().show({text, title, BoxIcon::Question, BoxButtons::YesNo, BoxAnswer::No}) ==
            BoxAnswer::Yes;
-}
-
-void SessionScreen::refuse(const std::string& text, Control& field) {
-    inform(text);
-    setFocus(field);
 }
 
 }  // namespace owb

@@ -1,35 +1,64 @@
 // What every screen over the family's database shares: its session, the rights on its commands, the
-// read-only user, the combo of months and the two pickers.
+// read-only user, how it asks, refuses and saves.
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
-#include <vector>
 
+#include "screen/control_array.h"
+#include "screen/grid.h"
 #include "screen/lists.h"
 #include "screen/screen.h"
 #include "screen/text_box.h"
 #include "session/Session.h"
+#include "session/locks.h"
 #include "session/modSave.h"
 
 namespace owb {
 
+// Why something is not done: the text, the field at fault, which gets the focus, and the box.
+struct Refusal {
+    std::string text;
+    Control* field = nullptr;
+    BoxIcon icon = BoxIcon::Information;
+    std::string title = "Orvane Wagebook";
+};
+
 class SessionScreen : public Screen {
   public:
-    // Nobody who is read-only writes anything; a command that the user's rights deny says
-    // "Permission denied.".
+    // Asked before the handler of whatever writes, on every way in. Nobody writes while the screen
+    // is not writable, or where the user's rights deny it ("Permission denied.").
     bool mayWrite(const Control& control) override;
 
-  protected:
-    SessionScreen(Session& session, FrontEnd& frontEnd, std::string name, std::string caption)
-        : Screen(frontEnd, std::move(name), std::move(caption)), session_(session) {}
+    Session& session() { return session_; }
+    using Screen::frontEnd;
 
-    // Marks the controls that write, disables them for a read-only user and tags the commands that
-    // the user's rights on the form deny. A screen of the menu has its own menu identifier as form;
-    // 0: the form that the program was started for.
-    void applyRights(const std::vector<Control*>& writing, int32_t formId = 0);
-    // The first test of save and delete, for whoever calls the handler.
-    bool denied(const Command& command) { return !mayWrite(command); }
+  protected:
+    // `formId`: the screen's own menu identifier, by which its rights are kept; 0 where it has
+    // none: the one that the program was started for.
+    SessionScreen(Session& session, FrontEnd& frontEnd, std::string name, std::string caption,
+                  int32_t formId = 0)
+        : Screen(frontEnd, std::move(name), std::move(caption)),
+          session_(session),
+          formId_(formId) {}
+
+    // Rights are read and a read-only user's commands disabled; then the screen loads.
+    void onLoad() final;
+    virtual void load() {}
+    // The one switch for all that writes: the commands and boxes marked so, and what cells take.
+    void setWritable(bool on);
+    bool writable() const { return writable_; }
+
+    // Tells a refusal and gives true; false when there is none.
+    bool refused(const std::optional<Refusal>& refusal);
+    void refuse(const std::string& text, Control& field) { refused(Refusal{text, &field}); }
+    // A lock that holds is told, and the result is true. Otherwise the batch asks it once more.
+    bool refusedByLock(SaveBatch& batch, const Lock& lock);
+    static Refusal asRefusal(const Lock& lock) {
+        return {lock.text, nullptr, BoxIcon::Warning, lock.title};
+    }
+
     // Runs a save or a deletion. When the database refused it, since somebody else was faster, the
     // reason is told, `showAgain` shows what there is now, and the result is false.
     bool save(const SaveBatch& batch, const std::function<void()>& showAgain);
@@ -37,21 +66,17 @@ class SessionScreen : public Screen {
     bool stillAsShown(const ShownRow& row, const std::string& what,
                       const std::function<void()>& showAgain);
 
-    // Months of the payroll from a month key on, the latest first; keys are month keys.
-    void loadMonths(Combo& combo, int32_t lngFrom);
-    // F2 and double click open the picker of months, of dates.
-    void pickMonths(Combo& combo);
-    void pickDates(TextBox& box);
-
     // A question with Yes and No, No being the default.
     bool ask(const std::string& text, const std::string& title = "Orvane Wagebook");
     void inform(const std::string& text, const std::string& title = "Orvane Wagebook") {
         frontEnd().information(text, title);
     }
-    // The same, and the focus goes back to the field that is at fault.
-    void refuse(const std::string& text, Control& field);
 
     Session& session_;
+
+  private:
+    int32_t formId_;
+    bool writable_ = true;
 };
 
 }  // namespace owb

@@ -29,7 +29,7 @@ Layout modExternal::layout() {
     return column({item(lblProgress), row({space(), item(cmdFront), item(cmdClose)})});
 }
 
-void modExternal::onLoad() {
+void modExternal::load() {
     if (AppName.empty() && (Mode < 1 || Mode > 4)) {
         inform("Properties of external application is not set properly");
         close();

@@ -27,7 +27,7 @@ class modExternal final : public SessionScreen {
     void cmdFront_Click();
 
   private:
-    void onLoad() override;
+    void load() override;
     void onActivate() override;
     void onTimer() override;  // whether the program has gone or said its word
     void onUnload() override;

@@ -1,0 +1,79 @@
+// Marks by entries and encashments.
+#include "marks/marks.h"
+
+#include <set>
+
+#include "base/number_text.h"
+#include "family/modCommon.h"
+#include "session/Session.h"
+
+namespace owb {
+
+namespace {
+
+std::string text(int64_t number) {
+    return std::to_string(number);
+}
+
+// The list with leaves 2 and 3 brought in together, in ascending order.
+std::string leavesTogether(const std::string& strLevIds) {
+    std::set<int> ids;
+    for (size_t at = 0; at < strLevIds.size();) {
+        size_t end = strLevIds.find(',', at);
+        if (end == std::string::npos) end = strLevIds.size();
+        const std::string item = strLevIds.substr(at, end - at);
+        if (!item.empty()) ids.insert(static_cast<int>(textToNumber(item)));
+        at = end + 1;
+    }
+    if (ids.count(2) || ids.count(3)) ids.insert({2, 3});
+    std::string list;
+    for (const int id : ids) list += (list.empty() ? "" : ",") + text(id);
+    return list;
+}
+
+}  // namespace
+
+std::string MarkAllotmentDirtySql(int32_t intAttHeadId, int64_t lngEmpId) {
+    std::string sql = " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1";
+    if (intAttHeadId != 0) sql += " WHERE  ATTHEADID = " + text(intAttHeadId);
+    if (lngEmpId != 0)
+        sql += (intAttHeadId != 0 ? " AND EMPID = " : " WHERE EMPID = ") + text(lngEmpId);
+    return sql;
+}
+
+void MarkAllotmentDirty(Session& session, int32_t intAttHeadId, int64_t lngEmpId) {
+    session.gConn.Execute(MarkAllotmentDirtySql(intAttHeadId, lngEmpId));
+}
+
+std::string MarkAllotmentDirtyFromSql(DateTime dteFrom, int32_t intAttHeadId,
+                                      const std::string& strEmpIds, const std::string& strLevIds) {
+    const std::string date = FnStrIsoLiteral(dteFrom);
+    std::string sql =
+        " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE dbo.FnLngMonthYear(ALLOTFROM, ALLOTFROM) "
+        ">= dbo.FnLngMonthYear(" +
+        date + ", " + date + ")";
+    if (!strEmpIds.empty()) sql += " AND EMPID IN (" + strEmpIds + ")";
+    if (intAttHeadId != 0) sql += " AND ATTHEADID = " + text(intAttHeadId);
+    const std::string leaves = leavesTogether(strLevIds);
+    if (!leaves.empty()) sql += " AND LEVID IN (" + leaves + ")";
+    return sql;
+}
+
+void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHeadId,
+                            const std::string& strEmpIds, const std::string& strLevIds) {
+    session.gConn.Execute(MarkAllotmentDirtyFromSql(dteFrom, intAttHeadId, strEmpIds, strLevIds));
+}
+
+std::string MarkSalaryDirtySql(int32_t lngMonthYear, bool blnOnlyThisMonth, int64_t lngEmpId) {
+    std::string sql = " UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1 WHERE MONTHYEAR " +
+                      std::string(blnOnlyThisMonth ? "= " : ">= ") + text(lngMonthYear);
+    if (lngEmpId != 0) sql += " AND EMPID = " + text(lngEmpId);
+    return sql + " UPDATE RMB_MASTER SET EDITMODEYN =1";
+}
+
+void MarkSalaryDirty(Session& session, int32_t lngMonthYear, bool blnOnlyThisMonth,
+                     int64_t lngEmpId) {
+    session.gConn.Execute(MarkSalaryDirtySql(lngMonthYear, blnOnlyThisMonth, lngEmpId));
+}
+
+}  // namespace owb

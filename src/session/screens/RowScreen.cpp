@@ -1,0 +1,95 @@
+#include "session/screens/RowScreen.h"
+
+#include "session/screens/sheets.h"
+
+namespace owb {
+
+RowScreen::RowScreen(Session& session, FrontEnd& frontEnd, const Names& names, EditedRow& row)
+    : SessionScreen(session, frontEnd, names.screen, names.caption, names.formId),
+      list(*this, names.list),
+      mnuExport(*this, list, "mnuExport", "Export To Excel"),
+      cmdNew(*this, "cmdNew", names.newCaption, [this] { cmdNew_Click(); }),
+      cmdSave(*this, "cmdSave", "&Save", Command::Writing, [this] { cmdSave_Click(); }),
+      cmdDelete(*this, "cmdDelete", "&Delete", Command::Writing, [this] { cmdDelete_Click(); }),
+      row_(row) {
+    list.singleRows = true;
+    list.onCurrentChange = [this](size_t line, size_t) { list_Click(line); };
+    mnuExport.onClick = [this] { mnuExport_Click(); };
+}
+
+std::vector<Layout> RowScreen::commandItems() {
+    return {item(cmdNew), item(cmdSave), item(cmdDelete), item(cmdClose)};
+}
+
+void RowScreen::showAgain() {
+    loadList();
+    showNew();
+}
+
+void RowScreen::showNew() {
+    row_.clear();
+    list.setCurrent(-1, -1);
+    rowShown();
+}
+
+void RowScreen::reloadList() {
+    loadList();
+    list.setCurrent(-1, -1);
+    for (size_t line = 0; line < list.rowCount() && !row_.isNew(); ++line)
+        if (list.number(line, 0) == static_cast<double>(row_.key()))
+            list.setCurrent(static_cast<int>(line), 0);
+}
+
+bool RowScreen::readLine(size_t line) {
+    return row_.readKey(session_, static_cast<int64_t>(list.number(line, 0)));
+}
+
+void RowScreen::showLine(size_t line) {
+    list.setCurrent(static_cast<int>(line), 0);
+    list_Click(line);
+}
+
+void RowScreen::list_Click(size_t line) {
+    if (readLine(line)) return rowShown();
+    frontEnd().warning(FnStrChangedMeanwhile(row_.what()));
+    showAgain();
+}
+
+void RowScreen::cmdNew_Click() {
+    showNew();
+    newBegun();
+    setFocus(*row_.fields().front().control);
+}
+
+void RowScreen::cmdSave_Click() {
+    const Change change = row_.isNew() ? Change::Added : Change::Updated;
+    if (!row_.isNew() && !stillAsShown(row_.shown(), row_.what(), [this] { showAgain(); })) return;
+    if (refused(check())) return;
+    SaveBatch batch;
+    if (!mayBeSaved(batch)) return;
+    const std::string key = writeRow(batch);
+    if (run(batch, change, key)) session_.gGenCmn.ShowSavedMessage();
+}
+
+void RowScreen::cmdDelete_Click() {
+    if (refused(checkDeletion())) return;
+    if (!stillAsShown(row_.shown(), row_.what(), [this] { showAgain(); })) return;
+    SaveBatch batch;
+    if (!mayBeDeleted(batch)) return;
+    deleteRow(batch);
+    run(batch, Change::Deleted, std::to_string(row_.key()));
+}
+
+bool RowScreen::run(SaveBatch& batch, Change change, const std::string& key) {
+    joinMarks(batch, change, key);
+    if (AuditLine line = auditLine(change); !line.action.empty()) batch.audit(std::move(line));
+    if (!save(batch, [this] { showAgain(); })) return false;
+    finish();
+    return true;
+}
+
+void RowScreen::mnuExport_Click() {
+    ExportGrid(*this, list);
+}
+
+}  // namespace owb
