@@ -4,6 +4,7 @@
 // somebody else has changed the row meanwhile.
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <string>
 #include <vector>
@@ -70,7 +71,7 @@ class EditedRow {
     bool changed(const std::string& column) const { return before(column) != typed(column); }
     bool changed() const;
     const std::string& what() const { return what_; }
-    const std::vector<Field>& fields() const { return fields_; }
+    const std::deque<Field>& fields() const { return fields_; }
 
     // --- saving ---
     // Joins the row: an UPDATE that asks whether the row is still as it was shown, or an INSERT
@@ -97,8 +98,8 @@ class EditedRow {
     RowText typedRow() const;
 
     std::string table_, keyColumn_, what_;
-    std::string section_;  // of the fields that are declared now
-    std::vector<Field> fields_;
+    std::string section_;       // of the fields that are declared now
+    std::deque<Field> fields_;  // a declared field stays where it is
     std::vector<std::string> kept_;
     std::vector<Value> before_;  // what the fields gave when the row was shown
     ShownRow shown_;

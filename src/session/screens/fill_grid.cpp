@@ -42,7 +42,8 @@ void fillGrid(Grid& grid, std::vector<std::vector<std::string>> rows, size_t key
     grid.setRowCount(0);
     for (std::vector<std::string>& cells : rows) {
         const size_t at = grid.addRow(std::move(cells));
-        if (row >= 0 && grid.cell(at, keyColumn) == key) grid.setCurrent(static_cast<int>(at), column);
+        if (row >= 0 && grid.cell(at, keyColumn) == key)
+            grid.setCurrent(static_cast<int>(at), column);
     }
 }
 

@@ -30,7 +30,7 @@ std::string tooLong(const std::vector<std::string>& texts,
                     const std::vector<ImportColumn>& columns) {
     for (size_t c = 0; c < columns.size(); ++c)
         if (columns[c].longest != 0 && utf8Length(texts[c]) > columns[c].longest)
-            return "'" + columns[c].caption + "' is longer than " +
+            return "The " + lowerCase(columns[c].caption) + " is longer than " +
                    std::to_string(columns[c].longest) + " characters.";
     return "";
 }
