@@ -1,94 +1,42 @@
 #include "script/script_commands.h"
 
-#include <charconv>
-
-#include "base/csv.h"
 #include "base/utf8.h"
 #include "screen/grid.h"
-#include "screen/lists.h"
 #include "screen/screen.h"
 #include "screen/text_box.h"
+#include "script/grid_keys.h"
+#include "script/telling.h"
 
 namespace owb {
 
 namespace {
 
-// Cuts the first word off.
-std::string takeWord(std::string& rest) {
-    const size_t end = std::min(rest.find(' '), rest.size());
-    std::string word = rest.substr(0, end);
-    rest = trim(std::string_view(rest).substr(end));
-    return word;
-}
-
-std::string takeLastWord(std::string& rest) {
-    const size_t at = rest.find_last_of(' ');
-    const size_t from = at == std::string::npos ? 0 : at + 1;
-    std::string word = rest.substr(from);
-    rest = trim(std::string_view(rest).substr(0, from));
-    return word;
-}
-
-bool yesOrNo(const std::string& word) {
-    if (equalsIgnoreCaseAscii(word, "Yes")) return true;
-    if (equalsIgnoreCaseAscii(word, "No")) return false;
-    throw ScriptError{"not Yes or No: " + word};
-}
-
-bool readNumber(const std::string& word, size_t& number) {
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-    return error == std::errc() && end == word.data() + word.size();
-}
-
-Control& controlNamed(Screen& screen, const std::string& name) {
-    if (Control* control = screen.find(name)) return *control;
-    throw ScriptError{"no control " + name + " on " + screen.name()};
-}
-
-Grid& gridNamed(Screen& screen, const std::string& name) {
-    if (auto* grid = dynamic_cast<Grid*>(&controlNamed(screen, name))) return *grid;
-    throw ScriptError{name + " is no grid"};
-}
-
 void refuseIf(bool refused, const Control& control, const std::string& what) {
     if (refused) throw ScriptError{control.name() + " takes no " + what + " now"};
 }
 
-// --- cells: rows and columns are those that the user sees, counted from 1 ---
-
-struct CellPlace {
-    size_t row, column;
-};
-
-size_t rowAt(const Grid& grid, const std::string& word) {
-    size_t wanted = 0;
-    if (!readNumber(word, wanted) || wanted == 0) throw ScriptError{"no row number: " + word};
-    for (size_t r = 0; r < grid.rowCount(); ++r)
-        if (!grid.rowHidden(r) && --wanted == 0) return r;
-    throw ScriptError{grid.name() + " has no row " + word};
+void clickControl(Screen& screen, std::string rest) {
+    Control& control = controlNamed(screen, rest);
+    refuseIf(!control.click(), control, "click");
 }
 
-size_t columnAt(const Grid& grid, const std::string& word) {
-    size_t wanted = 0;
-    const bool counted = readNumber(word, wanted) && wanted > 0;
-    for (size_t c = 0; c < grid.columnCount(); ++c) {
-        if (grid.column(c).hidden) continue;
-        if (counted ? --wanted == 0 : equalsIgnoreCaseAscii(grid.column(c).caption, word)) return c;
-    }
-    throw ScriptError{grid.name() + " has no column " + word};
+void pressKey(Screen& screen, std::string rest) {
+    Control& control = controlNamed(screen, takeWord(rest));
+    if (control.key(rest)) return;
+    if (auto* grid = dynamic_cast<Grid*>(&control); grid && pressInGrid(*grid, rest)) return;
+    refuseIf(!screen.popup || rest != "Esc", control, "key " + rest);
+    screen.close();
 }
 
-CellPlace takePlace(const Grid& grid, std::string& rest, const std::string& column) {
-    return {rowAt(grid, takeWord(rest)), columnAt(grid, column.empty() ? rest : column)};
-}
+// --- grids ---
 
-void cellCommand(Screen& screen, std::string rest) {
+void editCell(Screen& screen, std::string rest) {
     Grid& grid = gridNamed(screen, takeWord(rest));
     const size_t equals = rest.find('=');
     const bool edits = equals != std::string::npos;
     const std::string text = edits ? trim(std::string_view(rest).substr(equals + 1)) : "";
     if (edits) rest = trim(std::string_view(rest).substr(0, equals));
-    const CellPlace at = takePlace(grid, rest, "");
+    const CellPlace at = placeAt(grid, rest);
     std::string reason;
     if (!edits)
         refuseIf(!grid.clickCell(at.row, at.column), grid, "click");
@@ -96,150 +44,171 @@ void cellCommand(Screen& screen, std::string rest) {
         throw ScriptError{reason};
 }
 
-void clickCommand(Screen& screen, std::string rest, bool twice) {
-    Control& control = controlNamed(screen, takeWord(rest));
-    auto* grid = dynamic_cast<Grid*>(&control);
-    if (!grid || rest.empty()) {
-        refuseIf(twice ? !control.doubleClick() : !control.click(), control, "click");
-        return;
-    }
-    const CellPlace at = takePlace(*grid, rest, "");
-    refuseIf(twice ? !grid->doubleClickCell(at.row, at.column)
-                   : !grid->rightClickCell(at.row, at.column),
-             *grid, "click");
+// As in the window: the column is selected, and the current cell is its first one. Where rows are
+// selected a header takes no click.
+void clickHeader(Screen& screen, std::string rest) {
+    Grid& grid = gridNamed(screen, takeWord(rest));
+    const size_t column = columnAt(grid, rest);
+    const std::vector<size_t> rows = shownRows(grid);
+    const bool taken = !grid.singleRows && !rows.empty() && grid.goTo(rows.front(), column);
+    refuseIf(!taken, grid, "click on a header");
 }
 
-void checkCommand(Screen& screen, std::string rest) {
+void clickTwice(Screen& screen, std::string rest) {
+    Control& control = controlNamed(screen, takeWord(rest));
+    if (rest.empty()) return refuseIf(!control.doubleClick(), control, "click");
+    Grid& grid = gridNamed(screen, control.name());
+    const CellPlace at = placeAt(grid, rest);
+    refuseIf(!grid.doubleClickCell(at.row, at.column), grid, "click");
+}
+
+void clickRight(Screen& screen, std::string rest) {
+    Control& control = controlNamed(screen, takeWord(rest));
+    if (rest.empty()) return refuseIf(!control.click(), control, "click");
+    Grid& grid = gridNamed(screen, control.name());
+    const CellPlace at = placeAt(grid, rest);
+    refuseIf(!grid.rightClickCell(at.row, at.column), grid, "click");
+}
+
+void tick(Screen& screen, std::string rest) {
     Control& control = controlNamed(screen, takeWord(rest));
     const bool on = yesOrNo(takeLastWord(rest));
-    if (auto* list = dynamic_cast<ListBox*>(&control)) {
-        for (size_t i = 0; i < list->items.size(); ++i) {
-            if (compareText(list->items[i].text, rest) != 0) continue;
-            refuseIf(!list->check(i, on), *list, "tick");
-            return;
-        }
-        throw ScriptError{list->name() + " has no entry " + rest};
-    }
+    if (auto* list = dynamic_cast<ListBox*>(&control))
+        return refuseIf(!list->check(entryNamed(*list, list->items, rest), on), *list, "tick");
     Grid& grid = gridNamed(screen, control.name());
-    const CellPlace at = takePlace(grid, rest, "");
+    const CellPlace at = placeAt(grid, rest);
     std::string reason;
     if (!grid.check(at.row, at.column, on, reason)) throw ScriptError{reason};
 }
 
-void dumpCommand(Screen& screen, const std::string& name, std::ostream& out) {
-    const Grid& grid = gridNamed(screen, name);
-    const auto line = [&](auto textOf) {
-        std::string text;
-        bool first = true;
-        for (size_t c = 0; c < grid.columnCount(); ++c) {
-            if (grid.column(c).hidden) continue;
-            if (!first) text += ',';
-            first = false;
-            const std::string cell = textOf(c);
-            if (!cell.empty()) text += csvField(cell);
-        }
-        out << text << '\n';
-    };
-    line([&](size_t c) { return grid.column(c).caption; });
-    for (size_t r = 0; r < grid.rowCount(); ++r)
-        if (!grid.rowHidden(r)) line([&](size_t c) { return grid.cell(r, c); });
-    out.flush();
-}
-
 // --- values ---
 
-// "set optAllotType 2" means the button optAllotType(2).
-Control* arrayItem(Screen& screen, const std::string& name, const std::string& index) {
-    return screen.find(name + "(" + index + ")");
+void enterText(TextBox& box, const std::string& text) {
+    if (box.filtered(text) != text)
+        throw ScriptError{box.name() + " refuses a character of: " + text};
+    refuseIf(!box.edit(text), box, "entry");
 }
 
-void setTabs(Tabs& tabs, const std::string& value) {
-    for (size_t i = 0; i < tabs.pages.size(); ++i) {
-        if (!equalsIgnoreCaseAscii(tabs.pages[i], value)) continue;
-        refuseIf(!tabs.select(i), tabs, "click");
-        return;
-    }
-    throw ScriptError{tabs.name() + " has no page " + value};
+void enterChoice(Combo& combo, const std::string& text) {
+    if (combo.edit(text)) return;
+    if (combo.takesInput() && !combo.editable) entryNamed(combo, combo.items, text);
+    refuseIf(true, combo, "entry");
 }
 
-void setCommand(Screen& screen, std::string rest) {
+void turnTo(Tabs& tabs, const std::string& page) {
+    for (size_t i = 0; i < tabs.pages.size(); ++i)
+        if (equalsIgnoreCaseAscii(tabs.pages[i], page))
+            return refuseIf(!tabs.select(i), tabs, "click");
+    throw ScriptError{tabs.name() + " has no page " + page + ": there are " + listed(tabs.pages)};
+}
+
+void setValue(Screen& screen, std::string rest) {
     const std::string name = takeWord(rest);
-    Control* found = screen.find(name);
-    if (!found) found = arrayItem(screen, name, rest);
-    if (!found) controlNamed(screen, name);
-    Control& control = *found;
-    if (auto* box = dynamic_cast<TextBox*>(&control)) {
-        const std::string typed = box->filtered(rest);
-        if (typed != rest) throw ScriptError{name + " refuses a character of: " + rest};
-        refuseIf(!box->edit(rest), control, "entry");
-    } else if (auto* combo = dynamic_cast<Combo*>(&control)) {
-        if (!combo->edit(rest))
-            throw ScriptError{combo->takesInput() ? name + " has no entry " + rest
-                                                  : name + " takes no entry now"};
-    } else if (auto* list = dynamic_cast<ListBox*>(&control)) {
-        for (size_t i = 0; i < list->items.size(); ++i)
-            if (compareText(list->items[i].text, rest) == 0) {
-                refuseIf(!list->choose(i), control, "choice");
-                return;
-            }
-        throw ScriptError{name + " has no entry " + rest};
-    } else if (auto* box = dynamic_cast<CheckBox*>(&control)) {
+    // "set optAllotType 2" means the button optAllotType(2).
+    Control* item = screen.find(name) ? nullptr : screen.find(name + "(" + rest + ")");
+    Control& control = item ? *item : controlNamed(screen, name);
+    if (auto* text = dynamic_cast<TextBox*>(&control))
+        enterText(*text, rest);
+    else if (auto* combo = dynamic_cast<Combo*>(&control))
+        enterChoice(*combo, rest);
+    else if (auto* list = dynamic_cast<ListBox*>(&control))
+        refuseIf(!list->choose(entryNamed(*list, list->items, rest)), control, "choice");
+    else if (auto* box = dynamic_cast<CheckBox*>(&control))
         refuseIf(!box->set(yesOrNo(rest)), control, "tick");
-    } else if (auto* option = dynamic_cast<OptionButton*>(&control)) {
+    else if (auto* option = dynamic_cast<OptionButton*>(&control))
         refuseIf(!option->click(), control, "choice");
-    } else if (auto* tabs = dynamic_cast<Tabs*>(&control)) {
-        setTabs(*tabs, rest);
-    } else {
+    else if (auto* tabs = dynamic_cast<Tabs*>(&control))
+        turnTo(*tabs, rest);
+    else
         throw ScriptError{name + " holds no value"};
-    }
     control.leave();
 }
 
-void showCommand(Screen& screen, const std::string& name, std::ostream& out) {
-    const Control& control = controlNamed(screen, name);
-    const auto yesNo = [](bool value) { return value ? "Yes" : "No"; };
-    out << control.name() << ": " << oneLine(control.text()) << " | " << oneLine(control.caption)
-        << " | " << yesNo(control.enabled) << " | " << yesNo(control.visible) << std::endl;
+// --- the list of them ---
+
+constexpr size_t kAny = static_cast<size_t>(-1);
+
+struct ScriptCommand {
+    const char* verb;
+    size_t least, most;  // words behind it
+    const char* words;
+    const char* what;
+    void (*act)(Screen&, std::string rest) = nullptr;
+    void (*tell)(const Screen&, std::string rest, std::ostream&) = nullptr;
+};
+
+// Those that do neither are the front end's own.
+constexpr ScriptCommand kCommands[] = {
+    {"set", 1, kAny, "NAME [VALUE]", "text, entry, page; Yes or No; index of an option", setValue},
+    {"click", 1, 1, "NAME", "a command, label, option or check box", clickControl},
+    {"menu", 1, 1, "NAME", "a menu item, mnuAll(5) of an array", clickControl},
+    {"key", 2, 2, "NAME KEY", "F2, F5, Ctrl+G ...; Up, End, Enter ... in a grid", pressKey},
+    {"cell", 3, kAny, "GRID ROW COL [= TEXT]", "clicks a cell, or edits it", editCell},
+    {"check", 3, kAny, "NAME ENTRY|ROW COL Yes|No", "a tick in a list or grid", tick},
+    {"dblclick", 1, kAny, "NAME [ROW COL]", "a double click", clickTwice},
+    {"rightclick", 1, kAny, "NAME [ROW COL]", "a click with the other button", clickRight},
+    {"header", 2, kAny, "GRID COL", "clicks the header of a column", clickHeader},
+    {"answer", 1, 1, "WORD", "queues Yes, No, Cancel or OK for a question"},
+    {"file", 0, kAny, "[PATH]", "queues the answer to a question for a file"},
+    {"close", 0, 0, "", "closes the current screen"},
+    {"show", 1, kAny, "NAME [ROW COL]", "tells the state of a control or cell", nullptr, tellState},
+    {"tip", 1, kAny, "NAME [ROW COL]", "tells the tool tip; ROW 0: of a header", nullptr, tellTip},
+    {"dump", 1, 3, "NAME [--colors] [--hidden]", "tells what a grid or list holds", nullptr,
+     tellContent},
+    {"menus", 1, 1, "NAME", "tells the menu over a control", nullptr, tellMenus},
+    {"controls", 0, 0, "", "tells what stands on the screen", nullptr, tellControls},
+    {"caption", 0, 0, "", "tells the window's caption", nullptr, tellCaption},
+    {"focus", 0, 0, "", "tells which control has the focus"},
+};
+
+const ScriptCommand* commandOf(const std::string& verb) {
+    for (const ScriptCommand& command : kCommands)
+        if (verb == command.verb) return &command;
+    return nullptr;
 }
 
 }  // namespace
 
-std::string oneLine(const std::string& text) {
-    std::string out;
-    for (const char c : text) {
-        if (c == '\n')
-            out += "\\n";
-        else if (c != '\r')
-            out += c;
-    }
-    return out;
-}
-
-bool runControlCommand(Screen& screen, const std::string& line, std::ostream& out) {
+void checkUsage(const std::string& line) {
     std::string rest = line;
     const std::string verb = takeWord(rest);
-    if (verb == "set") {
-        setCommand(screen, rest);
-    } else if (verb == "click" || verb == "menu") {
-        Control& control = controlNamed(screen, rest);
-        refuseIf(!control.click(), control, "click");
-    } else if (verb == "key") {
-        Control& control = controlNamed(screen, takeWord(rest));
-        refuseIf(!control.key(rest), control, "key " + rest);
-    } else if (verb == "cell") {
-        cellCommand(screen, rest);
-    } else if (verb == "dblclick" || verb == "rightclick") {
-        clickCommand(screen, rest, verb == "dblclick");
-    } else if (verb == "check") {
-        checkCommand(screen, rest);
-    } else if (verb == "show") {
-        showCommand(screen, rest, out);
-    } else if (verb == "dump") {
-        dumpCommand(screen, rest, out);
-    } else {
-        return false;
+    const ScriptCommand* command = commandOf(verb);
+    if (!command) {
+        std::string verbs;
+        for (const ScriptCommand& known : kCommands)
+            verbs += (verbs.empty() ? "" : ", ") + std::string(known.verb);
+        throw ScriptError{"no such command: " + verb + ": there are " + verbs};
     }
-    return true;
+    const size_t words = wordCount(rest);
+    if (words < command->least || words > command->most)
+        throw ScriptError{"usage: " + trim(verb + " " + command->words)};
+}
+
+std::optional<std::string> runControlCommand(Screen& screen, const std::string& line,
+                                             std::ostream& out) {
+    std::string rest = line;
+    const ScriptCommand* command = commandOf(takeWord(rest));
+    if (!command || (!command->act && !command->tell)) return std::nullopt;
+    checkUsage(line);
+    if (command->tell) {
+        command->tell(screen, rest, out);
+        return "";
+    }
+    const Control* acted = screen.find(rest.substr(0, rest.find(' ')));
+    std::string name = acted ? acted->name() : "";  // the act may unmake it
+    command->act(screen, rest);
+    return name;
+}
+
+std::string scriptHelp() {
+    constexpr size_t kWidth = 40;
+    std::string help;
+    for (const ScriptCommand& command : kCommands) {
+        std::string line = "  " + trim(std::string(command.verb) + " " + command.words);
+        line.resize(std::max(line.size() + 1, kWidth), ' ');
+        help += line + command.what + "\n";
+    }
+    return help;
 }
 
 }  // namespace owb

@@ -86,6 +86,7 @@ void ScriptFrontEnd::opened(Screen& screen) {
 }
 
 void ScriptFrontEnd::closed(Screen& screen) {
+    focus_.erase(&screen);
     out_ << "close: " << screen.name() << std::endl;
 }
 
@@ -109,25 +110,48 @@ void ScriptFrontEnd::run(Screen& screen) {
 }
 
 void ScriptFrontEnd::command(Screen& screen, const std::string& line) {
-    const size_t blank = line.find(' ');
-    const std::string verb = line.substr(0, blank);
-    const std::string rest = blank == std::string::npos ? "" : trim(line.substr(blank));
+    try {
+        checkUsage(line);
+        if (ownCommand(screen, line)) return;
+        const auto acted = runControlCommand(screen, line, out_);
+        moveFocus(screen, acted.value_or(""));
+    } catch (const ScriptError& e) {
+        fail(e.reason);
+    }
+}
+
+// The commands that concern no single control.
+bool ScriptFrontEnd::ownCommand(Screen& screen, const std::string& line) {
+    std::string rest = line;
+    const std::string verb = takeWord(rest);
     if (verb == "close") {
         screen.close();
     } else if (verb == "answer") {
-        if (const auto answer = answerNamed(rest))
-            answers_.push_back(*answer);
-        else
-            fail("no such answer: " + rest);
+        const auto answer = answerNamed(rest);
+        if (!answer)
+            throw ScriptError{"no such answer: " + rest + ": there are Yes, No, Cancel, OK"};
+        answers_.push_back(*answer);
     } else if (verb == "file") {
         files_.push_back(rest);
+    } else if (verb == "focus") {
+        moveFocus(screen, "");
+        const std::string& name = focus_[&screen];
+        out_ << "focus: " << (name.empty() ? "none" : name) << std::endl;
     } else {
-        try {
-            if (!runControlCommand(screen, line, out_)) fail("no such command: " + verb);
-        } catch (const ScriptError& e) {
-            fail(e.reason);
-        }
+        return false;
     }
+    return true;
+}
+
+// The focus stands where the user was last, or where the screen has put it since.
+void ScriptFrontEnd::moveFocus(Screen& screen, const std::string& acted) {
+    const Control* control = screen.takeFocus();
+    if (!control && !acted.empty()) control = screen.find(acted);
+    // A label, a bar and a menu leave it where it is.
+    const bool takes = control && !dynamic_cast<const Label*>(control) &&
+                       !dynamic_cast<const ProgressBar*>(control) &&
+                       !dynamic_cast<const MenuItem*>(control);
+    if (takes) focus_[&screen] = control->name();
 }
 
 void ScriptFrontEnd::fail(const std::string& reason) {

@@ -1,28 +1,16 @@
 // Drives screens by text: one command a line in, what happens out. Used by tests, by owbctl and by
-// anyone who wants to automate an entry.
+// anyone who wants to automate an entry. The commands are listed in script_commands.cpp; "owbctl
+// help screen" prints that list.
 //
-//   set NAME VALUE            text box, combo box, tab; Yes/No for a check box; the index of an
-//                             option in its array; the entry of a list
-//   click NAME                command, label, option; menu NAME is the same for a menu item
-//   key NAME KEY              F2, F5, Enter, Esc, Ctrl+G ...
-//   cell GRID ROW COL         makes it the current cell; with "= TEXT" edits it as a user does
-//   dblclick NAME [ROW COL]   rightclick GRID ROW COL
-//   check GRID ROW COL Yes|No, check LIST ENTRY Yes|No
-//   answer WORD               queues Yes, No, Cancel or OK for the next question
-//   file PATH                 queues the answer to the next question for a file
-//   show NAME                 prints NAME: text | caption | enabled | visible
-//   dump GRID                 prints the visible rows and columns as CSV
-//   close                     closes the current screen
-//
-// ROW and COL count what is visible from 1; COL may be a caption.
-// Blank lines and lines that begin with # say nothing. Out go "open: <screen>|<caption>",
-// "close: <screen>" and "box: <icon>|<title>|<text>|<buttons>|<answer>", line breaks as \n. A
-// question without a queued answer takes its default button. When the input ends, the open screens
-// close.
+// ROW and COL count what is visible from 1; COL may be a caption. Blank lines and lines that begin
+// with # say nothing. Out go "open: <screen>|<caption>", "close: <screen>" and
+// "box: <icon>|<title>|<text>|<buttons>|<answer>", line breaks as \n. A question without a queued
+// answer takes its default button. When the input ends, the open screens close.
 #pragma once
 
 #include <deque>
 #include <istream>
+#include <map>
 #include <ostream>
 #include <string>
 
@@ -49,6 +37,8 @@ class ScriptFrontEnd final : public FrontEnd {
 
   private:
     void command(Screen& screen, const std::string& line);
+    bool ownCommand(Screen& screen, const std::string& line);
+    void moveFocus(Screen& screen, const std::string& acted);
     void fail(const std::string& reason);
 
     std::istream& in_;
@@ -56,6 +46,7 @@ class ScriptFrontEnd final : public FrontEnd {
     std::ostream& errors_;
     std::deque<BoxAnswer> answers_;
     std::deque<std::string> files_;
+    std::map<const Screen*, std::string> focus_;  // the control's name
     size_t line_ = 0;
     bool failed_ = false;
 };

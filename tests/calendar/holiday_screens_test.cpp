@@ -426,7 +426,7 @@ TEST(Pickers, OfferWhatTheFieldTakes) {
     for (const char* typed : {"2-13-2024", "13-Feb-2024", "13.2.24"})
         EXPECT_EQ(
             h.drive<modHolidayList>(std::string("set txtHDate ") + typed + "\nshow txtHDate\n"),
-            "txtHDate: 13/02/2024 |  | Yes | Yes\n");
+            "txtHDate: 13/02/2024 |  | Yes | Yes | tip=dd/mm/yyyy,Press F2 or Double click\n");
     TextBox date(screen, "txtDate");
     date.value = "05/Jan/2014";
     frmOwbCalender calendar(h.session, frontEnd);
@@ -438,18 +438,19 @@ TEST(Pickers, OfferWhatTheFieldTakes) {
 TEST(Pickers, FillTheFieldTheyWereOpenedFrom) {
     Holidays h;
     EXPECT_EQ(h.drive<modHolidayList>("set txtHDate 29/02/2024\nkey txtHDate F2\nshow cmbMonth\n"
-                                      "show lblDate(4)\nclick lblDate(31)\nshow lblDate(32)\n"
-                                      "click lblDate(32)\nshow txtHDate\n"),
+                                      "show lblDate(4)\nclick lblDate(31)\nfocus\n"
+                                      "show txtHDate\n"),
               "open: frmOwbCalender|Calendar\ncmbMonth: February |  | Yes | Yes\nlblDate(4): 1 | 1 "
-              "| Yes | Yes\nclose: frmOwbCalender\nerror: line 6: no control lblDate(32) on "
-              "modHolidayList\nerror: line 7: no control lblDate(32) on modHolidayList\ntxtHDate: "
-              "28/02/2024 |  | Yes | Yes\n");
+              "| Yes | Yes\nclose: frmOwbCalender\nfocus: txtHDate\ntxtHDate: 28/02/2024 |  | Yes "
+              "| Yes | tip=dd/mm/yyyy,Press F2 or Double click\n");
     EXPECT_EQ(h.drive<modHolidayWeekly>("dblclick cmbMonthYear\nclick lblMonth(5)\n"
                                         "set lstYear 2024\nclick lblMonth(0)\nclick lblMonth(5)\n"
                                         "show cmbMonthYear\n"),
               "open: frmSelMonth|Select Month Year\nbox: information|MONTHYEAR|Please Select The "
               "year|OK|OK\nerror: line 4: lblMonth(0) takes no click now\nclose: "
-              "frmSelMonth\ncmbMonthYear: Jun/2024 |  | Yes | Yes\n");
+              "frmSelMonth\ncmbMonthYear: Jun/2024 |  | Yes | Yes | tip=Select effective "
+              "Month/Year,Press "
+              "F2 or Double click  to quick select\n");
 }
 
 }  // namespace

@@ -105,7 +105,7 @@ TEST(AttHead, ANewHeadHasBandsAndLeaveSettings) {
     EXPECT_EQ(h.settings.GetSetting("LeaveMgmt", "CallMenu"), "1");
     EXPECT_EQ(run.shown,
               "lblEmployees: Employee (s) : 0 | Employee (s) : 0 | Yes | Yes\n"
-              "cmdSetting: Se&tting | Se&tting | Yes | Yes\n");
+              "cmdSetting: Se&tting | Se&tting | Yes | Yes | tip=Hours of the bands of a day\n");
     EXPECT_EQ(h.audit(),
               "Attendance Configuration Added,New Attendance Head Added:->Attendance Name = Night "
               "Shift:->Short Name = Night:->Salary Calculation = Dependent:->Salary Calendar days "

@@ -4,6 +4,10 @@
 
 #include <sstream>
 
+#include "screen/grid.h"
+#include "screen/lists.h"
+#include "screen/text_box.h"
+
 namespace owb {
 namespace {
 
@@ -28,11 +32,12 @@ struct Driven {
     bool failed;
 };
 
+template <class S = Asking>
 Driven drive(const std::string& script) {
     std::istringstream in(script);
     std::ostringstream out, errors;
     ScriptFrontEnd frontEnd(in, out, errors);
-    Asking(frontEnd).showModal();
+    S(frontEnd).showModal();
     return {out.str(), errors.str(), frontEnd.failed()};
 }
 
@@ -65,11 +70,211 @@ TEST(Script, TellsWhatItCannotDoAndGoesOn) {
         "press cmdAsk\nclick cmdNone\nclick cmdHidden\nanswer Perhaps\nclick cmdClose\nclick "
         "cmdAsk\n");
     EXPECT_EQ(run.out, "open: Asking|Ask\\nme\nclose: Asking\n") << "nothing after the close";
-    EXPECT_EQ(run.errors,
-              "error: line 1: no such command: press\n"
-              "error: line 2: no control cmdNone on Asking\n"
-              "error: line 3: cmdHidden takes no click now\n"
-              "error: line 4: no such answer: Perhaps\n");
+    EXPECT_EQ(
+        run.errors,
+        "error: line 1: no such command: press: there are set, click, menu, key, cell, check, "
+        "dblclick, rightclick, header, answer, file, close, show, tip, dump, menus, controls, "
+        "caption, focus\n"
+        "error: line 2: no control cmdNone on Asking: there are lblAnswer, cmdAsk, cmdHidden, "
+        "cmdClose\n"
+        "error: line 3: cmdHidden takes no click now\n"
+        "error: line 4: no such answer: Perhaps: there are Yes, No, Cancel, OK\n");
+}
+
+// One of each kind, and a grid with a hidden row and a hidden column.
+class Showing : public Screen {
+  public:
+    explicit Showing(FrontEnd& frontEnd) : Screen(frontEnd, "Showing", "All kinds") {
+        txtName.value = "Asha";
+        txtName.toolTip = "Her\nname";
+        txtNote.locked = true;
+        for (const char* entry : {"CL", "EL"}) {
+            cmbLeave.add(entry);
+            lstHeads.add(entry);
+        }
+        cmbLeave.editable = false;
+        lstHeads.checkable = true;
+        mnuHalf.checkable = true;
+        mnuDay.onClick = mnuHalf.onClick = [] {};
+        mnuGone.visible = false;
+        cmdGo.onClick = [this] { setFocus(txtName); };
+        fillGrid();
+    }
+
+    TextBox txtName{*this, "txtName"};
+    TextBox txtNote{*this, "txtNote", "Remark"};
+    Combo cmbLeave{*this, "cmbLeave"};
+    ListBox lstHeads{*this, "lstHeads"};
+    CheckBox chkAll{*this, "chkAll", "&All, always"};
+    Label lblCount{*this, "lblCount", "3"};
+    Command cmdGo{*this, "cmdGo", "&Go"};
+    Tabs tabPages{*this, "tabPages", {"One", "Two"}};
+    Grid fpgDays{*this, "fpgDays"};
+    MenuItem mnuDay{*this, fpgDays, "mnuDay", "Day"};
+    MenuItem mnuHalf{*this, fpgDays, "mnuHalf(0)", "Half", &mnuDay};
+    MenuItem mnuGone{*this, fpgDays, "mnuGone", "Gone"};
+
+  private:
+    void fillGrid() {
+        fpgDays.setColumns({{"ID", 5, CellType::Number, 0, Align::Left, true},
+                            {"Date", 10, CellType::Date},
+                            {"Kind", 10, CellType::Combo, 0, Align::Left, false, false},
+                            {"Off", 3, CellType::Check, 0, Align::Left, false, false}});
+        for (const char* day : {"1", "2", "3"})
+            fpgDays.addRow({day, std::string("0") + day + "/01/2026", "CL", "0"});
+        fpgDays.setRowHidden(1, true);
+        fpgDays.changeColumn(2).choices = {"CL", "EL"};
+        fpgDays.changeColumn(3).toolTip = "Day off";
+        fpgDays.setBackColor(2, 1, 0x80C0FF);
+        fpgDays.setForeColor(2, 1, kToolTipColor);
+        fpgDays.setLocked(0, 2, true);
+        fpgDays.setCellTag(0, 2, "old");
+        fpgDays.cellToolTip = [](size_t row, size_t column) {
+            return row == Grid::kHeader ? "header" : "cell " + std::to_string(row * 10 + column);
+        };
+        fpgDays.onCellDoubleClick = [this](size_t row, size_t) {
+            lblCount.caption = "twice " + std::to_string(row);
+        };
+        fpgDays.onKey = [this](const std::string& key) {
+            lblCount.caption = "key " + key;
+            return key == "F5";
+        };
+    }
+};
+
+// What a script prints on a screen between its opening and its end, and what it could not do.
+template <class S = Showing>
+std::string printed(const std::string& script) {
+    const Driven run = drive<S>(script);
+    const size_t from = run.out.find('\n') + 1;
+    return run.out.substr(from, run.out.rfind("close: ") - from) + run.errors;
+}
+
+TEST(Script, TellsWhatAUserSees) {
+    const struct {
+        const char* script;
+        const char* printed;
+    } cases[] = {
+        {"show txtName", "txtName: Asha |  | Yes | Yes | tip=Her\\nname\n"},
+        {"show txtNote", "txtNote:  | Remark | Yes | Yes | locked=Yes\n"},
+        {"show tabPages", "tabPages: One |  | Yes | Yes\n"},
+        {"show mnuGone", "mnuGone: Gone | Gone | Yes | No\n"},
+        {"menu mnuHalf(0)\nshow mnuHalf(0)", "mnuHalf(0): Half | Half | Yes | Yes | checked=Yes\n"},
+        {"show fpgDays", "fpgDays:  |  | Yes | Yes\n"},
+        {"cell fpgDays 2 Date\nshow fpgDays",
+         "fpgDays: 03/01/2026 |  | Yes | Yes | current=2 Date\n"},
+        {"show fpgDays 1 2",
+         "fpgDays 1 Kind: CL | type=Combo | locked=Yes | back=default | fore=default | tag=old | "
+         "choices=CL;EL | tip=cell 2\n"},
+        {"show fpgDays 2 date",
+         "fpgDays 2 Date: 03/01/2026 | type=Date | locked=Yes | back=80C0FF | fore=tooltip | tag= "
+         "| "
+         "choices= | tip=cell 21\n"},
+        {"show fpgDays 2 ID",
+         "fpgDays 2 ID: 3 | type=Number | locked=Yes | back=default | fore=default | tag= | "
+         "choices= | tip=cell 20\n"},
+        {"tip txtName\ntip fpgDays\ntip fpgDays 2 1\ntip fpgDays 0 Kind\ntip fpgDays 0 Off",
+         "tip: Her\\nname\ntip: \ntip: cell 21\ntip: header\ntip: Day off\n"},
+        {"dump fpgDays", "Date,Kind,Off\n01/01/2026,CL,0\n03/01/2026,CL,0\n"},
+        {"dump fpgDays --hidden --colors",
+         "ID,Date,Kind,Off\n1,01/01/2026,CL,0\n3,03/01/2026,CL,0\n"
+         "fpgDays 1 Kind: locked=Yes\nfpgDays 2 Date: back=80C0FF | fore=tooltip\n"},
+        {"check lstHeads EL Yes\ndump lstHeads\ndump cmbLeave", "CL,No\nEL,Yes\nCL\nEL\n"},
+        {"menus fpgDays",
+         "mnuDay: Day | enabled=Yes\nmnuHalf(0): Half | enabled=Yes | checked=No | below=mnuDay\n"},
+        {"caption", "caption: All kinds\n"},
+        {"controls",
+         "name,kind,caption,value,enabled,visible\n"
+         "txtName,text box,,Asha,Yes,Yes\ntxtNote,text box,Remark,,Yes,Yes\n"
+         "cmbLeave,combo box,,,Yes,Yes\nlstHeads,list,,,Yes,Yes\n"
+         "chkAll,check box,\"&All, always\",No,Yes,Yes\nlblCount,label,3,,Yes,Yes\n"
+         "cmdGo,command,&Go,,Yes,Yes\ntabPages,tabs,,One,Yes,Yes\nfpgDays,grid,,,Yes,Yes\n"
+         "mnuDay,menu,Day,,Yes,Yes\nmnuHalf(0),menu,Half,No,Yes,Yes\nmnuGone,menu,Gone,,Yes,No\n"}};
+    for (const auto& c : cases) EXPECT_EQ(printed(c.script), c.printed) << c.script;
+}
+
+TEST(Script, TheFocusIsWhereTheUserOrTheScreenPutIt) {
+    const struct {
+        const char* script;
+        const char* focus;
+    } cases[] = {{"show txtNote", "none"},
+                 {"set cmbLeave EL", "cmbLeave"},
+                 {"key fpgDays Down\nclick lblCount", "fpgDays"},
+                 {"cell fpgDays 1 1\nmenu mnuDay", "fpgDays"},
+                 {"set chkAll Yes\nclick cmdGo", "txtName"}};
+    for (const auto& c : cases) {
+        const std::string all = printed(std::string(c.script) + "\nfocus");
+        EXPECT_EQ(all.substr(0, all.find("error")).substr(all.find("focus:")),
+                  std::string("focus: ") + c.focus + "\n")
+            << c.script;
+    }
+}
+
+TEST(Script, KeysAndHeadersMoveInAGrid) {
+    const struct {
+        const char* keys;     // one after the other, from no current cell
+        const char* current;  // "" for none
+    } cases[] = {{"Down", "1 Date"},
+                 {"Down Down", "2 Date"},
+                 {"Down Down Down Right", "2 Kind"},
+                 {"Down Right Right Right Left", "1 Kind"},
+                 {"Down End Down Up", "1 Off"},
+                 {"Down Ctrl+End Home", "2 Date"},
+                 {"Down Ctrl+End Ctrl+Home", "1 Date"},
+                 {"Enter", "1 Off"},  // the first that can be edited
+                 {"Tab Tab Tab Shift+Tab", "2 Kind"},
+                 {"F5", ""}};
+    for (const auto& c : cases) {
+        std::istringstream keys(c.keys);
+        std::string script, key;
+        while (keys >> key) script += "key fpgDays " + key + "\n";
+        const std::string current = *c.current ? std::string(" | current=") + c.current : "";
+        const std::string all = printed(script + "show fpgDays");
+        EXPECT_EQ(all.substr(all.find(" | ")), " |  | Yes | Yes" + current + "\n") << c.keys;
+    }
+    EXPECT_EQ(printed("key fpgDays F5\nshow lblCount"), "lblCount: key F5 | key F5 | Yes | Yes\n");
+    EXPECT_EQ(printed("cell fpgDays 2 Off\nkey fpgDays Space\nshow fpgDays"),
+              "fpgDays: 1 |  | Yes | Yes | current=2 Off\n");
+    EXPECT_EQ(printed("cell fpgDays 2 Off\nkey fpgDays Enter\nshow lblCount"),
+              "lblCount: twice 2 | twice 2 | Yes | Yes\n")
+        << "behind the last cell that can be edited";
+    EXPECT_EQ(printed("header fpgDays Kind\nshow fpgDays"),
+              "fpgDays: CL |  | Yes | Yes | current=1 Kind\n");
+}
+
+class Popup final : public Showing {
+  public:
+    explicit Popup(FrontEnd& frontEnd) : Showing(frontEnd) {
+        popup = true;
+        fpgDays.singleRows = true;
+    }
+};
+
+TEST(Script, NamesWhatThereIsInsteadOfWhatIsNot) {
+    const struct {
+        const char* line;
+        const char* error;
+    } cases[] = {{"cell fpgDays 3 1", "fpgDays has no row 3: there are 2"},
+                 {"cell fpgDays one 1", "no row number: one"},
+                 {"cell fpgDays 1 4", "fpgDays has no column 4: there are Date, Kind, Off"},
+                 {"cell fpgDays 1 ID", "fpgDays has no column ID: there are Date, Kind, Off"},
+                 {"cell fpgDays 1", "usage: cell GRID ROW COL [= TEXT]"},
+                 {"cell fpgDays 2 Kind = SL", "\"SL\" is no entry of the list: row 2, \"Kind\"."},
+                 {"controls fpgDays", "usage: controls"},
+                 {"dump chkAll", "chkAll is no grid: there are fpgDays"},
+                 {"dump fpgDays --all", "dump has no --all: there are --colors, --hidden"},
+                 {"set cmbLeave SL", "cmbLeave has no entry SL: there are CL, EL"},
+                 {"set lstHeads SL", "lstHeads has no entry SL: there are CL, EL"},
+                 {"set tabPages Three", "tabPages has no page Three: there are One, Two"},
+                 {"set chkAll Maybe", "not Yes or No: Maybe"},
+                 {"set lblCount 3", "lblCount holds no value"},
+                 {"key fpgDays F9", "fpgDays takes no key F9 now"},
+                 {"key txtName Esc", "txtName takes no key Esc now"},
+                 {"menus txtName", "txtName has no menu"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(printed(c.line), std::string("error: line 1: ") + c.error + "\n");
+    EXPECT_EQ(printed<Popup>("header fpgDays Kind\nkey txtName Esc\nbut it has closed"),
+              "error: line 1: fpgDays takes no click on a header now\n");
 }
 
 }  // namespace
