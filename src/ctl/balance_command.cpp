@@ -2,6 +2,7 @@
 #include <ostream>
 
 #include "base/number_text.h"
+#include "ctl/json_text.h"
 #include "ctl/reading_session.h"
 #include "leave/modLeaveFunctions.h"
 
@@ -25,16 +26,22 @@ class BalanceCommand final : public Command {
         app.add_option("LEVID", leave_, "Leave")->required();
         app.add_option("DATE", date_, "Date as YYYY-MM-DD")->required();
         app.add_option("HEAD", head_, "Attendance head");
+        app.add_flag("--json", json_, kJsonHelp);
     }
 
     int run(Streams& io) override {
         const auto date = parseDate(date_);
         if (!date) throw CommandError("\"" + date_ + "\" is no date (YYYY-MM-DD)");
         ReadingSession reading(db_);
-        io.out << formatNumber(
-                      GetClosingBalance(reading.session, employee_, leave_, *date, {}, head_),
-                      "0.00")
-               << '\n';
+        const double balance =
+            GetClosingBalance(reading.session, employee_, leave_, *date, {}, head_);
+        if (json_)
+            printJson(io.out, {{"employee", employee_},
+                               {"leave", leave_},
+                               {"date", isoText(*date)},
+                               {"balance", balance}});
+        else
+            io.out << formatNumber(balance, "0.00") << '\n';
         return 0;
     }
 
@@ -42,6 +49,7 @@ class BalanceCommand final : public Command {
     std::string db_, date_;
     int64_t employee_ = 0;
     int32_t leave_ = 0, head_ = 0;
+    bool json_ = false;
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "ctl/command.h"
 #include "ctl/database.h"
+#include "ctl/json_text.h"
 #include "leave/ledger_checks.h"
 
 namespace owb::ctl {
@@ -77,17 +78,54 @@ constexpr TableCheck kChecks[] = {
      "SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1", true},
 };
 
-// "  employees 1, 2 and 5 more", where there are any.
-void tellEmployees(Connection& connection, const std::string& query, Streams& io) {
-    constexpr size_t kNamed = 20;
-    const ResultSet employees = std::move(connection.Run(query).sets.front());
-    if (employees.rows == 0) return;
-    io.out << "  employees ";
-    for (size_t row = 0; row < std::min(employees.rows, kNamed); ++row)
-        io.out << (row > 0 ? ", " : "") << employees.at(row, 0).toText();
-    if (employees.rows > kNamed) io.out << " and " << employees.rows - kNamed << " more";
-    io.out << '\n';
-}
+// What was found, told at once as text or held for the one JSON object at the end.
+class Findings {
+  public:
+    Findings(std::ostream& out, bool json) : out_(out), json_(json) {}
+
+    void damaged(const std::string& what) {
+        ++faults_;
+        if (json_)
+            all_.push_back({{"what", what}, {"fault", true}});
+        else
+            out_ << what << '\n';
+    }
+    void rows(const char* table, int64_t count, const char* what, bool remark) {
+        if (!remark) ++faults_;
+        if (json_)
+            all_.push_back({{"table", table}, {"rows", count}, {"what", what}, {"fault", !remark}});
+        else
+            out_ << table << ": " << count << ' ' << what << '\n';
+    }
+    // Whose rows those of the last finding are.
+    void employees(const ResultSet& found) {
+        constexpr size_t kNamed = 20;
+        if (json_)
+            for (const Value& employee : found.cells)
+                all_.back()["employees"].push_back(jsonOf(employee));
+        if (json_ || found.rows == 0) return;
+        out_ << "  employees ";
+        for (size_t row = 0; row < std::min(found.rows, kNamed); ++row)
+            out_ << (row > 0 ? ", " : "") << found.at(row, 0).toText();
+        if (found.rows > kNamed) out_ << " and " << found.rows - kNamed << " more";
+        out_ << '\n';
+    }
+    // Whether there was no fault.
+    bool end() {
+        const bool sound = faults_ == 0;
+        if (json_)
+            printJson(out_, {{"sound", sound}, {"findings", all_}});
+        else
+            out_ << (sound ? "sound\n" : "not sound\n");
+        return sound;
+    }
+
+  private:
+    std::ostream& out_;
+    const bool json_;
+    Json all_ = Json::array();
+    size_t faults_ = 0;
+};
 
 class CheckCommand final : public Command {
   public:
@@ -100,38 +138,36 @@ class CheckCommand final : public Command {
                "when the database is not sound.";
     }
 
-    void declare(CLI::App& app) override { app.add_option("DB", db_, "Database")->required(); }
+    void declare(CLI::App& app) override {
+        app.add_option("DB", db_, "Database")->required();
+        app.add_flag("--json", json_, kJsonHelp);
+    }
 
     int run(Streams& io) override {
         Connection connection;
         openDatabase(connection, db_);
-        size_t faults = 0;
-        for (const std::string& line : connection.CheckIntegrity()) {
-            io.out << line << '\n';
-            ++faults;
-        }
-        auto count = [&](const char* table, const char* what, const std::string& query,
-                         bool remark) {
-            if (!tableExists(connection, table)) return;
+        Findings findings(io.out, json_);
+        for (const std::string& line : connection.CheckIntegrity()) findings.damaged(line);
+        const auto count = [&](const char* table, const char* what, const std::string& query,
+                               bool remark) {
+            if (!tableExists(connection, table)) return false;
             const int64_t found = connection.Run(query).sets.front().at(0, 0).toInt();
-            if (found == 0) return;
-            io.out << table << ": " << found << ' ' << what << '\n';
-            if (!remark) ++faults;
+            if (found > 0) findings.rows(table, found, what, remark);
+            return found > 0;
         };
         for (const TableCheck& check : kChecks)
             count(check.table, check.what, check.count, check.remark);
         for (const bool remark : {false, true})
-            for (const LedgerCheck& check : remark ? FnLedgerRemarks() : FnLedgerChecks()) {
-                count("LEV_ALLOTMENT", check.what, check.count, remark);
-                if (!check.employees.empty() && tableExists(connection, "LEV_ALLOTMENT"))
-                    tellEmployees(connection, check.employees, io);
-            }
-        io.out << (faults == 0 ? "sound\n" : "not sound\n");
-        return faults == 0 ? 0 : 1;
+            for (const LedgerCheck& check : remark ? FnLedgerRemarks() : FnLedgerChecks())
+                if (count("LEV_ALLOTMENT", check.what, check.count, remark) &&
+                    !check.employees.empty())
+                    findings.employees(connection.Run(check.employees).sets.front());
+        return findings.end() ? 0 : 1;
     }
 
   private:
     std::string db_;
+    bool json_ = false;
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <iomanip>
 #include <ostream>
 
+#include "ctl/json_text.h"
 #include "ctl/reading_session.h"
 #include "db/recordset.h"
 #include "family/modCommon.h"
@@ -11,6 +12,14 @@
 namespace owb::ctl {
 
 namespace {
+
+class HeldSteps final : public AllotmentSteps {
+  public:
+    void step(const std::string& what, const std::string& finding) override {
+        all.push_back({{"what", what}, {"finding", finding}});
+    }
+    Json all = Json::array();
+};
 
 // What the engine finds, a line each: its name in a column of its own.
 class PrintedSteps final : public AllotmentSteps {
@@ -43,6 +52,7 @@ class ExplainCommand final : public Command {
         app.add_option("EMPID", employee_, "Employee")->required();
         app.add_option("LEVSHORT", leave_, "Leave's abbreviation")->required();
         app.add_option("MONTH", month_, "Month as Mmm/YYYY")->required();
+        app.add_flag("--json", json_, kJsonHelp);
     }
 
     int run(Streams& io) override {
@@ -62,33 +72,56 @@ class ExplainCommand final : public Command {
                                           " AND [DBO].FNLNGMONTHYEAR(LA.ALLOTFROM, LA.ALLOTTO) = " +
                                           std::to_string(month) + " ORDER BY LA.ALLOTFROM"));
         if (rows.IsEOF()) throw CommandError("the ledger holds no such row");
-        PrintedSteps steps(io.out);
+        Json told = Json::array();
         for (; !rows.IsEOF(); rows.MoveNext()) {
             const AllotRow row = FnReadAllotRow(rows);
-            io.out << leave_ << " of employee " << employee_ << ", " << FnStrIsoDate(row.dteFrom)
-                   << " to " << FnStrIsoDate(row.dteTo) << ", head " << row.intAttHeadId << '\n';
-            ExplainAllotment(session, row, steps);
-            tellStored(session, row, steps);
+            if (json_)
+                told.push_back(jsonOfRow(session, row));
+            else
+                print(session, row, io.out);
         }
+        if (json_) printJson(io.out, told);
         return 0;
     }
 
   private:
-    static void tellStored(Session& session, const AllotRow& row, AllotmentSteps& steps) {
-        Recordset rs(session.gConn,
-                     "SELECT ACTALLOTLEV, ALLOTLEV, COLEV, LAPSE, EDITMODEYN FROM LEV_ALLOTMENT "
-                     "WHERE ALLOTID = " +
-                         std::to_string(row.lngAllotId));
-        auto amount = [&](const char* column) { return rs.Fields(column).toText(); };
+    static std::string ledgerQuery(const AllotRow& row) {
+        return "SELECT COLEV AS broughtForward, ALLOTLEV AS allotted, ACTALLOTLEV AS unrounded, "
+               "LAPSE AS lapsed, CAST(ISNULL(EDITMODEYN, 0) AS bit) AS awaitsRecalculation FROM "
+               "LEV_ALLOTMENT WHERE "
+               "ALLOTID = " +
+               std::to_string(row.lngAllotId);
+    }
+
+    Json jsonOfRow(Session& session, const AllotRow& row) const {
+        HeldSteps steps;
+        ExplainAllotment(session, row, steps);
+        return {{"leave", leave_},
+                {"employee", employee_},
+                {"from", FnStrIsoDate(row.dteFrom)},
+                {"to", FnStrIsoDate(row.dteTo)},
+                {"head", row.intAttHeadId},
+                {"steps", steps.all},
+                {"ledger", jsonOf(session.gConn.Run(ledgerQuery(row)).sets.front()).at(0)}};
+    }
+
+    void print(Session& session, const AllotRow& row, std::ostream& out) const {
+        out << leave_ << " of employee " << employee_ << ", " << FnStrIsoDate(row.dteFrom) << " to "
+            << FnStrIsoDate(row.dteTo) << ", head " << row.intAttHeadId << '\n';
+        PrintedSteps steps(out);
+        ExplainAllotment(session, row, steps);
+        Recordset rs(session.gConn, ledgerQuery(row));
+        const auto amount = [&](const char* column) { return rs.Fields(column).toText(); };
         steps.step("in the ledger",
-                   amount("COLEV") + " brought forward, " + amount("ALLOTLEV") + " allotted (" +
-                       amount("ACTALLOTLEV") + " unrounded), " + amount("LAPSE") +
+                   amount("broughtForward") + " brought forward, " + amount("allotted") +
+                       " allotted (" + amount("unrounded") + " unrounded), " + amount("lapsed") +
                        " lapsed at its close" +
-                       (rs.Fields("EDITMODEYN").toBool() ? "; awaits recalculation" : ""));
+                       (rs.Fields("awaitsRecalculation").toBool() ? "; awaits recalculation" : ""));
     }
 
     std::string db_, leave_, month_;
     int64_t employee_ = 0;
+    bool json_ = false;
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "base/number_text.h"
 #include "ctl/command.h"
 #include "ctl/database.h"
+#include "ctl/json_text.h"
 #include "ctl/text_table.h"
 #include "family/modCommon.h"
 #include "formula/clsEvalFormula.h"
@@ -52,6 +53,7 @@ class FormulaCommand final : public Command {
         app.add_option("--from", from_, "First day of the span (YYYY-MM-DD)");
         app.add_option("--to", to_, "Last day of the span (YYYY-MM-DD)");
         app.add_flag("--explain", explain_, "Tell step by step");
+        app.add_flag("--json", json_, kJsonHelp);
     }
 
     int run(Streams& io) override {
@@ -75,8 +77,14 @@ class FormulaCommand final : public Command {
                                                             dateOr(from_, from), dateOr(to_, to),
                                                             false, "", &trace);
         }
-        if (explain_) explain(io.out, trace);
-        io.out << numberText(value) << '\n';
+        if (json_) {
+            Json told = {{"value", value}};
+            if (explain_) told["steps"] = jsonOfTrace(trace);
+            printJson(io.out, told);
+        } else {
+            if (explain_) explain(io.out, trace);
+            io.out << numberText(value) << '\n';
+        }
         if (!boxes.text.empty()) throw CommandError(boxes.text);
         return 0;
     }
@@ -120,10 +128,30 @@ class FormulaCommand final : public Command {
             out << "Failed:                 " << trace.failure << "\n\n";
     }
 
+    static Json jsonOfTrace(const FormulaTrace& trace) {
+        const auto table = [](const KeywordTable& keywords) {
+            Json rows = Json::array();
+            for (const Keyword& entry : keywords)
+                rows.push_back({{"keyword", entry.keyword}, {"value", entry.value}});
+            return rows;
+        };
+        const ExpressionSteps steps =
+            clsExprEval::Explain(trace.strFormula, &trace.vOther, &trace.vSalary);
+        Json told = {{"formula", trace.strFormula},         {"firstTable", table(trace.vOther)},
+                     {"secondTable", table(trace.vSalary)}, {"afterFirstTable", steps.keywords1},
+                     {"afterSecondTable", steps.keywords2}, {"functionNames", steps.names},
+                     {"capitals", steps.capitals}};
+        if (!trace.failure.empty())
+            told["failure"] = trace.failure;
+        else
+            told.update({{"result", trace.result.display()}, {"type", trace.result.typeName()}});
+        return told;
+    }
+
     std::string db_, month_, from_, to_;
     int32_t formula_ = 0, version_ = 0;
     int64_t employee_ = 0;
-    bool explain_ = false;
+    bool explain_ = false, json_ = false;
 };
 
 }  // namespace

@@ -3,8 +3,10 @@
 
 #include "ctl/command.h"
 #include "ctl/database.h"
+#include "ctl/json_text.h"
 #include "ctl/text_table.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 
 namespace owb::ctl {
@@ -25,30 +27,29 @@ class RegisterCommand final : public Command {
     void declare(CLI::App& app) override {
         app.add_option("DB", db_, "Database")->required();
         app.add_option("--month", month_, "Month as Mmm/YYYY");
+        app.add_flag("--json", json_, kJsonHelp);
     }
 
     int run(Streams& io) override {
         Connection connection;
         openDatabase(connection, db_);
         const int64_t month = chosenMonth(connection);
-        const std::string monthText = std::to_string(month);
-        Recordset rows(connection,
-                       "SELECT ME.EMPID, ME.EMPNAME, MA.ATTHEADNAME, LM.NODCALC, LM.NOD, LM.NDP, "
-                       "LM.OT1, LM.OT2, LM.EDITMODEYN FROM LEV_MONTHDET LM, MAS_EMPLOYEE ME, "
-                       "MAS_EMPLOYEEDET MD, MAS_ATTHEAD MA WHERE ME.EMPID = LM.EMPID AND "
-                       "MD.EMPID = LM.EMPID AND MD.EMPDETID = LM.EMPDETID AND "
-                       "MA.ATTHEADID = MD.ATTHEADID AND LM.MONTHYEAR = " +
-                           monthText + " ORDER BY ME.EMPID, LM.EMPDETID");
-        std::vector<std::vector<std::string>> table = {
-            {"Employee", "Name", "Head", "NWD", "Pay Days", "Present Days", "OT1", "OT2", ""}};
-        for (; !rows.IsEOF(); rows.MoveNext()) {
-            std::vector<std::string> line;
-            for (size_t i = 0; i < 8; ++i) line.push_back(rows.Fields(i).toText());
-            line.push_back(rows.Fields("EDITMODEYN").toBool() ? "*" : "");
-            table.push_back(std::move(line));
-        }
-        io.out << "Register of " << FnStrMonthYearText(static_cast<int32_t>(month)) << "\n\n"
-               << textTable(table);
+        const std::string monthText = FnStrMonthYearText(static_cast<int32_t>(month));
+        const BatchResult result = connection.Run(
+            "SELECT " + sqlLiteral(monthText) +
+            " AS month, ME.EMPID AS employee, ME.EMPNAME AS name, MA.ATTHEADNAME AS head, "
+            "LM.NODCALC AS nwd, LM.NOD AS payDays, LM.NDP AS presentDays, LM.OT1 AS ot1, LM.OT2 AS "
+            "ot2, CAST(ISNULL(LM.EDITMODEYN, 0) AS bit) AS awaitsRecalculation FROM LEV_MONTHDET "
+            "LM, MAS_EMPLOYEE ME, "
+            "MAS_EMPLOYEEDET MD, MAS_ATTHEAD MA WHERE ME.EMPID = LM.EMPID AND "
+            "MD.EMPID = LM.EMPID AND MD.EMPDETID = LM.EMPDETID AND "
+            "MA.ATTHEADID = MD.ATTHEADID AND LM.MONTHYEAR = " +
+            std::to_string(month) + " ORDER BY ME.EMPID, LM.EMPDETID");
+        const ResultSet& rows = result.sets.front();
+        if (json_)
+            printJson(io.out, jsonOf(rows));
+        else
+            io.out << "Register of " << monthText << "\n\n" << textTable(linesOf(rows));
         return 0;
     }
 
@@ -67,7 +68,20 @@ class RegisterCommand final : public Command {
         return last.Fields(0).toInt();
     }
 
+    static std::vector<std::vector<std::string>> linesOf(const ResultSet& rows) {
+        std::vector<std::vector<std::string>> table = {
+            {"Employee", "Name", "Head", "NWD", "Pay Days", "Present Days", "OT1", "OT2", ""}};
+        for (size_t row = 0; row < rows.rows; ++row) {
+            std::vector<std::string> line;
+            for (size_t c = 1; c < 9; ++c) line.push_back(rows.at(row, c).toText());
+            line.push_back(rows.at(row, 9).toBool() ? "*" : "");
+            table.push_back(std::move(line));
+        }
+        return table;
+    }
+
     std::string db_, month_;
+    bool json_ = false;
 };
 
 }  // namespace

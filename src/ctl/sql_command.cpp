@@ -47,7 +47,9 @@ class SqlCommand final : public Command {
                "stdin; when that is a terminal they are asked for, with line editing and a "
                "history.\n"
                "Each result set is printed as CSV with a header line, sets are parted by a blank\n"
-               "line; NULL is nothing and an empty text is \"\". A batch that fails prints\n"
+               "line; NULL is nothing and an empty text is \"\". With --json each set is an array "
+               "of\n"
+               "objects instead. A batch that fails prints\n"
                "\"error: <message>\" and the server's \"Msg ...\" line on stderr, with the place "
                "of a\n"
                "syntax error; the next batch runs, and the exit status is 1.";
@@ -57,7 +59,8 @@ class SqlCommand final : public Command {
         app.add_option("DB", db_, "Database")->required();
         auto* text = app.add_option("-c,--command", text_, "The batches themselves");
         app.add_option("-f,--file", file_, "A file of batches")->excludes(text);
-        app.add_flag("--table", table_, "Aligned columns instead of CSV");
+        auto* table = app.add_flag("--table", table_, "Aligned columns instead of CSV");
+        app.add_flag("--json", json_, "JSON instead of CSV")->excludes(table);
         app.add_flag("--time", time_, "Tell how long each batch took");
     }
 
@@ -65,7 +68,9 @@ class SqlCommand final : public Command {
         Connection connection;
         openDatabase(connection, db_);
         const bool asks = text_.empty() && file_.empty() && io.interactive;
-        SqlOutput output(io.out, io.err, table_ || asks, time_);
+        using Rows = SqlOutput::Rows;
+        const Rows rows = json_ ? Rows::Json : table_ || asks ? Rows::Tables : Rows::Csv;
+        SqlOutput output(io.out, io.err, rows, time_);
         if (asks) {
             runSqlPrompt(connection, output);
             return 0;
@@ -85,7 +90,7 @@ class SqlCommand final : public Command {
     }
 
     std::string db_, text_, file_;
-    bool table_ = false, time_ = false;
+    bool table_ = false, json_ = false, time_ = false;
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "base/csv.h"
 #include "base/number_text.h"
+#include "ctl/json_text.h"
 #include "ctl/text_table.h"
 #include "db/connection.h"
 
@@ -92,7 +93,7 @@ bool SqlOutput::run(Connection& connection, const std::string& batch) {
 
 void SqlOutput::show(const BatchResult& result) {
     for (const ResultSet& set : result.sets) showSet(set);
-    if (tables) {
+    if (rows_ == Rows::Tables) {
         for (int64_t count : result.counts) out << countText(count) << '\n';
         if (result.sets.empty() && result.counts.empty() && result.messages.empty() &&
             result.errors.empty())
@@ -105,10 +106,16 @@ void SqlOutput::show(const BatchResult& result) {
 void SqlOutput::showSet(const ResultSet& set) {
     if (!first_) out << '\n';
     first_ = false;
-    if (tables)
-        out << tableText(set) << '\n' << countText(static_cast<int64_t>(set.rows)) << '\n';
-    else
-        out << csvText(set);
+    switch (rows_) {
+        case Rows::Csv:
+            out << csvText(set);
+            break;
+        case Rows::Json:
+            printJson(out, jsonOf(set));
+            break;
+        case Rows::Tables:
+            out << tableText(set) << '\n' << countText(static_cast<int64_t>(set.rows)) << '\n';
+    }
 }
 
 void SqlOutput::showError(const std::string& batch, const DbError& error) {
@@ -121,7 +128,7 @@ void SqlOutput::showError(const std::string& batch, const DbError& error) {
         if (error.line > 0) head += ", Line " + std::to_string(error.line);
         head += "\n";
     }
-    if (tables && !head.empty())
+    if (rows_ == Rows::Tables && !head.empty())
         err << head << error.what() << '\n';
     else
         err << "error: " << error.what() << '\n' << head;

@@ -1,5 +1,5 @@
-// How owbctl sql shows what a batch gave: rows as CSV or as tables for people, what it said and
-// what failed, with the place of a syntax error in its line.
+// How owbctl sql shows what a batch gave: rows as CSV, as JSON or as tables for people, what it
+// said and what failed, with the place of a syntax error in its line.
 #pragma once
 
 #include <iosfwd>
@@ -15,15 +15,16 @@ namespace owb::ctl {
 
 class SqlOutput {
   public:
-    SqlOutput(std::ostream& out, std::ostream& err, bool tables, bool time)
-        : out(out), err(err), tables(tables), time(time) {}
+    enum class Rows { Csv, Json, Tables };
+
+    SqlOutput(std::ostream& out, std::ostream& err, Rows rows, bool time)
+        : out(out), err(err), time(time), rows_(rows) {}
 
     // Runs a batch and shows what it gave. Whether it went without an error.
     bool run(Connection& connection, const std::string& batch);
 
     std::ostream& out;
     std::ostream& err;
-    bool tables;  // otherwise CSV
     bool time;
 
   private:
@@ -31,6 +32,7 @@ class SqlOutput {
     void showSet(const ResultSet& set);
     void showError(const std::string& batch, const DbError& error);
 
+    const Rows rows_;
     bool first_ = true;
 };
 

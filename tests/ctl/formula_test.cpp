@@ -44,6 +44,13 @@ TEST(OwbctlFormula, ValueStepsAndFailures) {
           "Capitals:               FNDBLOWROUND(10000 / 3, 1, \"N\")\n",
           "Result:                 3333 (Double)\n"})
         EXPECT_NE(told.find(line), std::string::npos) << line << told;
+    const std::string json =
+        owbctl({"formula", db, "1", "1", "1", "24256", "--explain", "--json"}).out;
+    for (const char* part : {"{\"value\":3333.0,", "\"secondTable\":[",
+                             "{\"keyword\":\"Component{BASIC}\",\"value\":\"10000\"}",
+                             "\"afterSecondTable\":\"owRound(10000 / 3, 1, \\\"n\\\")\"",
+                             "\"result\":\"3333\",\"type\":\"Double\""})
+        EXPECT_NE(json.find(part), std::string::npos) << part << json;
     EXPECT_NE(owbctl({"formula", db, "2", "1", "1", "24256", "--explain"})
                   .out.find("Result:                 ERROR: Invalid expression"),
               std::string::npos);

@@ -3,6 +3,8 @@
 #include <fstream>
 #include <sstream>
 
+#include <nlohmann/json.hpp>
+
 #include "base/number_text.h"
 #include "ctl/sql_prompt.h"
 #include "db/connection.h"
@@ -18,6 +20,7 @@ TEST(Owbctl, WrongUsageIsStatus2AndOneLine) {
                                                          {"create"},
                                                          {"sql"},
                                                          {"sql", "x", "-c", "a", "-f", "b"},
+                                                         {"sql", "x", "--json", "--table"},
                                                          {"process", "x", "--menu", "1507"},
                                                          {"screen", "x", "1511"},
                                                          {"sample", "x", "--employees", "0"},
@@ -236,6 +239,16 @@ TEST_F(OwbctlFile, CheckNamesWhatIsNotSound) {
                              "LEV_DETAILS: 1 leave rows of a version that the employee has not",
                              "LEV_MONTHDET: 1 month rows that await recalculation", "not sound"})
         EXPECT_NE(o.out.find(line), std::string::npos) << o.out;
+
+    const Outcome json = owbctl({"check", db, "--json"});
+    EXPECT_EQ(json.status, 1);
+    const auto told = nlohmann::json::parse(json.out);
+    EXPECT_EQ(told.at("sound"), false);
+    EXPECT_EQ(static_cast<std::ptrdiff_t>(told.at("findings").size()),
+              std::count(o.out.begin(), o.out.end(), '\n') - 1);
+    size_t faults = 0;
+    for (const auto& finding : told.at("findings")) faults += finding.at("fault").get<bool>();
+    EXPECT_EQ(faults, told.at("findings").size() - 1) << "what awaits recalculation is none";
 }
 
 TEST_F(OwbctlFile, CheckFindsADamagedFile) {
@@ -280,6 +293,60 @@ TEST_F(OwbctlFile, ScreenRunsAScriptOnTheScreenOfTheMenu) {
     EXPECT_EQ(owbctl({"screen", db, "1511", "0", "-f", dir.file("none")}).status, 1);
 }
 
+TEST_F(OwbctlFile, ScreenTakesClockSettingsAndFolder) {
+    ASSERT_EQ(owbctl({"create", db}).status, 0);
+    owbctl({"sql", db, "-c",
+            "INSERT INTO SEC_USERLIST (USERID, USERNAME, READONLYYN) VALUES (2, 'AUDITOR', 1)"});
+    const std::string calendar = "key txtHDate F2\nclick lbltoady\nshow txtHDate";
+    const struct {
+        std::vector<std::string> options;
+        std::string script, out, err;
+    } cases[] = {
+        {{"--clock", "29/02/2024"}, calendar, "txtHDate: 29/02/2024", ""},
+        {{"--clock", "2031-12-05"}, calendar, "txtHDate: 05/12/2031", ""},
+        {{"--clock", "31/02/2024x"}, calendar, "", "\"31/02/2024x\" is no date"},
+        {{"--setting", "Settings.User=AUDITOR", "--setting", "LeaveMgmt.A.B=c=d"},
+         "click cmdSave",
+         "open: modHolidayList|",
+         "cmdSave takes no click now"},
+        {{"--setting", "User"}, "", "", "\"User\" is no setting (SECTION.KEY=VALUE)"},
+        {{"--setting", "=A.B"}, "", "", "\"=A.B\" is no setting (SECTION.KEY=VALUE)"},
+        {{"--folder", dir.file("none")}, "", "", "there is no folder"},
+        {{"--folder", dir.file("")}, "caption", "caption: Holiday List", ""},
+    };
+    for (const auto& c : cases) {
+        std::vector<std::string> arguments = {"screen"};
+        arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+        for (const std::string& rest : {db, std::string("1512"), std::string("0")})
+            arguments.push_back(rest);
+        const Outcome o = owbctl(arguments, c.script);
+        EXPECT_EQ(o.status, c.err.empty() ? 0 : 1) << c.options[1];
+        EXPECT_NE(o.out.find(c.out), std::string::npos) << c.options[1] << o.out << o.err;
+        EXPECT_NE(o.err.find(c.err), std::string::npos) << c.options[1] << o.err;
+    }
+}
+
+TEST_F(OwbctlFile, JsonHasTheFiguresWithTheirTypes) {
+    ASSERT_EQ(owbctl({"create", "--empty", db}).status, 0);
+    const struct {
+        const char* batch;
+        const char* json;
+    } cases[] = {
+        {"SELECT 1 AS a, 'x\"y' AS b, NULL AS c WHERE 1 = 2", "[]\n"},
+        {"SELECT -7 AS i, CAST(1 AS bit) AS b, CAST(NULL AS bit) AS n, 1.50 AS d, 1e300 AS f "
+         "SELECT "
+         "CAST(0 AS bit) AS b",
+         "[\n{\"i\":-7,\"b\":true,\"n\":null,\"d\":1.5,\"f\":1e+300}\n]\n\n[\n{\"b\":false}\n]\n"},
+        {"SELECT 'a\"b\\\n' AS s, N'½' AS u, CAST('2024-02-29' AS datetime) AS d, '12' AS t",
+         "[\n{\"s\":\"a\\\"b\\\\\\n\",\"u\":\"½\",\"d\":\"2024-02-29\",\"t\":\"12\"}\n]\n"},
+        {"SELECT CAST(12345678901234567.89 AS numeric(19, 2)) AS long, 9007199254740993 AS whole",
+         "[\n{\"long\":\"12345678901234567.89\",\"whole\":9007199254740993}\n]\n"},
+        {"SELECT 1, 2 AS a, 3 AS a SELECT 4 AS b",
+         "[\n{\"#1\":1,\"a\":2,\"a#3\":3}\n]\n\n[\n{\"b\":4}\n]\n"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(owbctl({"sql", db, "--json", "-c", c.batch}).out, c.json) << c.batch;
+}
+
 TEST_F(OwbctlFile, ASmallCompanyFromMakingToRegister) {
     ASSERT_EQ(owbctl({"sample", db, "--employees", "6", "--months", "2"}).err, "");
     const Outcome processed = owbctl({"process", db});
@@ -290,6 +357,13 @@ TEST_F(OwbctlFile, ASmallCompanyFromMakingToRegister) {
     EXPECT_NE(register_.out.find("Register of May/2024"), std::string::npos) << register_.err;
     EXPECT_NE(register_.out.find("Pay Days"), std::string::npos);
     EXPECT_EQ(register_.out.find('*'), std::string::npos) << register_.out;
+    const auto json =
+        nlohmann::json::parse(owbctl({"register", db, "--month", "May/2024", "--json"}).out);
+    ASSERT_EQ(json.size(), 6U);
+    EXPECT_EQ(json[0].at("month"), "May/2024");
+    EXPECT_EQ(json[0].at("employee"), 1);
+    EXPECT_TRUE(json[0].at("payDays").is_number());
+    EXPECT_EQ(json[0].at("awaitsRecalculation"), false);
     EXPECT_EQ(owbctl({"check", db}).out.find("not sound"), std::string::npos);
 }
 
@@ -332,6 +406,16 @@ TEST_F(OwbctlFile, ExplainTellsWhatTheLedgerHolds) {
         }
     }
     EXPECT_GT(explained, 50U);
+    const auto json =
+        nlohmann::json::parse(owbctl({"explain", db, "6", "EL", "May/2024", "--json"}).out);
+    ASSERT_EQ(json.size(), 1U);
+    EXPECT_EQ(json[0].at("from"), "2024-05-01");
+    EXPECT_EQ(json[0].at("steps").at(0).at("what"), "setting");
+    EXPECT_TRUE(json[0].at("ledger").at("broughtForward").is_number());
+    EXPECT_EQ(owbctl({"balance", db, "6", "7", "2024-04-10", "--json"}).out,
+              "{\"employee\":6,\"leave\":7,\"date\":\"2024-04-10\",\"balance\":" +
+                  numberText(textToNumber(owbctl({"balance", db, "6", "7", "2024-04-10"}).out)) +
+                  "}\n");
     EXPECT_EQ(owbctl({"sql", db, "-c", everything}).out, before) << "nothing is written";
 
     EXPECT_EQ(owbctl({"explain", db, "3", "XX", "May/2024"}).status, 1);
@@ -360,6 +444,12 @@ TEST_F(OwbctlFile, CheckFollowsTheLedgersLinks) {
                              "LEV_ALLOTMENT: 1 ledger rows that begin within another",
                              "LEV_ALLOTMENT: 1 ledger rows without figures", "not sound"})
         EXPECT_NE(o.out.find(line), std::string::npos) << line << "\n" << o.out;
+    std::string named;
+    const auto told = nlohmann::json::parse(owbctl({"check", db, "--json"}).out);
+    for (const auto& finding : told.at("findings"))
+        if (finding.contains("employees")) named = finding.at("employees").dump();
+    EXPECT_NE(o.out.find("employees 2\n"), std::string::npos) << o.out;
+    EXPECT_EQ(named, "[2]");
 }
 
 }  // namespace
