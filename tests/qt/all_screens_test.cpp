@@ -162,7 +162,9 @@ TEST(Qt, EveryScreenIsReachedByKeysAndNamed) {
     photographer.show(import);
     ProcessLauncher launcher(company.settings);
     company.session.siblings = &launcher;
-    std::ofstream(company.folder.file("OWBFilter")) << "#!/bin/sh\nsleep 0.3\n";
+    // Runs until the company's folder goes.
+    std::ofstream(company.folder.file("OWBFilter"))
+        << "#!/bin/sh\nwhile [ -e \"$0\" ]; do sleep 0.1; done\n";
     std::filesystem::permissions(company.folder.file("OWBFilter"),
                                  std::filesystem::perms::owner_all);
     ShowFilterProgram(company.session, frontEnd);
