@@ -15,12 +15,13 @@ void refuseIf(bool refused, const Control& control, const std::string& what) {
     if (refused) throw ScriptError{control.name() + " takes no " + what + " now"};
 }
 
-void clickControl(Screen& screen, std::string rest) {
-    Control& control = controlNamed(screen, rest);
+void clickControl(Screen& screen, const std::string& name) {
+    Control& control = controlNamed(screen, name);
     refuseIf(!control.click(), control, "click");
 }
 
-void pressKey(Screen& screen, std::string rest) {
+void pressKey(Screen& screen, const std::string& words) {
+    std::string rest = words;
     Control& control = controlNamed(screen, takeWord(rest));
     if (control.key(rest)) return;
     if (auto* grid = dynamic_cast<Grid*>(&control); grid && pressInGrid(*grid, rest)) return;
@@ -30,7 +31,8 @@ void pressKey(Screen& screen, std::string rest) {
 
 // --- grids ---
 
-void editCell(Screen& screen, std::string rest) {
+void editCell(Screen& screen, const std::string& words) {
+    std::string rest = words;
     Grid& grid = gridNamed(screen, takeWord(rest));
     const size_t equals = rest.find('=');
     const bool edits = equals != std::string::npos;
@@ -46,7 +48,8 @@ void editCell(Screen& screen, std::string rest) {
 
 // As in the window: the column is selected, and the current cell is its first one. Where rows are
 // selected a header takes no click.
-void clickHeader(Screen& screen, std::string rest) {
+void clickHeader(Screen& screen, const std::string& words) {
+    std::string rest = words;
     Grid& grid = gridNamed(screen, takeWord(rest));
     const size_t column = columnAt(grid, rest);
     const std::vector<size_t> rows = shownRows(grid);
@@ -54,7 +57,8 @@ void clickHeader(Screen& screen, std::string rest) {
     refuseIf(!taken, grid, "click on a header");
 }
 
-void clickTwice(Screen& screen, std::string rest) {
+void clickTwice(Screen& screen, const std::string& words) {
+    std::string rest = words;
     Control& control = controlNamed(screen, takeWord(rest));
     if (rest.empty()) return refuseIf(!control.doubleClick(), control, "click");
     Grid& grid = gridNamed(screen, control.name());
@@ -62,7 +66,8 @@ void clickTwice(Screen& screen, std::string rest) {
     refuseIf(!grid.doubleClickCell(at.row, at.column), grid, "click");
 }
 
-void clickRight(Screen& screen, std::string rest) {
+void clickRight(Screen& screen, const std::string& words) {
+    std::string rest = words;
     Control& control = controlNamed(screen, takeWord(rest));
     if (rest.empty()) return refuseIf(!control.click(), control, "click");
     Grid& grid = gridNamed(screen, control.name());
@@ -70,7 +75,8 @@ void clickRight(Screen& screen, std::string rest) {
     refuseIf(!grid.rightClickCell(at.row, at.column), grid, "click");
 }
 
-void tick(Screen& screen, std::string rest) {
+void tick(Screen& screen, const std::string& words) {
+    std::string rest = words;
     Control& control = controlNamed(screen, takeWord(rest));
     const bool on = yesOrNo(takeLastWord(rest));
     if (auto* list = dynamic_cast<ListBox*>(&control))
@@ -102,7 +108,8 @@ void turnTo(Tabs& tabs, const std::string& page) {
     throw ScriptError{tabs.name() + " has no page " + page + ": there are " + listed(tabs.pages)};
 }
 
-void setValue(Screen& screen, std::string rest) {
+void setValue(Screen& screen, const std::string& words) {
+    std::string rest = words;
     const std::string name = takeWord(rest);
     // "set optAllotType 2" means the button optAllotType(2).
     Control* item = screen.find(name) ? nullptr : screen.find(name + "(" + rest + ")");
@@ -133,8 +140,8 @@ struct ScriptCommand {
     size_t least, most;  // words behind it
     const char* words;
     const char* what;
-    void (*act)(Screen&, std::string rest) = nullptr;
-    void (*tell)(const Screen&, std::string rest, std::ostream&) = nullptr;
+    void (*act)(Screen&, const std::string& words) = nullptr;
+    void (*tell)(const Screen&, const std::string& words, std::ostream&) = nullptr;
 };
 
 // Those that do neither are the front end's own.

@@ -155,7 +155,8 @@ void tellEntries(const std::vector<ListItem>& items, bool checkable, std::ostrea
 
 }  // namespace
 
-void tellState(const Screen& screen, std::string rest, std::ostream& out) {
+void tellState(const Screen& screen, const std::string& words, std::ostream& out) {
+    std::string rest = words;
     const Control& control = controlNamed(screen, takeWord(rest));
     if (!rest.empty()) {
         const Grid& grid = gridNamed(screen, control.name());
@@ -174,7 +175,8 @@ void tellState(const Screen& screen, std::string rest, std::ostream& out) {
     out << std::endl;
 }
 
-void tellTip(const Screen& screen, std::string rest, std::ostream& out) {
+void tellTip(const Screen& screen, const std::string& words, std::ostream& out) {
+    std::string rest = words;
     const Control& control = controlNamed(screen, takeWord(rest));
     std::string tip = control.toolTip;
     if (!rest.empty()) {
@@ -190,7 +192,8 @@ void tellTip(const Screen& screen, std::string rest, std::ostream& out) {
     out << "tip: " << oneLine(tip) << std::endl;
 }
 
-void tellContent(const Screen& screen, std::string rest, std::ostream& out) {
+void tellContent(const Screen& screen, const std::string& words, std::ostream& out) {
+    std::string rest = words;
     const Control& control = controlNamed(screen, takeWord(rest));
     if (const auto* combo = as<Combo>(control); combo && rest.empty())
         return tellEntries(combo->items, false, out);
@@ -199,8 +202,8 @@ void tellContent(const Screen& screen, std::string rest, std::ostream& out) {
     tellGrid(gridNamed(screen, control.name()), rest, out);
 }
 
-void tellMenus(const Screen& screen, std::string rest, std::ostream& out) {
-    const Control& over = controlNamed(screen, rest);
+void tellMenus(const Screen& screen, const std::string& name, std::ostream& out) {
+    const Control& over = controlNamed(screen, name);
     bool any = false;
     for (const Control* control : screen.controls()) {
         const auto* item = as<MenuItem>(*control);
@@ -217,7 +220,7 @@ void tellMenus(const Screen& screen, std::string rest, std::ostream& out) {
     out.flush();
 }
 
-void tellControls(const Screen& screen, std::string, std::ostream& out) {
+void tellControls(const Screen& screen, const std::string&, std::ostream& out) {
     out << "name,kind,caption,value,enabled,visible\n";
     for (const Control* control : screen.controls())
         out << field(control->name()) << ',' << kindOf(*control) << ',' << field(control->caption)
@@ -226,7 +229,7 @@ void tellControls(const Screen& screen, std::string, std::ostream& out) {
     out.flush();
 }
 
-void tellCaption(const Screen& screen, std::string, std::ostream& out) {
+void tellCaption(const Screen& screen, const std::string&, std::ostream& out) {
     out << "caption: " << oneLine(screen.caption) << std::endl;
 }
 

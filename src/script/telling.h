@@ -8,12 +8,12 @@ namespace owb {
 
 class Screen;
 
-// `rest` is what stands behind the command's own word. They throw ScriptError.
-void tellState(const Screen& screen, std::string rest, std::ostream& out);
-void tellTip(const Screen& screen, std::string rest, std::ostream& out);
-void tellContent(const Screen& screen, std::string rest, std::ostream& out);
-void tellMenus(const Screen& screen, std::string rest, std::ostream& out);
-void tellControls(const Screen& screen, std::string rest, std::ostream& out);
-void tellCaption(const Screen& screen, std::string rest, std::ostream& out);
+// `words` is what stands behind the command's own word. They throw ScriptError.
+void tellState(const Screen& screen, const std::string& words, std::ostream& out);
+void tellTip(const Screen& screen, const std::string& words, std::ostream& out);
+void tellContent(const Screen& screen, const std::string& words, std::ostream& out);
+void tellMenus(const Screen& screen, const std::string& words, std::ostream& out);
+void tellControls(const Screen& screen, const std::string& words, std::ostream& out);
+void tellCaption(const Screen& screen, const std::string& words, std::ostream& out);
 
 }  // namespace owb
