@@ -2,9 +2,9 @@
 // bound against the catalog and written down for the file database below. The floor is what that
 // one needs to prepare the same query as its own users would write it.
 #include "bench.h"
-#include "tsql/catalog.h"
-#include "tsql/file_format.h"
-#include "tsql/plan.h"
+#include "tsql/catalog/catalog.h"
+#include "tsql/catalog/file_format.h"
+#include "tsql/plan/planner.h"
 
 namespace {
 
@@ -50,7 +50,7 @@ int main() {
     size_t done = 0;
     const auto read = [&](bool bind, bool write) {
         for (int i = 0; i < kRuns; ++i) {
-            const auto code = tsql::compileBatch(text);
+            const auto code = tsql::parseBatch(text);
             tsql::BindContext context{catalog};
             context.literals = &code->ast.literals;
             context.variables = &code->variables;

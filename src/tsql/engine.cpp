@@ -2,7 +2,7 @@
 
 #include <malloc.h>
 
-#include "tsql/executor.h"
+#include "tsql/run/executor.h"
 
 namespace owb::tsql {
 

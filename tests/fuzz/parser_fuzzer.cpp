@@ -1,6 +1,6 @@
 // Fuzzes the reader of texts: any bytes become tokens and a tree, or a DbError.
 #include "base/db_error.h"
-#include "tsql/parser.h"
+#include "tsql/parse/parser.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace owb::tsql;

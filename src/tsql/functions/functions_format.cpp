@@ -1,0 +1,322 @@
+// FORMAT: numbers and dates by a pattern, standard ("N2", "d") or put together ("#,##0.00").
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+#include "base/number_text.h"
+#include "tsql/functions/functions.h"
+#include "tsql/types/clock.h"
+#include "tsql/types/types.h"
+
+namespace owb::tsql {
+
+namespace {
+
+// Digits of the number without its sign, with that many places, halves away from zero.
+std::string fixedDigits(const Decimal& size, int places, bool grouped) {
+    std::string text = size.rescaled(std::min(places, size.scale())).toText();
+    if (places > size.scale()) {  // digits that are all zero need no number
+        if (size.scale() == 0) text += '.';
+        text.append(places - size.scale(), '0');
+    }
+    if (grouped)
+        for (size_t at = std::min(text.find('.'), text.size()); at > 3; at -= 3)
+            text.insert(at - 3, ",");
+    return text;
+}
+
+std::string exponentText(double v, int places, char e, size_t exponentDigits) {
+    const std::string text = numberText(v, std::chars_format::scientific, places);
+    const size_t at = text.find('e');
+    std::string digits = std::to_string(std::abs(std::atoi(text.c_str() + at + 1)));
+    while (digits.size() < exponentDigits) digits.insert(digits.begin(), '0');
+    return text.substr(0, at) + e + text[at + 1] + digits;
+}
+
+std::string standardNumber(const Decimal& d, bool whole, char letter, int places) {
+    const Decimal size = d.negative() ? -d : d;
+    const char upper = static_cast<char>(letter & ~0x20);
+    const auto signedText = [&](std::string text) {
+        const bool zero = text.find_first_of("123456789") == std::string::npos;
+        return d.negative() && !zero ? "-" + text : text;
+    };
+    switch (upper) {
+        case 'N':
+            return signedText(fixedDigits(size, places < 0 ? 2 : places, true));
+        case 'F':
+            return signedText(fixedDigits(size, places < 0 ? 2 : places, false));
+        case 'C': {
+            const std::string text = "$" + fixedDigits(size, places < 0 ? 2 : places, true);
+            return d.negative() ? "(" + text + ")" : text;
+        }
+        case 'P':
+            return signedText(
+                fixedDigits(Decimal(multiplyChecked(size.unscaled(), 100), size.scale()),
+                            places < 0 ? 2 : places, true) +
+                "%");
+        case 'E':
+            return exponentText(d.toDouble(), places < 0 ? 6 : places, letter, 3);
+        case 'D': {
+            std::string text = size.rescaled(0).toText();
+            while (static_cast<int>(text.size()) < places) text.insert(text.begin(), '0');
+            return signedText(text);
+        }
+        case 'X': {
+            char b[40];
+            std::snprintf(b, sizeof b, letter == 'X' ? "%0*llX" : "%0*llx", std::max(places, 1),
+                          static_cast<unsigned long long>(d.rescaled(0).unscaled()));
+            return b;
+        }
+        default:  // G
+            return whole ? d.toText() : numberText(d.toDouble());
+    }
+}
+
+// One section of a pattern of 0 # , . % and literal text.
+std::string patternNumber(Decimal size, bool negative, const std::string& pattern) {
+    size_t before = 0, after = 0, afterNeeded = 0, beforeNeeded = 0;
+    bool point = false, grouped = false;
+    char quote = 0;
+    for (size_t i = 0; i < pattern.size(); ++i) {
+        const char c = pattern[i];
+        if (quote) {
+            if (c == quote) quote = 0;
+        } else if (c == '\'' || c == '"') {
+            quote = c;
+        } else if (c == '\\') {
+            ++i;
+        } else if (c == '0' || c == '#') {
+            if (!point) {
+                ++before;
+                if (c == '0' || beforeNeeded) ++beforeNeeded;
+            } else {
+                ++after;
+                if (c == '0') afterNeeded = after;
+            }
+        } else if (c == '.') {
+            point = true;
+        } else if (c == ',' && before > 0 && !point) {
+            grouped = true;
+        } else if (c == '%') {
+            size = Decimal(multiplyChecked(size.unscaled(), 100), size.scale());
+        }
+    }
+    std::string text = size.rescaled(static_cast<int>(after)).toText();
+    std::string whole = text.substr(0, text.find('.'));
+    std::string places = after ? text.substr(text.find('.') + 1) : "";
+    if (whole == "0") whole.clear();
+    while (whole.size() < beforeNeeded) whole.insert(whole.begin(), '0');
+    while (places.size() > afterNeeded && places.back() == '0') places.pop_back();
+    if (whole.find_first_not_of('0') == std::string::npos &&
+        places.find_first_not_of('0') == std::string::npos)
+        negative = false;
+    // Digits go to their places from the left; those that the pattern has no place for go first.
+    std::string out;
+    size_t seen = 0, next = 0, place = 0;
+    point = false;
+    const auto putWhole = [&](size_t upTo) {
+        for (; next < upTo; ++next) {
+            out += whole[next];
+            const size_t left = whole.size() - next - 1;
+            if (grouped && left > 0 && left % 3 == 0) out += ',';
+        }
+    };
+    for (size_t i = 0; i < pattern.size(); ++i) {
+        const char c = pattern[i];
+        if (quote) {
+            if (c == quote)
+                quote = 0;
+            else
+                out += c;
+        } else if (c == '\'' || c == '"') {
+            quote = c;
+        } else if (c == '\\' && i + 1 < pattern.size()) {
+            out += pattern[++i];
+        } else if (c == '0' || c == '#') {
+            if (!point) {
+                ++seen;
+                const size_t left = before - seen;
+                putWhole(whole.size() > left ? whole.size() - left : 0);
+            } else if (place < places.size()) {
+                out += places[place++];
+            }
+        } else if (c == '.') {
+            if (!point && !places.empty()) out += '.';
+            point = true;
+        } else if (c != ',') {
+            out += c;
+        }
+    }
+    return negative ? "-" + out : out;
+}
+
+std::string formatNumberBy(const Decimal& d, bool whole, const std::string& format) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    if (format.empty()) return standardNumber(d, whole, 'G', -1);
+    if (std::string_view("NFCPEDXGnfcpedxg").find(format[0]) != std::string_view::npos &&
+        format.size() <= 3 && std::all_of(format.begin() + 1, format.end(), isDigit))
+        return standardNumber(d, whole, format[0],
+                              format.size() > 1 ? std::stoi(format.substr(1)) : -1);
+    // Sections: positive; negative; zero.
+    std::vector<std::string> sections(1);
+    char quote = 0;
+    for (char c : format) {
+        if (c == ';' && !quote) {
+            sections.emplace_back();
+            continue;
+        }
+        if (quote ? c == quote : (c == '\'' || c == '"')) quote = quote ? 0 : c;
+        sections.back() += c;
+    }
+    const Decimal size = d.negative() ? -d : d;
+    if (d.unscaled() == 0 && sections.size() > 2) return patternNumber(size, false, sections[2]);
+    if (d.negative() && sections.size() > 1) return patternNumber(size, false, sections[1]);
+    return patternNumber(size, d.negative(), sections[0]);
+}
+
+std::string standardDatePattern(char letter) {
+    switch (letter) {
+        case 'd':
+            return "M/d/yyyy";
+        case 'D':
+            return "dddd, MMMM d, yyyy";
+        case 'f':
+            return "dddd, MMMM d, yyyy h:mm tt";
+        case 'F':
+            return "dddd, MMMM d, yyyy h:mm:ss tt";
+        case 'g':
+            return "M/d/yyyy h:mm tt";
+        case 'G':
+            return "M/d/yyyy h:mm:ss tt";
+        case 'm':
+        case 'M':
+            return "MMMM d";
+        case 's':
+            return "yyyy-MM-ddTHH:mm:ss";
+        case 't':
+            return "h:mm tt";
+        case 'T':
+            return "h:mm:ss tt";
+        case 'u':
+            return "yyyy-MM-dd HH:mm:ssZ";
+        case 'y':
+        case 'Y':
+            return "MMMM yyyy";
+        case 'O':
+        case 'o':
+            return "yyyy-MM-ddTHH:mm:ss.fffffff";
+        default:
+            return "";
+    }
+}
+
+std::string formatDateBy(int32_t day, int64_t units, std::string pattern) {
+    if (pattern.empty()) pattern = "M/d/yyyy h:mm:ss tt";
+    if (pattern.size() == 1) pattern = standardDatePattern(pattern[0]);
+    const DateTime date{day, 0};
+    const CivilDate c = date.civil();
+    const auto seconds = static_cast<int>(units / kUnitsPerSecond);
+    const int hour = seconds / 3600;
+    std::string out;
+    const auto number = [&](int v, size_t width) {
+        std::string text = std::to_string(v);
+        while (text.size() < width) text.insert(text.begin(), '0');
+        out += text;
+    };
+    for (size_t i = 0; i < pattern.size();) {
+        const char letter = pattern[i];
+        size_t run = 1;
+        while (i + run < pattern.size() && pattern[i + run] == letter) ++run;
+        switch (letter) {
+            case 'd':
+                if (run <= 2)
+                    number(c.day, run);
+                else
+                    out += std::string(weekdayName(date.weekday())).substr(0, run == 3 ? 3 : 99);
+                break;
+            case 'M':
+                if (run <= 2)
+                    number(c.month, run);
+                else
+                    out += run == 3 ? monthAbbreviation(c.month) : monthFullName(c.month);
+                break;
+            case 'y':
+                number(run <= 2 ? c.year % 100 : c.year, run);
+                break;
+            case 'H':
+                number(hour, std::min<size_t>(run, 2));
+                break;
+            case 'h':
+                number(hour % 12 == 0 ? 12 : hour % 12, std::min<size_t>(run, 2));
+                break;
+            case 'm':
+                number(seconds / 60 % 60, std::min<size_t>(run, 2));
+                break;
+            case 's':
+                number(seconds % 60, std::min<size_t>(run, 2));
+                break;
+            case 'f':
+            case 'F': {
+                char b[16];
+                std::snprintf(b, sizeof b, "%07d", static_cast<int>(units % kUnitsPerSecond));
+                out += std::string(b, std::min<size_t>(run, 7));
+                break;
+            }
+            case 't':
+                out += run == 1 ? (hour < 12 ? "A" : "P") : (hour < 12 ? "AM" : "PM");
+                break;
+            case '\'':
+            case '"': {
+                const size_t close = std::min(pattern.find(letter, i + 1), pattern.size());
+                out += pattern.substr(i + 1, close - i - 1);
+                run = close - i + 1;
+                break;
+            }
+            case '\\':
+                if (i + 1 < pattern.size()) out += pattern[i + 1];
+                run = 2;
+                break;
+            default:
+                out += pattern.substr(i, run);
+        }
+        i += run;
+    }
+    return out;
+}
+
+// t_format(value, type, pattern)
+void format(sqlite3_context* context, int, sqlite3_value** a) {
+    if (anyNull(3, a)) return sqlite3_result_null(context);
+    const SqlType type = unpackType(sqlite3_value_int64(a[1]));
+    const Value v = argumentValue(a[0], type);
+    const std::string pattern(argumentText(a[2]));
+    if (type.isDate()) {
+        const int64_t units = static_cast<int64_t>(v.asDate().milliseconds()) * 10'000;
+        return resultText(context, formatDateBy(v.asDate().day, units, pattern));
+    }
+    if (type.kind == SqlKind::DateTime2)
+        return resultText(context,
+                          formatDateBy(dayOfClock(v.asInt()), v.asInt() % kUnitsPerDay, pattern));
+    if (type.kind == SqlKind::Time) throw makeDbError(15281, {"FORMAT of a time"});
+    Decimal d;
+    if (v.isInt())
+        d = Decimal::fromInt(v.asInt());
+    else if (v.isDecimal())
+        d = v.asDecimal();
+    else if (!Decimal::parse(numberText(v.asDouble()), d))
+        throw DecimalOverflow();
+    // A whole number's pattern is no use for places, and the other way round.
+    const char letter = pattern.empty() ? 'G' : static_cast<char>(pattern[0] & ~0x20);
+    if (!v.isInt() && pattern.size() <= 3 && (letter == 'D' || letter == 'X'))
+        return sqlite3_result_null(context);
+    resultText(context, formatNumberBy(d, !v.isDouble(), pattern));
+}
+
+}  // namespace
+
+void registerFormatFunction(Sqlite& sqlite) {
+    registerFunction(sqlite, "t_format", 3, format);
+}
+
+}  // namespace owb::tsql

@@ -1,0 +1,62 @@
+// Writes a bound tree down as SQLite's SQL with numbered parameters.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tsql/bind/bound.h"
+
+namespace owb::tsql {
+
+// Where the value of parameter ?n comes from when the plan runs.
+struct PlanParameter {
+    enum Kind : uint8_t { Literal, Variable, Constant, Outer } kind = Constant;
+    int index = 0;  // literal slot or variable
+    Value constant;
+    SqlType from, to;
+    bool negated = false;
+};
+
+Value negated(const Value& v);  // of a number
+
+// The right side of an APPLY: a query whose Outer parameters are columns of the left side, or a
+// table function. Its address stands in the SQL that uses it.
+struct ApplyPlan {
+    std::string sql;
+    std::vector<PlanParameter> parameters;
+    std::string function;
+    std::vector<SqliteStatement> idle;
+};
+using ApplyPlans = std::vector<std::unique_ptr<ApplyPlan>>;
+
+class Lowerer {
+  public:
+    explicit Lowerer(std::vector<PlanParameter>& parameters, ApplyPlans* applies = nullptr)
+        : parameters_(parameters), applies_(applies) {}
+
+    std::string expression(const BoundExpr& e);
+    // A condition of which only the rows that fit count: unknown is as good as false.
+    std::string filter(const BoundExpr& e);
+    // `named`: output columns are called c0, c1 ...; `orderBy` false leaves the ordering out.
+    std::string query(const BoundQuery& q, bool named);
+    std::string fromClause(const BoundQuery& q);
+    std::string fromItem(const BoundFrom& f);
+    std::string sourceText(const BoundSource& s);
+
+  private:
+    // `extra`: further columns, beginning with a comma.
+    std::string select(const BoundQuery& q, bool named, const std::string& extra);
+    std::string ranked(const BoundQuery& q);
+    std::string setOperand(const BoundQuery& q, bool named, bool right);
+    std::string orderBy(const BoundQuery& q);
+    std::string parameter(PlanParameter p);
+
+    std::string applied(const BoundSource& s);
+
+    std::vector<PlanParameter>& parameters_;
+    ApplyPlans* applies_;
+    const std::vector<const BoundSource*>* outer_ = nullptr;  // while an applied query is written
+    std::vector<const BoundExpr*> outerColumns_;              // used of them
+};
+
+}  // namespace owb::tsql

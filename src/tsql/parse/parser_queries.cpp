@@ -1,0 +1,412 @@
+// SELECT, its clauses and the tables in FROM.
+#include "base/db_error.h"
+#include "base/utf8.h"
+#include "tsql/parse/parser.h"
+
+namespace owb::tsql {
+
+namespace {
+
+constexpr int kMostSets = 500;  // of UNION and its like in a row, which is what SQLite takes
+
+}  // namespace
+
+std::vector<CommonTable> Parser::parseWith() {
+    std::vector<CommonTable> tables;
+    if (!takeWord("WITH")) return tables;
+    do {
+        CommonTable table;
+        table.name = expectName();
+        if (isOperator("(")) table.columns = parseColumnList();
+        expectWord("AS");
+        expectOperator("(");
+        table.query = parseQuery();
+        expectOperator(")");
+        tables.push_back(std::move(table));
+    } while (takeOperator(","));
+    return tables;
+}
+
+QueryPtr Parser::parseQuery(std::vector<CommonTable> with) {
+    Depth depth(*this);
+    auto query = std::make_unique<Query>();
+    query->with = with.empty() ? parseWith() : std::move(with);
+    query->body = parseQueryBody();
+    if (isWord("ORDER")) query->orderBy = parseOrderBy();
+    if (!query->orderBy.empty() && takeWord("OFFSET")) {
+        query->offset = parseAdditive();
+        if (!takeWord("ROWS")) expectWord("ROW");
+        if (takeWord("FETCH")) {
+            if (!takeWord("NEXT")) expectWord("FIRST");
+            query->fetch = parseAdditive();
+            if (!takeWord("ROWS")) expectWord("ROW");
+            expectWord("ONLY");
+        }
+    }
+    query->maxRecursion = parseOptionClause();
+    return query;
+}
+
+// Hints for the server's optimizer say nothing here; MAXRECURSION does: -1 without it.
+int Parser::parseOptionClause() {
+    int recursion = -1;
+    if (!isWord("OPTION") || !isOperator("(", 1)) return recursion;
+    take();
+    take();
+    int open = 1;
+    while (open > 0 && peek().kind != TokenKind::End) {
+        if (isOperator("(")) ++open;
+        if (isOperator(")")) --open;
+        if (isWord("MAXRECURSION") && peek(1).kind == TokenKind::Integer) {
+            take();
+            recursion = static_cast<int>(expectInteger());
+        } else {
+            take();
+        }
+    }
+    return recursion;
+}
+
+// Whether what follows an opened parenthesis is a query, itself perhaps in more of them: each of
+// these closes before another one does or before a word that joins queries. So "((SELECT 1) + 1)"
+// holds none, nor does "((SELECT 1 AS a) AS x JOIN t ON x.a = t.a)".
+bool Parser::atSelect() const {
+    size_t open = 0;
+    while (isOperator("(", open)) ++open;
+    if (!isWord("SELECT", open)) return false;
+    size_t leading = open;  // of the parentheses before SELECT, those that have not closed yet
+    for (size_t at = open; leading > 0 && peek(at).kind != TokenKind::End; ++at) {
+        if (isOperator("(", at)) ++open;
+        if (!isOperator(")", at) || --open >= leading) continue;
+        leading = open;
+        if (!isOperator(")", at + 1) && !isWord("UNION", at + 1) && !isWord("EXCEPT", at + 1) &&
+            !isWord("INTERSECT", at + 1) && !isWord("ORDER", at + 1))
+            return false;
+    }
+    return true;
+}
+
+std::unique_ptr<QueryBody> Parser::parseQueryBody() {
+    auto left = parseIntersect();
+    for (int links = 0; isWord("UNION") || isWord("EXCEPT"); countLink(links, kMostSets)) {
+        auto both = std::make_unique<QueryBody>();
+        both->line = static_cast<int>(peek().line);
+        if (takeWord("UNION"))
+            both->kind = takeWord("ALL") ? QueryBody::UnionAll : QueryBody::Union;
+        else {
+            take();
+            both->kind = QueryBody::Except;
+        }
+        both->left = std::move(left);
+        both->right = parseIntersect();
+        left = std::move(both);
+    }
+    return left;
+}
+
+std::unique_ptr<QueryBody> Parser::parseIntersect() {
+    auto left = parseQueryPrimary();
+    for (int links = 0; isWord("INTERSECT"); countLink(links, kMostSets)) {
+        auto both = std::make_unique<QueryBody>();
+        both->line = static_cast<int>(take().line);
+        both->kind = QueryBody::Intersect;
+        both->left = std::move(left);
+        both->right = parseQueryPrimary();
+        left = std::move(both);
+    }
+    return left;
+}
+
+std::unique_ptr<QueryBody> Parser::parseQueryPrimary() {
+    if (takeOperator("(")) {
+        Depth depth(*this);
+        auto body = parseQueryBody();
+        expectOperator(")");
+        return body;
+    }
+    if (isWord("VALUES")) {
+        auto body = std::make_unique<QueryBody>();
+        body->kind = QueryBody::Values;
+        body->line = static_cast<int>(take().line);
+        do {
+            expectOperator("(");
+            std::vector<ExprPtr> row;
+            do row.push_back(parseExpression());
+            while (takeOperator(","));
+            expectOperator(")");
+            body->rows.push_back(std::move(row));
+        } while (takeOperator(","));
+        return body;
+    }
+    return parseSelect();
+}
+
+ExprPtr Parser::parseTop(bool* percent, bool* withTies) {
+    if (!takeWord("TOP")) return nullptr;
+    ExprPtr top;
+    if (takeOperator("(")) {
+        top = parseExpression();
+        expectOperator(")");
+    } else {
+        if (peek().kind != TokenKind::Integer && peek().kind != TokenKind::Decimal) syntaxError();
+        top = parseLiteral();
+    }
+    if (takeWord("PERCENT")) {
+        if (!percent) syntaxError();
+        *percent = true;
+    }
+    if (isWord("WITH") && isWord("TIES", 1)) {
+        if (!withTies) syntaxError();
+        take();
+        take();
+        *withTies = true;
+    }
+    return top;
+}
+
+std::unique_ptr<QueryBody> Parser::parseSelect() {
+    auto body = std::make_unique<QueryBody>();
+    body->line = static_cast<int>(peek().line);
+    expectWord("SELECT");
+    if (takeWord("DISTINCT"))
+        body->distinct = true;
+    else
+        takeWord("ALL");
+    body->top = parseTop(&body->topPercent, &body->withTies);
+    do body->items.push_back(parseSelectItem());
+    while (takeOperator(","));
+    if (takeWord("INTO")) body->into = parseName();
+    if (takeWord("FROM")) body->from = parseFromList();
+    if (takeWord("WHERE")) body->where = parseExpression();
+    if (isWord("GROUP") && isWord("BY", 1)) {
+        take();
+        take();
+        do {
+            const bool sets = isWord("GROUPING") && isWord("SETS", 1);
+            if (sets || ((isWord("ROLLUP") || isWord("CUBE")) && isOperator("(", 1)))
+                throw makeDbError(15281, {"GROUP BY " + upperCase(peek().text)},
+                                  static_cast<int>(peek().line));
+            body->groupBy.push_back(parseExpression());
+        } while (takeOperator(","));
+        if (isWord("WITH") && (isWord("ROLLUP", 1) || isWord("CUBE", 1)))
+            throw makeDbError(15281, {"GROUP BY " + upperCase(peek(1).text)},
+                              static_cast<int>(peek().line));
+    }
+    if (takeWord("HAVING")) body->having = parseExpression();
+    return body;
+}
+
+SelectItem Parser::parseSelectItem() {
+    SelectItem item;
+    item.line = static_cast<int>(peek().line);
+    if (takeOperator("*")) {
+        item.star = true;
+        return item;
+    }
+    // "t.*" and "dbo.t.*"
+    size_t ahead = 0;
+    while (isPlainName(ahead) && isOperator(".", ahead + 1)) {
+        ahead += 2;
+        if (!isOperator("*", ahead)) continue;
+        item.starOf = parseName();
+        take();
+        take();
+        item.star = true;
+        return item;
+    }
+    if (peek().kind == TokenKind::Variable && isOperator("=", 1)) {
+        item.variable = take().text;
+        take();
+        item.expr = parseExpression();
+        return item;
+    }
+    if (peek().kind == TokenKind::Variable && isCompound(peek(1))) {
+        ExprPtr variable = parsePrimary();
+        item.variable = variable->name.last();
+        const std::string op = expectAssignment();
+        item.expr = binary(ExprKind::Binary, op, std::move(variable), parseExpression());
+        return item;
+    }
+    // "alias = expression"
+    if ((isPlainName() || peek().kind == TokenKind::String) && isOperator("=", 1)) {
+        item.alias = unquoted(take());
+        take();
+        item.expr = parseExpression();
+        return item;
+    }
+    item.expr = parseExpression();
+    if (takeWord("AS")) {
+        if (peek().kind == TokenKind::String || peek().kind == TokenKind::NString)
+            item.alias = unquoted(take());
+        else
+            item.alias = expectName();
+    } else if (isPlainName() && !atStatementStart()) {
+        item.alias = unquoted(take());
+    } else if (peek().kind == TokenKind::String) {
+        item.alias = unquoted(take());
+    }
+    return item;
+}
+
+std::vector<OrderItem> Parser::parseOrderBy() {
+    std::vector<OrderItem> items;
+    expectWord("ORDER");
+    expectWord("BY");
+    do {
+        OrderItem item;
+        item.expr = parseExpression();
+        if (takeWord("DESC"))
+            item.descending = true;
+        else
+            takeWord("ASC");
+        items.push_back(std::move(item));
+    } while (takeOperator(","));
+    return items;
+}
+
+std::vector<TableRefPtr> Parser::parseFromList() {
+    std::vector<TableRefPtr> tables;
+    do tables.push_back(parseJoined());
+    while (takeOperator(","));
+    return tables;
+}
+
+TableRefPtr Parser::parseJoined() {
+    TableRefPtr left = parseTablePrimary();
+    for (int tables = 1;; ++tables) {
+        if (tables > 256) throw makeDbError(106, {"256"}, left->line);
+        JoinKind kind;
+        bool condition = true;
+        if (isWord("JOIN")) {
+            take();
+            kind = JoinKind::Inner;
+        } else if (isWord("INNER")) {
+            take();
+            expectWord("JOIN");
+            kind = JoinKind::Inner;
+        } else if (isWord("CROSS")) {
+            take();
+            kind = JoinKind::Cross;
+            if (takeWord("APPLY"))
+                kind = JoinKind::CrossApply;
+            else
+                expectWord("JOIN");
+            condition = false;
+        } else if (isWord("OUTER") && isWord("APPLY", 1)) {
+            take();
+            take();
+            kind = JoinKind::OuterApply;
+            condition = false;
+        } else if ((isWord("LEFT") || isWord("RIGHT") || isWord("FULL")) &&
+                   (isWord("JOIN", 1) || isWord("OUTER", 1))) {
+            kind = isWord("LEFT")    ? JoinKind::Left
+                   : isWord("RIGHT") ? JoinKind::Right
+                                     : JoinKind::Full;
+            take();
+            takeWord("OUTER");
+            expectWord("JOIN");
+        } else if (isWord("PIVOT") || isWord("UNPIVOT")) {
+            throw makeDbError(15281, {upperCase(peek().text)}, static_cast<int>(peek().line));
+        } else {
+            return left;
+        }
+        auto join = std::make_unique<TableRef>();
+        join->kind = TableRef::Join;
+        join->line = static_cast<int>(peek().line);
+        join->join = kind;
+        join->left = std::move(left);
+        // "a JOIN b JOIN c ON .. ON .." nests on the right.
+        join->right = parseTablePrimary();
+        if (condition) {
+            if (!isWord("ON")) {
+                TableRefPtr inner = std::move(join->right);
+                while (!isWord("ON")) {
+                    // The right side is itself a join that still lacks its condition.
+                    auto nested = std::make_unique<TableRef>();
+                    nested->kind = TableRef::Join;
+                    nested->line = static_cast<int>(peek().line);
+                    if (takeWord("LEFT"))
+                        nested->join = JoinKind::Left;
+                    else if (takeWord("RIGHT"))
+                        nested->join = JoinKind::Right;
+                    else if (takeWord("FULL"))
+                        nested->join = JoinKind::Full;
+                    else
+                        takeWord("INNER");
+                    takeWord("OUTER");
+                    expectWord("JOIN");
+                    nested->left = std::move(inner);
+                    nested->right = parseTablePrimary();
+                    expectWord("ON");
+                    nested->on = parseExpression();
+                    inner = std::move(nested);
+                }
+                join->right = std::move(inner);
+            }
+            expectWord("ON");
+            join->on = parseExpression();
+        }
+        left = std::move(join);
+    }
+}
+
+TableRefPtr Parser::parseTablePrimary() {
+    auto table = std::make_unique<TableRef>();
+    table->line = static_cast<int>(peek().line);
+    if (takeOperator("(")) {
+        Depth depth(*this);
+        if (isWord("WITH") || isWord("VALUES") || atSelect()) {
+            table->kind = TableRef::Derived;
+            table->query = parseQuery();
+            expectOperator(")");
+            parseTableAlias(*table);
+            if (table->alias.empty()) syntaxError();
+            return table;
+        }
+        TableRefPtr inner = parseJoined();
+        expectOperator(")");
+        return inner;
+    }
+    if (peek().kind == TokenKind::Variable) {
+        table->kind = TableRef::Variable;
+        table->name.parts.push_back(std::string(take().text));
+        parseTableAlias(*table);
+        return table;
+    }
+    table->name = parseName();
+    if (isOperator("(") && !isWord("NOLOCK", 1)) {
+        table->kind = TableRef::Function;
+        take();
+        if (!isOperator(")")) {
+            do table->args.push_back(parseExpression());
+            while (takeOperator(","));
+        }
+        expectOperator(")");
+    }
+    skipTableHints();
+    parseTableAlias(*table);
+    skipTableHints();
+    return table;
+}
+
+void Parser::parseTableAlias(TableRef& table) {
+    if (takeWord("AS")) {
+        table.alias = expectName();
+    } else if (isPlainName() && !atStatementStart()) {
+        table.alias = unquoted(take());
+    }
+    if (!table.alias.empty() && table.kind != TableRef::Table && isOperator("(") && isPlainName(1))
+        table.columnAliases = parseColumnList();
+}
+
+// WITH (NOLOCK) and the like say nothing to a database that never reads uncommitted rows.
+void Parser::skipTableHints() {
+    const bool with = isWord("WITH") && isOperator("(", 1);
+    if (!with && !(isOperator("(") && isWord("NOLOCK", 1))) return;
+    if (with) take();
+    take();
+    while (!isOperator(")") && peek().kind != TokenKind::End) take();
+    expectOperator(")");
+}
+
+}  // namespace owb::tsql
