@@ -21,11 +21,6 @@ std::vector<std::string> split(const std::string& text, char separator) {
     }
 }
 
-std::string columnText(sqlite3_stmt* s, int i) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(s, i));
-    return text ? std::string(text, sqlite3_column_bytes(s, i)) : std::string();
-}
-
 uint64_t mix(uint64_t seed, const std::string& text) {
     return seed * 1099511628211ull ^ std::hash<std::string>{}(text);
 }
@@ -104,11 +99,7 @@ Catalog::Catalog(Sqlite& sqlite) : sqlite_(sqlite) {
 }
 
 void Catalog::refresh() {
-    if (!dataVersionQuery_) dataVersionQuery_ = sqlite_.prepare("PRAGMA main.data_version");
-    sqlite_.step(dataVersionQuery_.get());
-    const int64_t data = sqlite3_column_int64(dataVersionQuery_.get(), 0);
-    sqlite3_file_control(sqlite_.handle(), "main", SQLITE_FCNTL_DATA_VERSION, &fileVersion_);
-    sqlite3_reset(dataVersionQuery_.get());
+    const int64_t data = sqlite_.dataVersion();
     if (data == dataVersion_) return;
     dataVersion_ = data;
     const int64_t schema = sqlite_.number("PRAGMA main.schema_version").value_or(0);
@@ -127,10 +118,7 @@ void Catalog::refresh() {
 }
 
 bool Catalog::stillCurrent(bool readingFile) {
-    unsigned now = 0;
-    if (readingFile)
-        sqlite3_file_control(sqlite_.handle(), "main", SQLITE_FCNTL_DATA_VERSION, &now);
-    if (readingFile && now == fileVersion_) return true;
+    if (readingFile && sqlite_.readsSameVersion()) return true;
     const uint64_t before = version_;
     refresh();
     return version_ == before;
@@ -218,31 +206,31 @@ CatalogTablePtr Catalog::load(const std::string& name) {
         return nullptr;
     SqliteStatement find = sqlite_.prepare(
         "SELECT name, sql FROM main.sqlite_master WHERE type = 'table' AND name = ?1 COLLATE TSQL");
-    bindValue(find.get(), 1, Value(name));
-    if (!sqlite_.step(find.get())) return nullptr;
+    find.bind(1, Value(name));
+    if (!sqlite_.step(find)) return nullptr;
     auto table = std::make_shared<CatalogTable>();
-    table->name = columnText(find.get(), 0);
+    table->name = find.text(0);
     table->sqlName = "main." + sqliteName(table->name);
-    table->signature = mix(mix(14695981039346656037ull, table->name), columnText(find.get(), 1));
+    table->signature = mix(mix(14695981039346656037ull, table->name), find.text(1));
 
     SqliteStatement info =
         sqlite_.prepare("PRAGMA main.table_info(" + sqliteName(table->name) + ")");
-    while (sqlite_.step(info.get())) {
+    while (sqlite_.step(info)) {
         CatalogColumn c;
-        c.name = columnText(info.get(), 1);
-        c.type = typeOfDeclaration(columnText(info.get(), 2));
-        c.nullable = sqlite3_column_int(info.get(), 3) == 0;
+        c.name = info.text(1);
+        c.type = typeOfDeclaration(info.text(2));
+        c.nullable = info.integer(3) == 0;
         table->columns.push_back(std::move(c));
     }
     SqliteStatement constraints = sqlite_.prepare(
         "SELECT name, kind, columns, source FROM tsql_constraint WHERE tbl = ?1 ORDER BY name");
     const std::string folded = foldName(table->name);
-    bindValue(constraints.get(), 1, Value(folded));
-    while (sqlite_.step(constraints.get())) {
-        const std::string constraint = columnText(constraints.get(), 0);
-        const std::string kind = columnText(constraints.get(), 1);
-        const std::string columns = columnText(constraints.get(), 2);
-        const std::string source = columnText(constraints.get(), 3);
+    constraints.bind(1, Value(folded));
+    while (sqlite_.step(constraints)) {
+        const std::string constraint = constraints.text(0);
+        const std::string kind = constraints.text(1);
+        const std::string columns = constraints.text(2);
+        const std::string source = constraints.text(3);
         table->signature = mix(table->signature, constraint + kind + columns + source);
         if (kind == "D") {
             const int at = table->findColumn(columns);
@@ -260,15 +248,15 @@ CatalogTablePtr Catalog::load(const std::string& name) {
     }
     SqliteStatement identity =
         sqlite_.prepare("SELECT seed, increment FROM tsql_identity WHERE tbl = ?1");
-    bindValue(identity.get(), 1, Value(folded));
-    if (sqlite_.step(identity.get())) {
-        table->identitySeed = sqlite3_column_int64(identity.get(), 0);
-        table->identityIncrement = sqlite3_column_int64(identity.get(), 1);
+    identity.bind(1, Value(folded));
+    if (sqlite_.step(identity)) {
+        table->identitySeed = identity.integer(0);
+        table->identityIncrement = identity.integer(1);
         SqliteStatement which =
             sqlite_.prepare("SELECT columns FROM tsql_constraint WHERE tbl = ?1 AND kind = 'N'");
-        bindValue(which.get(), 1, Value(folded));
-        if (sqlite_.step(which.get())) {
-            const int at = table->findColumn(columnText(which.get(), 0));
+        which.bind(1, Value(folded));
+        if (sqlite_.step(which)) {
+            const int at = table->findColumn(which.text(0));
             if (at >= 0) table->columns[at].identity = true;
         }
         std::erase_if(table->keys, [](const CatalogKey& k) { return k.name == "\x01identity"; });
@@ -286,11 +274,11 @@ void Catalog::loadModules() {
     std::map<std::string, CatalogModulePtr> fresh;
     SqliteStatement s =
         sqlite_.prepare("SELECT name, kind, source, stars, tbl, events FROM tsql_module");
-    while (sqlite_.step(s.get())) {
-        const std::string name = columnText(s.get(), 0);
+    while (sqlite_.step(s)) {
+        const std::string name = s.text(0);
         const std::string folded = foldName(name);
-        const std::string source = columnText(s.get(), 2);
-        const std::string stars = columnText(s.get(), 3);
+        const std::string source = s.text(2);
+        const std::string stars = s.text(3);
         const uint64_t signature = mix(mix(7, source), stars);
         const auto known = modules_.find(folded);
         if (known != modules_.end() && known->second->signature == signature) {
@@ -299,12 +287,12 @@ void Catalog::loadModules() {
         }
         auto m = std::make_shared<CatalogModule>();
         m->name = name;
-        m->kind = static_cast<ModuleKind>(sqlite3_column_int(s.get(), 1));
+        m->kind = static_cast<ModuleKind>(s.integer(1));
         m->source = source;
         for (const std::string& star : split(stars, '\x1e'))
             m->stars.push_back(split(star, '\x1f'));
-        m->table = columnText(s.get(), 4);
-        const int events = sqlite3_column_int(s.get(), 5);
+        m->table = s.text(4);
+        const int events = s.integer(5);
         m->onInsert = events & 1;
         m->onUpdate = events & 2;
         m->onDelete = events & 4;
@@ -349,7 +337,7 @@ std::vector<std::string> Catalog::tableNames() {
     SqliteStatement s = sqlite_.prepare(
         "SELECT name FROM main.sqlite_master WHERE type = 'table' AND name NOT LIKE 'tsql~_%' "
         "ESCAPE '~' AND name NOT LIKE 'sqlite~_%' ESCAPE '~' ORDER BY name COLLATE TSQL");
-    while (sqlite_.step(s.get())) names.push_back(columnText(s.get(), 0));
+    while (sqlite_.step(s)) names.push_back(s.text(0));
     return names;
 }
 
@@ -363,22 +351,22 @@ std::vector<CatalogTablePtr> Catalog::tableVariables() const {
 
 Value Catalog::createdAt(const std::string& name) {
     SqliteStatement s = sqlite_.prepare("SELECT moment FROM tsql_created WHERE name = ?1");
-    bindValue(s.get(), 1, Value(foldName(name)));
-    if (!sqlite_.step(s.get())) return {};
-    return columnValue(s.get(), 0, SqlType::of(SqlKind::DateTime));
+    s.bind(1, Value(foldName(name)));
+    if (!sqlite_.step(s)) return {};
+    return s.value(0, SqlType::of(SqlKind::DateTime));
 }
 
 void Catalog::noteCreated(const std::string& name, const DateTime& moment) {
     SqliteStatement s = sqlite_.prepare("INSERT OR REPLACE INTO tsql_created VALUES(?1, ?2)");
-    bindValue(s.get(), 1, Value(foldName(name)));
-    bindValue(s.get(), 2, Value(moment));
-    sqlite_.step(s.get());
+    s.bind(1, Value(foldName(name)));
+    s.bind(2, Value(moment));
+    sqlite_.step(s);
 }
 
 void Catalog::forgetCreated(const std::string& name) {
     SqliteStatement s = sqlite_.prepare("DELETE FROM tsql_created WHERE name = ?1");
-    bindValue(s.get(), 1, Value(foldName(name)));
-    sqlite_.step(s.get());
+    s.bind(1, Value(foldName(name)));
+    sqlite_.step(s);
 }
 
 void Catalog::openScope() {

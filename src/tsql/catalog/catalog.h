@@ -139,14 +139,12 @@ class Catalog {
     Sqlite& sqlite_;
     uint64_t version_ = 1;
     int64_t dataVersion_ = -1;
-    unsigned fileVersion_ = 0;  // SQLite's own count of changes, as of the last refresh
     int64_t schemaVersion_ = -1;
     int64_t moduleVersion_ = -1;
     std::unordered_map<std::string, CatalogTablePtr> tables_;  // by folded name
     std::map<std::string, CatalogModulePtr> modules_;
     bool modulesLoaded_ = false;
     std::vector<std::map<std::string, CatalogTablePtr>> scopes_;  // by folded name
-    SqliteStatement dataVersionQuery_;
 };
 
 // The T-SQL type that a column's declaration names, as SqlType::ddl writes it.

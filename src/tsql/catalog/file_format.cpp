@@ -44,7 +44,7 @@ void bringToFormat(Sqlite& sqlite) {
             sqlite.run(kSteps[format]);
         sqlite.run("PRAGMA user_version = " + std::to_string(kFormat) + "; COMMIT");
     } catch (const DbError&) {
-        if (!sqlite3_get_autocommit(sqlite.handle())) sqlite.run("ROLLBACK");
+        if (sqlite.inTransaction()) sqlite.run("ROLLBACK");
         throw;
     }
 }

@@ -1,4 +1,4 @@
-// The system views as read-only virtual tables: each fills its rows from the catalog when read.
+// Each view fills its rows from the catalog when it is read.
 #include "tsql/catalog/system_views.h"
 
 #include <cstring>
@@ -207,9 +207,8 @@ void fillIndexes(Source& s, Rows& rows) {
         SqliteStatement plain = s.catalog.sqlite().prepare(
             "SELECT name FROM pragma_index_list(" + sqliteText(t->bareName()) +
             ") WHERE origin = 'c' AND \"unique\" = 0 ORDER BY seq DESC");
-        while (s.catalog.sqlite().step(plain.get())) {
-            const std::string index =
-                reinterpret_cast<const char*>(sqlite3_column_text(plain.get(), 0));
+        while (s.catalog.sqlite().step(plain)) {
+            const std::string index = plain.text(0);
             add(Value(index.substr(t->indexName("").size())), false, false, false, false);
         }
     }
@@ -376,115 +375,16 @@ const std::vector<View>& views() {
     return all;
 }
 
-// --- the virtual table ---
-
-struct Table {
-    sqlite3_vtab base;
-    Source* source;
-    const View* view;
-};
-
-struct Cursor {
-    sqlite3_vtab_cursor base;
-    Rows rows;
-    size_t at = 0;
-};
-
-struct Module {
-    Source source;
-    const View* view;
-};
-
-int connect(sqlite3* db, void* aux, int, const char* const*, sqlite3_vtab** out, char**) {
-    auto* module = static_cast<Module*>(aux);
-    std::string ddl = "CREATE TABLE x(";
-    for (size_t i = 0; i < module->view->columns.size(); ++i)
-        ddl += (i ? ", " : "") + sqliteName(module->view->columns[i].name);
-    const int rc = sqlite3_declare_vtab(db, (ddl + ")").c_str());
-    if (rc != SQLITE_OK) return rc;
-    auto* table = new Table{};
-    table->source = &module->source;
-    table->view = module->view;
-    *out = &table->base;
-    return SQLITE_OK;
-}
-
-int disconnect(sqlite3_vtab* table) {
-    delete reinterpret_cast<Table*>(table);
-    return SQLITE_OK;
-}
-
-int bestIndex(sqlite3_vtab*, sqlite3_index_info* info) {
-    info->estimatedCost = 1000;
-    info->estimatedRows = 200;
-    return SQLITE_OK;
-}
-
-int open(sqlite3_vtab*, sqlite3_vtab_cursor** out) {
-    *out = &(new Cursor{})->base;
-    return SQLITE_OK;
-}
-
-int close(sqlite3_vtab_cursor* cursor) {
-    delete reinterpret_cast<Cursor*>(cursor);
-    return SQLITE_OK;
-}
-
-int filter(sqlite3_vtab_cursor* base, int, const char*, int, sqlite3_value**) {
-    auto* cursor = reinterpret_cast<Cursor*>(base);
-    auto* table = reinterpret_cast<Table*>(base->pVtab);
-    cursor->rows.clear();
-    cursor->at = 0;
-    try {
-        table->view->fill(*table->source, cursor->rows);
-    } catch (...) {
-        table->source->catalog.sqlite().raise(caughtError());
-        return SQLITE_ERROR;
+class ViewRows : public ComputedRows {
+  public:
+    size_t count() const override { return rows.size(); }
+    void give(SqliteResult result, size_t row, size_t column) const override {
+        result.give(rows[row][column]);
     }
-    return SQLITE_OK;
-}
+    Rows rows;
+};
 
-int next(sqlite3_vtab_cursor* base) {
-    ++reinterpret_cast<Cursor*>(base)->at;
-    return SQLITE_OK;
-}
-
-int atEnd(sqlite3_vtab_cursor* base) {
-    auto* cursor = reinterpret_cast<Cursor*>(base);
-    return cursor->at >= cursor->rows.size();
-}
-
-int columnOf(sqlite3_vtab_cursor* base, sqlite3_context* context, int i) {
-    auto* cursor = reinterpret_cast<Cursor*>(base);
-    resultValue(context, cursor->rows[cursor->at][i]);
-    return SQLITE_OK;
-}
-
-int rowId(sqlite3_vtab_cursor* base, sqlite3_int64* id) {
-    *id = static_cast<sqlite3_int64>(reinterpret_cast<Cursor*>(base)->at);
-    return SQLITE_OK;
-}
-
-const sqlite3_module& moduleMethods() {
-    static const sqlite3_module methods = [] {
-        sqlite3_module m{};
-        m.iVersion = 1;
-        m.xConnect = connect;  // no xCreate: the tables exist by themselves
-        m.xBestIndex = bestIndex;
-        m.xDisconnect = disconnect;
-        m.xOpen = open;
-        m.xClose = close;
-        m.xFilter = filter;
-        m.xNext = next;
-        m.xEof = atEnd;
-        m.xColumn = columnOf;
-        m.xRowid = rowId;
-        return m;
-    }();
-    return methods;
-}
-
-std::string vtabName(const View& v) {
+std::string sqliteTableOf(const View& v) {
     return std::string("t_") + v.schema + "_" + v.name;
 }
 
@@ -500,7 +400,7 @@ CatalogTablePtr findSystemView(const std::string& schema, const std::string& nam
         if (s != v.schema || n != v.name) continue;
         auto table = std::make_shared<CatalogTable>();
         table->name = v.name;
-        table->sqlName = vtabName(v);
+        table->sqlName = sqliteTableOf(v);
         table->system = true;
         table->columns = v.columns;
         return table;
@@ -508,11 +408,18 @@ CatalogTablePtr findSystemView(const std::string& schema, const std::string& nam
     return nullptr;
 }
 
-void registerSystemViews(Sqlite& sqlite, Catalog& catalog, const bool& inTransaction) {
-    for (const View& v : views())
-        sqlite3_create_module_v2(sqlite.handle(), vtabName(v).c_str(), &moduleMethods(),
-                                 new Module{{catalog, inTransaction}, &v},
-                                 [](void* p) { delete static_cast<Module*>(p); });
+void addSystemViews(Sqlite& sqlite, Catalog& catalog, const bool& inTransaction) {
+    for (const View& v : views()) {
+        ComputedTable table;
+        for (const CatalogColumn& c : v.columns) table.columns.push_back(c.name);
+        table.expectedRows = 100;
+        table.read = [source = Source{catalog, inTransaction}, &v](SqliteArguments) mutable {
+            auto view = std::make_unique<ViewRows>();
+            v.fill(source, view->rows);
+            return view;
+        };
+        sqlite.addTable(sqliteTableOf(v), std::move(table));
+    }
 }
 
 }  // namespace owb::tsql

@@ -9,6 +9,6 @@ namespace owb::tsql {
 CatalogTablePtr findSystemView(const std::string& schema, const std::string& name);
 
 // Makes the views readable on this connection. `inTransaction` tells whether one is open.
-void registerSystemViews(Sqlite& sqlite, Catalog& catalog, const bool& inTransaction);
+void addSystemViews(Sqlite& sqlite, Catalog& catalog, const bool& inTransaction);
 
 }  // namespace owb::tsql

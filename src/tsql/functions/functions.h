@@ -10,20 +10,16 @@
 namespace owb::tsql {
 
 struct ApplyPlan;
-struct ValueDeleter {
-    void operator()(sqlite3_value* v) const { sqlite3_value_free(v); }
-};
-using AppliedRows = std::vector<std::vector<std::unique_ptr<sqlite3_value, ValueDeleter>>>;
+using AppliedRows = std::vector<std::vector<KeptValue>>;
 
 // What functions ask of the running session.
 class FunctionHost {
   public:
     virtual ~FunctionHost() = default;
-    virtual Value callFunction(int id, int count, sqlite3_value** arguments) = 0;
+    virtual Value callFunction(int id, SqliteArguments arguments) = 0;
     virtual Value liveVariable(int index) = 0;
     virtual void setVariable(int index, Value value) = 0;
-    virtual void applyRows(ApplyPlan& plan, int count, sqlite3_value** arguments,
-                           AppliedRows& rows) = 0;
+    virtual void applyRows(ApplyPlan& plan, SqliteArguments arguments, AppliedRows& rows) = 0;
     virtual Value systemValue(const std::string& name) = 0;
     virtual DateTime statementTime() = 0;
     virtual Value objectId(const std::string& name, const std::string& kind) = 0;
@@ -36,25 +32,22 @@ class FunctionHost {
                                   const std::string& owner) = 0;
 };
 
-void registerFunctions(Sqlite& sqlite, FunctionHost& host);
-// By duty; called by registerFunctions.
-void registerNumberFunctions(Sqlite& sqlite);
-void registerTextFunctions(Sqlite& sqlite);
-void registerDateFunctions(Sqlite& sqlite);
-void registerClockFunctions(Sqlite& sqlite);
-void registerFormatFunction(Sqlite& sqlite);
-void registerAggregates(Sqlite& sqlite);
-void registerRowFunctions(Sqlite& sqlite);
+void addFunctions(Sqlite& sqlite, FunctionHost& host);
+// By duty; called by addFunctions.
+void addConversionFunctions(Sqlite& sqlite);
+void addNumberFunctions(Sqlite& sqlite);
+void addTextFunctions(Sqlite& sqlite);
+void addDateFunctions(Sqlite& sqlite);
+void addDateTime2Functions(Sqlite& sqlite);
+void addFormatFunction(Sqlite& sqlite);
+void addAggregates(Sqlite& sqlite);
+void addRowLimitFunctions(Sqlite& sqlite);
+void addSessionFunctions(Sqlite& sqlite, FunctionHost& host);
+void addApply(Sqlite& sqlite, FunctionHost& host);
 
-// Registers `body(context, count, arguments)` under a name. Throwing DbError ends the statement.
-using FunctionBody = void (*)(sqlite3_context*, int, sqlite3_value**);
-void registerFunction(Sqlite& sqlite, const char* name, int count, FunctionBody body,
-                      bool deterministic = true);
-// What every body begins with where NULL in gives NULL out.
-bool anyNull(int count, sqlite3_value** arguments);
-std::string_view argumentText(sqlite3_value* value);
-void resultText(sqlite3_context* context, std::string_view text);
-
-bool likeMatches(std::string_view pattern, std::string_view text, char32_t escape);
+// t_apply, the table that an APPLY is lowered to: most columns, and most arguments.
+constexpr int kMostApplied = 64;
+// The kind of the pointer to an ApplyPlan that is its first argument.
+constexpr const char* kApplyPlan = "ApplyPlan";
 
 }  // namespace owb::tsql

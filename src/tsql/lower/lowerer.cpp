@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "tsql/functions/apply.h"
+#include "tsql/functions/functions.h"
 #include "tsql/types/types.h"
 
 namespace owb::tsql {
@@ -186,7 +186,10 @@ std::string Lowerer::filter(const BoundExpr& e) {
 std::string Lowerer::applied(const BoundSource& s) {
     if (!applies_) throw makeDbError(15281, {"APPLY here"});
     auto plan = std::make_unique<ApplyPlan>();
-    std::string call = "t_apply(" + std::to_string(reinterpret_cast<intptr_t>(plan.get()));
+    PlanParameter itself;
+    itself.kind = PlanParameter::Apply;
+    itself.apply = plan.get();
+    std::string call = "t_apply(" + parameter(std::move(itself));
     size_t arguments = s.applyArguments.size();
     if (!s.query) {
         plan->function = s.tableName;

@@ -8,19 +8,23 @@
 
 namespace owb::tsql {
 
+struct ApplyPlan;
+
 // Where the value of parameter ?n comes from when the plan runs.
 struct PlanParameter {
-    enum Kind : uint8_t { Literal, Variable, Constant, Outer } kind = Constant;
+    // Outer: a column of the left side of an APPLY. Apply: the pointer to its right side's plan.
+    enum Kind : uint8_t { Literal, Variable, Constant, Outer, Apply } kind = Constant;
     int index = 0;  // literal slot or variable
     Value constant;
     SqlType from, to;
     bool negated = false;
+    ApplyPlan* apply = nullptr;
 };
 
 Value negated(const Value& v);  // of a number
 
 // The right side of an APPLY: a query whose Outer parameters are columns of the left side, or a
-// table function. Its address stands in the SQL that uses it.
+// table function.
 struct ApplyPlan {
     std::string sql;
     std::vector<PlanParameter> parameters;

@@ -59,10 +59,9 @@ AppLocks::~AppLocks() {
 
 void AppLocks::openFile() {
     if (opened_) return;
-    const std::string database = sqlite3_db_filename(sqlite_.handle(), "main");
+    const std::string database = sqlite_.file();
     if (!database.empty()) {
-        if (sqlite3_db_readonly(sqlite_.handle(), "main") == 1)
-            throw makeDbError(3906, {sqlite_.path()});
+        if (sqlite_.isReadOnly()) throw makeDbError(3906, {sqlite_.path()});
         const std::string path = database + "-locks";
         // Whoever may write the database may lock.
         struct stat s {};

@@ -37,8 +37,8 @@ Executor::Executor(std::unique_ptr<Sqlite> sqlite, std::string hostName)
       appLocks_(*sqlite_),
       hostName_(hostName.empty() ? ownHostName() : std::move(hostName)) {
     bringToFormat(*sqlite_);
-    registerFunctions(*sqlite_, *this);
-    registerSystemViews(*sqlite_, catalog_, inTransaction_);
+    addFunctions(*sqlite_, *this);
+    addSystemViews(*sqlite_, catalog_, inTransaction_);
 }
 
 void Executor::setCommandTimeout(int seconds) {
@@ -47,8 +47,7 @@ void Executor::setCommandTimeout(int seconds) {
 }
 
 void Executor::cancel() {
-    sqlite_->cancelled = true;
-    sqlite3_interrupt(sqlite_->handle());
+    sqlite_->cancel();
 }
 
 Executor::Flow Executor::runStatements(Frame& frame, const std::vector<StatementPtr>& statements) {
@@ -162,9 +161,9 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
                     return made;
                 });
                 SqliteStatement statement = acquire(frame, p);
-                sqlite_->step(statement.get());
-                frame.variables[at] = columnValue(statement.get(), 0, p.columns[0].type);
-                sqlite3_reset(statement.get());
+                sqlite_->step(statement);
+                frame.variables[at] = statement.value(0, p.columns[0].type);
+                statement.rewind();
                 p.idle.push_back(std::move(statement));
             }
             rowCount_ = 1;

@@ -66,15 +66,17 @@ class Together {
 enum class ErrorReach { Statement, Scope, Batch };
 ErrorReach reachOf(const DbError& e);
 
-// Gives a statement back to its plan, reset, however its run ended.
-class Lease {
+// A plan's statement while it runs: it goes back to its plan, rewound, however the run ends.
+class BorrowedStatement {
   public:
-    Lease(Plan& plan, SqliteStatement statement) : plan_(plan), statement_(std::move(statement)) {}
-    ~Lease() {
-        sqlite3_reset(statement_.get());
+    BorrowedStatement(Plan& plan, SqliteStatement statement)
+        : plan_(plan), statement_(std::move(statement)) {}
+    ~BorrowedStatement() {
+        statement_.rewind();
         plan_.idle.push_back(std::move(statement_));
     }
-    sqlite3_stmt* get() const { return statement_.get(); }
+    SqliteStatement& operator*() { return statement_; }
+    SqliteStatement* operator->() { return &statement_; }
 
   private:
     Plan& plan_;
@@ -95,11 +97,10 @@ class Executor final : public FunctionHost {
     std::vector<std::string> checkIntegrity();
 
     // --- FunctionHost ---
-    Value callFunction(int id, int count, sqlite3_value** arguments) override;
+    Value callFunction(int id, SqliteArguments arguments) override;
     Value liveVariable(int index) override;
     void setVariable(int index, Value value) override;
-    void applyRows(ApplyPlan& plan, int count, sqlite3_value** arguments,
-                   AppliedRows& rows) override;
+    void applyRows(ApplyPlan& plan, SqliteArguments arguments, AppliedRows& rows) override;
     Value systemValue(const std::string& name) override;
     DateTime statementTime() override;
     Value objectId(const std::string& name, const std::string& kind) override;
@@ -176,7 +177,9 @@ class Executor final : public FunctionHost {
     bool dependenciesHold(Plan& plan);
     BindContext bindContext(Frame& frame);
     SqliteStatement acquire(Frame& frame, Plan& plan);
-    void bindParameters(sqlite3_stmt* statement, Frame& frame, const Plan& plan);
+    void bindParameters(SqliteStatement& statement, Frame& frame,
+                        const std::vector<PlanParameter>& parameters,
+                        const SqliteArguments* outer = nullptr);
     void runQuery(Frame& frame, const Statement& s);
     void runInto(Frame& frame, Plan& plan);
     void runWrite(Frame& frame, const Statement& s);
@@ -198,7 +201,7 @@ class Executor final : public FunctionHost {
     void fillTables(Frame& frame, Plan& plan);
     void runTableFunction(CatalogModule& module, std::vector<Value> arguments,
                           const std::string& sqlName, bool inStatement);
-    void readApplied(sqlite3_stmt* statement, AppliedRows& rows);
+    void readApplied(SqliteStatement& statement, AppliedRows& rows);
     // `rows`: a WITH clause that names the rows on their way in "src"; "" when not known.
     [[noreturn]] void constraintFailure(const DbError& e, const CatalogTable& table,
                                         StatementKind writes, const std::string& rows = "",

@@ -163,7 +163,7 @@ BatchResult Executor::run(std::string_view batch) {
     }
     endBatchTransaction();
     // SQLite gives a transaction up by itself when the disk is full or the like.
-    if (transactions_ > 0 && sqlite3_get_autocommit(sqlite_->handle())) {
+    if (transactions_ > 0 && !sqlite_->inTransaction()) {
         transactions_ = 0;
         inTransaction_ = false;
         appLocks_.endTransaction();
@@ -183,8 +183,7 @@ void Executor::runBatch(std::string_view batch) {
     // runQuery. What it cannot do as things stood is tried again as they stand.
     const bool lone = code->checked && code->parsed->ast.statements.size() == 1 &&
                       code->parsed->ast.statements[0]->kind == StatementKind::Query &&
-                      !changesSchema(code->parsed->ast.statements) &&
-                      sqlite3_get_autocommit(sqlite_->handle());
+                      !changesSchema(code->parsed->ast.statements) && !sqlite_->inTransaction();
     if (sqlite_->rolledBack) catalog_.rolledBack();
     // Within a transaction nobody else changes anything.
     if (!lone && transactions_ == 0) catalog_.refresh();

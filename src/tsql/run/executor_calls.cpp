@@ -223,7 +223,7 @@ void Executor::executeSql(Frame& frame, const Statement& s) {
 
 // --- scalar functions, called by SQLite in the middle of a statement ---
 
-Value Executor::callFunction(int id, int count, sqlite3_value** arguments) {
+Value Executor::callFunction(int id, SqliteArguments arguments) {
     FunctionSlot& slot = functions_[id];
     if (slot.version != catalog_.version()) {
         slot.module = catalog_.findModule(slot.name);
@@ -234,17 +234,18 @@ Value Executor::callFunction(int id, int count, sqlite3_value** arguments) {
 
     // The same arguments give the same value within one statement.
     std::string key(reinterpret_cast<const char*>(&id), sizeof id);
-    for (int i = 0; i < count; ++i) {
-        const int kind = sqlite3_value_type(arguments[i]);
+    for (int i = 0; i < arguments.count(); ++i) {
+        const SqliteValue argument = arguments[i];
+        const SqliteValue::Kind kind = argument.kind();
         key += static_cast<char>(kind);
-        if (kind == SQLITE_INTEGER) {
-            const int64_t v = sqlite3_value_int64(arguments[i]);
+        if (kind == SqliteValue::Integer) {
+            const int64_t v = argument.integer();
             key.append(reinterpret_cast<const char*>(&v), sizeof v);
-        } else if (kind == SQLITE_FLOAT) {
-            const double v = sqlite3_value_double(arguments[i]);
+        } else if (kind == SqliteValue::Real) {
+            const double v = argument.real();
             key.append(reinterpret_cast<const char*>(&v), sizeof v);
-        } else if (kind != SQLITE_NULL) {
-            const std::string_view text = argumentText(arguments[i]);
+        } else if (kind != SqliteValue::Null) {
+            const std::string_view text = argument.text();
             const auto length = static_cast<uint32_t>(text.size());
             key.append(reinterpret_cast<const char*>(&length), sizeof length);
             key += text;
@@ -261,8 +262,8 @@ Value Executor::callFunction(int id, int count, sqlite3_value** arguments) {
     frame.variables.resize(frame.code->parsed->variables.size());
     frame.procedure = slot.module->name;
     frame.inFunction = true;
-    for (int i = 0; i < count; ++i)
-        frame.variables[i] = argumentValue(arguments[i], parameters[i].type);
+    for (int i = 0; i < arguments.count(); ++i)
+        frame.variables[i] = arguments[i].as(parameters[i].type);
     Frame* const outer = frame_;
     const int64_t rows = rowCount_;
     const int error = lastError_;

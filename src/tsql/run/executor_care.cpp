@@ -20,8 +20,8 @@ void Executor::backup(const std::string& path) {
 std::vector<std::string> Executor::checkIntegrity() {
     std::vector<std::string> problems;
     SqliteStatement s = sqlite_->prepare("PRAGMA integrity_check(50)");
-    while (sqlite_->step(s.get())) {
-        const std::string line = reinterpret_cast<const char*>(sqlite3_column_text(s.get(), 0));
+    while (sqlite_->step(s)) {
+        const std::string line = s.text(0);
         if (line != "ok") problems.push_back("file: " + line);
     }
     try {
@@ -49,11 +49,8 @@ void Executor::checkCatalog(std::vector<std::string>& problems) {
     SqliteStatement lost = sqlite_->prepare(
         "SELECT tbl, name FROM tsql_constraint WHERE tbl NOT IN (SELECT lower(name) FROM "
         "main.sqlite_master WHERE type = 'table')");
-    while (sqlite_->step(lost.get()))
-        problems.push_back(
-            "catalog: the constraint " +
-            std::string(reinterpret_cast<const char*>(sqlite3_column_text(lost.get(), 1))) +
-            " belongs to no table");
+    while (sqlite_->step(lost))
+        problems.push_back("catalog: the constraint " + lost.text(1) + " belongs to no table");
 }
 
 }  // namespace owb::tsql

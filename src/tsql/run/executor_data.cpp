@@ -41,21 +41,31 @@ const Value& Executor::parameterValue(Frame& frame, const PlanParameter& p) {
     return p.kind == PlanParameter::Variable ? frame.variables[p.index] : p.constant;
 }
 
-void Executor::bindParameters(sqlite3_stmt* statement, Frame& frame, const Plan& plan) {
-    for (size_t i = 0; i < plan.parameters.size(); ++i) {
-        const PlanParameter& p = plan.parameters[i];
+// `outer`: the arguments of an APPLY, for a plan that is its right side.
+void Executor::bindParameters(SqliteStatement& statement, Frame& frame,
+                              const std::vector<PlanParameter>& parameters,
+                              const SqliteArguments* outer) {
+    const std::vector<LiteralSlot>& literals = frame.code->parsed->ast.literals;
+    int at = 0;
+    for (const PlanParameter& p : parameters) {
+        ++at;
+        if (p.kind == PlanParameter::Apply) {
+            statement.bindPointer(at, p.apply, kApplyPlan);
+            continue;
+        }
+        if (p.kind == PlanParameter::Outer) {
+            statement.bind(at, (*outer)[p.index]);
+            continue;
+        }
         const Value& v = parameterValue(frame, p);
-        const int at = static_cast<int>(i) + 1;
         // The type of this run's literal: only its kind is sure to be that of the plan's making.
-        const SqlType& from = p.kind == PlanParameter::Literal
-                                  ? frame.code->parsed->ast.literals[p.index].type
-                                  : p.from;
+        const SqlType& from = p.kind == PlanParameter::Literal ? literals[p.index].type : p.from;
         if (p.negated)
-            bindValue(statement, at, convertValue(negated(v), from, p.to));
+            statement.bind(at, convertValue(negated(v), from, p.to));
         else if (from == p.to || v.isNull() || (v.isText() && p.from == p.to))
-            bindValue(statement, at, v);
+            statement.bind(at, v);
         else
-            bindValue(statement, at, convertValue(v, from, p.to));
+            statement.bind(at, convertValue(v, from, p.to));
     }
 }
 
@@ -117,7 +127,7 @@ SqliteStatement Executor::acquire(Frame& frame, Plan& plan) {
         if (plan.parameters.size() > 32000) throw makeDbError(8623);
         statement = sqlite_->prepare(plan.sql);
     }
-    bindParameters(statement.get(), frame, plan);
+    bindParameters(statement, frame, plan.parameters);
     return statement;
 }
 
@@ -136,30 +146,30 @@ Value Executor::evaluate(Frame& frame, const Expr& e, const SqlType* target) {
         return target ? convertValue(v, frame.code->parsed->variables[at].type, *target) : v;
     }
     Plan& p = plan(frame, &e, [&](Planner& planner) { return planner.value(e, target); });
-    Lease lease(p, acquire(frame, p));
-    sqlite_->step(lease.get());
-    return columnValue(lease.get(), 0, p.columns[0].type);
+    BorrowedStatement statement(p, acquire(frame, p));
+    sqlite_->step(*statement);
+    return statement->value(0, p.columns[0].type);
 }
 
 bool Executor::condition(Frame& frame, const Expr& e) {
     Plan& p = plan(frame, &e, [&](Planner& planner) { return planner.condition(e); });
-    Lease lease(p, acquire(frame, p));
-    sqlite_->step(lease.get());
-    return sqlite3_column_int(lease.get(), 0) != 0;
+    BorrowedStatement statement(p, acquire(frame, p));
+    sqlite_->step(*statement);
+    return statement->integer(0) != 0;
 }
 
 void Executor::runQuery(Frame& frame, const Statement& s) {
     Plan& p = plan(frame, &s, [&](Planner& planner) { return planner.query(*s.query); });
     if (!p.into.empty()) return runInto(frame, p);
-    Lease lease(p, acquire(frame, p));
+    BorrowedStatement statement(p, acquire(frame, p));
     if (!p.variables.empty()) {
         int64_t rows = 0;
-        while (sqlite_->step(lease.get())) {
+        while (sqlite_->step(*statement)) {
             if (options_.rowCount > 0 && rows == options_.rowCount) break;
             ++rows;
             for (size_t i = 0; i < p.variables.size(); ++i)
                 frame.variables[p.variables[i]] =
-                    columnValue(lease.get(), static_cast<int>(i), p.columns[i].type);
+                    statement->value(static_cast<int>(i), p.columns[i].type);
         }
         rowCount_ = rows;
         return;
@@ -172,16 +182,15 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
     set.columns = p.columns;
     const auto width = static_cast<int>(p.columns.size());
     set.cells.reserve(p.columns.size());
-    bool row = sqlite_->step(lease.get());
+    bool row = sqlite_->step(*statement);
     if (lone_ && depth_ == 0) {  // not inside a function that it calls
         lone_ = false;
         if (!catalog_.stillCurrent(p.readsFile)) throw StaleCatalog();
     }
-    for (; row; row = sqlite_->step(lease.get())) {
+    for (; row; row = sqlite_->step(*statement)) {
         if (options_.rowCount > 0 && static_cast<int64_t>(set.rows) == options_.rowCount) break;
         ++set.rows;
-        for (int i = 0; i < width; ++i)
-            set.cells.push_back(columnValue(lease.get(), i, p.columns[i].type));
+        for (int i = 0; i < width; ++i) set.cells.push_back(statement->value(i, p.columns[i].type));
     }
     rowCount_ = static_cast<int64_t>(set.rows);
     for (int i = 0; i < width; ++i) {
@@ -216,14 +225,14 @@ void Executor::runInto(Frame& frame, Plan& p) {
     if (!p.fills.empty()) fillTables(frame, p);
     SqliteStatement insert =
         sqlite_->prepare("INSERT INTO " + catalog_.findTable(name)->sqlName + " " + p.sql);
-    bindParameters(insert.get(), frame, p);
+    bindParameters(insert, frame, p.parameters);
     try {
-        sqlite_->step(insert.get());
-        rowCount_ = sqlite3_changes64(sqlite_->handle());
-        insert.reset();
+        sqlite_->step(insert);
+        rowCount_ = sqlite_->changes();
+        insert = {};
         together.done();
     } catch (const DbError&) {
-        insert.reset();
+        insert = {};
         if (CatalogTablePtr made = catalog_.findTable(name); made && made->temporary)
             catalog_.forgetTemporary(*made);
         catalog_.changed(name);

@@ -211,13 +211,13 @@ void Executor::storeConstraints(const CatalogTable& table) {
         sqlite_->prepare("INSERT OR REPLACE INTO tsql_constraint VALUES(?1, ?2, ?3, ?4, ?5)");
     const auto add = [&](const std::string& constraint, const char* kind,
                          const std::string& columns, const std::string& source) {
-        bindValue(insert.get(), 1, Value(name));
-        bindValue(insert.get(), 2, Value(constraint));
-        bindValue(insert.get(), 3, Value(kind));
-        bindValue(insert.get(), 4, Value(columns));
-        bindValue(insert.get(), 5, Value(source));
-        sqlite_->step(insert.get());
-        sqlite3_reset(insert.get());
+        insert.bind(1, Value(name));
+        insert.bind(2, Value(constraint));
+        insert.bind(3, Value(kind));
+        insert.bind(4, Value(columns));
+        insert.bind(5, Value(source));
+        sqlite_->step(insert);
+        insert.rewind();
     };
     for (const CatalogKey& k : table.keys)
         add(k.name,
@@ -285,9 +285,8 @@ void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
         sqlite_->prepare("SELECT sql FROM " + schema +
                          "sqlite_master WHERE type = 'index' AND sql IS NOT NULL AND tbl_name = " +
                          withoutSchema(before.sqlName) + " COLLATE NOCASE");
-    while (sqlite_->step(find.get()))
-        indexes.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(find.get(), 0)));
-    find.reset();
+    while (sqlite_->step(find)) indexes.push_back(find.text(0));
+    find = {};
     Together together(*sqlite_);
     sqlite_->run(tableDdl(after, fresh));
     try {
@@ -476,10 +475,10 @@ void Executor::dropConstraint(const CatalogTable& table, const std::string& name
     }
     SqliteStatement erase =
         sqlite_->prepare("DELETE FROM tsql_constraint WHERE tbl = ?1 AND name = ?2 COLLATE TSQL");
-    bindValue(erase.get(), 1, Value(foldName(table.name)));
-    bindValue(erase.get(), 2, Value(name));
-    sqlite_->step(erase.get());
-    erase.reset();
+    erase.bind(1, Value(foldName(table.name)));
+    erase.bind(2, Value(name));
+    sqlite_->step(erase);
+    erase = {};
     if (check) rebuildTable(table, std::move(after));
     catalog_.changed(table.name);
 }
@@ -585,14 +584,14 @@ void Executor::createModule(Frame& frame, const Statement& s) {
     }
     SqliteStatement insert =
         sqlite_->prepare("INSERT OR REPLACE INTO tsql_module VALUES(?1, ?2, ?3, ?4, ?5, ?6)");
-    bindValue(insert.get(), 1, Value(old ? old->name : name));
-    bindValue(insert.get(), 2, Value(static_cast<int>(m.kind)));
-    bindValue(insert.get(), 3, Value(s.moduleSource));
-    bindValue(insert.get(), 4, Value(stars));
-    bindValue(insert.get(), 5, Value(m.table.empty() ? std::string() : m.table.last()));
-    bindValue(insert.get(), 6, Value(events));
-    sqlite_->step(insert.get());
-    insert.reset();
+    insert.bind(1, Value(old ? old->name : name));
+    insert.bind(2, Value(static_cast<int>(m.kind)));
+    insert.bind(3, Value(s.moduleSource));
+    insert.bind(4, Value(stars));
+    insert.bind(5, Value(m.table.empty() ? std::string() : m.table.last()));
+    insert.bind(6, Value(events));
+    sqlite_->step(insert);
+    insert = {};
     if (!old) catalog_.noteCreated(name, statementTime());
     catalog_.modulesChanged(name);
     if (m.kind == ModuleKind::ScalarFunction || m.kind == ModuleKind::TableFunction)

@@ -41,9 +41,9 @@ void Executor::dropOne(const Statement& s, const Name& name) {
         }
         SqliteStatement erase = sqlite_->prepare(
             "DELETE FROM tsql_constraint WHERE tbl = ?1 AND name = ?2 AND kind = 'I'");
-        bindValue(erase.get(), 1, Value(foldName(table->name)));
-        bindValue(erase.get(), 2, Value(object));
-        sqlite_->step(erase.get());
+        erase.bind(1, Value(foldName(table->name)));
+        erase.bind(2, Value(object));
+        sqlite_->step(erase);
         catalog_.changed(table->name);
         return;
     }
@@ -97,9 +97,9 @@ void Executor::dropOne(const Statement& s, const Name& name) {
         throw makeDbError(3701, {kind, name.text()}, s.line);
     }
     SqliteStatement erase = sqlite_->prepare("DELETE FROM tsql_module WHERE name = ?1");
-    bindValue(erase.get(), 1, Value(module->name));
-    sqlite_->step(erase.get());
-    erase.reset();
+    erase.bind(1, Value(module->name));
+    sqlite_->step(erase);
+    erase = {};
     catalog_.forgetCreated(object);
     catalog_.modulesChanged(object);
 }

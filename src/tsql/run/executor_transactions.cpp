@@ -57,15 +57,15 @@ ErrorReach reachOf(const DbError& e) {
 }
 
 Together::Together(Sqlite& sqlite, bool temporary)
-    : sqlite_(sqlite), own_(sqlite3_get_autocommit(sqlite.handle()) != 0) {
+    : sqlite_(sqlite), own_(!sqlite.inTransaction()) {
     sqlite_.run(!own_ ? "SAVEPOINT together" : temporary ? "BEGIN" : "BEGIN IMMEDIATE");
 }
 
 Together::~Together() {
     if (finished_) return;
     try {
-        if (own_ || sqlite3_get_autocommit(sqlite_.handle())) {
-            if (!sqlite3_get_autocommit(sqlite_.handle())) sqlite_.run("ROLLBACK");
+        if (own_ || !sqlite_.inTransaction()) {
+            if (sqlite_.inTransaction()) sqlite_.run("ROLLBACK");
         } else {
             sqlite_.run("ROLLBACK TO together; RELEASE together");
         }
@@ -182,7 +182,7 @@ void Executor::rollbackTransaction(const std::string& name) {
     savepoints_.clear();
     appLocks_.endTransaction();
     statementTransaction_ = false;
-    if (!sqlite3_get_autocommit(sqlite_->handle())) return rollbackFile("ROLLBACK");
+    if (sqlite_->inTransaction()) return rollbackFile("ROLLBACK");
     catalog_.rolledBack();
 }
 
@@ -195,11 +195,10 @@ void Executor::rollbackFile(const std::string& sql) {
     for (const CatalogTablePtr& table : catalog_.tableVariables()) {
         Kept k{table, {}};
         SqliteStatement read = sqlite_->prepare("SELECT * FROM " + table->sqlName);
-        while (sqlite_->step(read.get())) {
+        while (sqlite_->step(read)) {
             k.rows.emplace_back();
             for (size_t i = 0; i < table->columns.size(); ++i)
-                k.rows.back().push_back(
-                    columnValue(read.get(), static_cast<int>(i), table->columns[i].type));
+                k.rows.back().push_back(read.value(static_cast<int>(i), table->columns[i].type));
         }
         kept.push_back(std::move(k));
     }
@@ -213,10 +212,9 @@ void Executor::rollbackFile(const std::string& sql) {
         SqliteStatement write =
             sqlite_->prepare("INSERT INTO " + k.table->sqlName + " VALUES(" + marks + ")");
         for (const auto& row : k.rows) {
-            for (size_t i = 0; i < row.size(); ++i)
-                bindValue(write.get(), static_cast<int>(i) + 1, row[i]);
-            sqlite_->step(write.get());
-            sqlite3_reset(write.get());
+            for (size_t i = 0; i < row.size(); ++i) write.bind(static_cast<int>(i) + 1, row[i]);
+            sqlite_->step(write);
+            write.rewind();
         }
     }
     catalog_.rolledBack();

@@ -20,18 +20,18 @@ std::string Executor::duplicateKey(const CatalogTable& table, const CatalogKey& 
         types.push_back(column.type);
     }
     SqliteStatement walk = sqlite_->prepare(rows + " SELECT " + columns + " FROM src");
-    if (frame && p) bindParameters(walk.get(), *frame, *p);
+    if (frame && p) bindParameters(walk, *frame, p->parameters);
     SqliteStatement held = sqlite_->prepare("SELECT 1 FROM " + table.sqlName + " WHERE " + match);
     std::vector<std::string> seen;
-    while (sqlite_->step(walk.get())) {
+    while (sqlite_->step(walk)) {
         std::string text;
         for (size_t i = 0; i < types.size(); ++i) {
-            const Value v = columnValue(walk.get(), static_cast<int>(i), types[i]);
-            bindValue(held.get(), static_cast<int>(i) + 1, v);
+            const Value v = walk.value(static_cast<int>(i), types[i]);
+            held.bind(static_cast<int>(i) + 1, v);
             text += (i ? ", " : "") + (v.isNull() ? "<NULL>" : v.toText());
         }
-        const bool there = sqlite_->step(held.get());
-        sqlite3_reset(held.get());
+        const bool there = sqlite_->step(held);
+        held.rewind();
         const std::string folded = foldText(text);
         if (there || std::find(seen.begin(), seen.end(), folded) != seen.end()) return text;
         if (seen.size() < 10000) seen.push_back(folded);
@@ -110,9 +110,9 @@ void Executor::constraintFailure(const DbError& e, const CatalogTable& table, St
 int64_t Executor::runPrepared(Frame& frame, Plan& p, const std::string& sql) {
     if (!p.fills.empty()) fillTables(frame, p);
     SqliteStatement statement = sqlite_->prepare(sql);
-    bindParameters(statement.get(), frame, p);
-    sqlite_->step(statement.get());
-    return sqlite3_changes64(sqlite_->handle());
+    bindParameters(statement, frame, p.parameters);
+    sqlite_->step(statement);
+    return sqlite_->changes();
 }
 
 void Executor::runWrite(Frame& frame, const Statement& s) {
@@ -162,9 +162,9 @@ void Executor::runPlanned(Frame& frame, const Statement& s, Plan& p) {
             together.done();
             return;
         }
-        Lease lease(p, acquire(frame, p));
-        sqlite_->step(lease.get());
-        rowCount_ = sqlite3_changes64(sqlite_->handle());
+        BorrowedStatement statement(p, acquire(frame, p));
+        sqlite_->step(*statement);
+        rowCount_ = sqlite_->changes();
     } catch (const DbError& e) {
         if (e.number != -2627) throw;
         // Keys may collide on the way to values that do not: judge the rows all together.
@@ -199,7 +199,7 @@ int64_t Executor::replaceCollected(Plan& p, const std::string& rows) {
     std::string names;
     for (const CatalogColumn& c : table.columns) names += ", " + sqliteName(c.name);
     sqlite_->run(p.updateSql(moved, "rid", rows));
-    const int64_t count = sqlite3_changes64(sqlite_->handle());
+    const int64_t count = sqlite_->changes();
     sqlite_->run("DELETE FROM " + table.sqlName + touched);
     try {
         sqlite_->run("INSERT INTO " + table.sqlName + "(rowid" + names + ") SELECT rid" + names +
@@ -217,9 +217,8 @@ int64_t Executor::replaceCollected(Plan& p, const std::string& rows) {
 void Executor::collectRows(Frame& frame, Plan& p, const std::string& rows) {
     SqliteStatement collect = sqlite_->prepare(p.collectSql);
     std::string columns = "rid";
-    for (int i = 1; i < sqlite3_column_count(collect.get()); ++i)
-        columns += ",c" + std::to_string(i - 1);
-    collect.reset();
+    for (int i = 1; i < collect.columnCount(); ++i) columns += ",c" + std::to_string(i - 1);
+    collect = {};
     sqlite_->run("CREATE TABLE " + rows + "(" + columns + ")");
     runPrepared(frame, p, "INSERT INTO " + rows + " " + p.collectSql);
 }
@@ -284,11 +283,11 @@ void Executor::insertRows(Frame& frame, const Name& target, const std::vector<st
         sqlite_->prepare("INSERT INTO " + source.sqlName + " VALUES(" + marks + ")");
     for (size_t r = 0; r < set.rows; ++r) {
         for (size_t c = 0; c < set.columns.size(); ++c)
-            bindValue(fill.get(), static_cast<int>(c) + 1, set.at(r, c));
-        sqlite_->step(fill.get());
-        sqlite3_reset(fill.get());
+            fill.bind(static_cast<int>(c) + 1, set.at(r, c));
+        sqlite_->step(fill);
+        fill.rewind();
     }
-    fill.reset();
+    fill = {};
     std::map<std::string, CatalogTablePtr> pseudo;
     if (frame.pseudoTables) pseudo = *frame.pseudoTables;
     pseudo["given rows"] = std::make_shared<CatalogTable>(source);
@@ -330,13 +329,13 @@ void Executor::runOutput(Frame& frame, const Statement& s, const Plan& p,
         throw makeDbError(15281, {"OUTPUT of a column of another table"}, s.line);
     }
     SqliteStatement read = sqlite_->prepare(output->sql);
-    bindParameters(read.get(), frame, *output);
+    bindParameters(read, frame, output->parameters);
     ResultSet set;
     set.columns = output->columns;
-    for (; sqlite_->step(read.get()); ++set.rows)
+    for (; sqlite_->step(read); ++set.rows)
         for (size_t i = 0; i < set.columns.size(); ++i)
-            set.cells.push_back(columnValue(read.get(), static_cast<int>(i), set.columns[i].type));
-    read.reset();
+            set.cells.push_back(read.value(static_cast<int>(i), set.columns[i].type));
+    read = {};
     if (!s.outputInto.empty())
         insertRows(frame, s.outputInto, s.outputColumns, set, s.line);
     else if (result_)

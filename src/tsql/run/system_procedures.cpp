@@ -250,17 +250,17 @@ void Executor::helpIndexes(const CatalogTable& table) {
         schema + "') WHERE key) FROM pragma_index_list(" + sqliteText(table.bareName()) + ", '" +
         schema + "') l WHERE l.origin = 'c' ORDER BY 1");
     const SqlType type = text(SqlType::kMax);
-    while (sqlite_->step(list.get())) {
-        const std::string index = columnValue(list.get(), 0, type).toText();
+    while (sqlite_->step(list)) {
+        const std::string index = list.value(0, type).toText();
         std::string description = "nonclustered";
-        if (sqlite3_column_int(list.get(), 1)) description += ", unique";
+        if (list.integer(1)) description += ", unique";
         for (const CatalogKey& k : table.keys) {
             if (foldName(k.name) != foldName(index)) continue;
             if (k.kind == CatalogKey::Primary) description = "clustered, unique, primary key";
             if (k.kind == CatalogKey::Unique) description += ", unique key";
         }
-        addRow(set, {Value(index), Value(description + " located on PRIMARY"),
-                     columnValue(list.get(), 2, type)});
+        addRow(set,
+               {Value(index), Value(description + " located on PRIMARY"), list.value(2, type)});
     }
     if (set.rows)
         result_->sets.push_back(std::move(set));

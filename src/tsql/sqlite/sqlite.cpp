@@ -1,5 +1,6 @@
 #include "tsql/sqlite/sqlite.h"
 
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -115,6 +116,7 @@ void Sqlite::open(const std::string& name, int flags) {
 }
 
 Sqlite::~Sqlite() {
+    dataVersionQuery_ = {};
     sqlite3_close_v2(db_);
 }
 
@@ -141,31 +143,71 @@ void Sqlite::run(const std::string& sql) {
         SqliteStatement statement(s);
         at = tail;
         if (!s) break;
-        while (step(s)) {
+        while (step(statement)) {
         }
     }
 }
 
 std::optional<int64_t> Sqlite::number(const std::string& sql) {
     SqliteStatement s = prepare(sql);
-    if (!step(s.get()) || sqlite3_column_type(s.get(), 0) == SQLITE_NULL) return std::nullopt;
-    return sqlite3_column_int64(s.get(), 0);
+    if (!step(s) || sqlite3_column_type(s.statement_.get(), 0) == SQLITE_NULL) return std::nullopt;
+    return s.integer(0);
 }
 
-bool Sqlite::step(sqlite3_stmt* statement) {
+bool Sqlite::step(SqliteStatement& statement) {
     const bool before = rolledBack;
-    const int rc = sqlite3_step(statement);
+    const int rc = sqlite3_step(statement.statement_.get());
     if (rc == SQLITE_ROW) return true;
     if (rc == SQLITE_DONE) return false;
     if ((rc & 0xFF) == SQLITE_CONSTRAINT) rolledBack = before;
     fail(rc);
 }
 
+int64_t Sqlite::changes() const {
+    return sqlite3_changes64(db_);
+}
+
+bool Sqlite::inTransaction() const {
+    return sqlite3_get_autocommit(db_) == 0;
+}
+
+std::string Sqlite::file() const {
+    return sqlite3_db_filename(db_, "main");
+}
+
+bool Sqlite::isReadOnly() const {
+    return sqlite3_db_readonly(db_, "main") == 1;
+}
+
+int64_t Sqlite::dataVersion() {
+    if (!dataVersionQuery_) dataVersionQuery_ = prepare("PRAGMA main.data_version");
+    step(dataVersionQuery_);
+    const int64_t version = dataVersionQuery_.integer(0);
+    versionRead_ = versionBeingRead();
+    dataVersionQuery_.rewind();
+    return version;
+}
+
+bool Sqlite::readsSameVersion() const {
+    return versionBeingRead() == versionRead_;
+}
+
+unsigned Sqlite::versionBeingRead() const {
+    unsigned version = 0;
+    sqlite3_file_control(db_, "main", SQLITE_FCNTL_DATA_VERSION, &version);
+    return version;
+}
+
+void Sqlite::cancel() {
+    cancelled = true;
+    sqlite3_interrupt(db_);
+}
+
 // A second connection tries to become the writer: only it can be in nobody's way and find the lock
 // of whoever holds it, which the system ends with its process.
 bool Sqlite::isBeingWritten() const {
-    const std::string file = sqlite3_db_filename(db_, "main");
-    if (file.empty() || sqlite3_db_readonly(db_, "main") == 1) return false;
+    const std::string file = this->file();
+    if (file.empty() || isReadOnly()) return false;
     sqlite3* second = nullptr;
     int rc = sqlite3_open_v2(file.c_str(), &second, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX,
                              nullptr);
@@ -338,129 +380,6 @@ DbError caughtError() {
         internal.endsBatch = true;
         return internal;
     }
-}
-
-// --- values ---
-
-void packWide(int128 value, unsigned char* out) {
-    auto bits = static_cast<unsigned __int128>(value) ^ (static_cast<unsigned __int128>(1) << 127);
-    for (int i = 15; i >= 0; --i) {
-        out[i] = static_cast<unsigned char>(bits & 0xFF);
-        bits >>= 8;
-    }
-}
-
-namespace {
-
-int128 unpackWide(const unsigned char* in) {
-    unsigned __int128 bits = 0;
-    for (int i = 0; i < 16; ++i) bits = (bits << 8) | in[i];
-    return static_cast<int128>(bits ^ (static_cast<unsigned __int128>(1) << 127));
-}
-
-bool fits64(int128 v) {
-    return v >= INT64_MIN && v <= INT64_MAX;
-}
-
-Value fromNumberOfDays(double days) {
-    return Value(DateTime::fromDays(days));
-}
-
-}  // namespace
-
-int128 wideNumber(sqlite3_value* value) {
-    if (sqlite3_value_type(value) == SQLITE_BLOB && sqlite3_value_bytes(value) == 16)
-        return unpackWide(static_cast<const unsigned char*>(sqlite3_value_blob(value)));
-    return sqlite3_value_int64(value);
-}
-
-void resultWide(sqlite3_context* context, int128 value) {
-    if (fits64(value)) {
-        sqlite3_result_int64(context, static_cast<int64_t>(value));
-    } else {
-        unsigned char bytes[16];
-        packWide(value, bytes);
-        sqlite3_result_blob(context, bytes, 16, SQLITE_TRANSIENT);
-    }
-}
-
-void bindValue(sqlite3_stmt* statement, int index, const Value& v) {
-    if (v.isNull()) {
-        sqlite3_bind_null(statement, index);
-    } else if (v.isInt()) {
-        sqlite3_bind_int64(statement, index, v.asInt());
-    } else if (v.isDouble()) {
-        sqlite3_bind_double(statement, index, v.asDouble());
-    } else if (v.isDecimal()) {
-        const int128 n = v.asDecimal().unscaled();
-        if (fits64(n)) {
-            sqlite3_bind_int64(statement, index, static_cast<int64_t>(n));
-        } else {
-            unsigned char bytes[16];
-            packWide(n, bytes);
-            sqlite3_bind_blob(statement, index, bytes, 16, SQLITE_TRANSIENT);
-        }
-    } else if (v.isText()) {
-        const std::string& s = v.asText();
-        sqlite3_bind_text64(statement, index, s.data(), s.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-    } else if (v.asDate().hasTime()) {
-        sqlite3_bind_double(statement, index, v.asDate().toDays());
-    } else {
-        sqlite3_bind_int64(statement, index, v.asDate().day);
-    }
-}
-
-Value argumentValue(sqlite3_value* value, const SqlType& type) {
-    const int held = sqlite3_value_type(value);
-    if (held == SQLITE_NULL) return {};
-    if (type.isText() || held == SQLITE_TEXT) {
-        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-        return Value(std::string(text ? text : "", sqlite3_value_bytes(value)));
-    }
-    if (type.isDecimal()) return Value(Decimal(wideNumber(value), type.scale));
-    if (type.isFloating()) return Value(sqlite3_value_double(value));
-    if (type.isDate()) {
-        if (held == SQLITE_INTEGER)
-            return Value(DateTime{static_cast<int32_t>(sqlite3_value_int64(value)), 0});
-        return fromNumberOfDays(sqlite3_value_double(value));
-    }
-    if (held == SQLITE_FLOAT) return Value(sqlite3_value_double(value));
-    return Value(static_cast<int64_t>(sqlite3_value_int64(value)));
-}
-
-Value columnValue(sqlite3_stmt* statement, int index, const SqlType& type) {
-    const int held = sqlite3_column_type(statement, index);
-    if (held == SQLITE_NULL) return {};
-    if (held == SQLITE_INTEGER) {
-        const int64_t n = sqlite3_column_int64(statement, index);
-        if (type.isDecimal()) return Value(Decimal(n, type.scale));
-        if (type.isFloating()) return Value(static_cast<double>(n));
-        if (type.isDate()) return Value(DateTime{static_cast<int32_t>(n), 0});
-        if (!type.isText()) return Value(n);
-    }
-    if (held == SQLITE_TEXT) {
-        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, index));
-        return Value(std::string_view(text ? text : "", sqlite3_column_bytes(statement, index)));
-    }
-    return argumentValue(sqlite3_column_value(statement, index), type);
-}
-
-void resultValue(sqlite3_context* context, const Value& v) {
-    if (v.isNull())
-        sqlite3_result_null(context);
-    else if (v.isInt())
-        sqlite3_result_int64(context, v.asInt());
-    else if (v.isDouble())
-        sqlite3_result_double(context, v.asDouble());
-    else if (v.isDecimal())
-        resultWide(context, v.asDecimal().unscaled());
-    else if (v.isText())
-        sqlite3_result_text64(context, v.asText().data(), v.asText().size(), SQLITE_TRANSIENT,
-                              SQLITE_UTF8);
-    else if (v.asDate().hasTime())
-        sqlite3_result_double(context, v.asDate().toDays());
-    else
-        sqlite3_result_int64(context, v.asDate().day);
 }
 
 }  // namespace owb::tsql

@@ -1,34 +1,32 @@
-// The one place that talks to the SQLite library: opening, statements, errors.
+// A connection to a file of SQLite: opening, statements, errors, time-outs. This folder is the one
+// place that includes the library's header.
 #pragma once
 
-#include <sqlite3.h>
-
 #include <atomic>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/db_error.h"
-#include "base/sql_type.h"
-#include "base/value.h"
+#include "tsql/sqlite/extensions.h"
+#include "tsql/sqlite/statement.h"
+
+struct sqlite3;
 
 namespace owb::tsql {
-
-struct StatementDeleter {
-    void operator()(sqlite3_stmt* s) const { sqlite3_finalize(s); }
-};
-using SqliteStatement = std::unique_ptr<sqlite3_stmt, StatementDeleter>;
 
 class Sqlite {
   public:
     // Throws DbError.
     Sqlite(const std::string& path, bool create, bool readOnly, int busySeconds);
     ~Sqlite();
+    Sqlite(const Sqlite&) = delete;
+    Sqlite& operator=(const Sqlite&) = delete;
 
-    sqlite3* handle() const { return db_; }
     const std::string& path() const { return path_; }
+    std::string file() const;  // its full path; "" in memory
+    bool isReadOnly() const;
     std::string databaseName() const;  // the file's name without its ending
 
     SqliteStatement prepare(const std::string& sql);
@@ -37,7 +35,19 @@ class Sqlite {
 
     // Steps; true on a row. A failure throws: the error that one of our functions raised, or
     // the one that SQLite's result code means.
-    bool step(sqlite3_stmt* statement);
+    bool step(SqliteStatement& statement);
+    int64_t changes() const;     // rows that the last INSERT, UPDATE or DELETE wrote
+    bool inTransaction() const;  // BEGIN was run, and neither COMMIT nor ROLLBACK since
+
+    // Changes whenever another connection has written the file; asking reads it.
+    int64_t dataVersion();
+    // While a statement reads the file: whether that is the file as dataVersion() last found it.
+    // Asking costs nothing.
+    bool readsSameVersion() const;
+
+    void addFunction(const char* name, int count, FunctionBody body, bool deterministic = true);
+    void addAggregate(const char* name, int count, const AggregateBody& body);
+    void addTable(const std::string& name, ComputedTable table);
 
     // Set when a transaction was undone, be it by SQLite itself because the disk was full or the
     // like: what is known of tables may be wrong. The statement that breaks a constraint, which
@@ -51,7 +61,6 @@ class Sqlite {
 
     // A function's error, kept until the statement that called it has failed.
     void raise(const DbError& error) { pending_ = error; }
-    [[noreturn]] void fail(int resultCode);
 
     // --- time-out and cancelling ---
     // How long another connection's lock is waited for.
@@ -61,10 +70,13 @@ class Sqlite {
     void stopClock();
     void checkClock();           // throws when time is up or the user cancelled
     void sleep(double seconds);  // and then as checkClock
+    void cancel();               // from another thread
     std::atomic<bool> cancelled{false};
-    bool timeIsUp() const;
 
   private:
+    [[noreturn]] void fail(int resultCode);
+    bool timeIsUp() const;
+    unsigned versionBeingRead() const;
     void open(const std::string& name, int flags);
     static int progress(void* self);
     static int busy(void* self, int times);
@@ -76,7 +88,9 @@ class Sqlite {
     sqlite3* db_ = nullptr;
     std::string path_;
     std::optional<DbError> pending_;
-    double deadline_ = 0;  // on the coarse clock; 0: no limit
+    SqliteStatement dataVersionQuery_;
+    unsigned versionRead_ = 0;  // SQLite's own count, as of dataVersion()
+    double deadline_ = 0;       // on the coarse clock; 0: no limit
     int seconds_ = 0;
     double busyLimit_ = 0, busySince_ = 0;  // seconds
     unsigned checks_ = 0;
@@ -85,16 +99,5 @@ class Sqlite {
 // The exception that is being handled, as the error that it means: SQLite's code may not be left by
 // exceptions, nor the engine by any but DbError.
 DbError caughtError();
-
-// --- values between the two worlds (see types.h for how each type lies in SQLite) ---
-void bindValue(sqlite3_stmt* statement, int index, const Value& value);
-Value columnValue(sqlite3_stmt* statement, int index, const SqlType& type);
-Value argumentValue(sqlite3_value* value, const SqlType& type);
-void resultValue(sqlite3_context* context, const Value& value);
-// A scaled number out of INTEGER or wide BLOB, and back. A wide one is 16 bytes, the sign bit
-// flipped, most significant byte first.
-void packWide(int128 value, unsigned char* out);
-int128 wideNumber(sqlite3_value* value);
-void resultWide(sqlite3_context* context, int128 value);
 
 }  // namespace owb::tsql

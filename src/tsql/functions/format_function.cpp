@@ -286,18 +286,18 @@ std::string formatDateBy(int32_t day, int64_t units, std::string pattern) {
 }
 
 // t_format(value, type, pattern)
-void format(sqlite3_context* context, int, sqlite3_value** a) {
-    if (anyNull(3, a)) return sqlite3_result_null(context);
-    const SqlType type = unpackType(sqlite3_value_int64(a[1]));
-    const Value v = argumentValue(a[0], type);
-    const std::string pattern(argumentText(a[2]));
+void format(SqliteResult context, SqliteArguments a) {
+    if (a.anyNull(3)) return context.giveNull();
+    const SqlType type = unpackType(a[1].integer());
+    const Value v = a[0].as(type);
+    const std::string pattern(a[2].text());
     if (type.isDate()) {
         const int64_t units = static_cast<int64_t>(v.asDate().milliseconds()) * 10'000;
-        return resultText(context, formatDateBy(v.asDate().day, units, pattern));
+        return context.giveText(formatDateBy(v.asDate().day, units, pattern));
     }
     if (type.kind == SqlKind::DateTime2)
-        return resultText(context,
-                          formatDateBy(dayOfClock(v.asInt()), v.asInt() % kUnitsPerDay, pattern));
+        return context.giveText(
+            formatDateBy(dayOfClock(v.asInt()), v.asInt() % kUnitsPerDay, pattern));
     if (type.kind == SqlKind::Time) throw makeDbError(15281, {"FORMAT of a time"});
     Decimal d;
     if (v.isInt())
@@ -309,14 +309,14 @@ void format(sqlite3_context* context, int, sqlite3_value** a) {
     // A whole number's pattern is no use for places, and the other way round.
     const char letter = pattern.empty() ? 'G' : static_cast<char>(pattern[0] & ~0x20);
     if (!v.isInt() && pattern.size() <= 3 && (letter == 'D' || letter == 'X'))
-        return sqlite3_result_null(context);
-    resultText(context, formatNumberBy(d, !v.isDouble(), pattern));
+        return context.giveNull();
+    context.giveText(formatNumberBy(d, !v.isDouble(), pattern));
 }
 
 }  // namespace
 
-void registerFormatFunction(Sqlite& sqlite) {
-    registerFunction(sqlite, "t_format", 3, format);
+void addFormatFunction(Sqlite& sqlite) {
+    sqlite.addFunction("t_format", 3, format);
 }
 
 }  // namespace owb::tsql

@@ -11,8 +11,8 @@ namespace {
 
 const SqlType kDateTime = SqlType::of(SqlKind::DateTime);
 
-DateTime dateOf(sqlite3_value* v) {
-    return argumentValue(v, kDateTime).asDate();
+DateTime dateOf(SqliteValue v) {
+    return v.as(kDateTime).asDate();
 }
 
 void requireRange(int64_t day) {
@@ -20,24 +20,24 @@ void requireRange(int64_t day) {
 }
 
 // t_date: the sum or difference of days, brought to whole ticks.
-void normalize(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(1, a)) return sqlite3_result_null(c);
-    if (sqlite3_value_type(a[0]) == SQLITE_INTEGER) {
-        const int64_t day = sqlite3_value_int64(a[0]);
+void normalize(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull(1)) return c.giveNull();
+    if (a[0].kind() == SqliteValue::Integer) {
+        const int64_t day = a[0].integer();
         if (day < DateTime::kMinDay || day > DateTime::kMaxDay)
             throw makeDbError(8115, {"expression", "datetime"});
-        return sqlite3_result_int64(c, day);
+        return c.giveInteger(day);
     }
-    const double days = sqlite3_value_double(a[0]);
+    const double days = a[0].real();
     if (!(days >= DateTime::kMinDay && days < DateTime::kMaxDay + 1.0))
         throw makeDbError(8115, {"expression", "datetime"});
-    resultValue(c, Value(DateTime::fromDays(days)));
+    c.give(Value(DateTime::fromDays(days)));
 }
 
-void dateAdd(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(3, a)) return sqlite3_result_null(c);
-    const std::string_view part = argumentText(a[0]);
-    const int64_t n = sqlite3_value_int64(a[1]);
+void dateAdd(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull(3)) return c.giveNull();
+    const std::string_view part = a[0].text();
+    const int64_t n = a[1].integer();
     DateTime d = dateOf(a[2]);
     const auto addMonths = [&](int64_t months) {
         if (std::llabs(months) > 12 * 10000) throw makeDbError(517, {"datetime"});
@@ -73,7 +73,7 @@ void dateAdd(sqlite3_context* c, int, sqlite3_value** a) {
         d = {static_cast<int32_t>(day), static_cast<int32_t>(tick)};
     }
     requireRange(d.day);
-    resultValue(c, Value(d));
+    c.give(Value(d));
 }
 
 int64_t weekNumber(int32_t day) {                               // weeks from Sunday to Saturday
@@ -82,9 +82,9 @@ int64_t weekNumber(int32_t day) {                               // weeks from Su
 }
 
 template <bool kBig>
-void dateDiff(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(3, a)) return sqlite3_result_null(c);
-    const std::string_view part = argumentText(a[0]);
+void dateDiff(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull(3)) return c.giveNull();
+    const std::string_view part = a[0].text();
     const DateTime x = dateOf(a[1]), y = dateOf(a[2]);
     const CivilDate cx = x.civil(), cy = y.civil();
     const int64_t days = static_cast<int64_t>(y.day) - x.day;
@@ -111,7 +111,7 @@ void dateDiff(sqlite3_context* c, int, sqlite3_value** a) {
     else
         r = days;
     if (!kBig && (r > INT32_MAX || r < INT32_MIN)) throw makeDbError(535);
-    sqlite3_result_int64(c, r);
+    c.giveInteger(r);
 }
 
 int dayOfYear(const DateTime& d) {
@@ -144,36 +144,36 @@ int partOf(std::string_view part, const DateTime& d) {
     return c.day;
 }
 
-void datePart(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(2, a)) return sqlite3_result_null(c);
-    sqlite3_result_int(c, partOf(argumentText(a[0]), dateOf(a[1])));
+void datePart(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull(2)) return c.giveNull();
+    c.giveInteger(partOf(a[0].text(), dateOf(a[1])));
 }
 
-void dateName(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(2, a)) return sqlite3_result_null(c);
-    const std::string_view part = argumentText(a[0]);
+void dateName(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull(2)) return c.giveNull();
+    const std::string_view part = a[0].text();
     const DateTime d = dateOf(a[1]);
-    if (part == "month") return resultText(c, monthFullName(d.civil().month));
-    if (part == "weekday") return resultText(c, weekdayName(d.weekday()));
-    resultText(c, std::to_string(partOf(part, d)));
+    if (part == "month") return c.giveText(monthFullName(d.civil().month));
+    if (part == "weekday") return c.giveText(weekdayName(d.weekday()));
+    c.giveText(std::to_string(partOf(part, d)));
 }
 
-void endOfMonth(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(2, a)) return sqlite3_result_null(c);
-    const CivilDate d = dateOf(a[0]).plusMonths(sqlite3_value_int(a[1])).civil();
-    sqlite3_result_int64(c, DateTime::dayNumber(d.year, d.month, daysInMonth(d.year, d.month)));
+void endOfMonth(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull(2)) return c.giveNull();
+    const CivilDate d = dateOf(a[0]).plusMonths(a[1].int32()).civil();
+    c.giveInteger(DateTime::dayNumber(d.year, d.month, daysInMonth(d.year, d.month)));
 }
 
 }  // namespace
 
-void registerDateFunctions(Sqlite& sqlite) {
-    registerFunction(sqlite, "t_date", 1, normalize);
-    registerFunction(sqlite, "t_dateadd", 3, dateAdd);
-    registerFunction(sqlite, "t_datediff", 3, dateDiff<false>);
-    registerFunction(sqlite, "t_datediffbig", 3, dateDiff<true>);
-    registerFunction(sqlite, "t_datepart", 2, datePart);
-    registerFunction(sqlite, "t_datename", 2, dateName);
-    registerFunction(sqlite, "t_eomonth", 2, endOfMonth);
+void addDateFunctions(Sqlite& sqlite) {
+    sqlite.addFunction("t_date", 1, normalize);
+    sqlite.addFunction("t_dateadd", 3, dateAdd);
+    sqlite.addFunction("t_datediff", 3, dateDiff<false>);
+    sqlite.addFunction("t_datediffbig", 3, dateDiff<true>);
+    sqlite.addFunction("t_datepart", 2, datePart);
+    sqlite.addFunction("t_datename", 2, dateName);
+    sqlite.addFunction("t_eomonth", 2, endOfMonth);
 }
 
 }  // namespace owb::tsql

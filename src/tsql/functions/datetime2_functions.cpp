@@ -25,12 +25,12 @@ int64_t unitsIn(std::string_view part) {
 }
 
 // t_clockadd(part, count, value, type)
-void clockAdd(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(3, a)) return sqlite3_result_null(c);
-    const std::string_view part = argumentText(a[0]);
-    const int64_t n = sqlite3_value_int64(a[1]);
-    int64_t clock = sqlite3_value_int64(a[2]);
-    const SqlType type = unpackType(sqlite3_value_int64(a[3]));
+void clockAdd(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull(3)) return c.giveNull();
+    const std::string_view part = a[0].text();
+    const int64_t n = a[1].integer();
+    int64_t clock = a[2].integer();
+    const SqlType type = unpackType(a[3].integer());
     const int64_t last = clockOf(DateTime::kMaxDay + 1, 0);
     int64_t sum = 0;
     if (part == "nanosecond") {
@@ -51,15 +51,15 @@ void clockAdd(sqlite3_context* c, int, sqlite3_value** a) {
         sum = (sum % kUnitsPerDay + kUnitsPerDay) % kUnitsPerDay;
     else if (sum < 0 || sum >= last)
         throw makeDbError(517, {type.name()});
-    sqlite3_result_int64(c, roundClock(sum, type));
+    c.giveInteger(roundClock(sum, type));
 }
 
 // t_clockdiff(part, from, to): the boundaries of that part in between.
 template <bool kBig>
-void clockDiff(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(3, a)) return sqlite3_result_null(c);
-    const std::string_view part = argumentText(a[0]);
-    const int64_t from = sqlite3_value_int64(a[1]), to = sqlite3_value_int64(a[2]);
+void clockDiff(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull(3)) return c.giveNull();
+    const std::string_view part = a[0].text();
+    const int64_t from = a[1].integer(), to = a[2].integer();
     int64_t r = 0;
     if (part == "nanosecond") {
         if (__builtin_mul_overflow(to - from, 100, &r)) throw makeDbError(535);
@@ -68,7 +68,7 @@ void clockDiff(sqlite3_context* c, int, sqlite3_value** a) {
         r = to / unit - from / unit;
     }
     if (!kBig && (r > INT32_MAX || r < INT32_MIN)) throw makeDbError(535);
-    sqlite3_result_int64(c, r);
+    c.giveInteger(r);
 }
 
 int64_t partOf(std::string_view part, int64_t clock) {
@@ -82,22 +82,22 @@ int64_t partOf(std::string_view part, int64_t clock) {
     return fraction * 100;
 }
 
-void clockPart(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(2, a)) return sqlite3_result_null(c);
-    sqlite3_result_int64(c, partOf(argumentText(a[0]), sqlite3_value_int64(a[1])));
+void clockPart(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull(2)) return c.giveNull();
+    c.giveInteger(partOf(a[0].text(), a[1].integer()));
 }
 
-void clockName(sqlite3_context* c, int, sqlite3_value** a) {
-    if (anyNull(2, a)) return sqlite3_result_null(c);
-    resultText(c, std::to_string(partOf(argumentText(a[0]), sqlite3_value_int64(a[1]))));
+void clockName(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull(2)) return c.giveNull();
+    c.giveText(std::to_string(partOf(a[0].text(), a[1].integer())));
 }
 
 // t_fromparts(type, year, month, day, hour, minute, second, 100 nanoseconds)
-void fromParts(sqlite3_context* c, int n, sqlite3_value** a) {
-    if (anyNull(n, a)) return sqlite3_result_null(c);
-    const SqlType type = unpackType(sqlite3_value_int64(a[0]));
+void fromParts(SqliteResult c, SqliteArguments a) {
+    if (a.anyNull()) return c.giveNull();
+    const SqlType type = unpackType(a[0].integer());
     std::array<int64_t, 7> p{};
-    for (int i = 0; i < 7; ++i) p[i] = sqlite3_value_int64(a[i + 1]);
+    for (int i = 0; i < 7; ++i) p[i] = a[i + 1].integer();
     const auto within = [&](int i, int64_t low, int64_t high) {
         return p[i] >= low && p[i] <= high;
     };
@@ -119,20 +119,20 @@ void fromParts(sqlite3_context* c, int n, sqlite3_value** a) {
         DateTime::dayNumber(static_cast<int>(p[0]), static_cast<int>(p[1]), static_cast<int>(p[2]));
     read.units = ((p[3] * 60 + p[4]) * 60 + p[5]) * kUnitsPerSecond + p[6];
     if (type.isClock())
-        return sqlite3_result_int64(
-            c, type.kind == SqlKind::Time ? read.units : clockOf(read.day, read.units));
-    resultValue(c, Value(toTicks(read)));
+        return c.giveInteger(type.kind == SqlKind::Time ? read.units
+                                                        : clockOf(read.day, read.units));
+    c.give(Value(toTicks(read)));
 }
 
 }  // namespace
 
-void registerClockFunctions(Sqlite& sqlite) {
-    registerFunction(sqlite, "t_clockadd", 4, clockAdd);
-    registerFunction(sqlite, "t_clockdiff", 3, clockDiff<false>);
-    registerFunction(sqlite, "t_clockdiffbig", 3, clockDiff<true>);
-    registerFunction(sqlite, "t_clockpart", 2, clockPart);
-    registerFunction(sqlite, "t_clockname", 2, clockName);
-    registerFunction(sqlite, "t_fromparts", 8, fromParts);
+void addDateTime2Functions(Sqlite& sqlite) {
+    sqlite.addFunction("t_clockadd", 4, clockAdd);
+    sqlite.addFunction("t_clockdiff", 3, clockDiff<false>);
+    sqlite.addFunction("t_clockdiffbig", 3, clockDiff<true>);
+    sqlite.addFunction("t_clockpart", 2, clockPart);
+    sqlite.addFunction("t_clockname", 2, clockName);
+    sqlite.addFunction("t_fromparts", 8, fromParts);
 }
 
 }  // namespace owb::tsql
