@@ -1,6 +1,6 @@
 // The date functions on counts of 100 nanoseconds (time and datetime2), and those that build a
 // date or time out of its parts.
-#include "tsql/types/clock.h"
+#include "tsql/types/datetime2.h"
 
 #include <array>
 #include <cstdlib>
@@ -31,7 +31,7 @@ void clockAdd(SqliteResult c, SqliteArguments a) {
     const int64_t n = a[1].integer();
     int64_t clock = a[2].integer();
     const SqlType type = unpackType(a[3].integer());
-    const int64_t last = clockOf(DateTime::kMaxDay + 1, 0);
+    const int64_t last = datetime2Of(DateTime::kMaxDay + 1, 0);
     int64_t sum = 0;
     if (part == "nanosecond") {
         sum = clock + (n + (n < 0 ? -50 : 50)) / 100;
@@ -41,17 +41,17 @@ void clockAdd(SqliteResult c, SqliteArguments a) {
     } else {
         const int64_t months = n * (part == "year" ? 12 : part == "quarter" ? 3 : 1);
         if (std::llabs(months) > 12 * 10000) throw makeDbError(517, {type.name()});
-        const DateTime day{dayOfClock(clock), 0};
+        const DateTime day{dayOfDatetime2(clock), 0};
         const CivilDate civil = day.civil();
         const int64_t month = civil.year * 12 + civil.month - 1 + months;
         if (month < 12 || month >= 10000 * 12) throw makeDbError(517, {type.name()});
-        sum = clockOf(day.plusMonths(static_cast<int>(months)).day, clock % kUnitsPerDay);
+        sum = datetime2Of(day.plusMonths(static_cast<int>(months)).day, clock % kUnitsPerDay);
     }
     if (type.kind == SqlKind::Time)
         sum = (sum % kUnitsPerDay + kUnitsPerDay) % kUnitsPerDay;
     else if (sum < 0 || sum >= last)
         throw makeDbError(517, {type.name()});
-    c.giveInteger(roundClock(sum, type));
+    c.giveInteger(roundToPlaces(sum, type));
 }
 
 // t_clockdiff(part, from, to): the boundaries of that part in between.
@@ -120,7 +120,7 @@ void fromParts(SqliteResult c, SqliteArguments a) {
     read.units = ((p[3] * 60 + p[4]) * 60 + p[5]) * kUnitsPerSecond + p[6];
     if (type.isClock())
         return c.giveInteger(type.kind == SqlKind::Time ? read.units
-                                                        : clockOf(read.day, read.units));
+                                                        : datetime2Of(read.day, read.units));
     c.give(Value(toTicks(read)));
 }
 

@@ -6,7 +6,7 @@
 
 #include "base/number_text.h"
 #include "tsql/functions/functions.h"
-#include "tsql/types/clock.h"
+#include "tsql/types/datetime2.h"
 #include "tsql/types/types.h"
 
 namespace owb::tsql {
@@ -297,7 +297,7 @@ void format(SqliteResult context, SqliteArguments a) {
     }
     if (type.kind == SqlKind::DateTime2)
         return context.giveText(
-            formatDateBy(dayOfClock(v.asInt()), v.asInt() % kUnitsPerDay, pattern));
+            formatDateBy(dayOfDatetime2(v.asInt()), v.asInt() % kUnitsPerDay, pattern));
     if (type.kind == SqlKind::Time) throw makeDbError(15281, {"FORMAT of a time"});
     Decimal d;
     if (v.isInt())

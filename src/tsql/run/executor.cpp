@@ -16,7 +16,7 @@
 #include "base/utf8.h"
 #include "tsql/catalog/file_format.h"
 #include "tsql/catalog/system_views.h"
-#include "tsql/run/messages.h"
+#include "tsql/run/raised_message.h"
 #include "tsql/types/types.h"
 
 namespace owb::tsql {
@@ -233,7 +233,7 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
 void Executor::define(const Statement& s) {
     requireSoundTransaction();
     if (s.kind == StatementKind::Drop) return drop(s);
-    Together together(*sqlite_, s.target.last().starts_with("#"));
+    AtomicSteps steps(*sqlite_, s.target.last().starts_with("#"));
     lookAround();
     if (s.kind == StatementKind::CreateTable)
         createTable(s);
@@ -241,13 +241,14 @@ void Executor::define(const Statement& s) {
         alterTable(s);
     else
         createIndex(s);
-    together.done();
+    steps.commit();
 }
 
 // Whether a statement may have failed for a change that somebody made between the look at the
 // catalog and the statement. It did nothing, and may be tried again as things stand now.
 bool Executor::wasOutrun(const DbError& e) {
-    if (e.number != -3 || transactions_ > 0 || functionDepth_ > 0 || lone_) return false;
+    if (e.number != -3 || transactions_ > 0 || functionDepth_ > 0 || catalogUnchecked_)
+        return false;
     const uint64_t version = catalog_.version();
     catalog_.refresh();
     return catalog_.version() != version;
@@ -255,7 +256,7 @@ bool Executor::wasOutrun(const DbError& e) {
 
 // Outside a transaction of T-SQL's anybody may have changed the catalog since the last statement.
 void Executor::lookAround() {
-    if (transactions_ == 0 && functionDepth_ == 0 && !lone_) catalog_.refresh();
+    if (transactions_ == 0 && functionDepth_ == 0 && !catalogUnchecked_) catalog_.refresh();
 }
 
 Executor::Flow Executor::runControl(Frame& frame, const Statement& s) {
@@ -351,7 +352,7 @@ void Executor::raiseError(Frame& frame, const Statement& s) {
         std::vector<Value> values;
         for (size_t i = 3; i < s.arguments.size(); ++i)
             values.push_back(evaluate(frame, *s.arguments[i].value));
-        text = formatMessage(message.asText(), values);
+        text = raisedMessage(message.asText(), values);
     } else {
         text = "Error " + message.toText() + ", severity " + std::to_string(severity) + ", state " +
                std::to_string(state) +

@@ -49,12 +49,12 @@ struct Cursor {
 struct StaleCatalog {};
 
 // Keeps the steps of one statement together: all of them or none.
-class Together {
+class AtomicSteps {
   public:
     // `temporary`: nothing but temporary tables is written, for which nobody needs to wait.
-    explicit Together(Sqlite& sqlite, bool temporary = false);
-    ~Together();
-    void done();
+    explicit AtomicSteps(Sqlite& sqlite, bool temporary = false);
+    ~AtomicSteps();
+    void commit();
 
   private:
     Sqlite& sqlite_;
@@ -334,9 +334,9 @@ class Executor final : public FunctionHost {
         bool xactAbort = false;
         int64_t rowCount = 0;  // most rows of a statement, 0 for no limit
     } options_;
-    bool inTransaction_ = false;  // for the system view
-    bool lone_ = false;           // a SELECT runs alone, the catalog not looked at yet
-    bool fresh_ = false;          // the catalog was looked at for the statement that runs
+    bool inTransaction_ = false;     // for the system view
+    bool catalogUnchecked_ = false;  // a SELECT runs alone, the catalog not looked at yet
+    bool fresh_ = false;             // the catalog was looked at for the statement that runs
     int64_t rowCount_ = 0;
     bool noCount_ = false;  // SET NOCOUNT ON
     int lastError_ = 0;

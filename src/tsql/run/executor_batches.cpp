@@ -181,12 +181,13 @@ void Executor::runBatch(std::string_view batch) {
     CompiledBatch* const code = frame.code.get();
     // A lone SELECT asks whether the catalog is current once its read has begun, for less; see
     // runQuery. What it cannot do as things stood is tried again as they stand.
-    const bool lone = code->checked && code->parsed->ast.statements.size() == 1 &&
-                      code->parsed->ast.statements[0]->kind == StatementKind::Query &&
-                      !changesSchema(code->parsed->ast.statements) && !sqlite_->inTransaction();
+    const bool loneSelect = code->checked && code->parsed->ast.statements.size() == 1 &&
+                            code->parsed->ast.statements[0]->kind == StatementKind::Query &&
+                            !changesSchema(code->parsed->ast.statements) &&
+                            !sqlite_->inTransaction();
     if (sqlite_->rolledBack) catalog_.rolledBack();
     // Within a transaction nobody else changes anything.
-    if (!lone && transactions_ == 0) catalog_.refresh();
+    if (!loneSelect && transactions_ == 0) catalog_.refresh();
     fresh_ = true;
     frame.variables.resize(code->parsed->variables.size());
     struct Running {
@@ -206,17 +207,17 @@ void Executor::runBatch(std::string_view batch) {
         defineModule(frame);
         return;
     }
-    if (lone) {
+    if (loneSelect) {
         const uint64_t version = catalog_.version();
-        lone_ = true;
+        catalogUnchecked_ = true;
         try {
             runGuarded(frame, *code->parsed->ast.statements[0]);
-            lone_ = false;
+            catalogUnchecked_ = false;
             return;
         } catch (const StaleCatalog&) {
-            lone_ = false;
+            catalogUnchecked_ = false;
         } catch (DbError& e) {
-            lone_ = false;
+            catalogUnchecked_ = false;
             if (e.line == 0) e.line = code->parsed->ast.statements[0]->line;
             catalog_.refresh();
             if (catalog_.version() == version) throw;

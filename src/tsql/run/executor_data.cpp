@@ -183,8 +183,8 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
     const auto width = static_cast<int>(p.columns.size());
     set.cells.reserve(p.columns.size());
     bool row = sqlite_->step(*statement);
-    if (lone_ && depth_ == 0) {  // not inside a function that it calls
-        lone_ = false;
+    if (catalogUnchecked_ && depth_ == 0) {  // not inside a function that it calls
+        catalogUnchecked_ = false;
         if (!catalog_.stillCurrent(p.readsFile)) throw StaleCatalog();
     }
     for (; row; row = sqlite_->step(*statement)) {
@@ -205,7 +205,7 @@ void Executor::runQuery(Frame& frame, const Statement& s) {
 void Executor::runInto(Frame& frame, Plan& p) {
     requireSoundTransaction();
     const bool temporary = p.into.last().starts_with("#");
-    Together together(*sqlite_, temporary);
+    AtomicSteps steps(*sqlite_, temporary);
     if (!temporary) lookAround();
     CatalogTable table;
     catalog_.requirePlace(p.into, 0);
@@ -230,7 +230,7 @@ void Executor::runInto(Frame& frame, Plan& p) {
         sqlite_->step(insert);
         rowCount_ = sqlite_->changes();
         insert = {};
-        together.done();
+        steps.commit();
     } catch (const DbError&) {
         insert = {};
         if (CatalogTablePtr made = catalog_.findTable(name); made && made->temporary)

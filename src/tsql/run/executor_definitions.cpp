@@ -252,12 +252,12 @@ void Executor::createTable(CatalogTable table, int line) {
         temporary ? catalog_.newTemporaryName(table.name) : "main." + sqliteName(table.name);
     if (foldName(table.name).starts_with("tsql_") || foldName(table.name).starts_with("sqlite_"))
         throw makeDbError(15281, {"The table name " + table.name}, line);
-    Together together(*sqlite_, temporary);
+    AtomicSteps steps(*sqlite_, temporary);
     sqlite_->run(tableDdl(table, table.sqlName));
     for (const CatalogKey& key : table.keys) createKeyIndex(table, key, true);
     storeConstraints(table);
     if (!temporary) catalog_.noteCreated(table.name, statementTime());
-    together.done();
+    steps.commit();
     const std::string name = table.name;
     if (temporary) catalog_.addTemporary(std::move(table));
     catalog_.changed(name);
@@ -287,7 +287,7 @@ void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
                          withoutSchema(before.sqlName) + " COLLATE NOCASE");
     while (sqlite_->step(find)) indexes.push_back(find.text(0));
     find = {};
-    Together together(*sqlite_);
+    AtomicSteps steps(*sqlite_);
     sqlite_->run(tableDdl(after, fresh));
     try {
         sqlite_->run("INSERT INTO " + fresh + "(" + names + ") SELECT " + values + " FROM " +
@@ -304,7 +304,7 @@ void Executor::rebuildTable(const CatalogTable& before, CatalogTable after) {
         sqlite_->run(index);
     }
     storeConstraints(after);
-    together.done();
+    steps.commit();
     if (before.temporary)
         catalog_.replaceTemporary(std::move(after));
     else
@@ -315,10 +315,10 @@ void Executor::alterTable(const Statement& s) {
     const CatalogTablePtr before = catalog_.findTable(s.target);
     if (!before) throw makeDbError(4902, {s.target.text()}, s.line);
     try {
-        Together together(*sqlite_);
+        AtomicSteps steps(*sqlite_);
         for (const AlterAction& action : s.actions)
             alterTable(*catalog_.findTable(s.target.last()), action, s.line);
-        together.done();
+        steps.commit();
     } catch (const DbError&) {
         // The actions before the failed one are undone in the file; the catalog must follow.
         if (before->temporary)
@@ -523,7 +523,7 @@ void Executor::createIndex(const Statement& s) {
                         "sqlite_master WHERE type = 'index' AND name = " +
                         sqliteText(table->indexName(key.name)) + " COLLATE NOCASE"))
         throw makeDbError(1913, {s.indexName, table->name}, s.line);
-    Together together(*sqlite_);
+    AtomicSteps steps(*sqlite_);
     createKeyIndex(*table, key, s.unique);
     if (s.unique) {
         CatalogTable after = *table;
@@ -533,15 +533,15 @@ void Executor::createIndex(const Statement& s) {
         else
             storeConstraints(after);
     }
-    together.done();
+    steps.commit();
     catalog_.changed(table->name);
 }
 
 void Executor::defineModule(Frame& frame) {
-    Together together(*sqlite_);
+    AtomicSteps steps(*sqlite_);
     lookAround();
     createModule(frame, *frame.code->parsed->ast.statements[0]);
-    together.done();
+    steps.commit();
 }
 
 void Executor::createModule(Frame& frame, const Statement& s) {

@@ -10,10 +10,10 @@ namespace owb::tsql {
 
 void Executor::drop(const Statement& s) {
     for (const Name& name : s.names) {  // those before one that is not there are gone
-        Together together(*sqlite_, name.last().starts_with("#"));
+        AtomicSteps steps(*sqlite_, name.last().starts_with("#"));
         lookAround();
         dropOne(s, name);
-        together.done();
+        steps.commit();
     }
 }
 

@@ -56,26 +56,26 @@ ErrorReach reachOf(const DbError& e) {
     return ErrorReach::Statement;
 }
 
-Together::Together(Sqlite& sqlite, bool temporary)
+AtomicSteps::AtomicSteps(Sqlite& sqlite, bool temporary)
     : sqlite_(sqlite), own_(!sqlite.inTransaction()) {
-    sqlite_.run(!own_ ? "SAVEPOINT together" : temporary ? "BEGIN" : "BEGIN IMMEDIATE");
+    sqlite_.run(!own_ ? "SAVEPOINT atomic_steps" : temporary ? "BEGIN" : "BEGIN IMMEDIATE");
 }
 
-Together::~Together() {
+AtomicSteps::~AtomicSteps() {
     if (finished_) return;
     try {
         if (own_ || !sqlite_.inTransaction()) {
             if (sqlite_.inTransaction()) sqlite_.run("ROLLBACK");
         } else {
-            sqlite_.run("ROLLBACK TO together; RELEASE together");
+            sqlite_.run("ROLLBACK TO atomic_steps; RELEASE atomic_steps");
         }
     } catch (const DbError&) {
         // SQLite has rolled back by itself already.
     }
 }
 
-void Together::done() {
-    sqlite_.run(own_ ? "COMMIT" : "RELEASE together");
+void AtomicSteps::commit() {
+    sqlite_.run(own_ ? "COMMIT" : "RELEASE atomic_steps");
     finished_ = true;
 }
 

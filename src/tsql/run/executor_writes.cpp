@@ -69,7 +69,7 @@ void Executor::constraintFailure(const DbError& e, const CatalogTable& table, St
     const std::string rest = colon == std::string::npos ? "" : text.substr(colon + 2);
     const std::string object = "dbo." + table.name;
     // SQLite tells "table.column, table.column"; the table may be the one that is to become it.
-    const auto told = [&](const std::vector<std::string>& columns) {
+    const auto namesColumns = [&](const std::vector<std::string>& columns) {
         for (const std::string& name : {table.bareName(), std::string(kRebuiltTable)}) {
             std::string list;
             for (const std::string& c : columns) {
@@ -83,12 +83,14 @@ void Executor::constraintFailure(const DbError& e, const CatalogTable& table, St
     };
     if (text.starts_with("NOT NULL")) {
         for (const CatalogColumn& c : table.columns)
-            if (told({c.name})) throw makeDbError(515, {c.name, catalog_.fullName(table), verb});
+            if (namesColumns({c.name}))
+                throw makeDbError(515, {c.name, catalog_.fullName(table), verb});
     }
     if (text.starts_with("UNIQUE")) {
         const CatalogKey* key = nullptr;
         for (const CatalogKey& k : table.keys) {
-            if (told(k.columns) || rest == "index '" + table.nullIndexName(k.name) + "'") key = &k;
+            if (namesColumns(k.columns) || rest == "index '" + table.nullIndexName(k.name) + "'")
+                key = &k;
         }
         std::string value;
         if (key && !rows.empty()) {
@@ -124,12 +126,12 @@ void Executor::runWrite(Frame& frame, const Statement& s) {
         lookAround();
         CatalogTablePtr table = catalog_.findTable(s.target);
         if (!table) throw makeDbError(4701, {s.target.text()}, s.line);
-        Together together(*sqlite_);
+        AtomicSteps steps(*sqlite_);
         sqlite_->run("DELETE FROM " + table->sqlName);
         if (table->identityColumn() >= 0 && !table->temporary)
             sqlite_->run("UPDATE tsql_identity SET last = NULL WHERE tbl = " +
                          sqliteText(foldName(table->name)));
-        together.done();
+        steps.commit();
         rowCount_ = 0;
         return;
     }
@@ -155,11 +157,11 @@ void Executor::runPlanned(Frame& frame, const Statement& s, Plan& p) {
     try {
         if (!p.triggers.empty() || p.stepwise) return runWithTriggers(frame, s, p);
         if (p.givesIdentity || p.explicitIdentity) {
-            Together together(*sqlite_);
+            AtomicSteps steps(*sqlite_);
             loadIdentity(*target);
             rowCount_ = runPrepared(frame, p, p.sql);
             storeIdentity(*target);
-            together.done();
+            steps.commit();
             return;
         }
         BorrowedStatement statement(p, acquire(frame, p));
@@ -182,11 +184,11 @@ void Executor::runPlanned(Frame& frame, const Statement& s, Plan& p) {
 // An UPDATE of key columns as one step: the rows leave the table and come back changed.
 void Executor::replaceRows(Frame& frame, Plan& p) {
     const std::string rows = "temp.\"rows~" + std::to_string(++workTable_) + "\"";
-    Together together(*sqlite_);
+    AtomicSteps steps(*sqlite_);
     collectRows(frame, p, rows);
     const int64_t count = replaceCollected(p, rows);
     sqlite_->run("DROP TABLE " + rows);
-    together.done();
+    steps.commit();
     rowCount_ = count;
 }
 
@@ -246,7 +248,7 @@ void Executor::insertExecuted(Frame& frame, const Statement& s) {
     }
     leave();
     for (const DbError& e : rows.errors) noteError(e);
-    Together together(*sqlite_);
+    AtomicSteps steps(*sqlite_);
     int64_t count = 0;
     for (ResultSet& set : rows.sets) {
         if (s.top) {
@@ -259,7 +261,7 @@ void Executor::insertExecuted(Frame& frame, const Statement& s) {
         insertRows(frame, s.target, s.columns, set, s.line);
         count += rowCount_;
     }
-    together.done();
+    steps.commit();
     rowCount_ = count;
 }
 
@@ -277,7 +279,7 @@ void Executor::insertRows(Frame& frame, const Name& target, const std::vector<st
         marks += i ? ",?" : "?";
         source.columns.push_back(std::move(column));
     }
-    Together together(*sqlite_);
+    AtomicSteps steps(*sqlite_);
     sqlite_->run("CREATE TABLE " + source.sqlName + "(" + names + ")");
     SqliteStatement fill =
         sqlite_->prepare("INSERT INTO " + source.sqlName + " VALUES(" + marks + ")");
@@ -311,7 +313,7 @@ void Executor::insertRows(Frame& frame, const Name& target, const std::vector<st
     }
     const int64_t count = rowCount_;
     sqlite_->run("DROP TABLE " + source.sqlName);
-    together.done();
+    steps.commit();
     rowCount_ = count;
 }
 
@@ -350,7 +352,7 @@ void Executor::runWithTriggers(Frame& frame, const Statement& s, Plan& p) {
     const std::string rows = "temp.\"rows~" + number + "\"";
     const std::string deletedName = "temp.\"deleted~" + number + "\"";
     const std::string insertedName = "temp.\"inserted~" + number + "\"";
-    Together together(*sqlite_);
+    AtomicSteps steps(*sqlite_);
     sqlite_->run("CREATE TABLE " + deletedName + " AS SELECT * FROM " + table.sqlName +
                  " WHERE 0; CREATE TABLE " + insertedName + " AS SELECT * FROM " + table.sqlName +
                  " WHERE 0");
@@ -401,7 +403,7 @@ void Executor::runWithTriggers(Frame& frame, const Statement& s, Plan& p) {
     fireTriggers(p, pseudo);
     updatedColumns_ = outer;
     sqlite_->run("DROP TABLE " + deletedName + "; DROP TABLE " + insertedName);
-    together.done();
+    steps.commit();
     rowCount_ = count;
 }
 

@@ -5,7 +5,7 @@
 #include "base/db_error.h"
 #include "base/number_text.h"
 #include "base/utf8.h"
-#include "tsql/types/clock.h"
+#include "tsql/types/datetime2.h"
 #include "tsql/types/types.h"
 
 namespace owb::tsql {
@@ -244,8 +244,8 @@ Value toDate(const DateTime& d, const SqlType& from, const SqlType& to) {
 }
 
 Value toClock(int32_t day, int64_t units, const SqlType& to) {
-    if (to.kind == SqlKind::Time) return Value(roundClock(units, to));
-    return Value(roundClock(clockOf(day, units), to));
+    if (to.kind == SqlKind::Time) return Value(roundToPlaces(units, to));
+    return Value(roundToPlaces(datetime2Of(day, units), to));
 }
 
 Value daysToDate(double days, const SqlType& to) {
@@ -282,11 +282,11 @@ Value fromDate(const DateTime& d, const SqlType& from, const SqlType& to, int st
 Value fromClock(int64_t clock, const SqlType& from, const SqlType& to, int style) {
     const bool timeOnly = from.kind == SqlKind::Time;
     const int64_t units = clock % kUnitsPerDay;
-    if (to.isText()) return fitText(clockByStyle(clock, from, style), to);
+    if (to.isText()) return fitText(datetime2ByStyle(clock, from, style), to);
     // A time of day falls on 1900-01-01.
-    if (to.isClock()) return toClock(timeOnly ? 0 : dayOfClock(clock), units, to);
+    if (to.isClock()) return toClock(timeOnly ? 0 : dayOfDatetime2(clock), units, to);
     ReadDate date;
-    date.day = timeOnly ? 0 : dayOfClock(clock);
+    date.day = timeOnly ? 0 : dayOfDatetime2(clock);
     date.units = to.kind == SqlKind::Date ? 0 : units;
     return toDate(toTicks(date), from, to);
 }
@@ -303,7 +303,7 @@ DbError overflowError(std::string_view from, std::string_view to) {
 }
 
 Value clientValue(const Value& v, const SqlType& type) {
-    if (type.isClock() && v.isInt()) return Value(clockText(v.asInt(), type));
+    if (type.isClock() && v.isInt()) return Value(datetime2Text(v.asInt(), type));
     if (!v.isDouble()) return v;
     char text[32];
     const auto end = std::to_chars(text, text + sizeof text, static_cast<float>(v.asDouble())).ptr;

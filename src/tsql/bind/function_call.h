@@ -1,4 +1,6 @@
-// What the files of built-in functions share: a call being bound, and the table that names lead to.
+// A call of a built-in function that is being bound. The files *_functions.cpp of this folder say
+// which types each function takes and gives and in which SQL it is computed; what that SQL calls
+// stands in tsql/functions.
 #pragma once
 
 #include <string>
@@ -23,7 +25,7 @@ inline const SqlType kDateTime2 = SqlType::of(SqlKind::DateTime2);
 inline const SqlType kVarChar = SqlType::text(SqlKind::VarChar, 8000);
 inline const SqlType kNVarChar = SqlType::text(SqlKind::NVarChar, 4000);
 
-struct Call {
+struct FunctionCall {
     Binder& binder;
     const Expr& expr;
     const std::string& name;  // upper case
@@ -52,16 +54,16 @@ Args list(A... a) {
     return v;
 }
 
-struct Builtin {
+struct BuiltinFunction {
     size_t minimum, maximum;
-    BoundPtr (*make)(Call&);
+    BoundPtr (*make)(FunctionCall&);
     bool lazy = false;  // binds its arguments itself
 };
 
-using BuiltinTable = std::unordered_map<std::string, Builtin>;
+using BuiltinFunctions = std::unordered_map<std::string, BuiltinFunction>;
 
-void addTextBuiltins(BuiltinTable& table);
-void addNumberBuiltins(BuiltinTable& table);
-void addDateBuiltins(BuiltinTable& table);
+void addTextBuiltins(BuiltinFunctions& table);
+void addNumberBuiltins(BuiltinFunctions& table);
+void addDateBuiltins(BuiltinFunctions& table);
 
 }  // namespace owb::tsql

@@ -1,12 +1,12 @@
 // The built-in functions of numbers.
-#include "tsql/bind/builtins.h"
+#include "tsql/bind/function_call.h"
 
 namespace owb::tsql {
 
 namespace {
 
 // Text and NULL count as float in the number functions, bit and the small kinds as int.
-BoundPtr numberArgument(Call& c, size_t i) {
+BoundPtr numberArgument(FunctionCall& c, size_t i) {
     const SqlType& t = c.args[i]->type;
     if (t.isDate() || t.isClock()) c.refuse(i);
     if (!t.isNumber()) return c.take(i, kFloat);
@@ -19,7 +19,7 @@ std::string code(const SqlType& t) {
     return std::to_string(packType(t));
 }
 
-BoundPtr makeAbs(Call& c) {
+BoundPtr makeAbs(FunctionCall& c) {
     BoundPtr a = numberArgument(c, 0);
     const SqlType t = a->type;
     if (t.kind == SqlKind::Numeric && t.precision > kNarrowPrecision)
@@ -30,7 +30,7 @@ BoundPtr makeAbs(Call& c) {
     return c.op("abs($0)", t, list(std::move(a)));
 }
 
-BoundPtr makeFloor(Call& c) {
+BoundPtr makeFloor(FunctionCall& c) {
     BoundPtr a = numberArgument(c, 0);
     const SqlType t = a->type;
     const SqlType result = t.kind == SqlKind::Numeric ? SqlType::numeric(t.precision, 0) : t;
@@ -40,7 +40,7 @@ BoundPtr makeFloor(Call& c) {
     return c.op(f + "($0," + code(t) + ")", result, list(std::move(a)));
 }
 
-BoundPtr makeRound(Call& c) {
+BoundPtr makeRound(FunctionCall& c) {
     BoundPtr a = numberArgument(c, 0);
     const SqlType t = a->type;
     BoundPtr cut = c.args.size() > 2 ? c.take(2, kInt) : c.binder.constant(Value(0), kInt);
@@ -48,14 +48,14 @@ BoundPtr makeRound(Call& c) {
                 list(std::move(a), c.take(1, kInt), std::move(cut)));
 }
 
-BoundPtr makeSign(Call& c) {
+BoundPtr makeSign(FunctionCall& c) {
     BoundPtr a = numberArgument(c, 0);
     const SqlType t = a->type;
     if (t.isDecimal()) return c.op("t_sign($0," + code(t) + ")", t, list(std::move(a)));
     return c.op(t.isFloating() ? "CAST(sign($0) AS REAL)" : "sign($0)", t, list(std::move(a)));
 }
 
-BoundPtr makePower(Call& c) {
+BoundPtr makePower(FunctionCall& c) {
     BoundPtr a = numberArgument(c, 0);
     const SqlType t =
         a->type.kind == SqlKind::Numeric ? SqlType::numeric(38, a->type.scale) : a->type;
@@ -64,12 +64,12 @@ BoundPtr makePower(Call& c) {
     return c.binder.convert(std::move(r), t);
 }
 
-BoundPtr makeRand(Call& c) {
+BoundPtr makeRand(FunctionCall& c) {
     if (c.args.empty()) return c.op("t_rand()", kFloat, {});
     return c.op("t_rand($0)", kFloat, list(c.take(0, kInt)));
 }
 
-BoundPtr makeMath(Call& c) {
+BoundPtr makeMath(FunctionCall& c) {
     const std::string quoted = "t_math('" + c.name + "'";
     if (c.args.empty()) return c.op(quoted + ")", kFloat, {});
     if (c.args.size() == 2)
@@ -79,7 +79,7 @@ BoundPtr makeMath(Call& c) {
 
 }  // namespace
 
-void addNumberBuiltins(BuiltinTable& table) {
+void addNumberBuiltins(BuiltinFunctions& table) {
     table["ABS"] = {1, 1, makeAbs};
     table["FLOOR"] = {1, 1, makeFloor};
     table["CEILING"] = {1, 1, makeFloor};

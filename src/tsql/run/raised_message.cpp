@@ -1,4 +1,4 @@
-#include "tsql/run/messages.h"
+#include "tsql/run/raised_message.h"
 
 #include <algorithm>
 
@@ -32,7 +32,7 @@ std::string numberText(int64_t n, char kind, bool alternate) {
 
 }  // namespace
 
-std::string formatMessage(const std::string& format, const std::vector<Value>& values) {
+std::string raisedMessage(const std::string& format, const std::vector<Value>& values) {
     std::string out;
     size_t next = 0;
     for (size_t i = 0; i < format.size(); ++i) {

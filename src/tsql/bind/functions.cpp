@@ -1,5 +1,5 @@
 // How a function's name finds its binding; choice between values, and what asks the session.
-#include "tsql/bind/builtins.h"
+#include "tsql/bind/function_call.h"
 
 #include <algorithm>
 
@@ -13,7 +13,7 @@ const SqlType kSysName = SqlType::text(SqlKind::NVarChar, 128);
 
 // --- NULL handling and choice ---
 
-BoundPtr makeIsNull(Call& c) {
+BoundPtr makeIsNull(FunctionCall& c) {
     BoundPtr a = c.take(0), b = c.take(1);
     if (a->kind == BoundKind::Null && a->type.kind == SqlKind::Null)
         a = c.binder.convert(std::move(a), b->type.kind == SqlKind::Null ? kInt : b->type);
@@ -28,7 +28,7 @@ BoundPtr makeIsNull(Call& c) {
     return r;
 }
 
-BoundPtr makeCoalesce(Call& c) {
+BoundPtr makeCoalesce(FunctionCall& c) {
     std::vector<BoundPtr*> all;
     bool nullable = true;
     for (BoundPtr& a : c.args) {
@@ -44,7 +44,7 @@ BoundPtr makeCoalesce(Call& c) {
     return r;
 }
 
-BoundPtr makeNullIf(Call& c) {
+BoundPtr makeNullIf(FunctionCall& c) {
     const SqlType type = c.args[0]->type;
     if (type.kind == SqlKind::Null) throw makeDbError(4151, {}, c.expr.line);
     BoundPtr a = c.take(0);
@@ -52,7 +52,7 @@ BoundPtr makeNullIf(Call& c) {
     return c.op("(CASE WHEN $0 THEN NULL ELSE $1 END)", type, list(std::move(same), std::move(a)));
 }
 
-BoundPtr makeIif(Call& c) {
+BoundPtr makeIif(FunctionCall& c) {
     BoundPtr condition = c.binder.bindCondition(*c.expr.args[0]);
     BoundPtr a = c.binder.bindValue(*c.expr.args[1]), b = c.binder.bindValue(*c.expr.args[2]);
     if (a->type.kind == SqlKind::Null && b->type.kind == SqlKind::Null)
@@ -62,7 +62,7 @@ BoundPtr makeIif(Call& c) {
                 list(std::move(condition), std::move(a), std::move(b)));
 }
 
-BoundPtr makeChoose(Call& c) {
+BoundPtr makeChoose(FunctionCall& c) {
     std::vector<BoundPtr*> choices;
     for (size_t i = 1; i < c.args.size(); ++i) choices.push_back(&c.args[i]);
     const SqlType type = c.binder.unify(choices);
@@ -75,7 +75,7 @@ BoundPtr makeChoose(Call& c) {
 
 // --- the session and the catalog ---
 
-BoundPtr makeSession(Call& c) {
+BoundPtr makeSession(FunctionCall& c) {
     SqlType type = kSysName;
     if (c.name == "DB_ID") type = SqlType::of(SqlKind::SmallInt);
     if (c.name == "SCOPE_IDENTITY") type = SqlType::numeric(38, 0);
@@ -86,46 +86,46 @@ BoundPtr makeSession(Call& c) {
     return c.op("t_system('" + c.name + "')", type, {});
 }
 
-BoundPtr makeObjectId(Call& c) {
+BoundPtr makeObjectId(FunctionCall& c) {
     if (c.args.size() == 2) return c.op("t_objectid($0,$1)", kInt, list(c.text(0), c.text(1)));
     return c.op("t_objectid($0,NULL)", kInt, list(c.text(0)));
 }
 
-BoundPtr makeObjectName(Call& c) {
+BoundPtr makeObjectName(FunctionCall& c) {
     return c.op("(SELECT name FROM t_sys_objects WHERE object_id = $0)", kSysName,
                 list(c.take(0, kInt)));
 }
 
-BoundPtr makeColName(Call& c) {
+BoundPtr makeColName(FunctionCall& c) {
     return c.op("(SELECT name FROM t_sys_columns WHERE object_id = $0 AND column_id = $1)",
                 kSysName, list(c.take(0, kInt), c.take(1, kInt)));
 }
 
-BoundPtr makeColLength(Call& c) {
+BoundPtr makeColLength(FunctionCall& c) {
     return c.op("t_collength($0,$1)", SqlType::of(SqlKind::SmallInt), list(c.text(0), c.text(1)));
 }
 
-BoundPtr makeIdentCurrent(Call& c) {
+BoundPtr makeIdentCurrent(FunctionCall& c) {
     return c.op("t_identcurrent($0)", SqlType::numeric(38, 0), list(c.text(0)));
 }
 
-BoundPtr makeAppLockMode(Call& c) {
+BoundPtr makeAppLockMode(FunctionCall& c) {
     return c.op("t_applock($0,$1,NULL,$2)", SqlType::text(SqlKind::NVarChar, 32),
                 list(c.text(0), c.text(1), c.text(2)));
 }
 
-BoundPtr makeAppLockTest(Call& c) {
+BoundPtr makeAppLockTest(FunctionCall& c) {
     return c.op("t_applock($0,$1,ifnull($2,''),$3)", SqlType::of(SqlKind::SmallInt),
                 list(c.text(0), c.text(1), c.text(2), c.text(3)));
 }
 
-BoundPtr makeNewId(Call& c) {
+BoundPtr makeNewId(FunctionCall& c) {
     return c.op("t_newid()", SqlType::text(SqlKind::VarChar, 36), {});
 }
 
-const BuiltinTable& builtins() {
-    static const BuiltinTable table = [] {
-        BuiltinTable t = {
+const BuiltinFunctions& builtins() {
+    static const BuiltinFunctions table = [] {
+        BuiltinFunctions t = {
             {"ISNULL", {2, 2, makeIsNull}},
             {"COALESCE", {1, 30, makeCoalesce}},
             {"NULLIF", {2, 2, makeNullIf}},
@@ -167,7 +167,7 @@ const BuiltinTable& builtins() {
 
 }  // namespace
 
-void Call::refuse(size_t i) const {
+void FunctionCall::refuse(size_t i) const {
     throw makeDbError(8116, {args[i]->type.name(), std::to_string(i + 1), lowerCase(name)},
                       expr.line);
 }
@@ -175,7 +175,7 @@ void Call::refuse(size_t i) const {
 BoundPtr bindBuiltin(Binder& binder, const Expr& call, const std::string& name) {
     const auto found = builtins().find(name);
     if (found == builtins().end()) return nullptr;
-    const Builtin& b = found->second;
+    const BuiltinFunction& b = found->second;
     const size_t n = call.args.size();
     if (n < b.minimum || n > b.maximum) {
         if (b.minimum == b.maximum)
@@ -184,7 +184,7 @@ BoundPtr bindBuiltin(Binder& binder, const Expr& call, const std::string& name) 
                           {lowerCase(name), std::to_string(b.minimum), std::to_string(b.maximum)},
                           call.line);
     }
-    Call c{binder, call, name, {}};
+    FunctionCall c{binder, call, name, {}};
     if (!b.lazy)
         for (const ExprPtr& a : call.args) c.args.push_back(binder.bindValue(*a));
     return b.make(c);

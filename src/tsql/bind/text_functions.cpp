@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/utf8.h"
-#include "tsql/bind/builtins.h"
+#include "tsql/bind/function_call.h"
 
 namespace owb::tsql {
 
@@ -17,18 +17,18 @@ SqlType widened(SqlType type, int32_t length) {
 }
 
 // Functions that take text alone; the other ones turn numbers and dates into it.
-void requireText(const Call& c, size_t i) {
+void requireText(const FunctionCall& c, size_t i) {
     const SqlType& t = c.args[i]->type;
     if (!t.isText() && t.kind != SqlKind::Null) c.refuse(i);
 }
 
-BoundPtr makeUpper(Call& c) {
+BoundPtr makeUpper(FunctionCall& c) {
     BoundPtr a = c.text(0);
     const SqlType t = a->type;
     return c.op(c.name == "UPPER" ? "t_upper($0)" : "t_lower($0)", t, list(std::move(a)));
 }
 
-BoundPtr makeTrim(Call& c) {
+BoundPtr makeTrim(FunctionCall& c) {
     if (c.name == "TRIM") requireText(c, 0);
     if (c.args.size() == 2) {  // TRIM(characters FROM text)
         requireText(c, 1);
@@ -69,11 +69,11 @@ int bytesOf(const SqlType& t) {
     }
 }
 
-BoundPtr makeLen(Call& c) {
+BoundPtr makeLen(FunctionCall& c) {
     return c.op("length(rtrim($0,' '))", kInt, list(c.text(0)));
 }
 
-BoundPtr makeDataLength(Call& c) {
+BoundPtr makeDataLength(FunctionCall& c) {
     const SqlType type = c.args[0]->type;
     if (const int bytes = bytesOf(type)) {
         BoundPtr a = c.take(0, type.kind == SqlKind::Null ? kInt : type);
@@ -83,44 +83,44 @@ BoundPtr makeDataLength(Call& c) {
     return c.op(type.isUnicode() ? "(2 * length($0))" : "length($0)", kInt, list(c.take(0)));
 }
 
-BoundPtr makeLeftRight(Call& c) {
+BoundPtr makeLeftRight(FunctionCall& c) {
     BoundPtr a = c.text(0);
     const SqlType t = widened(a->type, a->type.length);
     const std::string f = c.name == "LEFT" ? "t_left" : "t_right";
     return c.op(f + "($0,$1)", t, list(std::move(a), c.take(1, kInt)));
 }
 
-BoundPtr makeSubstring(Call& c) {
+BoundPtr makeSubstring(FunctionCall& c) {
     requireText(c, 0);
     BoundPtr a = c.text(0);
     const SqlType t = widened(a->type, a->type.length);
     return c.op("t_substring($0,$1,$2)", t, list(std::move(a), c.take(1, kInt), c.take(2, kInt)));
 }
 
-BoundPtr makeCharIndex(Call& c) {
+BoundPtr makeCharIndex(FunctionCall& c) {
     if (c.args.size() == 3)
         return c.op("t_charindex($0,$1,$2)", kInt, list(c.text(0), c.text(1), c.take(2, kInt)));
     return c.op("t_charindex($0,$1,1)", kInt, list(c.text(0), c.text(1)));
 }
 
-BoundPtr makePatIndex(Call& c) {
+BoundPtr makePatIndex(FunctionCall& c) {
     return c.op("t_patindex($0,$1)", kInt, list(c.text(0), c.text(1)));
 }
 
-BoundPtr makeReplace(Call& c) {
+BoundPtr makeReplace(FunctionCall& c) {
     BoundPtr a = c.text(0);
     const SqlType t = widened(a->type, 8000);
     return c.op("t_replace($0,$1,$2)", t, list(std::move(a), c.text(1), c.text(2)));
 }
 
-BoundPtr makeStuff(Call& c) {
+BoundPtr makeStuff(FunctionCall& c) {
     BoundPtr a = c.text(0);
     const SqlType t = widened(a->type, 8000);
     return c.op("t_stuff($0,$1,$2,$3)", t,
                 list(std::move(a), c.take(1, kInt), c.take(2, kInt), c.text(3)));
 }
 
-BoundPtr makeStr(Call& c) {
+BoundPtr makeStr(FunctionCall& c) {
     Args a;
     a.push_back(c.take(0, kFloat));
     a.push_back(c.args.size() > 1 ? c.take(1, kInt) : c.binder.constant(Value(10), kInt));
@@ -128,35 +128,35 @@ BoundPtr makeStr(Call& c) {
     return c.op("t_str($0,$1,$2)", SqlType::text(SqlKind::VarChar, 40), std::move(a));
 }
 
-BoundPtr makeReplicate(Call& c) {
+BoundPtr makeReplicate(FunctionCall& c) {
     BoundPtr a = c.text(0);
     const SqlType t = widened(a->type, 8000);
     return c.op("t_replicate($0,$1," + std::to_string(t.length) + ")", t,
                 list(std::move(a), c.take(1, kInt)));
 }
 
-BoundPtr makeSpace(Call& c) {
+BoundPtr makeSpace(FunctionCall& c) {
     return c.op("t_replicate(' ',$0,8000)", kVarChar, list(c.take(0, kInt)));
 }
 
-BoundPtr makeReverse(Call& c) {
+BoundPtr makeReverse(FunctionCall& c) {
     BoundPtr a = c.text(0);
     const SqlType t = a->type;
     return c.op("t_reverse($0)", t, list(std::move(a)));
 }
 
-BoundPtr makeAscii(Call& c) {
+BoundPtr makeAscii(FunctionCall& c) {
     return c.op(c.name == "ASCII" ? "t_ascii($0)" : "t_unicode($0)", kInt, list(c.text(0)));
 }
 
-BoundPtr makeChar(Call& c) {
+BoundPtr makeChar(FunctionCall& c) {
     const bool wide = c.name == "NCHAR";
     return c.op(wide ? "t_nchar($0)" : "t_char($0)",
                 SqlType::text(wide ? SqlKind::NVarChar : SqlKind::VarChar, 1),
                 list(c.take(0, kInt)));
 }
 
-BoundPtr makeConcat(Call& c) {
+BoundPtr makeConcat(FunctionCall& c) {
     std::string pattern;
     SqlType type = kVarChar;
     for (size_t i = 0; i < c.args.size(); ++i) {
@@ -167,7 +167,7 @@ BoundPtr makeConcat(Call& c) {
     return c.op("(" + pattern + ")", type, std::move(c.args));
 }
 
-BoundPtr makeConcatWithSeparator(Call& c) {
+BoundPtr makeConcatWithSeparator(FunctionCall& c) {
     std::string pattern = "t_concatws($0";
     SqlType type = kVarChar;
     for (size_t i = 0; i < c.args.size(); ++i) {
@@ -178,30 +178,30 @@ BoundPtr makeConcatWithSeparator(Call& c) {
     return c.op(pattern + ")", type, std::move(c.args));
 }
 
-BoundPtr makeTranslate(Call& c) {
+BoundPtr makeTranslate(FunctionCall& c) {
     BoundPtr a = c.text(0);
     const SqlType t = widened(a->type, a->type.length);
     return c.op("t_translate($0,$1,$2)", t, list(std::move(a), c.text(1), c.text(2)));
 }
 
-BoundPtr makeQuoteName(Call& c) {
+BoundPtr makeQuoteName(FunctionCall& c) {
     BoundPtr quote = c.args.size() > 1 ? c.text(1) : c.binder.constant(Value("["), kVarChar);
     return c.op("t_quotename($0,$1)", SqlType::text(SqlKind::NVarChar, 258),
                 list(c.text(0), std::move(quote)));
 }
 
-BoundPtr makeParseName(Call& c) {
+BoundPtr makeParseName(FunctionCall& c) {
     return c.op("t_parsename($0,$1)", SqlType::text(SqlKind::NVarChar, 128),
                 list(c.text(0), c.take(1, kInt)));
 }
 
-BoundPtr makeSoundex(Call& c) {
+BoundPtr makeSoundex(FunctionCall& c) {
     if (c.name == "DIFFERENCE")
         return c.op("t_difference($0,$1)", kInt, list(c.text(0), c.text(1)));
     return c.op("t_soundex($0)", SqlType::text(SqlKind::VarChar, 4), list(c.text(0)));
 }
 
-BoundPtr makeFormat(Call& c) {
+BoundPtr makeFormat(FunctionCall& c) {
     const SqlType type = c.args[0]->type.kind == SqlKind::Null ? kInt : c.args[0]->type;
     if (type.isText() || type.kind == SqlKind::Bit) c.refuse(0);
     if (c.args.size() == 3) {
@@ -213,7 +213,7 @@ BoundPtr makeFormat(Call& c) {
                 list(c.take(0, type), c.text(1)));
 }
 
-BoundPtr makeIsNumeric(Call& c) {
+BoundPtr makeIsNumeric(FunctionCall& c) {
     const SqlType& type = c.args[0]->type;
     if (c.name == "ISDATE" && (type.isClock() || type.kind == SqlKind::Date)) c.refuse(0);
     if (c.name == "ISNUMERIC" && type.isNumber())
@@ -223,7 +223,7 @@ BoundPtr makeIsNumeric(Call& c) {
 
 }  // namespace
 
-void addTextBuiltins(BuiltinTable& table) {
+void addTextBuiltins(BuiltinFunctions& table) {
     table["UPPER"] = {1, 1, makeUpper};
     table["LOWER"] = {1, 1, makeUpper};
     table["LTRIM"] = {1, 1, makeTrim};

@@ -9,6 +9,6 @@
 namespace owb::tsql {
 
 // Throws DbError 2786, 2787.
-std::string formatMessage(const std::string& format, const std::vector<Value>& values);
+std::string raisedMessage(const std::string& format, const std::vector<Value>& values);
 
 }  // namespace owb::tsql

@@ -1,6 +1,6 @@
 // The built-in functions of dates and times.
 #include "base/utf8.h"
-#include "tsql/bind/builtins.h"
+#include "tsql/bind/function_call.h"
 
 namespace owb::tsql {
 
@@ -32,7 +32,7 @@ std::string datePart(const std::string& word) {
     return found == parts.end() ? "" : found->second;
 }
 
-std::string partOf(Call& c) {
+std::string partOf(FunctionCall& c) {
     const std::string& word = c.expr.args[0]->name.last();
     const std::string part = datePart(word);
     if (part.empty())
@@ -51,14 +51,14 @@ bool isFinePart(const std::string& part) {
 }
 
 // A date has no hours, a time of day no days.
-void requirePart(const Call& c, const std::string& part, const SqlType& type) {
+void requirePart(const FunctionCall& c, const std::string& part, const SqlType& type) {
     if (type.kind == SqlKind::Date ? isTimePart(part)
                                    : type.kind == SqlKind::Time && !isTimePart(part))
         throw makeDbError(9810,
                           {lowerCase(c.expr.args[0]->name.last()), lowerCase(c.name), type.name()});
 }
 
-BoundPtr makeDateAdd(Call& c) {
+BoundPtr makeDateAdd(FunctionCall& c) {
     const std::string part = partOf(c);
     BoundPtr n = c.binder.convert(c.binder.bindValue(*c.expr.args[1]), kInt);
     BoundPtr d = c.binder.bindValue(*c.expr.args[2]);
@@ -74,7 +74,7 @@ BoundPtr makeDateAdd(Call& c) {
     return c.binder.convert(std::move(r), t);
 }
 
-BoundPtr makeDateDiff(Call& c) {
+BoundPtr makeDateDiff(FunctionCall& c) {
     const std::string part = partOf(c);
     BoundPtr a = c.binder.bindValue(*c.expr.args[1]), b = c.binder.bindValue(*c.expr.args[2]);
     const bool big = c.name == "DATEDIFF_BIG";
@@ -100,7 +100,7 @@ BoundPtr makeDateDiff(Call& c) {
 }
 
 // The part of a date, or its name.
-BoundPtr partOfDate(Call& c, const std::string& part, BoundPtr d) {
+BoundPtr partOfDate(FunctionCall& c, const std::string& part, BoundPtr d) {
     const bool name = c.name == "DATENAME";
     const SqlType result = name ? SqlType::text(SqlKind::NVarChar, 30) : kInt;
     const std::string suffix = (name ? "name('" : "part('") + part + "',$0)";
@@ -115,30 +115,30 @@ BoundPtr partOfDate(Call& c, const std::string& part, BoundPtr d) {
     return c.op("t_date" + suffix, result, list(std::move(d)));
 }
 
-BoundPtr makeDatePart(Call& c) {
+BoundPtr makeDatePart(FunctionCall& c) {
     const std::string part = partOf(c);
     return partOfDate(c, part, c.binder.bindValue(*c.expr.args[1]));
 }
 
-BoundPtr makeDay(Call& c) {
+BoundPtr makeDay(FunctionCall& c) {
     if (c.args[0]->type.kind == SqlKind::Time) c.refuse(0);
     return partOfDate(c, lowerCase(c.name), c.take(0));
 }
 
-BoundPtr makeNow(Call& c) {
+BoundPtr makeNow(FunctionCall& c) {
     const bool universal = c.name == "GETUTCDATE" || c.name == "SYSUTCDATETIME";
     BoundPtr now = c.op(universal ? "t_utcnow()" : "t_now()", kDateTime, {});
     now->nullable = false;
     return c.binder.convert(std::move(now), c.name.starts_with("SYS") ? kDateTime2 : kDateTime);
 }
 
-BoundPtr makeEoMonth(Call& c) {
+BoundPtr makeEoMonth(FunctionCall& c) {
     BoundPtr n = c.args.size() > 1 ? c.take(1, kInt) : c.binder.constant(Value(0), kInt);
     return c.op("t_eomonth($0,ifnull($1,0))", kDate, list(c.take(0, kDate), std::move(n)));
 }
 
 // t_fromparts(type, year, month, day, hour, minute, second, 100 nanoseconds)
-BoundPtr makeFromParts(Call& c) {
+BoundPtr makeFromParts(FunctionCall& c) {
     SqlType type = c.name == "DATEFROMPARTS"            ? kDate
                    : c.name == "TIMEFROMPARTS"          ? SqlType::of(SqlKind::Time)
                    : c.name == "SMALLDATETIMEFROMPARTS" ? SqlType::of(SqlKind::SmallDateTime)
@@ -173,7 +173,7 @@ BoundPtr makeFromParts(Call& c) {
 
 }  // namespace
 
-void addDateBuiltins(BuiltinTable& table) {
+void addDateBuiltins(BuiltinFunctions& table) {
     table["DATEADD"] = {3, 3, makeDateAdd, true};
     table["DATEDIFF"] = {3, 3, makeDateDiff, true};
     table["DATEDIFF_BIG"] = {3, 3, makeDateDiff, true};

@@ -1,4 +1,4 @@
-#include "tsql/types/clock.h"
+#include "tsql/types/datetime2.h"
 
 #include <cstdio>
 
@@ -38,25 +38,25 @@ int64_t unitsOf(const DateTime& value) {
     return (static_cast<int64_t>(value.tick) * 100'000 + 1) / 3;
 }
 
-DateTime dateTimeOfClock(int64_t clock) {
+DateTime datetimeOfDatetime2(int64_t count) {
     ReadDate date;
-    date.day = dayOfClock(clock);
-    date.units = clock % kUnitsPerDay;
+    date.day = dayOfDatetime2(count);
+    date.units = count % kUnitsPerDay;
     return toTicks(date);
 }
 
-int64_t roundClock(int64_t clock, const SqlType& type) {
+int64_t roundToPlaces(int64_t count, const SqlType& type) {
     const int64_t unit = unitOf(type.scale);
-    clock = (clock + unit / 2) / unit * unit;
-    return type.kind == SqlKind::Time ? clock % kUnitsPerDay : clock;
+    count = (count + unit / 2) / unit * unit;
+    return type.kind == SqlKind::Time ? count % kUnitsPerDay : count;
 }
 
-std::string clockText(int64_t clock, const SqlType& type) {
-    return clockByStyle(clock, type, 121);
+std::string datetime2Text(int64_t count, const SqlType& type) {
+    return datetime2ByStyle(count, type, 121);
 }
 
-std::string clockByStyle(int64_t clock, const SqlType& type, int style) {
-    const int64_t units = clock % kUnitsPerDay;
+std::string datetime2ByStyle(int64_t count, const SqlType& type, int style) {
+    const int64_t units = count % kUnitsPerDay;
     const bool timeOnly = type.kind == SqlKind::Time;
     std::string time;
     switch (style) {
@@ -99,8 +99,8 @@ std::string clockByStyle(int64_t clock, const SqlType& type, int style) {
         return time[0] == ' ' ? time.substr(1) : time;
     }
     if (style == 8 || style == 24 || style == 108 || style == 14 || style == 114) return time;
-    if (style == 22 || style > 127) return dateByStyle(dateTimeOfClock(clock), type, style);
-    const DateTime day{dayOfClock(clock), 0};
+    if (style == 22 || style > 127) return dateByStyle(datetimeOfDatetime2(count), type, style);
+    const DateTime day{dayOfDatetime2(count), 0};
     const std::string text = dateByStyle(day, date, style < 0 ? 121 : style);
     if (time.empty()) return text;
     return text + (style == 126 || style == 127 ? "T" : " ") + time;

@@ -1,6 +1,6 @@
 // The aggregate functions.
 #include "base/utf8.h"
-#include "tsql/bind/builtins.h"
+#include "tsql/bind/function_call.h"
 
 namespace owb::tsql {
 
