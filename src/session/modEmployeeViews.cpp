@@ -63,6 +63,18 @@ void ClearEmployeeFilter(Session& session) {
     session.gConn.Execute("UPDATE " + session.gFilterTable + " SET FILTERYN1 = 1");
 }
 
+void ChooseEmployees(Session& session, const std::vector<std::string>& empIds) {
+    constexpr size_t kAtOnce = 500;  // employees in one statement
+    session.gConn.Execute("UPDATE " + session.gFilterTable + " SET REPTYN1 = 0");
+    for (size_t from = 0; from < empIds.size(); from += kAtOnce) {
+        std::string ids;
+        for (size_t i = from; i < std::min(from + kAtOnce, empIds.size()); ++i)
+            ids += (ids.empty() ? "" : ",") + empIds[i];
+        session.gConn.Execute("UPDATE " + session.gFilterTable +
+                              " SET REPTYN1 = 1 WHERE EMPID IN (" + ids + ")");
+    }
+}
+
 void CreateEmployeeDetailView(Session& session, int64_t lngEmpId, const std::string& monthList) {
     const bool byMonth = !monthList.empty();
     std::string columns =

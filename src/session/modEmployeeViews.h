@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace owb {
 
@@ -16,6 +17,8 @@ void SetHostNames(Session& session);
 void CreateFilterObjects(Session& session);
 // Every employee is in the filter again; each screen with a filter starts so.
 void ClearEmployeeFilter(Session& session);
+// The employees that a report or command is for: marks them alone (REPTYN1). Throws DbError.
+void ChooseEmployees(Session& session, const std::vector<std::string>& empIds);
 // Detail versions with their extended classification; `lngEmpId` 0 all employees. With a list of
 // month keys ("24292,24293"; "" none) there is one row for each version and month. An error leaves
 // the view absent, silently.

@@ -6,7 +6,6 @@
 #include "marks/marks.h"
 #include "session/queries.h"
 #include "session/screens/fill_grid.h"
-#include "session/screens/sheets.h"
 
 namespace owb {
 
@@ -56,7 +55,6 @@ modHolidayWeekly::modHolidayWeekly(Session& session, FrontEnd& frontEnd)
     fpgWeeklyHoliday.setColumns(std::move(columns));
     fpgWeeklyHoliday.singleRows = true;
     fpgWeeklyHoliday.onCurrentChange = [this](size_t row, size_t) { fpgWeeklyHoliday_Click(row); };
-    mnuExport.onClick = [this] { ExportGrid(*this, fpgWeeklyHoliday); };
 }
 
 Layout modHolidayWeekly::layout() {

@@ -5,6 +5,7 @@
 
 #include "session/screens/SessionScreen.h"
 #include "session/screens/family_combos.h"
+#include "session/screens/list_grid.h"
 
 namespace owb {
 
@@ -21,8 +22,7 @@ class modHolidayWeekly final : public SessionScreen {
     MonthCombo cmbMonthYear{*this, "cmbMonthYear"};
     CheckBoxArray<5> chkFirst{*this, "chkFirst", 0, kFirst};
     CheckBoxArray<5> chkSecond{*this, "chkSecond", 0, kSecond};
-    Grid fpgWeeklyHoliday{*this, "fpgWeeklyHoliday"};
-    MenuItem mnuExport{*this, fpgWeeklyHoliday, "mnuExport", "Export To Excel"};
+    ListGrid fpgWeeklyHoliday{*this, "fpgWeeklyHoliday"};
     Command cmdSave{*this, "cmdSave", "&Save", Command::Writing, [this] { cmdSave_Click(); }};
     Command cmdDelete{*this, "cmdDelete", "&Delete", Command::Writing,
                       [this] { cmdDelete_Click(); }};

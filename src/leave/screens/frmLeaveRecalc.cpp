@@ -1,6 +1,7 @@
 #include "leave/screens/frmLeaveRecalc.h"
 
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "leave/screens/modLeaveProcess.h"
 #include "session/modEmployeeViews.h"
@@ -9,18 +10,12 @@
 #include "session/queries.h"
 #include "session/screens/fill_grid.h"
 #include "session/screens/modExternal.h"
-#include "session/screens/sheets.h"
 
 namespace owb {
 
 namespace {
 
 enum Column : size_t { kOn, kId, kReference, kName };
-constexpr size_t kAtOnce = 500;  // employees in one statement
-
-std::string number(int64_t value) {
-    return std::to_string(value);
-}
 
 }  // namespace
 
@@ -46,7 +41,6 @@ frmLeaveRecalc::frmLeaveRecalc(Session& session, FrontEnd& frontEnd)
     fpgEmployee.onEditEnd = [this](size_t, size_t, const std::string&) { count(); };
     chkAllLeaves.onClick = [this] { chkAllLeaves_Click(); };
     chkAllEmployees.onClick = [this] { chkAllEmployees_Click(); };
-    mnuExport.onClick = [this] { ExportGrid(*this, fpgEmployee); };
 }
 
 Layout frmLeaveRecalc::layout() {
@@ -106,12 +100,12 @@ void frmLeaveRecalc::loadLists() {
 
 void frmLeaveRecalc::loadEmployees() {
     FillClassSecurity(session_, 0, 0);
-    const std::string head =
-        cmbAttHead.key() == 0 ? "" : " AND ATTHEADID = " + number(cmbAttHead.key());
+    Sql head;
+    if (cmbAttHead.key() != 0) head << " AND ATTHEADID = " << cmbAttHead.key();
     fillGrid(session_, fpgEmployee,
              "SELECT 0 AS CHOSEN, ME.EMPID, ME.REFNO, ME.EMPNAME FROM " + session_.gEmployeeView +
                  " ME WHERE FILTERYN1=1 AND ME.EMPID IN (SELECT EMPID FROM LEV_ALLOTMENT" +
-                 inMonths() + "LEVID<>4" + head + ")" + FnStrClassSecurityFilter(session_) +
+                 inMonths() + "LEVID<>4" + head.text() + ")" + FnStrClassSecurityFilter(session_) +
                  " ORDER BY ME.EMPID",
              kId);
     chkAllEmployees.value = false;
@@ -119,10 +113,8 @@ void frmLeaveRecalc::loadEmployees() {
 }
 
 void frmLeaveRecalc::count() {
-    lblLeaveCount.caption =
-        "Selected : " + number(static_cast<int64_t>(lstLeave.checkedKeys().size()));
-    lblEmployeeCount.caption =
-        "Selected : " + number(static_cast<int64_t>(chosenEmployees().size()));
+    lblLeaveCount.caption = "Selected : " + std::to_string(lstLeave.checkedKeys().size());
+    lblEmployeeCount.caption = "Selected : " + std::to_string(chosenEmployees().size());
 }
 
 std::vector<std::string> frmLeaveRecalc::chosenEmployees() const {
@@ -157,7 +149,7 @@ void frmLeaveRecalc::cmdRecalculate_Click() {
     const std::vector<std::string> employees = chosenEmployees();
     if (employees.empty())
         return refuse("Select atleast one " + session_.gEmployeeCaption, fpgEmployee);
-    chooseInTable(employees);
+    ChooseEmployees(session_, employees);
     if (FnVarValueOrThrow(session_, "SELECT COUNT(ALLOTID)" + chosenRows()).toInt() == 0)
         return inform("No leaves to recalculate");
     session_.gConn.Execute("UPDATE lev_allotment SET EDITMODEYN=1" + chosenRows());
@@ -166,26 +158,13 @@ void frmLeaveRecalc::cmdRecalculate_Click() {
     if (process.Succeeded()) inform("Recalculated Successfully");
 }
 
-void frmLeaveRecalc::chooseInTable(const std::vector<std::string>& employees) {
-    session_.gConn.Execute("UPDATE " + session_.gFilterTable + " SET REPTYN1 = 0");
-    for (size_t from = 0; from < employees.size(); from += kAtOnce) {
-        std::string ids;
-        for (size_t i = from; i < std::min(from + kAtOnce, employees.size()); ++i)
-            ids += (ids.empty() ? "" : ",") + employees[i];
-        session_.gConn.Execute("UPDATE " + session_.gFilterTable +
-                               " SET REPTYN1 = 1 WHERE EMPID IN (" + ids + ")");
-    }
-}
-
 std::string frmLeaveRecalc::chosenRows() const {
-    std::string leaves;
-    for (const int64_t levId : lstLeave.checkedKeys())
-        leaves += (leaves.empty() ? "" : ",") + number(levId);
-    const int64_t head = cmbAttHead.key();
-    return " FROM lev_allotment LEV," + session_.gFilterTable +
-           " MAS WHERE LEV.EMPID=MAS.EMPID AND MAS.REPTYN1=1 AND LEVID IN ( " + leaves +
-           ") AND ALLOTFROM >= " + firstDay() + "  AND ATTHEADID " +
-           (head == 0 ? ">= 0" : "= " + number(head));
+    Sql rows;
+    rows << " FROM lev_allotment LEV," << session_.gFilterTable
+         << " MAS WHERE LEV.EMPID=MAS.EMPID AND MAS.REPTYN1=1 AND LEVID IN (0";
+    for (const int64_t levId : lstLeave.checkedKeys()) rows << "," << levId;
+    rows << ") AND ALLOTFROM >= " << firstDay() << "  AND ATTHEADID ";
+    return cmbAttHead.key() == 0 ? rows << ">= 0" : rows << "= " << cmbAttHead.key();
 }
 
 }  // namespace owb

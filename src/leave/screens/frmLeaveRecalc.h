@@ -6,6 +6,7 @@
 #include "screen/grid.h"
 #include "session/screens/SessionScreen.h"
 #include "session/screens/family_combos.h"
+#include "session/screens/list_grid.h"
 
 namespace owb {
 
@@ -18,11 +19,10 @@ class frmLeaveRecalc final : public SessionScreen {
     Combo cmbAttHead{*this, "cmbAttHead"};  // key 0: all heads
     ListBox lstLeave{*this, "lstLeave"};    // key LEVID, ticked when chosen
     Label lblLeaveCount{*this, "lblLeaveCount"};
-    Grid fpgEmployee{*this, "fpgEmployee"};
+    ListGrid fpgEmployee{*this, "fpgEmployee"};
     Label lblEmployeeCount{*this, "lblEmployeeCount"};
     CheckBox chkAllLeaves{*this, "chkAllLeaves", "Select All &Leaves"};
     CheckBox chkAllEmployees{*this, "chkAllEmployees"};
-    MenuItem mnuExport{*this, fpgEmployee, "mnuExport", "Export To Excel"};
     Command cmdFilter{*this, "cmdFilter", "&Filter", [this] { cmdFilter_Click(); }};
     Command cmdRecalculate{*this, "cmdRecalculate", "&Recalculate", Command::Writing,
                            [this] { cmdRecalculate_Click(); }};
@@ -44,7 +44,6 @@ class frmLeaveRecalc final : public SessionScreen {
     std::string inMonths() const;
     // FROM and WHERE of the ledger rows that are to be recomputed.
     std::string chosenRows() const;
-    void chooseInTable(const std::vector<std::string>& employees);
 };
 
 }  // namespace owb

@@ -1,20 +1,16 @@
 #include "session/screens/RowScreen.h"
 
-#include "session/screens/sheets.h"
-
 namespace owb {
 
 RowScreen::RowScreen(Session& session, FrontEnd& frontEnd, const Names& names, EditedRow& row)
     : SessionScreen(session, frontEnd, names.screen, names.caption, names.formId),
       list(*this, names.list),
-      mnuExport(*this, list, "mnuExport", "Export To Excel"),
       cmdNew(*this, "cmdNew", names.newCaption, [this] { cmdNew_Click(); }),
       cmdSave(*this, "cmdSave", "&Save", Command::Writing, [this] { cmdSave_Click(); }),
       cmdDelete(*this, "cmdDelete", "&Delete", Command::Writing, [this] { cmdDelete_Click(); }),
       row_(row) {
     list.singleRows = true;
     list.onCurrentChange = [this](size_t line, size_t) { list_Click(line); };
-    mnuExport.onClick = [this] { mnuExport_Click(); };
 }
 
 std::vector<Layout> RowScreen::commandItems() {
@@ -86,10 +82,6 @@ bool RowScreen::run(SaveBatch& batch, Change change, const std::string& key) {
     if (!save(batch, [this] { showAgain(); })) return false;
     finish();
     return true;
-}
-
-void RowScreen::mnuExport_Click() {
-    ExportGrid(*this, list);
 }
 
 }  // namespace owb

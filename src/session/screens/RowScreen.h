@@ -14,13 +14,13 @@
 
 #include "session/screens/EditedRow.h"
 #include "session/screens/SessionScreen.h"
+#include "session/screens/list_grid.h"
 
 namespace owb {
 
 class RowScreen : public SessionScreen {
   public:
-    Grid list;  // its first column is the row's key
-    MenuItem mnuExport;
+    ListGrid list;  // its first column is the row's key
     Command cmdNew, cmdSave, cmdDelete;
     CloseCommand cmdClose{*this};
 
@@ -73,7 +73,6 @@ class RowScreen : public SessionScreen {
     void cmdNew_Click();
     void cmdSave_Click();
     void cmdDelete_Click();
-    void mnuExport_Click();
     bool run(SaveBatch& batch, Change change, const std::string& key);
 };
 

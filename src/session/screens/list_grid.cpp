@@ -1,0 +1,16 @@
+#include "session/screens/list_grid.h"
+
+#include "session/screens/SessionScreen.h"
+#include "session/screens/sheets.h"
+
+namespace owb {
+
+ListGrid::ListGrid(SessionScreen& screen, std::string name, std::string caption,
+                   std::vector<GridColumn> columns)
+    : Grid(screen, std::move(name), std::move(columns)),
+      mnuExport_(screen, *this, "mnuExport", "Export To Excel") {
+    this->caption = std::move(caption);
+    mnuExport_.onClick = [this, &screen] { ExportGrid(screen, *this); };
+}
+
+}  // namespace owb
