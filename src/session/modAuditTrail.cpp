@@ -37,6 +37,11 @@ AuditText& AuditText::add(const std::string& text) {
     return *this;
 }
 
+AuditText& AuditText::mark(const std::string& mark) {
+    mark_ = mark;
+    return *this;
+}
+
 AuditText& AuditText::value(const std::string& label, const std::string& value) {
     return add(mark_ + label + " = " + value);
 }

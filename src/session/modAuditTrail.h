@@ -17,19 +17,16 @@ bool FnBlnAuditTrailOn(Session& session);
 void UpdateAuditTrail(Session& session, int32_t module, int64_t lngEmpId, const std::string& action,
                       const std::string& detail, const std::string& extra = "");
 
-// A line as a save hands it over; it is written once the save is done (SaveBatch::audit).
-struct AuditLine {
-    std::string action, detail, extra = "";
-    int64_t empId = 0;
-};
-
 // The detail of a line, piece by piece. Each label begins with `mark`.
 class AuditText {
   public:
-    explicit AuditText(std::string begin = "", std::string mark = ":")
+    AuditText() : mark_(":") {}
+    explicit AuditText(std::string begin, std::string mark = ":")
         : text_(std::move(begin)), mark_(std::move(mark)) {}
 
     AuditText& add(const std::string& text);
+    // What the labels from here on begin with.
+    AuditText& mark(const std::string& mark);
     AuditText& value(const std::string& label, const std::string& value);  // ":Label = value"
     // ":Label Changed from <before> to <now>", where they differ.
     AuditText& change(const std::string& label, const std::string& before, const std::string& now);
@@ -37,6 +34,14 @@ class AuditText {
 
   private:
     std::string text_, mark_;
+};
+
+// A line as a save hands it over; it is written once the save is done (SaveBatch::audit).
+struct AuditLine {
+    std::string action;
+    AuditText detail;
+    std::string extra = "";
+    int64_t empId = 0;
 };
 
 // "Yes" or "No".

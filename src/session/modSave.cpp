@@ -141,7 +141,8 @@ void SaveBatch::run(Session& session) const {
     }
     if (auditLines_.empty() || !FnBlnAuditTrailOn(session)) return;
     for (const AuditLine& line : auditLines_)
-        UpdateAuditTrail(session, kAuditModule, line.empId, line.action, line.detail, line.extra);
+        UpdateAuditTrail(session, kAuditModule, line.empId, line.action, line.detail.text(),
+                         line.extra);
 }
 
 std::string FnStrChangedMeanwhile(const std::string& what) {

@@ -68,11 +68,7 @@ class Contracts final : public RowScreen {
         batch.add(" UPDATE CONTRACTS SET MARK = 1 WHERE ID = " + key);
     }
     AuditLine auditLine(Change change) override {
-        AuditText detail;
-        change == Change::Updated ? row_.tellChanges(detail)
-        : change == Change::Added ? row_.tellAll(detail)
-                                  : row_.tellStored(detail);
-        return {change == Change::Deleted ? "Gone" : "Saved", detail.text()};
+        return {change == Change::Deleted ? "Gone" : "Saved", AuditText()};
     }
 
     EditedRow contract_{"CONTRACTS", "ID", "The contract"};

@@ -52,15 +52,13 @@ modHolidayList::modHolidayList(Session& session, FrontEnd& frontEnd)
 }
 
 Layout modHolidayList::layout() {
-    std::vector<Layout> commands = commandItems();
-    commands.insert(commands.begin(), {item(lblImport), item(lblExport), space()});
     return column({row({item(chkBranchWise), item(lblAttHead), item(cmbAttHead, 1),
                         item("Branch wise Eff.From :", lblEffFrom)}),
                    group("Filter", {row({item("Holiday Type", cmbHFilter),
                                          item("From", txtFilterFrom), item("To", txtFilterTo)})}),
                    item(list, 1),
                    form({item("Date", txtHDate), item("Description", txtHDesc), item("", chkNH)}),
-                   row(std::move(commands))});
+                   commandRow({item(lblImport), item(lblExport)})});
 }
 
 void modHolidayList::load() {
@@ -148,8 +146,7 @@ void modHolidayList::lblImport_Click() {
                      auditBegin()
                          .value("Holiday Date", dateText(holiday.date, "dd/mm/yyyy"))
                          .value("Description", holiday.description)
-                         .value("National Holiday", FnStrYesNo(holiday.national))
-                         .text()});
+                         .value("National Holiday", FnStrYesNo(holiday.national))});
     }
     for (const int32_t month : months) markMonth(batch, month);
     updateBranchStart(batch);

@@ -212,17 +212,10 @@ AuditText modHolidayList::auditBegin() const {
 }
 
 AuditLine modHolidayList::auditLine(Change change) {
-    AuditText detail = auditBegin();
-    if (change == Change::Updated) {
-        row_.tellChanges(detail);
-        return {"General Holiday Updated", detail.text()};
-    }
-    if (change == Change::Added) {
-        row_.tellAll(detail);
-        return {"General Holiday Added", detail.text()};
-    }
-    row_.tellStored(detail);
-    return {"General Holiday Deleted", detail.text()};
+    return {change == Change::Updated ? "General Holiday Updated"
+            : change == Change::Added ? "General Holiday Added"
+                                      : "General Holiday Deleted",
+            auditBegin()};
 }
 
 }  // namespace owb

@@ -12,7 +12,6 @@ namespace owb {
 namespace {
 
 constexpr int32_t kMenuId = 1511;
-constexpr const char* kRule = "The weekly holiday";
 constexpr Captions<10> kFlags = {"FH1YN", "SH1YN", "FH2YN", "SH2YN", "FH3YN",
                                  "SH3YN", "FH4YN", "SH4YN", "FH5YN", "SH5YN"};
 constexpr Captions<5> kWeeks = {"1st Week", "2nd Week", "3rd Week", "4th Week", "5th Week"};
@@ -23,25 +22,13 @@ std::string flagColumns() {
     return columns;
 }
 
-const char* halvesText(bool first, bool second) {
-    return first && second ? "Full Day" : first ? "First Half" : second ? "Second Half" : "";
-}
-
-RowText flagsOf(const std::array<bool, 10>& halves) {
-    RowText row;
-    for (size_t i = 0; i < halves.size(); ++i) row.set(kFlags[i], Value(halves[i]));
-    return row.set("EDITEDYN", Value(0));
-}
-
 }  // namespace
 
-std::string modHolidayWeekly::Rule::key() const {
-    return Sql() << "EFFFROM=" << monthYear << " AND WEEKID=" << weekDay;
-}
-
 modHolidayWeekly::modHolidayWeekly(Session& session, FrontEnd& frontEnd)
-    : SessionScreen(session, frontEnd, "modHolidayWeekly", "Weekly Holiday", kMenuId),
+    : RowScreen(session, frontEnd,
+                {"modHolidayWeekly", "Weekly Holiday", kMenuId, "fpgWeeklyHoliday"}, rule_),
       attHeadId_(session.gAttHeadId) {
+    cmdNew.visible = false;  // whoever types a month and a weekday has begun a rule
     cmbWeekDay.toolTip = "Select Weekday";
     cmbWeekDay.editable = false;
     for (int day = 1; day <= 7; ++day) cmbWeekDay.add(weekdayName(day), day);
@@ -51,19 +38,22 @@ modHolidayWeekly::modHolidayWeekly(Session& session, FrontEnd& frontEnd)
                                     {.caption = "WEEKID", .hidden = true},
                                     {.caption = "Eff. From Month", .width = 12},
                                     {.caption = "Day", .width = 12}};
-    for (const char* week : kWeeks) columns.push_back({.caption = week, .width = 11});
-    fpgWeeklyHoliday.setColumns(std::move(columns));
-    fpgWeeklyHoliday.singleRows = true;
-    fpgWeeklyHoliday.onCurrentChange = [this](size_t row, size_t) { fpgWeeklyHoliday_Click(row); };
+    for (size_t week = 0; week < kWeeks.size(); ++week) {
+        columns.push_back({.caption = kWeeks[week], .width = 11});
+        rule_.section(std::string("::Week = ") + kWeeks[week]);
+        rule_.check(kFlags[2 * week], chkFirst[week], "First Half");
+        rule_.check(kFlags[2 * week + 1], chkSecond[week], "Second Half");
+    }
+    list.setColumns(std::move(columns));
 }
 
 Layout modHolidayWeekly::layout() {
     std::vector<Layout> weeks;
-    for (size_t week = 0; week < 5; ++week)
+    for (size_t week = 0; week < kWeeks.size(); ++week)
         weeks.push_back(group(kWeeks[week], {item(chkFirst[week]), item(chkSecond[week])}));
     return column(
         {form({item("Day of the Week", cmbWeekDay), item("Eff. From", cmbMonthYear)}),
-         row(std::move(weeks)), item(fpgWeeklyHoliday, 1),
+         row(std::move(weeks)), item(list, 1),
          row({item(cmdAdvanced), space(), item(cmdSave), item(cmdDelete), item(cmdClose)})});
 }
 
@@ -73,8 +63,14 @@ void modHolidayWeekly::load() {
     showAgain();
 }
 
+// What was typed stays, for the next day or month.
 void modHolidayWeekly::showAgain() {
-    shown_ = {};
+    loadList();
+    list.setCurrent(-1, -1);
+    row_.adopt(session_, "");
+}
+
+void modHolidayWeekly::loadList() {
     std::vector<std::vector<std::string>> rows;
     for (Recordset rs(session_.gConn, Sql() << "SELECT EFFFROM, WEEKID, " << flagColumns()
                                             << " FROM LEV_WEEKLYHLD WHERE ATTHEADID = "
@@ -82,61 +78,32 @@ void modHolidayWeekly::showAgain() {
          !rs.IsEOF(); rs.MoveNext()) {
         const auto month = static_cast<int32_t>(rs.Fields("EFFFROM").toInt());
         const auto day = static_cast<int>(rs.Fields("WEEKID").toInt());
-        std::vector<std::string>& cells = rows.emplace_back(
-            std::vector<std::string>{std::to_string(month), std::to_string(day),
-                                     FnStrMonthYearText(month), weekdayName(day)});
-        for (size_t i = 0; i < kFlags.size(); i += 2)
-            cells.emplace_back(
-                halvesText(rs.Fields(kFlags[i]).toBool(), rs.Fields(kFlags[i + 1]).toBool()));
+        rows.push_back({std::to_string(month), std::to_string(day), FnStrMonthYearText(month),
+                        weekdayName(day)});
+        for (size_t i = 0; i < kFlags.size(); i += 2) {
+            const bool first = rs.Fields(kFlags[i]).toBool();
+            const bool second = rs.Fields(kFlags[i + 1]).toBool();
+            rows.back().emplace_back(first && second ? "Full Day"
+                                     : first         ? "First Half"
+                                     : second        ? "Second Half"
+                                                     : "");
+        }
     }
-    fpgWeeklyHoliday.setCurrent(-1, -1);
-    fillGrid(fpgWeeklyHoliday, std::move(rows));
+    fillGrid(list, std::move(rows));
 }
 
-modHolidayWeekly::Rule modHolidayWeekly::ruleOnScreen() const {
-    Rule rule{cmbMonthYear.month(), static_cast<int32_t>(cmbWeekDay.key()), {}};
-    for (size_t week = 0; week < 5; ++week) {
-        rule.halves[2 * week] = chkFirst[week].value;
-        rule.halves[2 * week + 1] = chkSecond[week].value;
-    }
-    return rule;
+bool modHolidayWeekly::readLine(size_t line) {
+    cmbMonthYear.setMonth(static_cast<int32_t>(list.number(line, 0)));
+    cmbWeekDay.selectKey(static_cast<int64_t>(list.number(line, 1)));
+    return row_.readWhere(session_, ownKey());
 }
 
-void modHolidayWeekly::show(const Rule& rule) {
-    cmbMonthYear.setMonth(rule.monthYear);
-    cmbWeekDay.selectKey(rule.weekDay);
-    for (size_t week = 0; week < 5; ++week) {
-        chkFirst[week].value = rule.halves[2 * week];
-        chkSecond[week].value = rule.halves[2 * week + 1];
-    }
+std::string modHolidayWeekly::typedKey() const {
+    return Sql() << "EFFFROM=" << cmbMonthYear.month() << " AND WEEKID=" << cmbWeekDay.key();
 }
 
-void modHolidayWeekly::fpgWeeklyHoliday_Click(size_t row) {
-    Rule rule{static_cast<int32_t>(fpgWeeklyHoliday.number(row, 0)),
-              static_cast<int32_t>(fpgWeeklyHoliday.number(row, 1)),
-              {}};
-    shown_ = readRow(rule);
-    if (!shown_.found()) {
-        frontEnd().warning(FnStrChangedMeanwhile(kRule));
-        return showAgain();
-    }
-    rule.halves = halvesOf(shown_);
-    show(rule);
-}
-
-ShownRow modHolidayWeekly::readRow(const Rule& key) {
-    return ShownRow(session_, "LEV_WEEKLYHLD", flagColumns(),
-                    Sql() << "ATTHEADID=" << attHeadId_ << " AND " << key.key());
-}
-
-modHolidayWeekly::Halves modHolidayWeekly::halvesOf(const ShownRow& row) {
-    Halves halves{};
-    for (size_t i = 0; i < halves.size(); ++i) halves[i] = row.value(kFlags[i]).toBool();
-    return halves;
-}
-
-bool modHolidayWeekly::stillAsChosen(const ShownRow& row) {
-    return shown_.key() != row.key() || stillAsShown(shown_, kRule, [this] { showAgain(); });
+std::string modHolidayWeekly::ownKey() const {
+    return Sql() << "ATTHEADID=" << attHeadId_ << " AND " << typedKey();
 }
 
 Lock modHolidayWeekly::lockFrom(int32_t lngMonthYear) const {
@@ -149,135 +116,113 @@ void modHolidayWeekly::cmdAdvanced_Click() {
 
 // --- saving ---
 
-void modHolidayWeekly::cmdSave_Click() {
-    const Rule rule = ruleOnScreen();
-    if (rule.monthYear == 0) return refuse("Select effective Month/Year.", cmbMonthYear);
-    if (rule.weekDay == 0) return refuse("Select proper 'Day of the Week'.", cmbWeekDay);
-    SaveBatch batch;
-    if (refusedByLock(batch, lockFrom(rule.monthYear))) return;
-
-    const ShownRow row = readRow(rule);
-    if (!stillAsChosen(row)) return;
-    const Halves before = halvesOf(row);
-    batch.requireShown(row, kRule);
-    writeRow(batch, row, rule);
-    if (attHeadId_ != 0)
-        markEdited(batch, rule);
-    else
-        passOnToHeads(batch, rule);
-    batch.add(marksOf(rule, !row.found() || before != rule.halves))
-        .audit(auditSave(rule, !row.found(), before));
-    if (!save(batch, [this] { showAgain(); })) return;
-    showAgain();
-    session_.gGenCmn.ShowSavedMessage();
+std::optional<Refusal> modHolidayWeekly::check() {
+    if (cmbMonthYear.month() == 0) return Refusal{"Select effective Month/Year.", &cmbMonthYear};
+    if (cmbWeekDay.key() == 0) return Refusal{"Select proper 'Day of the Week'.", &cmbWeekDay};
+    if (row_.shown().key() != ownKey()) row_.adopt(session_, ownKey());
+    return {};
 }
 
-void modHolidayWeekly::writeRow(SaveBatch& batch, const ShownRow& row, const Rule& rule) const {
-    RowText flags = flagsOf(rule.halves);
-    if (row.found()) {
-        batch.add(flags.update("LEV_WEEKLYHLD", row.key()));
-        return;
-    }
-    flags.setSql("WHID", batch.newKey("LEV_WEEKLYHLD", "WHID"))
-        .set("ATTHEADID", Value(attHeadId_))
-        .set("EFFFROM", Value(rule.monthYear))
-        .set("WEEKID", Value(rule.weekDay));
-    batch.add(flags.insertInto("LEV_WEEKLYHLD"));
+bool modHolidayWeekly::mayBeSaved(SaveBatch& batch) {
+    return !refusedByLock(batch, lockFrom(cmbMonthYear.month()));
+}
+
+std::string modHolidayWeekly::writeRow(SaveBatch& batch) {
+    if (row_.isNew()) batch.requireShown(row_.shown(), row_.what());
+    const std::string key = row_.writeInto(batch, RowText().set("EDITEDYN", Value(0)),
+                                           RowText()
+                                               .set("ATTHEADID", Value(attHeadId_))
+                                               .set("EFFFROM", Value(cmbMonthYear.month()))
+                                               .set("WEEKID", Value(cmbWeekDay.key())));
+    attHeadId_ != 0 ? markEdited(batch) : passOnToHeads(batch);
+    return key;
 }
 
 // A company rule flows to all heads that have not diverged.
-void modHolidayWeekly::passOnToHeads(SaveBatch& batch, const Rule& rule) const {
-    batch.add(flagsOf(rule.halves)
+void modHolidayWeekly::passOnToHeads(SaveBatch& batch) const {
+    RowText flags = row_.typedRow();
+    batch.add(flags.set("EDITEDYN", Value(0))
                   .update("LEV_WEEKLYHLD",
-                          rule.key() + " AND ISNULL(EDITEDYN,0) <> 1 AND ATTHEADID IN (SELECT "
+                          typedKey() + " AND ISNULL(EDITEDYN,0) <> 1 AND ATTHEADID IN (SELECT "
                                        "ATTHEADID FROM MAS_ATTHEAD)"));
     const std::string first = batch.newKey("LEV_WEEKLYHLD", "WHID");
     Sql values;
-    for (const bool half : rule.halves) values << ", " << half;
+    for (const char* flag : kFlags) values << ", " << literal(row_.typed(flag));
     batch.add(Sql() << " INSERT INTO LEV_WEEKLYHLD (WHID, ATTHEADID, EFFFROM, WEEKID, EDITEDYN, "
                     << flagColumns() << ") SELECT " << first
                     << " + ROW_NUMBER() OVER (ORDER BY ATTHEADID) - 1, ATTHEADID, "
-                    << rule.monthYear << ", " << rule.weekDay << ", 0" << values
+                    << cmbMonthYear.month() << ", " << cmbWeekDay.key() << ", 0" << values
                     << " FROM MAS_ATTHEAD WHERE ATTHEADID NOT IN (SELECT ATTHEADID FROM "
                        "LEV_WEEKLYHLD WHERE "
-                    << rule.key() << ")");
+                    << typedKey() << ")");
 }
 
 // A head's row that differs from the company's of the same month and day no longer follows it.
-void modHolidayWeekly::markEdited(SaveBatch& batch, const Rule& rule) const {
+void modHolidayWeekly::markEdited(SaveBatch& batch) const {
     Sql same;
-    for (size_t i = 0; i < rule.halves.size(); ++i)
-        same << " AND ISNULL(" << kFlags[i] << ",0) = " << rule.halves[i];
-    batch.add(Sql() << " UPDATE LEV_WEEKLYHLD SET EDITEDYN=1 WHERE ATTHEADID=" << attHeadId_
-                    << " AND " << rule.key()
+    for (const char* flag : kFlags)
+        same << " AND ISNULL(" << flag << ",0) = " << literal(row_.typed(flag));
+    batch.add(Sql() << " UPDATE LEV_WEEKLYHLD SET EDITEDYN=1 WHERE " << ownKey()
                     << " AND NOT EXISTS (SELECT * FROM LEV_WEEKLYHLD WHERE ATTHEADID=0 AND "
-                    << rule.key() << same << ")");
+                    << typedKey() << same << ")");
 }
 
 // A save that changes nothing marks the widest set: the rows of all heads.
-std::string modHolidayWeekly::marksOf(const Rule& rule, bool changed) const {
-    if (!changed) return MarkWeeklyOffUnchangedSql(rule.monthYear);
+void modHolidayWeekly::joinMarks(SaveBatch& batch, Change change, const std::string&) {
+    const int32_t month = cmbMonthYear.month();
     Sql heads;
     if (attHeadId_ != 0)
         heads << " = " << attHeadId_;
     else
-        heads << " IN (SELECT ATTHEADID FROM LEV_WEEKLYHLD WHERE " << rule.key()
+        heads << " IN (SELECT ATTHEADID FROM LEV_WEEKLYHLD WHERE " << typedKey()
               << " AND ATTHEADID<>0 AND EDITEDYN=0)";
-    return MarkWeeklyOffSql(session_, rule.monthYear, heads);
+    if (change == Change::Deleted)
+        batch.add(MarkWeeklyOffDeletedSql(session_, month, attHeadId_));
+    else if (change == Change::Updated && !row_.changed())
+        batch.add(MarkWeeklyOffUnchangedSql(month));
+    else
+        batch.add(MarkWeeklyOffSql(session_, month, heads));
 }
 
 // --- deleting ---
 
-void modHolidayWeekly::cmdDelete_Click() {
-    if (fpgWeeklyHoliday.rowCount() == 0) return inform("No records to delete.");
-    const Rule rule = ruleOnScreen();
-    const ShownRow row = readRow(rule);
-    if (!stillAsChosen(row)) return;
-    if (!row.found()) return inform("Select record to Delete");
-    SaveBatch batch;
-    if (!deletionAccepted(batch, rule)) return;
-    batch.requireShown(row, kRule).add(" DELETE FROM LEV_WEEKLYHLD WHERE " + row.key());
-    if (attHeadId_ == 0)
-        batch.add(" DELETE FROM LEV_WEEKLYHLD WHERE " + rule.key() + " AND EDITEDYN = 0 ");
-    batch.add(MarkWeeklyOffDeletedSql(session_, rule.monthYear, attHeadId_))
-        .audit({"Weekly Holiday Deleted", auditBegin(rule).text()});
-    if (save(batch, [this] { showAgain(); })) showAgain();
+std::optional<Refusal> modHolidayWeekly::checkDeletion() {
+    if (list.rowCount() == 0) return Refusal{"No records to delete."};
+    if (row_.shown().key() != ownKey()) row_.adopt(session_, ownKey());
+    if (row_.isNew()) return Refusal{"Select record to Delete"};
+    return {};
 }
 
-bool modHolidayWeekly::deletionAccepted(SaveBatch& batch, const Rule& rule) {
-    if (refusedByLock(batch, lockFrom(rule.monthYear))) return false;
+bool modHolidayWeekly::mayBeDeleted(SaveBatch& batch) {
+    if (refusedByLock(batch, lockFrom(cmbMonthYear.month()))) return false;
     if (!ask("Do you want to delete selected record?")) return false;
-    const bool paid = FnBlnExistsOrThrow(
-        session_,
-        Sql() << "Select EMPID From SLC_SALARYCALC_E Where MONTHYEAR >= " << rule.monthYear);
+    const bool paid =
+        FnBlnExistsOrThrow(session_, Sql() << "Select EMPID From SLC_SALARYCALC_E Where MONTHYEAR "
+                                              ">= "
+                                           << cmbMonthYear.month());
     return !paid || ask("Salary will be re-calculated.  Do you want to continue?");
+}
+
+void modHolidayWeekly::deleteRow(SaveBatch& batch) {
+    row_.deleteIn(batch);
+    if (attHeadId_ == 0)
+        batch.add(" DELETE FROM LEV_WEEKLYHLD WHERE " + typedKey() + " AND EDITEDYN = 0 ");
 }
 
 // --- the audit's words ---
 
-AuditText modHolidayWeekly::auditBegin(const Rule& rule) const {
-    return AuditText()
-        .value("Attendance Name", attHeadId_ == 0 ? "All" : session_.gAtt.ATTHEADNAME)
-        .value("Eff. From Month", FnStrMonthYearText(rule.monthYear))
-        .value("Day", weekdayName(rule.weekDay));
+AuditLine modHolidayWeekly::auditLine(Change change) {
+    return {change == Change::Added     ? "Weekly Holiday Added"
+            : change == Change::Updated ? "Weekly Holiday Updated"
+                                        : "Weekly Holiday Deleted",
+            AuditText()
+                .value("Attendance Name", attHeadId_ == 0 ? "All" : session_.gAtt.ATTHEADNAME)
+                .value("Eff. From Month", FnStrMonthYearText(cmbMonthYear.month()))
+                .value("Day", cmbWeekDay.value)};
 }
 
-AuditLine modHolidayWeekly::auditSave(const Rule& rule, bool isNew, const Halves& before) const {
-    AuditText detail = auditBegin(rule);
-    for (size_t week = 0; week < 5; ++week) {
-        AuditText halves("", ":->");
-        for (const size_t half : {size_t{0}, size_t{1}}) {
-            const std::string label = half == 0 ? "First Half" : "Second Half";
-            const std::string now = FnStrYesNo(rule.halves[2 * week + half]);
-            if (isNew)
-                halves.value(label, now);
-            else
-                halves.change(label, FnStrYesNo(before[2 * week + half]), now);
-        }
-        if (!halves.text().empty())
-            detail.add(std::string("::Week = ") + kWeeks[week] + halves.text());
-    }
-    return {isNew ? "Weekly Holiday Added" : "Weekly Holiday Updated", detail.text()};
+void modHolidayWeekly::tellRow(AuditText& detail, Change change) {
+    if (change != Change::Deleted) RowScreen::tellRow(detail.mark(":->"), change);
 }
 
 }  // namespace owb

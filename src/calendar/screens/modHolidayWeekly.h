@@ -1,15 +1,17 @@
 // "Weekly Holiday": which halves of which occurrences of a weekday are off, from a month on. With
 // head 0 it is the company's rule, which flows to every head whose own rule has not diverged from
 // it (EDITEDYN 0). Saving and deleting mark the register, month and ledger rows from the month on.
+//
+// Month and weekday are the row's key: the user types them, and the row that they name is the one
+// that is saved or deleted, whichever was chosen in the list.
 #pragma once
 
-#include "session/screens/SessionScreen.h"
+#include "session/screens/RowScreen.h"
 #include "session/screens/family_combos.h"
-#include "session/screens/list_grid.h"
 
 namespace owb {
 
-class modHolidayWeekly final : public SessionScreen {
+class modHolidayWeekly final : public RowScreen {
   public:
     modHolidayWeekly(Session& session, FrontEnd& frontEnd);
 
@@ -22,48 +24,35 @@ class modHolidayWeekly final : public SessionScreen {
     MonthCombo cmbMonthYear{*this, "cmbMonthYear"};
     CheckBoxArray<5> chkFirst{*this, "chkFirst", 0, kFirst};
     CheckBoxArray<5> chkSecond{*this, "chkSecond", 0, kSecond};
-    ListGrid fpgWeeklyHoliday{*this, "fpgWeeklyHoliday"};
-    Command cmdSave{*this, "cmdSave", "&Save", Command::Writing, [this] { cmdSave_Click(); }};
-    Command cmdDelete{*this, "cmdDelete", "&Delete", Command::Writing,
-                      [this] { cmdDelete_Click(); }};
     Command cmdAdvanced{*this, "cmdAdvanced", "&Rotating", [this] { cmdAdvanced_Click(); }};
-    CloseCommand cmdClose{*this};
 
   private:
-    // FH1YN, SH1YN, FH2YN ... SH5YN.
-    using Halves = std::array<bool, 10>;
-    struct Rule {
-        int32_t monthYear = 0, weekDay = 0;
-        Halves halves{};
-        std::string key() const;  // as a condition, for any head
-    };
-
     void load() override;
     Layout layout() override;
-    void showAgain();  // the rules as they are now, none chosen
-    void fpgWeeklyHoliday_Click(size_t row);
-    void cmdSave_Click();
-    void cmdDelete_Click();
-    void cmdAdvanced_Click();
+    void showAgain() override;
+    void loadList() override;
+    bool readLine(size_t line) override;
+    std::optional<Refusal> check() override;
+    bool mayBeSaved(SaveBatch& batch) override;
+    std::string writeRow(SaveBatch& batch) override;
+    std::optional<Refusal> checkDeletion() override;
+    bool mayBeDeleted(SaveBatch& batch) override;
+    void deleteRow(SaveBatch& batch) override;
+    void joinMarks(SaveBatch& batch, Change change, const std::string& key) override;
+    AuditLine auditLine(Change change) override;
+    void tellRow(AuditText& detail, Change change) override;
 
-    Rule ruleOnScreen() const;
-    void show(const Rule& rule);
-    ShownRow readRow(const Rule& key);
-    static Halves halvesOf(const ShownRow& row);
-    // Whether the row that the user chose in the grid is as it was shown; another key was not.
-    bool stillAsChosen(const ShownRow& row);
+    void cmdAdvanced_Click();
+    // The month and weekday on the screen as a condition, for any head and for this one.
+    std::string typedKey() const;
+    std::string ownKey() const;
     Lock lockFrom(int32_t lngMonthYear) const;
-    // The statements of a save, in the order in which they run.
-    void writeRow(SaveBatch& batch, const ShownRow& row, const Rule& rule) const;
-    void passOnToHeads(SaveBatch& batch, const Rule& rule) const;
-    void markEdited(SaveBatch& batch, const Rule& rule) const;
-    std::string marksOf(const Rule& rule, bool changed) const;
-    bool deletionAccepted(SaveBatch& batch, const Rule& rule);
-    AuditText auditBegin(const Rule& rule) const;
-    AuditLine auditSave(const Rule& rule, bool isNew, const Halves& before) const;
+    // The statements by which a saved rule keeps the heads' rules in step.
+    void passOnToHeads(SaveBatch& batch) const;
+    void markEdited(SaveBatch& batch) const;
 
     int32_t attHeadId_;
-    ShownRow shown_;  // the row that was chosen in the grid
+    EditedRow rule_{"LEV_WEEKLYHLD", "WHID", "The weekly holiday"};
 };
 
 }  // namespace owb

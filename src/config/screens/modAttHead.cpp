@@ -87,8 +87,7 @@ Layout modAttHead::layout() {
               group("Over Time", {item(chkOT1), item(chkOT2), space()}),
               group("Over Time for Day to day attendance",
                     {item(optOTHourly), item(optOTDaily), space()})}),
-         row({item(cmdSetting), item(cmdCreateCopy), space(), item(cmdNew), item(cmdSave),
-              item(cmdDelete), item(cmdClose)})});
+         commandRow({item(cmdSetting), item(cmdCreateCopy)})});
 }
 
 void modAttHead::load() {

@@ -152,8 +152,7 @@ void modAttHeadSet::cmdSave_Click() {
         hours_.writeInto(batch);
         AuditText detail("Day to Day Hourly Setting Updated:", ":->");
         hours_.tellChanges(detail);
-        batch.add(MarkHeadHoursSql(attHeadId_))
-            .audit({"Attendance Configuration Updated", detail.text()});
+        batch.add(MarkHeadHoursSql(attHeadId_)).audit({"Attendance Configuration Updated", detail});
         if (!save(batch, showAgain)) return;
         LoadAttHead(session_, session_.gAttHeadId);
         load();

@@ -141,21 +141,14 @@ void modAttHead::finish() {
 }
 
 AuditLine modAttHead::auditLine(Change change) {
-    if (change == Change::Updated) {
-        AuditText detail("Attendance Head Updated", ":->");
-        if (!row_.changed("ATTHEADNAME"))
-            detail.value("Attendance Name", row_.typed("ATTHEADNAME").toText());
-        row_.tellChanges(detail);
-        return {"Attendance Configuration Updated", detail.text()};
-    }
-    if (change == Change::Added) {
-        AuditText detail("New Attendance Head Added", ":->");
-        row_.tellAll(detail);
-        return {"Attendance Configuration Added", detail.text()};
-    }
-    AuditText detail("Attendance Head Deleted", ":->");
-    row_.tellStored(detail);
-    return {"Attendance Configuration Deleted", detail.text()};
+    if (change == Change::Added)
+        return {"Attendance Configuration Added", AuditText("New Attendance Head Added", ":->")};
+    if (change == Change::Deleted)
+        return {"Attendance Configuration Deleted", AuditText("Attendance Head Deleted", ":->")};
+    AuditText begin("Attendance Head Updated", ":->");
+    if (!row_.changed("ATTHEADNAME"))
+        begin.value("Attendance Name", row_.typed("ATTHEADNAME").toText());
+    return {"Attendance Configuration Updated", begin};
 }
 
 }  // namespace owb

@@ -41,12 +41,10 @@ modLeaveDef::modLeaveDef(Session& session, FrontEnd& frontEnd)
 }
 
 Layout modLeaveDef::layout() {
-    std::vector<Layout> commands = commandItems();
-    commands.insert(commands.begin(), {item(cmdMasterSetting), space()});
     return column({row({item(optLeave), item(optNonLeave), space()}), item(list, 1),
                    form({item("Name", txtLeaveName), item("Abbreviation", txtAttShort),
                          item("", chkAffectSalary), item("", chkLeaveAllotment)}),
-                   row(std::move(commands))});
+                   commandRow({item(cmdMasterSetting)})});
 }
 
 void modLeaveDef::load() {
@@ -230,19 +228,14 @@ void modLeaveDef::finish() {
 }
 
 AuditLine modLeaveDef::auditLine(Change change) {
-    AuditText detail;
-    if (change == Change::Updated) {
-        detail.add(":").value("Leave Name", row_.typed("LEVNAME").toText());
-        row_.tellChanges(detail);
-        return {"Leave Definition Updated", detail.text(), word() + " Type Updated"};
-    }
-    detail.value("Type", word());
-    if (change == Change::Added) {
-        row_.tellAll(detail);
-        return {"New Leave Added", detail.text(), word() + " Type Added"};
-    }
-    row_.tellStored(detail);
-    return {"Leave Definition Deleted", detail.text(), word() + " Type Deleted"};
+    const std::string type = word() + " Type ";
+    if (change == Change::Updated)
+        return {"Leave Definition Updated",
+                AuditText(":").value("Leave Name", row_.typed("LEVNAME").toText()),
+                type + "Updated"};
+    const AuditText begin = AuditText().value("Type", word());
+    if (change == Change::Added) return {"New Leave Added", begin, type + "Added"};
+    return {"Leave Definition Deleted", begin, type + "Deleted"};
 }
 
 }  // namespace owb

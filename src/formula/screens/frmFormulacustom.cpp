@@ -35,12 +35,10 @@ frmFormulacustom::frmFormulacustom(Session& session, FrontEnd& frontEnd)
 }
 
 Layout frmFormulacustom::layout() {
-    std::vector<Layout> commands = commandItems();
-    commands.insert(commands.begin(), {item(cmdverify), space()});
     return column({item(list, 1),
                    form({item("Name", txtFname), item("Type", txtFtype), item("Query", txtFquery),
                          item("", lblqryinfo)}),
-                   row(std::move(commands))});
+                   commandRow({item(cmdverify)})});
 }
 
 void frmFormulacustom::loadList() {

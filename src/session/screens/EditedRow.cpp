@@ -121,6 +121,16 @@ bool EditedRow::readWhere(Session& session, const std::string& condition) {
     return row.found();
 }
 
+void EditedRow::adopt(Session& session, const std::string& condition) {
+    std::vector<Value> typed;
+    for (const Field& field : fields_) typed.push_back(field.typed());
+    if (condition.empty())
+        clear();
+    else
+        readWhere(session, condition);
+    for (size_t i = 0; i < fields_.size(); ++i) fields_[i].show(typed[i]);
+}
+
 bool EditedRow::readKey(Session& session, int64_t key) {
     return readWhere(session, Sql() << keyColumn_ << " = " << key);
 }
@@ -166,21 +176,15 @@ void EditedRow::requireFree(SaveBatch& batch, const std::string& column,
 
 // --- the audit line's words ---
 
-void EditedRow::tell(AuditText& text, bool stored) const {
+void EditedRow::tellAll(AuditText& text, bool asRead) const {
+    std::string section;
     for (size_t i = 0; i < fields_.size(); ++i) {
         const Field& field = fields_[i];
         if (field.label.empty() || !field.inAdded) continue;
+        if (field.section != section) text.add(section = field.section);
         text.value(field.addedLabel.empty() ? field.label : field.addedLabel,
-                   field.words(stored ? before_[i] : field.typed()));
+                   field.words(asRead ? before_[i] : field.typed()));
     }
-}
-
-void EditedRow::tellAll(AuditText& text) const {
-    tell(text, false);
-}
-
-void EditedRow::tellStored(AuditText& text) const {
-    tell(text, true);
 }
 
 void EditedRow::tellChanges(AuditText& text) const {

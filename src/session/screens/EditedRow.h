@@ -62,6 +62,9 @@ class EditedRow {
     // Throws DbError.
     bool readWhere(Session& session, const std::string& condition);
     bool readKey(Session& session, int64_t key);
+    // The row of the condition is the one that is edited from now on; "": a new one. What the user
+    // has typed stays on the screen.
+    void adopt(Session& session, const std::string& condition);
     bool isNew() const { return !shown_.found(); }
     int64_t key() const { return key_; }  // 0 of a new one
     // As it was read, and how the user has left it.
@@ -80,22 +83,21 @@ class EditedRow {
     // T-SQL, a number or a variable.
     std::string writeInto(SaveBatch& batch, const RowText& further = {},
                           const RowText& onlyNew = {}, const std::string& newKey = "") const;
+    RowText typedRow() const;
     // Joins the deletion.
     void deleteIn(SaveBatch& batch) const;
     // In the batch, no other row of the table holds the typed value of the column.
     void requireFree(SaveBatch& batch, const std::string& column, const std::string& text) const;
 
     // --- the audit line's words ---
-    void tellAll(AuditText& text) const;     // of a new row
-    void tellStored(AuditText& text) const;  // as it was read: of a row that goes
+    // Of a new row, or of one that goes, `asRead`.
+    void tellAll(AuditText& text, bool asRead = false) const;
     void tellChanges(AuditText& text) const;
 
   private:
     Field& add(Field field);
     size_t place(const std::string& column) const;
     void show(const ShownRow& row);
-    void tell(AuditText& text, bool stored) const;
-    RowText typedRow() const;
 
     std::string table_, keyColumn_, what_;
     std::string section_;       // of the fields that are declared now

@@ -13,8 +13,10 @@ RowScreen::RowScreen(Session& session, FrontEnd& frontEnd, const Names& names, E
     list.onCurrentChange = [this](size_t line, size_t) { list_Click(line); };
 }
 
-std::vector<Layout> RowScreen::commandItems() {
-    return {item(cmdNew), item(cmdSave), item(cmdDelete), item(cmdClose)};
+Layout RowScreen::commandRow(std::vector<Layout> left) {
+    left.insert(left.end(),
+                {space(), item(cmdNew), item(cmdSave), item(cmdDelete), item(cmdClose)});
+    return row(std::move(left));
 }
 
 void RowScreen::showAgain() {
@@ -58,11 +60,11 @@ void RowScreen::cmdNew_Click() {
 }
 
 void RowScreen::cmdSave_Click() {
-    const Change change = row_.isNew() ? Change::Added : Change::Updated;
     if (!row_.isNew() && !stillAsShown(row_.shown(), row_.what(), [this] { showAgain(); })) return;
     if (refused(check())) return;
     SaveBatch batch;
     if (!mayBeSaved(batch)) return;
+    const Change change = row_.isNew() ? Change::Added : Change::Updated;
     const std::string key = writeRow(batch);
     if (run(batch, change, key)) session_.gGenCmn.ShowSavedMessage();
 }
@@ -76,9 +78,19 @@ void RowScreen::cmdDelete_Click() {
     run(batch, Change::Deleted, std::to_string(row_.key()));
 }
 
+void RowScreen::tellRow(AuditText& detail, Change change) {
+    if (change == Change::Updated)
+        row_.tellChanges(detail);
+    else
+        row_.tellAll(detail, change == Change::Deleted);
+}
+
 bool RowScreen::run(SaveBatch& batch, Change change, const std::string& key) {
     joinMarks(batch, change, key);
-    if (AuditLine line = auditLine(change); !line.action.empty()) batch.audit(std::move(line));
+    if (AuditLine line = auditLine(change); !line.action.empty()) {
+        tellRow(line.detail, change);
+        batch.audit(std::move(line));
+    }
     if (!save(batch, [this] { showAgain(); })) return false;
     finish();
     return true;

@@ -59,12 +59,14 @@ class RowScreen : public SessionScreen {
     virtual void deleteRow(SaveBatch& batch) { row_.deleteIn(batch); }
     // `key` is the row's as T-SQL, a number or a variable of the batch.
     virtual void joinMarks(SaveBatch&, Change, const std::string& /*key*/) {}
+    // The audit line of a change, with the words that stand before the row's own, and then those.
     // Without an action no line is written.
     virtual AuditLine auditLine(Change) { return {}; }
+    virtual void tellRow(AuditText& detail, Change change);
     virtual void finish() { showAgain(); }
 
-    // The commands of a screen's last line.
-    std::vector<Layout> commandItems();
+    // The last line of a screen: New, Save, Delete, Close, and others to their left.
+    Layout commandRow(std::vector<Layout> left);
 
     EditedRow& row_;
 
