@@ -29,7 +29,7 @@ void showInTransaction(Session& session, Screen& screen) {
     if (session.gExtendedYN) session.gConn.CommitTrans();
 }
 
-void touchUp(Session& session) {
+void repairOlderTables(Session& session) {
     if (!FnBlnExistsOrThrow(session,
                             "SELECT * FROM INFORMATION_SCHEMA.COLUMNS WHERE COLUMN_NAME = "
                             "'EXLEVPRIORITY' AND TABLE_NAME = 'ATT_OPTSETTINGS'"))
@@ -134,7 +134,7 @@ void StartApplication(Session& session, FrontEnd& frontEnd, const std::string& c
 void StartOnConnection(Session& session, FrontEnd& frontEnd) {
     ReadLaunchSettings(session);
     SetHostNames(session);
-    touchUp(session);
+    repairOlderTables(session);
     configure(session, frontEnd);
     readCompanyKind(session);
     recalculatePending(session, frontEnd);

@@ -128,7 +128,7 @@ Value fitted(const Value& v, const SqlType& type) {
     }
 }
 
-bool tellsRows(const SqlType& type) {
+bool identifiesRows(const SqlType& type) {
     return type.kind != SqlKind::Float && !(type.isText() && type.length == SqlType::kMax);
 }
 
@@ -262,7 +262,7 @@ std::string Recordset::rowCondition(size_t row) {
     const auto added = added_.find(row);
     std::string text;
     for (size_t i = 0; i < FieldCount(); ++i) {
-        if (!tableColumns()[i] || !tellsRows(set_.columns[i].type)) continue;
+        if (!tableColumns()[i] || !identifiesRows(set_.columns[i].type)) continue;
         if (added != added_.end() && !added->second[i]) continue;
         const Value& old = set_.at(row, i);
         text += (text.empty() ? " WHERE " : " AND ") + sqlName(set_.columns[i].name) +

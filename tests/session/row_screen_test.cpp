@@ -6,7 +6,7 @@
 #include "session/modRights.h"
 #include "session/screens/RowScreen.h"
 #include "session/screens/family_combos.h"
-#include "session/screens/fill_grid.h"
+#include "session/screens/query_lists.h"
 #include "support/payroll.h"
 #include "support/rehearsal.h"
 #include "support/screens.h"

@@ -6,7 +6,7 @@
 #include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "session/queries.h"
-#include "session/screens/fill_grid.h"
+#include "session/screens/query_lists.h"
 #include "session/screens/sheets.h"
 
 namespace owb {

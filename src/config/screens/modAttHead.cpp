@@ -5,7 +5,7 @@
 #include "session/clsCtrlDep.h"
 #include "session/modAttSetting.h"
 #include "session/queries.h"
-#include "session/screens/fill_grid.h"
+#include "session/screens/query_lists.h"
 
 namespace owb {
 

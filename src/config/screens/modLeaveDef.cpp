@@ -3,7 +3,7 @@
 #include "db/recordset.h"
 #include "marks/marks.h"
 #include "session/queries.h"
-#include "session/screens/fill_grid.h"
+#include "session/screens/query_lists.h"
 
 namespace owb {
 

@@ -4,7 +4,7 @@
 #include "db/sql_text.h"
 #include "formula/VerifyCusQuery.h"
 #include "session/queries.h"
-#include "session/screens/fill_grid.h"
+#include "session/screens/query_lists.h"
 
 namespace owb {
 

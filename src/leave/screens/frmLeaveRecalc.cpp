@@ -8,8 +8,8 @@
 #include "session/modRights.h"
 #include "session/months.h"
 #include "session/queries.h"
-#include "session/screens/fill_grid.h"
 #include "session/screens/modExternal.h"
+#include "session/screens/query_lists.h"
 
 namespace owb {
 
@@ -81,19 +81,14 @@ void frmLeaveRecalc::loadLists() {
     chkAllLeaves.value = false;
     cmbAttHead.clear();
     cmbAttHead.add("ALL", 0);
-    Recordset leaves(session_.gConn,
-                     "SELECT LEVID, LEVSHORT, LEVNAME, LEAVEYN FROM ATT_DEFINITION WHERE LEVID IN "
-                     "(SELECT  DISTINCT LEVID FROM  LEV_ALLOTMENT" +
-                         inMonths() + "(LEVID=2 OR LEVID>4)) ");
-    for (; !leaves.IsEOF(); leaves.MoveNext())
-        lstLeave.add(leaves.Fields("LEVSHORT").toText() + " - " + leaves.Fields("LEVNAME").toText(),
-                     leaves.Fields("LEVID").toInt());
-    Recordset heads(session_.gConn,
-                    "SELECT ATTHEADID, ATTHEADNAME FROM MAS_ATTHEAD WHERE ATTHEADID IN (SELECT  "
-                    "DISTINCT ATTHEADID FROM  LEV_ALLOTMENT" +
-                        inMonths() + "LEVID<>4) ");
-    for (; !heads.IsEOF(); heads.MoveNext())
-        cmbAttHead.add(heads.Fields("ATTHEADNAME").toText(), heads.Fields("ATTHEADID").toInt());
+    addItems(session_, lstLeave,
+             "SELECT LEVID, LEVSHORT + ' - ' + LEVNAME FROM ATT_DEFINITION WHERE LEVID IN (SELECT  "
+             "DISTINCT LEVID FROM  LEV_ALLOTMENT" +
+                 inMonths() + "(LEVID=2 OR LEVID>4)) ");
+    addItems(session_, cmbAttHead,
+             "SELECT ATTHEADID, ATTHEADNAME FROM MAS_ATTHEAD WHERE ATTHEADID IN (SELECT  DISTINCT "
+             "ATTHEADID FROM  LEV_ALLOTMENT" +
+                 inMonths() + "LEVID<>4) ");
     cmbAttHead.select(0);
     loadEmployees();
 }

@@ -5,6 +5,7 @@
 #include "family/modCommon.h"
 #include "session/screens/SessionScreen.h"
 #include "session/screens/frmSelMonth.h"
+#include "session/screens/query_lists.h"
 
 namespace owb {
 
@@ -19,11 +20,9 @@ MonthCombo::MonthCombo(SessionScreen& screen, std::string name, std::string capt
 
 void MonthCombo::load(int32_t lngFrom) {
     clear();
-    for (Recordset rs(screen_.session().gConn,
-                      Sql() << "SELECT MONTHYEAR, MONTHNAME FROM QRYMONTH WHERE MONTHYEAR >= "
-                            << lngFrom << " ORDER BY MONTHYEAR DESC");
-         !rs.IsEOF(); rs.MoveNext())
-        add(rs.Fields("MONTHNAME").toText(), rs.Fields("MONTHYEAR").toInt());
+    addItems(screen_.session(), *this,
+             Sql() << "SELECT MONTHYEAR, MONTHNAME FROM QRYMONTH WHERE MONTHYEAR >= " << lngFrom
+                   << " ORDER BY MONTHYEAR DESC");
 }
 
 void MonthCombo::setMonth(int32_t lngMonthYear) {
@@ -44,12 +43,10 @@ ScopeCombo::ScopeCombo(SessionScreen& screen, std::string name, std::string capt
 void ScopeCombo::load(Of of, int64_t key) {
     clear();
     add("ALL", 0);
-    for (Recordset rs(screen_.session().gConn,
-                      of == Of::Branches
-                          ? "SELECT BRANCHID, BRANCHNAME FROM MAS_BRANCH ORDER BY BRANCHNAME"
-                          : "SELECT ATTHEADID, ATTHEADNAME FROM MAS_ATTHEAD ORDER BY ATTHEADID");
-         !rs.IsEOF(); rs.MoveNext())
-        add(rs.Fields(1).toText(), rs.Fields(0).toInt());
+    addItems(screen_.session(), *this,
+             of == Of::Branches
+                 ? "SELECT BRANCHID, BRANCHNAME FROM MAS_BRANCH ORDER BY BRANCHNAME"
+                 : "SELECT ATTHEADID, ATTHEADNAME FROM MAS_ATTHEAD ORDER BY ATTHEADID");
     if (!selectKey(key)) select(0);
 }
 

@@ -1,4 +1,4 @@
-#include "session/screens/fill_grid.h"
+#include "session/screens/query_lists.h"
 
 #include <algorithm>
 
@@ -34,6 +34,24 @@ void fillGrid(Session& session, Grid& grid, const std::string& sql, size_t keyCo
     for (Recordset rs(session.gConn, sql); !rs.IsEOF(); rs.MoveNext())
         rows.push_back(gridCells(grid, rs));
     fillGrid(grid, std::move(rows), keyColumn);
+}
+
+namespace {
+
+template <class List>
+void addRows(Session& session, List& list, const std::string& sql) {
+    for (Recordset rs(session.gConn, sql); !rs.IsEOF(); rs.MoveNext())
+        list.add(rs.Fields(1).toText(), rs.Fields(0).toInt());
+}
+
+}  // namespace
+
+void addItems(Session& session, Combo& combo, const std::string& sql) {
+    addRows(session, combo, sql);
+}
+
+void addItems(Session& session, ListBox& list, const std::string& sql) {
+    addRows(session, list, sql);
 }
 
 void fillGrid(Grid& grid, std::vector<std::vector<std::string>> rows, size_t keyColumn) {
