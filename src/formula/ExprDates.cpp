@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 #include "base/utf8.h"

@@ -1,5 +1,6 @@
 #include "formula/ExprLexer.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 

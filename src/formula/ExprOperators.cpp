@@ -1,5 +1,6 @@
 #include "formula/ExprOperators.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "formula/ExprDates.h"

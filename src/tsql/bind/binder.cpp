@@ -428,7 +428,7 @@ BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
               type, list(std::move(a), std::move(b)));
 }
 
-SqlType Binder::unify(std::vector<BoundPtr*> values) {
+SqlType Binder::unify(const std::vector<BoundPtr*>& values) {
     SqlType type;
     for (BoundPtr* v : values) type = commonType(type, (*v)->type);
     if (type.kind == SqlKind::Null) type = kInt;

@@ -96,7 +96,7 @@ class Binder {
     BoundPtr compare(const std::string& op, BoundPtr a, BoundPtr b);
     BoundPtr arithmetic(char op, BoundPtr a, BoundPtr b, int line);
     // Brings all to their common type.
-    SqlType unify(std::vector<BoundPtr*> values);
+    SqlType unify(const std::vector<BoundPtr*>& values);
     BindContext& context() { return context_; }
     // The next SELECT is a statement of its own: it may assign variables and make a table.
     bool statement = false;

@@ -37,7 +37,7 @@ std::string exponentText(double v, int places, char e, size_t exponentDigits) {
 std::string standardNumber(const Decimal& d, bool whole, char letter, int places) {
     const Decimal size = d.negative() ? -d : d;
     const char upper = static_cast<char>(letter & ~0x20);
-    const auto signedText = [&](std::string text) {
+    const auto signedText = [&](const std::string& text) {
         const bool zero = text.find_first_of("123456789") == std::string::npos;
         return d.negative() && !zero ? "-" + text : text;
     };
