@@ -154,10 +154,10 @@ Executor::Flow Executor::runStatement(Frame& frame, const Statement& s) {
                     try {
                         made = planner.value(sum, &type);
                     } catch (...) {
-                        sum.args[1].release();
+                        static_cast<void>(sum.args[1].release());
                         throw;
                     }
-                    sum.args[1].release();
+                    static_cast<void>(sum.args[1].release());
                     return made;
                 });
                 SqliteStatement statement = acquire(frame, p);
