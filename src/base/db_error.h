@@ -16,12 +16,8 @@ struct DbError : std::runtime_error {
     int number;    // SQL Server's number; negative for the client's own
     int severity;  // 11 to 16: the statement's or the batch's; 20 and above: the connection's
     int state;
-    int line;                // in the batch or routine, from 1; 0 when not known
-    int column = 0;          // place of a syntax error in its line, from 1; 0 otherwise
-    bool endsBatch = false;  // whatever its number says: it was thrown
-    bool raised = false;     // by RAISERROR: ends nothing by itself
-    bool undoes = false;     // it left a trigger: the batch ends, its transaction is undone
-    bool left = false;       // it left the scope in which it happened
+    int line;        // in the batch or routine, from 1; 0 when not known
+    int column = 0;  // place of a syntax error in its line, from 1; 0 otherwise
     std::shared_ptr<const DbError> before;  // told ahead of it, as part of the same failure
     std::string procedure;                  // routine in which it happened; "" for the batch itself
 };

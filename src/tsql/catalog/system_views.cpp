@@ -12,7 +12,7 @@ namespace {
 
 struct Source {
     Catalog& catalog;
-    const bool& inTransaction;
+    std::function<bool()> inTransaction;
 };
 
 using Row = std::vector<Value>;
@@ -331,7 +331,7 @@ const std::vector<View>& views() {
                      {column("transaction_id", integer), column("database_id", integer)},
                      [](Source& s, Rows& rows) {
                          // One connection at a time is in a transaction.
-                         if (s.inTransaction || s.catalog.sqlite().isBeingWritten())
+                         if (s.inTransaction() || s.catalog.sqlite().isBeingWritten())
                              rows.push_back({Value(1), Value(1)});
                      }});
         v.push_back({"information_schema",
@@ -408,7 +408,7 @@ CatalogTablePtr findSystemView(const std::string& schema, const std::string& nam
     return nullptr;
 }
 
-void addSystemViews(Sqlite& sqlite, Catalog& catalog, const bool& inTransaction) {
+void addSystemViews(Sqlite& sqlite, Catalog& catalog, std::function<bool()> inTransaction) {
     for (const View& v : views()) {
         ComputedTable table;
         for (const CatalogColumn& c : v.columns) table.columns.push_back(c.name);

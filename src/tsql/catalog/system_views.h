@@ -1,6 +1,8 @@
 // INFORMATION_SCHEMA.* and sys.*: views that answer from the catalog.
 #pragma once
 
+#include <functional>
+
 #include "tsql/catalog/catalog.h"
 
 namespace owb::tsql {
@@ -9,6 +11,6 @@ namespace owb::tsql {
 CatalogTablePtr findSystemView(const std::string& schema, const std::string& name);
 
 // Makes the views readable on this connection. `inTransaction` tells whether one is open.
-void addSystemViews(Sqlite& sqlite, Catalog& catalog, const bool& inTransaction);
+void addSystemViews(Sqlite& sqlite, Catalog& catalog, std::function<bool()> inTransaction);
 
 }  // namespace owb::tsql

@@ -71,15 +71,28 @@ void Planner::finish(Binder& binder, Plan& plan) {
     }
 }
 
-std::unique_ptr<Plan> Planner::value(const Expr& e, const SqlType* target) {
+std::unique_ptr<Plan> Planner::ofValue(Binder& binder, BoundPtr v) {
     auto plan = std::make_unique<Plan>();
-    Binder binder(context_);
-    BoundPtr v = binder.bindValue(e);
-    if (target) v = binder.convert(std::move(v), *target);
     plan->columns.push_back({"", v->type, true});
     plan->sql = "SELECT " + Lowerer(plan->parameters, &plan->applies).expression(*v);
     finish(binder, *plan);
     return plan;
+}
+
+std::unique_ptr<Plan> Planner::value(const Expr& e, const SqlType* target) {
+    Binder binder(context_);
+    BoundPtr v = binder.bindValue(e);
+    if (target) v = binder.convert(std::move(v), *target);
+    return ofValue(binder, std::move(v));
+}
+
+std::unique_ptr<Plan> Planner::sum(const Statement& s, const SqlType& type) {
+    Binder binder(context_);
+    Expr own(ExprKind::Variable, s.line);
+    own.name.parts.push_back(s.variable);
+    BoundPtr before = binder.bindValue(own);
+    BoundPtr v = binder.arithmetic(s.op[0], std::move(before), binder.bindValue(*s.value), s.line);
+    return ofValue(binder, binder.convert(std::move(v), type));
 }
 
 std::unique_ptr<Plan> Planner::condition(const Expr& e) {

@@ -14,6 +14,8 @@ class Planner {
 
     std::unique_ptr<Plan> query(const Query& query);
     std::unique_ptr<Plan> value(const Expr& e, const SqlType* target);
+    // SET @x += value and its like: the new value.
+    std::unique_ptr<Plan> sum(const Statement& s, const SqlType& type);
     std::unique_ptr<Plan> condition(const Expr& e);
     std::unique_ptr<Plan> insert(const Statement& s, bool explicitIdentityAllowed);
     std::unique_ptr<Plan> update(const Statement& s);
@@ -26,6 +28,7 @@ class Planner {
     BoundPtr columnDefault(Binder& binder, const CatalogColumn& column);
     bool readsTables(const BoundExpr& e) const;
     void assigningQuery(BoundQuery& q, Plan& plan);
+    std::unique_ptr<Plan> ofValue(Binder& binder, BoundPtr value);
     void finish(Binder& binder, Plan& plan);
 
     BindContext& context_;

@@ -23,7 +23,7 @@ void guarded(sqlite3_context* context, Work work) {
     try {
         work(r->body);
     } catch (...) {
-        r->sqlite.raise(caughtError());
+        r->sqlite.keepException();
         sqlite3_result_error(context, "failed", -1);
     }
 }
@@ -122,7 +122,7 @@ int filter(sqlite3_vtab_cursor* base, int, const char*, int count, sqlite3_value
     try {
         cursor->rows = registered.body.read(SqliteArguments(count, arguments));
     } catch (...) {
-        registered.sqlite.raise(caughtError());
+        registered.sqlite.keepException();
         return SQLITE_ERROR;
     }
     return SQLITE_OK;

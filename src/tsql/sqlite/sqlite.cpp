@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstring>
 #include <ctime>
+#include <utility>
 
 #include "base/utf8.h"
 
@@ -258,12 +259,18 @@ int Sqlite::lastFileError() const {
     return reason;
 }
 
-void Sqlite::fail(int rc) {
-    if (pending_) {
-        const DbError e = *pending_;
-        pending_.reset();
-        throw e;
+void Sqlite::keepException() {
+    try {
+        throw;
+    } catch (const DbError&) {
+        pending_ = std::current_exception();
+    } catch (...) {
+        pending_ = std::make_exception_ptr(caughtError());
     }
+}
+
+void Sqlite::fail(int rc) {
+    if (pending_) std::rethrow_exception(std::exchange(pending_, nullptr));
     const std::string text = sqlite3_errmsg(db_);
     switch (rc & 0xFF) {
         case SQLITE_INTERRUPT:
@@ -298,11 +305,8 @@ void Sqlite::fail(int rc) {
             throw makeDbError(-3, {"The database file " + path_ + " is damaged: " + text + "."});
         case SQLITE_NOMEM:
             throw makeDbError(8623);
-        case SQLITE_CONSTRAINT: {
-            // Told in full by whoever knows the table; see ConstraintFailure in the executor.
-            DbError e(-2627, 14, 1, 0, text);
-            throw e;
-        }
+        case SQLITE_CONSTRAINT:
+            throw BrokenConstraint(text);
         case SQLITE_TOOBIG:  // a statement, or a value
             throw makeDbError(text.starts_with("statement") ? 8623 : 8152);
         default:
@@ -311,7 +315,7 @@ void Sqlite::fail(int rc) {
                 text.starts_with("too many "))
                 throw makeDbError(8623);
             if (text == "integer overflow") throw makeDbError(8115, {"expression", "bigint"});
-            throw makeDbError(-3, {"The database engine failed: " + text});
+            throw RefusedSql(text);
     }
 }
 
@@ -372,13 +376,9 @@ DbError caughtError() {
     } catch (const DecimalOverflow&) {
         return makeDbError(8115, {"expression", "numeric"});
     } catch (const std::bad_alloc&) {
-        DbError e = makeDbError(701, {"internal"});
-        e.endsBatch = true;
-        return e;
+        return makeDbError(701, {"internal"});
     } catch (const std::exception& e) {
-        DbError internal = makeDbError(8630, {e.what()});
-        internal.endsBatch = true;
-        return internal;
+        return makeDbError(8630, {e.what()});
     }
 }
 

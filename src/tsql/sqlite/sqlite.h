@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,6 +16,19 @@
 struct sqlite3;
 
 namespace owb::tsql {
+
+// A row that breaks a NOT NULL, UNIQUE or CHECK of the file, in SQLite's words. Whoever knows the
+// table makes the server's error of it.
+struct BrokenConstraint : DbError {
+    explicit BrokenConstraint(const std::string& text) : DbError(-2627, 14, 1, 0, text) {}
+    bool isUnique() const { return std::string_view(what()).starts_with("UNIQUE"); }
+};
+
+// SQL that SQLite does not understand, because what it names has gone or changed.
+struct RefusedSql : DbError {
+    explicit RefusedSql(const std::string& text)
+        : DbError(makeDbError(-3, {"The database engine failed: " + text})) {}
+};
 
 class Sqlite {
   public:
@@ -59,8 +73,9 @@ class Sqlite {
     // this connection may only read.
     bool isBeingWritten() const;
 
-    // A function's error, kept until the statement that called it has failed.
-    void raise(const DbError& error) { pending_ = error; }
+    // Keeps the exception that is being handled, thrown by a function of ours, until the statement
+    // that called the function has failed; step() throws it then.
+    void keepException();
 
     // --- time-out and cancelling ---
     // How long another connection's lock is waited for.
@@ -87,7 +102,7 @@ class Sqlite {
 
     sqlite3* db_ = nullptr;
     std::string path_;
-    std::optional<DbError> pending_;
+    std::exception_ptr pending_;  // see keepException
     SqliteStatement dataVersionQuery_;
     unsigned versionRead_ = 0;  // SQLite's own count, as of dataVersion()
     double deadline_ = 0;       // on the coarse clock; 0: no limit

@@ -1,9 +1,10 @@
-// Application locks: sp_getapplock, sp_releaseapplock and the functions that ask after them.
+#include "tsql/run/lock_procedures.h"
+
 #include <algorithm>
 #include <chrono>
 
 #include "base/utf8.h"
-#include "tsql/run/executor.h"
+#include "tsql/run/arguments.h"
 #include "tsql/types/types.h"
 
 namespace owb::tsql {
@@ -29,22 +30,22 @@ std::string lockName(const std::string& principal, const std::string& resource) 
 }  // namespace
 
 // The arguments of a call in the order of the names, each as a text; none where nothing is given.
-std::vector<std::optional<Value>> Executor::namedArguments(Frame& frame, const Statement& s,
-                                                           const std::string& procedure,
-                                                           const std::vector<std::string>& names) {
+LockProcedures::Texts LockProcedures::namedArguments(Frame& frame, const Statement& s,
+                                                     const std::string& procedure,
+                                                     const std::vector<std::string>& names) {
     const SqlType text = SqlType::text(SqlKind::NVarChar, 4000);
     std::vector<std::optional<Value>> values(names.size());
     const std::vector<size_t> places = argumentPlaces(s, procedure, names);
     for (size_t i = 0; i < places.size(); ++i)
         if (s.arguments[i].value->kind != ExprKind::Default)
-            values[places[i]] = evaluate(frame, *s.arguments[i].value, &text);
+            values[places[i]] = plans_.evaluate(frame, *s.arguments[i].value, text);
     return values;
 }
 
 // Hands the return code on; an error is told besides, and leaves the code as it is.
-void Executor::lockProcedure(Frame& frame, const Statement& s, const std::string& procedure) {
+void LockProcedures::call(Frame& frame, const Statement& s, const std::string& procedure) {
     const auto answer = [&](int code) {
-        if (!s.variable.empty()) assignVariable(frame, s.variable, Value(code), s.line);
+        if (!s.variable.empty()) frame.variables[frame.variable(s.variable, s.line)] = Value(code);
     };
     answer(-999);
     const bool get = procedure == "sp_getapplock";
@@ -63,9 +64,10 @@ void Executor::lockProcedure(Frame& frame, const Statement& s, const std::string
     const std::string name = lockName(text(get ? 4 : 2, "public"), arguments[0]->toText());
     const std::optional<Owner> owner = ownerNamed(text(get ? 2 : 1, "Transaction"));
     if (!owner) return;
-    if (*owner == Owner::Transaction && transactions_ == 0) throw makeDbError(3918, {}, s.line);
+    if (*owner == Owner::Transaction && !transactions_.isOpen())
+        throw makeDbError(3918, {}, s.line);
     if (!get) {
-        if (!appLocks_.release(name, *owner))
+        if (!locks_.release(name, *owner))
             throw makeDbError(1223, {text(2, "public"), arguments[0]->toText()}, s.line);
         return answer(0);
     }
@@ -78,15 +80,15 @@ void Executor::lockProcedure(Frame& frame, const Statement& s, const std::string
     const int64_t timeout =
         limit && !limit->isNull()
             ? convertValue(*limit, SqlType::text(SqlKind::NVarChar, 4000), kind).toInt()
-            : lockTimeout_;
+            : session_.lockTimeout;
     if (timeout < -1) throw makeDbError(1227, {"xp_userlock"}, s.line);
-    answer(awaitLock(name, lockModeNamed(mode), *owner, timeout));
+    answer(await(name, lockModeNamed(mode), *owner, timeout));
 }
 
 // The return code of sp_getapplock; `timeout` in milliseconds, -1 without end. The command's
 // time-out and a cancel end the batch instead.
-int Executor::awaitLock(const std::string& name, Mode mode, Owner owner, int64_t timeout) {
-    if (appLocks_.tryLock(name, mode, owner)) return 0;
+int LockProcedures::await(const std::string& name, Mode mode, Owner owner, int64_t timeout) {
+    if (locks_.tryLock(name, mode, owner)) return 0;
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
     double nap = 0.0005;
@@ -95,24 +97,24 @@ int Executor::awaitLock(const std::string& name, Mode mode, Owner owner, int64_t
         const double left =
             timeout < 0 ? nap : static_cast<double>(timeout) / 1000 - waited.count();
         if (left <= 0) return -1;
-        sqlite_->sleep(std::min(nap, left));
+        session_.sqlite.sleep(std::min(nap, left));
         nap = std::min(nap * 2, 0.02);
-        if (appLocks_.tryLock(name, mode, owner)) return 1;
+        if (locks_.tryLock(name, mode, owner)) return 1;
     }
 }
 
 // APPLOCK_MODE(principal, resource, owner) and, with a mode, APPLOCK_TEST(..., mode, owner).
-Value Executor::applicationLock(const std::string& principal, const std::string& resource,
-                                const std::optional<std::string>& mode, const std::string& owner) {
+Value LockProcedures::ask(const std::string& principal, const std::string& resource,
+                          const std::optional<std::string>& mode, const std::string& owner) {
     const char* function = mode ? "applock_test" : "applock_mode";
     const std::optional<Owner> who = ownerNamed(owner);
     if (!who) throw makeDbError(1226, {function});
-    if (*who == Owner::Transaction && transactions_ == 0) throw makeDbError(3918);
+    if (*who == Owner::Transaction && !transactions_.isOpen()) throw makeDbError(3918);
     const std::string name = lockName(principal, resource);
-    if (!mode) return Value(nameOf(appLocks_.held(name, *who)));
+    if (!mode) return Value(nameOf(locks_.held(name, *who)));
     const Mode wanted = lockModeNamed(*mode);
     if (wanted == Mode::None) throw makeDbError(1225, {function});
-    return Value(appLocks_.isFree(name, wanted) ? 1 : 0);
+    return Value(locks_.isFree(name, wanted) ? 1 : 0);
 }
 
 }  // namespace owb::tsql

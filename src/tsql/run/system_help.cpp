@@ -1,10 +1,8 @@
-// The system procedures: sp_help, sp_helptext and sp_helptrigger tell what stands in the database,
-// with the columns and words that the server has for it; sp_executesql is among the calls, the
-// application locks stand by themselves.
+#include "tsql/run/system_help.h"
+
 #include <algorithm>
 
 #include "base/utf8.h"
-#include "tsql/run/executor.h"
 
 namespace owb::tsql {
 
@@ -124,30 +122,20 @@ std::string joined(const std::vector<std::string>& names) {
 
 }  // namespace
 
-CatalogTablePtr Executor::tableNamed(const std::string& text) {
+CatalogTablePtr SystemHelp::tableNamed(const std::string& text) const {
     const Name name = nameInText(text);
-    return name.empty() ? nullptr : catalog_.findTable(name);
+    return name.empty() ? nullptr : session_.catalog.findTable(name);
 }
 
-CatalogModulePtr Executor::moduleNamed(const std::string& text) {
+CatalogModulePtr SystemHelp::moduleNamed(const std::string& text) const {
     const Name name = nameInText(text);
-    return name.empty() ? nullptr : catalog_.findModule(name);
+    return name.empty() ? nullptr : session_.catalog.findModule(name);
 }
 
-bool Executor::systemProcedure(Frame& frame, const Statement& s, const std::string& procedure) {
-    if (procedure == "sp_executesql") {
-        executeSql(frame, s);
-        return true;
-    }
-    if (procedure == "sp_getapplock" || procedure == "sp_releaseapplock") {
-        lockProcedure(frame, s, procedure);
-        return true;
-    }
-    if (procedure != "sp_help" && procedure != "sp_helptext" && procedure != "sp_helptrigger")
-        return false;
-    const SqlType type = text(776);
+void SystemHelp::call(Frame& frame, const Statement& s, const std::string& procedure) {
     std::string object;
-    if (!s.arguments.empty()) object = evaluate(frame, *s.arguments[0].value, &type).toText();
+    if (!s.arguments.empty())
+        object = plans_.evaluate(frame, *s.arguments[0].value, text(776)).toText();
     if (object.empty() && procedure != "sp_help")
         throw makeDbError(201, {procedure, procedure == "sp_helptext" ? "@objname" : "@tabname"},
                           s.line);
@@ -159,17 +147,16 @@ bool Executor::systemProcedure(Frame& frame, const Statement& s, const std::stri
         helpAll();
     else
         help(object, s.line);
-    return true;
 }
 
-void Executor::helpAll() {
+void SystemHelp::helpAll() {
     struct Entry {
         std::string type, name;
     };
     std::vector<Entry> all;
-    for (const std::string& table : catalog_.tableNames()) {
+    for (const std::string& table : session_.catalog.tableNames()) {
         all.push_back({"user table", table});
-        const CatalogTablePtr t = catalog_.findTable(table);
+        const CatalogTablePtr t = session_.catalog.findTable(table);
         for (const CatalogColumn& c : t->columns)
             if (!c.defaultName.empty()) all.push_back({"default (maybe cns)", c.defaultName});
         for (const CatalogKey& k : t->keys)
@@ -178,16 +165,17 @@ void Executor::helpAll() {
                     {k.kind == CatalogKey::Primary ? "primary key cns" : "unique key cns", k.name});
         for (const CatalogCheck& c : t->checks) all.push_back({"check cns", c.name});
     }
-    for (const CatalogModulePtr& m : catalog_.modules()) all.push_back({wordFor(m->kind), m->name});
+    for (const CatalogModulePtr& m : session_.catalog.modules())
+        all.push_back({wordFor(m->kind), m->name});
     std::sort(all.begin(), all.end(), [](const Entry& a, const Entry& b) {
         return a.type != b.type ? a.type > b.type : compareText(a.name, b.name) < 0;
     });
     ResultSet set = answer({name("Name"), name("Owner"), word("Object_type")});
     for (const Entry& e : all) addRow(set, {Value(e.name), Value("dbo"), Value(e.type)});
-    result_->sets.push_back(std::move(set));
+    session_.tell(std::move(set));
 }
 
-void Executor::help(const std::string& object, int line) {
+void SystemHelp::help(const std::string& object, int line) {
     const CatalogTablePtr table = tableNamed(object);
     const CatalogModulePtr module = table ? nullptr : moduleNamed(object);
     if (!table && !module) unknownObject(object, line);
@@ -197,8 +185,8 @@ void Executor::help(const std::string& object, int line) {
                             {"Created_datetime", SqlType::of(SqlKind::DateTime), true}});
     addRow(set, {Value(table ? table->name : module->name), Value("dbo"),
                  Value(table ? "user table" : wordFor(module->kind)),
-                 catalog_.createdAt(table ? table->name : module->name)});
-    result_->sets.push_back(std::move(set));
+                 session_.catalog.createdAt(table ? table->name : module->name)});
+    session_.tell(std::move(set));
     if (table) {
         helpColumns(table->columns);
         ResultSet identity = answer(
@@ -209,7 +197,7 @@ void Executor::help(const std::string& object, int line) {
         else
             addRow(identity, {Value(table->columns[at].name), Value(table->identitySeed),
                               Value(table->identityIncrement), Value(0)});
-        result_->sets.push_back(std::move(identity));
+        session_.tell(std::move(identity));
         helpIndexes(*table);
         helpConstraints(*table, object);
     } else if (module->kind == ModuleKind::View) {
@@ -219,7 +207,7 @@ void Executor::help(const std::string& object, int line) {
     }
 }
 
-void Executor::helpColumns(const std::vector<CatalogColumn>& columns) {
+void SystemHelp::helpColumns(const std::vector<CatalogColumn>& columns) {
     ResultSet set =
         answer({name("Column_name"), name("Type"), word("Computed"), number("Length"), word("Prec"),
                 word("Scale"), word("Nullable"), word("TrimTrailingBlanks"),
@@ -234,23 +222,23 @@ void Executor::helpColumns(const std::vector<CatalogColumn>& columns) {
                                         : "no"),
                      collationOf(c.type)});
     }
-    result_->sets.push_back(std::move(set));
+    session_.tell(std::move(set));
 }
 
-void Executor::helpIndexes(const CatalogTable& table) {
+void SystemHelp::helpIndexes(const CatalogTable& table) {
     ResultSet set = answer({name("index_name"),
                             {"index_description", text(210), true},
                             {"index_keys", text(2078), true}});
     const std::string schema = table.temporary ? "temp" : "main";
-    // An index bears the name of its table, a quote and its own name; see createKeyIndex.
+    // An index bears the name of its table, a quote and its own name; see TableWriter.
     const std::string prefix = table.indexName("");
-    SqliteStatement list = sqlite_->prepare(
+    SqliteStatement list = session_.sqlite.prepare(
         "SELECT substr(l.name, " + std::to_string(prefix.size() + 1) +
         "), l.\"unique\", (SELECT group_concat(name, ', ') FROM pragma_index_xinfo(l.name, '" +
         schema + "') WHERE key) FROM pragma_index_list(" + sqliteText(table.bareName()) + ", '" +
         schema + "') l WHERE l.origin = 'c' ORDER BY 1");
     const SqlType type = text(SqlType::kMax);
-    while (sqlite_->step(list)) {
+    while (session_.sqlite.step(list)) {
         const std::string index = list.value(0, type).toText();
         std::string description = "nonclustered";
         if (list.integer(1)) description += ", unique";
@@ -263,13 +251,13 @@ void Executor::helpIndexes(const CatalogTable& table) {
                {Value(index), Value(description + " located on PRIMARY"), list.value(2, type)});
     }
     if (set.rows)
-        result_->sets.push_back(std::move(set));
+        session_.tell(std::move(set));
     else
-        result_->messages.push_back("The object '" + table.name +
-                                    "' does not have any indexes, or you do not have permissions.");
+        session_.tell("The object '" + table.name +
+                      "' does not have any indexes, or you do not have permissions.");
 }
 
-void Executor::helpConstraints(const CatalogTable& table, const std::string& object) {
+void SystemHelp::helpConstraints(const CatalogTable& table, const std::string& object) {
     ResultSet set = answer({word("constraint_type"),
                             name("constraint_name"),
                             word("delete_action"),
@@ -292,16 +280,16 @@ void Executor::helpConstraints(const CatalogTable& table, const std::string& obj
                 addRow(set, {Value(title), Value(k.name), Value(kNone), Value(kNone), Value(kNone),
                              Value(kNone), Value(joined(k.columns))});
     if (set.rows)
-        result_->sets.push_back(std::move(set));
+        session_.tell(std::move(set));
     else
-        result_->messages.push_back("No constraints are defined on object '" + object +
-                                    "', or you do not have permissions.");
-    result_->messages.push_back("No foreign keys reference table '" + object +
-                                "', or you do not have permissions on referencing tables.");
+        session_.tell("No constraints are defined on object '" + object +
+                      "', or you do not have permissions.");
+    session_.tell("No foreign keys reference table '" + object +
+                  "', or you do not have permissions on referencing tables.");
 }
 
-void Executor::helpParameters(CatalogModule& module) {
-    const ModuleDefinition& definition = *catalog_.parsed(module).definition;
+void SystemHelp::helpParameters(CatalogModule& module) {
+    const ModuleDefinition& definition = *session_.catalog.parsed(module).definition;
     ResultSet set = answer({name("Parameter_name"), name("Type"), number("Length"), word("Prec"),
                             word("Scale"), number("Param_order"), name("Collation")});
     const auto add = [&](const std::string& parameter, const SqlType& type, int64_t order) {
@@ -311,10 +299,10 @@ void Executor::helpParameters(CatalogModule& module) {
     if (module.kind == ModuleKind::ScalarFunction) add("", definition.returns, 0);
     int64_t order = 0;
     for (const Parameter& p : definition.parameters) add(p.name, p.type, ++order);
-    if (set.rows) result_->sets.push_back(std::move(set));
+    if (set.rows) session_.tell(std::move(set));
 }
 
-void Executor::helpText(const std::string& object, int line) {
+void SystemHelp::helpText(const std::string& object, int line) {
     const CatalogModulePtr module = moduleNamed(object);
     if (!module && tableNamed(object))
         throw DbError(15197, 16, 1, line, "There is no text for object '" + object + "'.");
@@ -325,34 +313,34 @@ void Executor::helpText(const std::string& object, int line) {
         addRow(set, {Value(module->source.substr(at, end - at))});
         at = end;
     }
-    result_->sets.push_back(std::move(set));
+    session_.tell(std::move(set));
 }
 
-void Executor::helpTrigger(const std::string& object, int line) {
+void SystemHelp::helpTrigger(const std::string& object, int line) {
     const CatalogTablePtr table = tableNamed(object);
     if (!table) unknownObject(object, line);
     ResultSet set = answer({name("trigger_name"), name("trigger_owner"), number("isupdate"),
                             number("isdelete"), number("isinsert"), number("isafter"),
                             number("isinsteadof"), name("trigger_schema")});
     for (const std::string& trigger : table->triggers) {
-        const CatalogModulePtr m = catalog_.findModule(trigger);
+        const CatalogModulePtr m = session_.catalog.findModule(trigger);
         addRow(set, {Value(m->name), Value("dbo"), Value(int64_t{m->onUpdate}),
                      Value(int64_t{m->onDelete}), Value(int64_t{m->onInsert}), Value(1), Value(0),
                      Value("dbo")});
     }
-    result_->sets.push_back(std::move(set));
+    session_.tell(std::move(set));
 }
 
-std::vector<CatalogColumn> Executor::viewColumns(const CatalogModule& view, size_t arguments) {
-    Frame frame;
+std::vector<CatalogColumn> SystemHelp::viewColumns(const CatalogModule& view, size_t arguments) {
     std::string name;
     for (const char c : view.name) name += c == ']' ? "]]" : std::string(1, c);
     std::string call;
     for (size_t i = 0; i < arguments; ++i) call += i ? ",NULL" : "NULL";
     if (view.kind != ModuleKind::View) call = "(" + call + ")";
-    frame.code = compileBatch("SELECT * FROM [" + name + "]" + call);
+    Frame frame(compileBatch("SELECT * FROM [" + name + "]" + call));
     const Statement& s = *frame.code->parsed->ast.statements[0];
-    const Plan& p = plan(frame, &s, [&](Planner& planner) { return planner.query(*s.query); });
+    const Plan& p =
+        plans_.plan(frame, &s, [&](Planner& planner) { return planner.query(*s.query); });
     std::vector<CatalogColumn> columns;
     for (const Column& c : p.columns) {
         CatalogColumn column;

@@ -1,0 +1,23 @@
+// PRINT, RAISERROR and THROW.
+#pragma once
+
+#include "tsql/run/plan_runner.h"
+
+namespace owb::tsql {
+
+class MessageStatements {
+  public:
+    MessageStatements(Session& session, PlanRunner& plans) : session_(session), plans_(plans) {}
+
+    void print(Frame& frame, const Statement& s);
+    void raise(Frame& frame, const Statement& s);
+    void throwError(Frame& frame, const Statement& s);
+
+  private:
+    int whole(Frame& frame, const Argument& a);
+
+    Session& session_;
+    PlanRunner& plans_;
+};
+
+}  // namespace owb::tsql
