@@ -69,7 +69,7 @@ class Binder {
     // A count of rows; one that makes no sense is that error.
     BoundPtr rowLimit(const Expr& e, int error);
     // Resolves the target of an UPDATE or DELETE together with its FROM and opens that scope.
-    Target bindTarget(const Statement& s);
+    Target bindTarget(const ChangeStatement& s);
     void closeTarget();
     void pushWith(const std::vector<CommonTable>& with);
 
@@ -126,7 +126,7 @@ class Binder {
     void bindLimit(const QueryBody& body, const Query* query, BoundQuery& q);
 
     // targets (binder_targets.cpp)
-    void resolveTarget(const Statement& s, Target& target);
+    void resolveTarget(const ChangeStatement& s, Target& target);
 
     // tables (binder_tables.cpp)
     std::unique_ptr<BoundFrom> bindFrom(const TableRef& ref, BoundQuery& q);

@@ -78,10 +78,10 @@ int Binder::Target::findColumn(const std::string& name) const {
     return column;
 }
 
-Binder::Target Binder::bindTarget(const Statement& s) {
+Binder::Target Binder::bindTarget(const ChangeStatement& s) {
     Target target;
     target.scope = std::make_unique<BoundQuery>();
-    if (s.query) pushWith(s.query->with);
+    pushWith(s.with);
     scopes_.push_back(std::make_unique<Scope>());
     BoundQuery& q = *target.scope;
     for (const TableRefPtr& ref : s.from) q.from.push_back(bindFrom(*ref, q));
@@ -112,7 +112,7 @@ Binder::Target Binder::bindTarget(const Statement& s) {
 }
 
 // An UPDATE writes the table that its columns belong to; a DELETE needs that there is one only.
-void Binder::resolveTarget(const Statement& s, Target& target) {
+void Binder::resolveTarget(const ChangeStatement& s, Target& target) {
     if (target.source->table) {
         target.table = target.source->table;
         target.rowid = target.source->alias + ".rowid";

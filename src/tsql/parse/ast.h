@@ -1,4 +1,5 @@
-// The syntax tree of a batch, as the parser leaves it: names unresolved, no types but written ones.
+// The syntax tree of expressions and queries, as the parser leaves it: names unresolved, no types
+// but written ones.
 #pragma once
 
 #include <memory>
@@ -14,10 +15,8 @@ namespace owb::tsql {
 
 struct Expr;
 struct Query;
-struct Statement;
 using ExprPtr = std::unique_ptr<Expr>;
 using QueryPtr = std::unique_ptr<Query>;
-using StatementPtr = std::unique_ptr<Statement>;
 
 // A name of up to four parts, the last being the object's own: "dbo.T" is {"dbo", "T"}.
 struct Name {
@@ -156,177 +155,6 @@ struct Query {
     std::vector<OrderItem> orderBy;
     ExprPtr offset, fetch;
     int maxRecursion = -1;  // of OPTION (MAXRECURSION n), -1 when not written
-};
-
-struct ColumnDefinition {
-    std::string name;
-    SqlType type;
-    std::optional<bool> nullable;
-    bool identity = false;
-    int64_t seed = 1, increment = 1;
-    std::string defaultSource;  // text of the DEFAULT expression
-    std::string defaultName;
-    int line = 0;
-};
-
-struct ConstraintDefinition {
-    enum Kind : uint8_t { PrimaryKey, Unique, Check, Default, ForeignKey } kind = PrimaryKey;
-    std::string name;
-    std::vector<std::string> columns;
-    std::string source;  // of CHECK and DEFAULT
-    int line = 0;
-};
-
-enum class StatementKind : uint8_t {
-    Query,
-    Insert,
-    Update,
-    Delete,
-    Truncate,
-    Declare,
-    Set,
-    SetOption,
-    If,
-    While,
-    Break,
-    Continue,
-    Block,
-    Return,
-    Execute,
-    ExecuteText,
-    CreateTable,
-    AlterTable,
-    CreateIndex,
-    Drop,
-    CreateModule,
-    BeginTransaction,
-    Commit,
-    Rollback,
-    SaveTransaction,
-    Print,
-    RaiseError,
-    Throw,
-    TryCatch,
-    DeclareCursor,
-    OpenCursor,
-    FetchCursor,
-    CloseCursor,
-    DeallocateCursor,
-    Label,
-    Goto,
-    WaitFor,
-};
-
-struct VariableDeclaration {
-    std::string name;  // "@x"
-    SqlType type;
-    ExprPtr initial;
-    bool isTable = false;
-    std::vector<ColumnDefinition> tableColumns;
-    std::vector<ConstraintDefinition> tableConstraints;
-};
-
-struct Assignment {
-    std::string column;    // "" when only a variable is set
-    Name written;          // the column as written, with what stands before it
-    std::string variable;  // "@x" of "SET @x = col = ..."
-    std::string op;        // "" or the operator of "+="
-    ExprPtr value;         // null or Default
-    int line = 0;
-};
-
-struct Argument {
-    std::string name;  // "@p" when passed by name
-    ExprPtr value;
-    bool output = false;
-};
-
-struct AlterAction {
-    enum Kind : uint8_t { AddColumn, AddConstraint, DropColumn, DropConstraint, AlterColumn } kind;
-    ColumnDefinition column;
-    ConstraintDefinition constraint;
-    std::string name;
-};
-
-enum class ModuleKind : uint8_t {
-    View,
-    ScalarFunction,
-    InlineFunction,
-    TableFunction,
-    Procedure,
-    Trigger
-};
-
-struct Parameter {
-    std::string name;  // "@p"
-    SqlType type;
-    ExprPtr defaultValue;
-    bool output = false;
-};
-
-// What a CREATE FUNCTION, PROCEDURE, VIEW or TRIGGER says.
-struct ModuleDefinition {
-    ModuleKind kind = ModuleKind::View;
-    Name name;
-    std::vector<Parameter> parameters;
-    SqlType returns;              // scalar function
-    std::string returnsVariable;  // "@t" of a multi-statement table function
-    std::vector<ColumnDefinition> returnsColumns;
-    std::vector<std::string> viewColumns;  // written column list of a view
-    QueryPtr query;                        // view, inline function
-    bool checkOption = false;              // view
-    std::vector<StatementPtr> body;        // the others
-    Name table;                            // trigger
-    bool onInsert = false, onUpdate = false, onDelete = false;
-};
-
-struct Statement {
-    StatementKind kind;
-    int line = 0;
-    int id = 0;  // unique within its batch: where its plans are kept
-
-    QueryPtr query;                    // Query; source of an Insert
-    Name target;                       // table of Insert, Update, Delete, DDL; procedure
-    std::vector<std::string> columns;  // Insert, CreateIndex
-    bool defaultValues = false;        // Insert
-    QueryPtr output;                   // OUTPUT of Insert, Update, Delete: over their rows
-    Name outputInto;
-    std::vector<std::string> outputColumns;
-    std::vector<Assignment> assignments;  // Update
-    std::vector<TableRefPtr> from;        // Update, Delete
-    ExprPtr condition;                    // If, While; WHERE of Update and Delete
-    ExprPtr top;
-    std::vector<StatementPtr> body;                 // Block, If (then), While, TryCatch (try)
-    std::vector<StatementPtr> otherwise;            // If (else), TryCatch (catch)
-    std::vector<VariableDeclaration> variables;     // Declare
-    std::string variable;                           // Set; return code of Execute
-    std::string op;                                 // Set: "" or the operator of "+="
-    ExprPtr value;                                  // Set, Return, Print, ExecuteText
-    std::vector<Argument> arguments;                // Execute, RaiseError, Throw
-    std::vector<ColumnDefinition> tableColumns;     // CreateTable
-    std::vector<ConstraintDefinition> constraints;  // CreateTable
-    std::vector<AlterAction> actions;               // AlterTable
-    std::unique_ptr<ModuleDefinition> module;       // CreateModule
-    bool alter = false;                             // ALTER PROCEDURE and the like
-    bool orAlter = false;
-    std::string moduleSource;  // CreateModule: the text as written, ALTER as CREATE
-    std::string dropKind;      // Drop: "TABLE", "VIEW", ...
-    std::vector<Name> names;   // Drop
-    bool ifExists = false;     // Drop
-    bool unique = false;       // CreateIndex
-    std::string indexName;     // CreateIndex, Drop INDEX
-    std::string option;        // SetOption: "NOCOUNT"; FetchCursor: "NEXT"; Label, Goto
-    // SetOption; DeclareCursor: it scrolls; WaitFor: TIME; RaiseError: LOG
-    bool on = false;
-    bool local = false;  // DeclareCursor; RaiseError: SETERROR
-
-    Statement(StatementKind k, int line) : kind(k), line(line) {}
-};
-
-struct Batch {
-    std::vector<StatementPtr> statements;
-    std::vector<LiteralSlot> literals;
-    int statementCount = 0;
 };
 
 }  // namespace owb::tsql

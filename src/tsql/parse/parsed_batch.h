@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tsql/parse/ast.h"
+#include "tsql/parse/ast_statements.h"
 #include "tsql/parse/token.h"
 
 namespace owb::tsql {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/utf8.h"
-#include "tsql/parse/parser.h"
+#include "tsql/parse/query_parser.h"
 #include "tsql/types/types.h"
 
 namespace owb::tsql {
@@ -86,7 +86,7 @@ std::unique_ptr<Plan> Planner::value(const Expr& e, const SqlType* target) {
     return ofValue(binder, std::move(v));
 }
 
-std::unique_ptr<Plan> Planner::sum(const Statement& s, const SqlType& type) {
+std::unique_ptr<Plan> Planner::sum(const SetStatement& s, const SqlType& type) {
     Binder binder(context_);
     Expr own(ExprKind::Variable, s.line);
     own.name.parts.push_back(s.variable);
@@ -190,18 +190,18 @@ void Planner::assigningQuery(BoundQuery& q, Plan& plan) {
 BoundPtr Planner::columnDefault(Binder& binder, const CatalogColumn& column) {
     if (column.defaultSource.empty()) return binder.null(column.type);
     const std::vector<Token> tokens = tokenize(column.defaultSource);
-    Parser parser(column.defaultSource, tokens);
-    Batch batch;
-    ExprPtr e = parser.parseSingleExpression(batch);
+    QueryParser parser(column.defaultSource, tokens);
+    std::vector<LiteralSlot> literals;
+    ExprPtr e = parser.parseSingleExpression(literals);
     // The literals of the default are constants here.
     BindContext context = context_;
-    context.literals = &batch.literals;
+    context.literals = &literals;
     context.variables = nullptr;
     Binder inner(context);
     BoundPtr value = inner.bindValue(*e);
     std::function<void(BoundExpr&)> freeze = [&](BoundExpr& x) {
         if (x.kind == BoundKind::Literal && x.index >= 0) {
-            x.constant = batch.literals[x.index].value;
+            x.constant = literals[x.index].value;
             x.index = -1;
         }
         for (BoundPtr& a : x.args) freeze(*a);
@@ -210,7 +210,7 @@ BoundPtr Planner::columnDefault(Binder& binder, const CatalogColumn& column) {
     return value;
 }
 
-std::unique_ptr<Plan> Planner::insert(const Statement& s, bool explicitIdentityAllowed) {
+std::unique_ptr<Plan> Planner::insert(const InsertStatement& s, bool explicitIdentityAllowed) {
     auto plan = std::make_unique<Plan>();
     Binder binder(context_);
     if (s.query) binder.pushWith(s.query->with);
@@ -379,7 +379,7 @@ std::unique_ptr<Plan> Planner::output(const Query& query) {
     return plan;
 }
 
-std::unique_ptr<Plan> Planner::update(const Statement& s) {
+std::unique_ptr<Plan> Planner::update(const ChangeStatement& s) {
     auto plan = std::make_unique<Plan>();
     plan->writes = StatementKind::Update;
     Binder binder(context_);
@@ -475,7 +475,7 @@ std::unique_ptr<Plan> Planner::update(const Statement& s) {
     return plan;
 }
 
-std::unique_ptr<Plan> Planner::remove(const Statement& s) {
+std::unique_ptr<Plan> Planner::remove(const ChangeStatement& s) {
     auto plan = std::make_unique<Plan>();
     plan->writes = StatementKind::Delete;
     Binder binder(context_);

@@ -15,11 +15,11 @@ class Planner {
     std::unique_ptr<Plan> query(const Query& query);
     std::unique_ptr<Plan> value(const Expr& e, const SqlType* target);
     // SET @x += value and its like: the new value.
-    std::unique_ptr<Plan> sum(const Statement& s, const SqlType& type);
+    std::unique_ptr<Plan> sum(const SetStatement& s, const SqlType& type);
     std::unique_ptr<Plan> condition(const Expr& e);
-    std::unique_ptr<Plan> insert(const Statement& s, bool explicitIdentityAllowed);
-    std::unique_ptr<Plan> update(const Statement& s);
-    std::unique_ptr<Plan> remove(const Statement& s);
+    std::unique_ptr<Plan> insert(const InsertStatement& s, bool explicitIdentityAllowed);
+    std::unique_ptr<Plan> update(const ChangeStatement& s);
+    std::unique_ptr<Plan> remove(const ChangeStatement& s);
     std::unique_ptr<Plan> output(const Query& query);
 
   private:

@@ -13,13 +13,13 @@ void TableDefinitions::store(const CatalogTable& before, CatalogTable after) {
     tables_.changed(before, std::move(after));
 }
 
-void TableDefinitions::alter(const Statement& s) {
-    const CatalogTablePtr before = session_.catalog.findTable(s.target);
-    if (!before) throw makeDbError(4902, {s.target.text()}, s.line);
+void TableDefinitions::alter(const AlterTableStatement& s) {
+    const CatalogTablePtr before = session_.catalog.findTable(s.table);
+    if (!before) throw makeDbError(4902, {s.table.text()}, s.line);
     try {
         AtomicSteps steps(session_.sqlite);
         for (const AlterAction& action : s.actions)
-            alter(*session_.catalog.findTable(s.target.last()), action, s.line);
+            alter(*session_.catalog.findTable(s.table.last()), action, s.line);
         steps.commit();
     } catch (const DbError&) {
         // The actions before the failed one are undone in the file; the catalog must follow.
@@ -50,7 +50,7 @@ std::string TableDefinitions::newColumnDefault(const CatalogTable& table, const 
     if (c.nullable != false && !c.identity) return "";
     if (!c.defaultSource.empty()) {
         Frame frame(compileBatch("SELECT " + c.defaultSource));
-        const Query& query = *frame.code->parsed->ast.statements[0]->query;
+        const Query& query = *as<QueryStatement>(*frame.code->parsed->ast.statements[0]).query;
         return sqliteLiteral(plans_.evaluate(frame, *query.body->items[0].expr, c.type));
     }
     if (!c.identity && session_.sqlite.number("SELECT 1 FROM " + table.sqlName + " LIMIT 1"))

@@ -5,7 +5,7 @@
 
 namespace owb::tsql {
 
-std::vector<size_t> argumentPlaces(const Statement& s, const std::string& procedure,
+std::vector<size_t> argumentPlaces(const ExecuteStatement& s, const std::string& procedure,
                                    const std::vector<std::string>& names) {
     if (s.arguments.size() > names.size())
         throw makeDbError(names.empty() ? 8146 : 8144, {procedure}, s.line);

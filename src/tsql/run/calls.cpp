@@ -21,17 +21,18 @@ void Calls::execute(Frame& frame, const Statement& s) {
         throw makeDbError(266, {std::to_string(before), std::to_string(transactions_.level())});
 }
 
-void Calls::call(Frame& frame, const Statement& s) {
-    if (session_.functionDepth > 0) throw makeDbError(443, {"EXECUTE"}, s.line);
-    if (s.kind == StatementKind::ExecuteText) {
-        const Value v = plans_.evaluate(frame, *s.value, kText);
+void Calls::call(Frame& frame, const Statement& statement) {
+    if (session_.functionDepth > 0) throw makeDbError(443, {"EXECUTE"}, statement.line);
+    if (statement.kind == StatementKind::ExecuteText) {
+        const Value v = plans_.evaluate(frame, *as<ValueStatement>(statement).value, kText);
         if (!v.isNull()) executeText(v.asText());
         return;
     }
-    CatalogModulePtr module = session_.catalog.findModule(s.target);
+    const auto& s = as<ExecuteStatement>(statement);
+    CatalogModulePtr module = session_.catalog.findModule(s.procedure);
     if (module && module->kind == ModuleKind::Procedure) return callProcedure(frame, s, *module);
-    if (!isSystemPlace(s.target) || !callSystemProcedure(frame, s))
-        throw makeDbError(2812, {s.target.text()}, s.line);
+    if (!isSystemPlace(s.procedure) || !callSystemProcedure(frame, s))
+        throw makeDbError(2812, {s.procedure.text()}, s.line);
 }
 
 void Calls::executeText(const std::string& text) {
@@ -44,7 +45,7 @@ void Calls::executeText(const std::string& text) {
 
 // --- procedures ---
 
-void Calls::callProcedure(Frame& frame, const Statement& s, CatalogModule& module) {
+void Calls::callProcedure(Frame& frame, const ExecuteStatement& s, CatalogModule& module) {
     Frame callee = codes_.frameOf(module);
     const auto& parameters = callee.code->parsed->definition->parameters;
     const Outputs outputs = passArguments(frame, s, module.name, callee);
@@ -58,8 +59,8 @@ void Calls::callProcedure(Frame& frame, const Statement& s, CatalogModule& modul
     if (!s.variable.empty()) frame.variables[frame.variable(s.variable, s.line)] = callee.returned;
 }
 
-Calls::Outputs Calls::passArguments(Frame& frame, const Statement& s, const std::string& procedure,
-                                    Frame& callee) {
+Calls::Outputs Calls::passArguments(Frame& frame, const ExecuteStatement& s,
+                                    const std::string& procedure, Frame& callee) {
     const auto& parameters = callee.code->parsed->definition->parameters;
     std::vector<std::string> names;
     for (const Parameter& p : parameters) names.push_back(p.name);
@@ -112,8 +113,8 @@ bool Calls::isSystemPlace(const Name& name) const {
 }
 
 // False when there is none of that name.
-bool Calls::callSystemProcedure(Frame& frame, const Statement& s) {
-    const std::string name = lowerCase(s.target.last());
+bool Calls::callSystemProcedure(Frame& frame, const ExecuteStatement& s) {
+    const std::string name = lowerCase(s.procedure.last());
     if (name == "sp_executesql") return executeSql(frame, s), true;
     if (name == "sp_getapplock" || name == "sp_releaseapplock")
         return locks_.call(frame, s, name), true;
@@ -127,7 +128,7 @@ bool Calls::callSystemProcedure(Frame& frame, const Statement& s) {
 }
 
 // sp_executesql N'text', N'@a int, @b int OUTPUT', value, @x OUTPUT | @a = value ...
-void Calls::executeSql(Frame& frame, const Statement& s) {
+void Calls::executeSql(Frame& frame, const ExecuteStatement& s) {
     if (s.arguments.empty()) throw makeDbError(201, {"sp_executesql", "@statement"}, s.line);
     const std::string sql = plans_.evaluate(frame, *s.arguments[0].value, kText).toText();
     if (s.arguments.size() == 1) return executeText(sql);

@@ -22,6 +22,7 @@ class Calls {
           runner_(runner) {}
 
     // Throws 266 when the call leaves another number of transactions open than it found.
+    // Execute or ExecuteText.
     void execute(Frame& frame, const Statement& s);
 
   private:
@@ -29,14 +30,14 @@ class Calls {
     using Outputs = std::vector<std::pair<size_t, std::string>>;
 
     void call(Frame& frame, const Statement& s);
-    void callProcedure(Frame& frame, const Statement& s, CatalogModule& module);
-    Outputs passArguments(Frame& frame, const Statement& s, const std::string& procedure,
+    void callProcedure(Frame& frame, const ExecuteStatement& s, CatalogModule& module);
+    Outputs passArguments(Frame& frame, const ExecuteStatement& s, const std::string& procedure,
                           Frame& callee);
     void passOne(Frame& frame, const Argument& a, const Parameter& p, Value& value, int line);
-    bool callSystemProcedure(Frame& frame, const Statement& s);
+    bool callSystemProcedure(Frame& frame, const ExecuteStatement& s);
     bool isSystemPlace(const Name& name) const;
     void executeText(const std::string& text);
-    void executeSql(Frame& frame, const Statement& s);
+    void executeSql(Frame& frame, const ExecuteStatement& s);
 
     Session& session_;
     const Transactions& transactions_;

@@ -1,6 +1,6 @@
 #include "tsql/run/code_cache.h"
 
-#include "tsql/parse/parser.h"
+#include "tsql/parse/literal.h"
 
 namespace owb::tsql {
 

@@ -11,12 +11,12 @@
 namespace owb::tsql {
 
 struct Cursor {
-    Cursor(const Statement& s, const Frame& frame);
+    Cursor(const CursorStatement& s, const Frame& frame);
     ~Cursor();
     Cursor(const Cursor&) = delete;
     Cursor& operator=(const Cursor&) = delete;
 
-    const Statement& statement;
+    const CursorStatement& statement;
     std::shared_ptr<CompiledBatch> code;  // that the statement stands in
     std::vector<Value> variables;
     ResultSet rows;
@@ -30,16 +30,16 @@ class Cursors {
     Cursors(Session& session, PlanRunner& plans, Queries& queries)
         : session_(session), plans_(plans), queries_(queries) {}
 
-    void run(Frame& frame, const Statement& s);
+    void run(Frame& frame, const CursorStatement& s);
     int fetchStatus() const { return fetchStatus_; }
 
   private:
-    void declare(Frame& frame, const Statement& s);
+    void declare(Frame& frame, const CursorStatement& s);
     std::shared_ptr<Cursor> find(Frame& frame, const std::string& name) const;
     void open(Frame& frame, Cursor& cursor);
     void close(Cursor& cursor);
-    void fetch(Frame& frame, Cursor& cursor, const Statement& s);
-    int64_t placeOf(Frame& frame, const Cursor& cursor, const Statement& s);
+    void fetch(Frame& frame, Cursor& cursor, const CursorStatement& s);
+    int64_t placeOf(Frame& frame, const Cursor& cursor, const CursorStatement& s);
 
     Session& session_;
     PlanRunner& plans_;

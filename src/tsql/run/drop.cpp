@@ -22,13 +22,13 @@ const char* dropWord(ModuleKind kind) {
 
 }  // namespace
 
-void TableDefinitions::drop(const Statement& s) {
+void TableDefinitions::drop(const DropStatement& s) {
     for (const Name& name : s.names) {  // those before one that is not there are gone
         AtomicSteps steps(session_.sqlite, name.last().starts_with("#"));
         watch_.look();
-        if (s.dropKind == "INDEX")
+        if (s.what == "INDEX")
             dropIndex(s, name);
-        else if (s.dropKind == "TABLE")
+        else if (s.what == "TABLE")
             dropTable(s, name);
         else
             dropModule(s, name);
@@ -36,9 +36,9 @@ void TableDefinitions::drop(const Statement& s) {
     }
 }
 
-void TableDefinitions::dropIndex(const Statement& s, const Name& name) {
+void TableDefinitions::dropIndex(const DropStatement& s, const Name& name) {
     const std::string& object = name.last();
-    Name tableName = s.target;
+    Name tableName = s.table;
     if (tableName.empty()) tableName.parts.assign(name.parts.begin(), name.parts.end() - 1);
     if (tableName.empty()) throw makeDbError(3701, {"index", name.text()}, s.line);
     CatalogTablePtr table = session_.catalog.findTable(tableName);
@@ -63,7 +63,7 @@ void TableDefinitions::dropIndex(const Statement& s, const Name& name) {
     session_.catalog.changed(table->name);
 }
 
-void TableDefinitions::dropTable(const Statement& s, const Name& name) {
+void TableDefinitions::dropTable(const DropStatement& s, const Name& name) {
     const std::string& object = name.last();
     CatalogTablePtr table = session_.catalog.findTable(name);
     if (!table) {
@@ -90,14 +90,14 @@ void TableDefinitions::dropTable(const Statement& s, const Name& name) {
     }
 }
 
-void TableDefinitions::dropModule(const Statement& s, const Name& name) {
+void TableDefinitions::dropModule(const DropStatement& s, const Name& name) {
     const std::string& object = name.last();
     CatalogModulePtr module = session_.catalog.findModule(name);
-    if (!module || s.dropKind != dropWord(module->kind)) {
+    if (!module || s.what != dropWord(module->kind)) {
         if (!module && session_.catalog.findTable(name))
-            throw makeDbError(3705, {s.dropKind, object, object, "table", "TABLE"}, s.line);
+            throw makeDbError(3705, {s.what, object, object, "table", "TABLE"}, s.line);
         if (s.ifExists && !module) return;
-        throw makeDbError(3701, {lowerCase(s.dropKind), name.text()}, s.line);
+        throw makeDbError(3701, {lowerCase(s.what), name.text()}, s.line);
     }
     SqliteStatement erase = session_.sqlite.prepare("DELETE FROM tsql_module WHERE name = ?1");
     erase.bind(1, Value(module->name));

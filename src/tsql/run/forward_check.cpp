@@ -12,37 +12,46 @@ void ForwardCheck::check(Frame& frame, const std::vector<StatementPtr>& statemen
             if (e.line == 0) e.line = s->line;
             if (e.number != 208 && e.number != 544 && e.number != 545 && e.number != 8101) throw;
         }
-        check(frame, s->body);
-        check(frame, s->otherwise);
+        if (const CompoundStatement* c = compound(*s)) {
+            check(frame, c->body);
+            check(frame, c->otherwise);
+        }
     }
 }
 
 void ForwardCheck::checkOne(Frame& frame, const Statement& s) {
     switch (s.kind) {
         case StatementKind::Query:
+            return checkQuery(frame, s, *as<QueryStatement>(s).query);
         case StatementKind::DeclareCursor:
-            plans_.plan(frame, &s, [&](Planner& p) { return p.query(*s.query); });
-            break;
-        case StatementKind::Insert:
-            if (s.query || s.defaultValues)
+            return checkQuery(frame, s, *as<CursorStatement>(s).query);
+        case StatementKind::Insert: {
+            const auto& insert = as<InsertStatement>(s);
+            if (!insert.executed)
                 plans_.plan(frame, &s, [&](Planner& p) {
-                    return p.insert(s, identity_.isExplicit(s.target));
+                    return p.insert(insert, identity_.isExplicit(insert.target));
                 });
             break;
+        }
         case StatementKind::Update:
-            plans_.plan(frame, &s, [&](Planner& p) { return p.update(s); });
+            plans_.plan(frame, &s, [&](Planner& p) { return p.update(as<ChangeStatement>(s)); });
             break;
         case StatementKind::Delete:
-            plans_.plan(frame, &s, [&](Planner& p) { return p.remove(s); });
+            plans_.plan(frame, &s, [&](Planner& p) { return p.remove(as<ChangeStatement>(s)); });
             break;
         case StatementKind::If:
-        case StatementKind::While:
-            plans_.plan(frame, s.condition.get(),
-                        [&](Planner& p) { return p.condition(*s.condition); });
+        case StatementKind::While: {
+            const Expr& condition = *as<CompoundStatement>(s).condition;
+            plans_.plan(frame, &condition, [&](Planner& p) { return p.condition(condition); });
             break;
+        }
         default:
             break;
     }
+}
+
+void ForwardCheck::checkQuery(Frame& frame, const Statement& s, const Query& query) {
+    plans_.plan(frame, &s, [&](Planner& p) { return p.query(query); });
 }
 
 bool ForwardCheck::changesSchema(const std::vector<StatementPtr>& statements) {
@@ -54,16 +63,21 @@ bool ForwardCheck::changesSchema(const std::vector<StatementPtr>& statements) {
             case StatementKind::Execute:
             case StatementKind::ExecuteText:
                 return true;
-            case StatementKind::Declare:
-                return std::any_of(s->variables.begin(), s->variables.end(),
+            case StatementKind::Declare: {
+                const auto& variables = as<DeclareStatement>(*s).variables;
+                return std::any_of(variables.begin(), variables.end(),
                                    [](const VariableDeclaration& v) { return v.isTable; });
+            }
             case StatementKind::Query: {
-                const QueryBody* first = s->query->body.get();
+                const QueryBody* first = as<QueryStatement>(*s).query->body.get();
                 while (first->left) first = first->left.get();
                 return !first->into.empty();
             }
+            case StatementKind::Insert:
+                return as<InsertStatement>(*s).executed != nullptr;
             default:
-                return changesSchema(s->body) || changesSchema(s->otherwise);
+                const CompoundStatement* c = compound(*s);
+                return c && (changesSchema(c->body) || changesSchema(c->otherwise));
         }
     });
 }

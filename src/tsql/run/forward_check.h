@@ -18,6 +18,7 @@ class ForwardCheck {
 
   private:
     void checkOne(Frame& frame, const Statement& s);
+    void checkQuery(Frame& frame, const Statement& s, const Query& query);
 
     PlanRunner& plans_;
     const IdentityValues& identity_;

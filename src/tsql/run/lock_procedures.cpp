@@ -30,7 +30,7 @@ std::string lockName(const std::string& principal, const std::string& resource) 
 }  // namespace
 
 // The arguments of a call in the order of the names, each as a text; none where nothing is given.
-LockProcedures::Texts LockProcedures::namedArguments(Frame& frame, const Statement& s,
+LockProcedures::Texts LockProcedures::namedArguments(Frame& frame, const ExecuteStatement& s,
                                                      const std::string& procedure,
                                                      const std::vector<std::string>& names) {
     const SqlType text = SqlType::text(SqlKind::NVarChar, 4000);
@@ -43,7 +43,7 @@ LockProcedures::Texts LockProcedures::namedArguments(Frame& frame, const Stateme
 }
 
 // Hands the return code on; an error is told besides, and leaves the code as it is.
-void LockProcedures::call(Frame& frame, const Statement& s, const std::string& procedure) {
+void LockProcedures::call(Frame& frame, const ExecuteStatement& s, const std::string& procedure) {
     const auto answer = [&](int code) {
         if (!s.variable.empty()) frame.variables[frame.variable(s.variable, s.line)] = Value(code);
     };

@@ -17,14 +17,14 @@ class LockProcedures {
                    AppLocks& locks)
         : session_(session), transactions_(transactions), plans_(plans), locks_(locks) {}
 
-    void call(Frame& frame, const Statement& s, const std::string& procedure);
+    void call(Frame& frame, const ExecuteStatement& s, const std::string& procedure);
     // APPLOCK_MODE and, with a mode, APPLOCK_TEST.
     Value ask(const std::string& principal, const std::string& resource,
               const std::optional<std::string>& mode, const std::string& owner);
 
   private:
     using Texts = std::vector<std::optional<Value>>;
-    Texts namedArguments(Frame& frame, const Statement& s, const std::string& procedure,
+    Texts namedArguments(Frame& frame, const ExecuteStatement& s, const std::string& procedure,
                          const std::vector<std::string>& names);
     int await(const std::string& name, AppLocks::Mode mode, AppLocks::Owner owner, int64_t timeout);
 

@@ -10,18 +10,18 @@ int MessageStatements::whole(Frame& frame, const Argument& a) {
     return static_cast<int>(plans_.evaluate(frame, *a.value).toInt());
 }
 
-void MessageStatements::print(Frame& frame, const Statement& s) {
+void MessageStatements::print(Frame& frame, const ValueStatement& s) {
     session_.tell(
         plans_.evaluate(frame, *s.value, SqlType::text(SqlKind::NVarChar, 4000)).toText());
     session_.rowCount = 0;
 }
 
-void MessageStatements::raise(Frame& frame, const Statement& s) {
+void MessageStatements::raise(Frame& frame, const MessageStatement& s) {
     if (s.arguments.size() < 3) throw makeDbError(102, {"RAISERROR"}, s.line);
     const Value message = plans_.evaluate(frame, *s.arguments[0].value);
     const int severity = whole(frame, s.arguments[1]);
     const int state = whole(frame, s.arguments[2]);
-    if (severity > 18 && !s.on) throw makeDbError(2754, {}, s.line);
+    if (severity > 18 && !s.log) throw makeDbError(2754, {}, s.line);
     std::string text;
     if (message.isText()) {
         std::vector<Value> values;
@@ -38,7 +38,7 @@ void MessageStatements::raise(Frame& frame, const Statement& s) {
     const int number = message.isText() ? 50000 : static_cast<int>(message.toInt());
     if (severity <= 10) {
         session_.tell(text);
-        session_.lastError = s.local ? number : 0;
+        session_.lastError = s.setsError ? number : 0;
         return;
     }
     TravellingError error(DbError(number, severity, std::max(state, 0), s.line, text));
@@ -46,7 +46,7 @@ void MessageStatements::raise(Frame& frame, const Statement& s) {
     throw error;
 }
 
-void MessageStatements::throwError(Frame& frame, const Statement& s) {
+void MessageStatements::throwError(Frame& frame, const MessageStatement& s) {
     if (s.arguments.empty()) {
         if (!session_.caught)
             throw DbError(10704, 15, 1, s.line,

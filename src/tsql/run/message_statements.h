@@ -9,9 +9,9 @@ class MessageStatements {
   public:
     MessageStatements(Session& session, PlanRunner& plans) : session_(session), plans_(plans) {}
 
-    void print(Frame& frame, const Statement& s);
-    void raise(Frame& frame, const Statement& s);
-    void throwError(Frame& frame, const Statement& s);
+    void print(Frame& frame, const ValueStatement& s);
+    void raise(Frame& frame, const MessageStatement& s);
+    void throwError(Frame& frame, const MessageStatement& s);
 
   private:
     int whole(Frame& frame, const Argument& a);

@@ -9,41 +9,47 @@ namespace {
 
 // A function changes nothing but its own variables.
 void forbidWrites(const std::vector<StatementPtr>& statements) {
+    const auto refuse = [](const char* verb, const Statement& s) {
+        throw makeDbError(443, {verb}, s.line);
+    };
     for (const StatementPtr& s : statements) {
-        const char* verb = nullptr;
-        const bool table = !s->target.empty() && s->target.last()[0] != '@';
         switch (s->kind) {
             case StatementKind::Insert:
-                verb = table ? "INSERT" : nullptr;
-                break;
             case StatementKind::Update:
-                verb = table ? "UPDATE" : nullptr;
-                break;
             case StatementKind::Delete:
-                verb = table ? "DELETE" : nullptr;
+                if (as<WriteStatement>(*s).target.last()[0] != '@')
+                    refuse(s->kind == StatementKind::Insert   ? "INSERT"
+                           : s->kind == StatementKind::Update ? "UPDATE"
+                                                              : "DELETE",
+                           *s);
+                if (s->kind == StatementKind::Insert)
+                    if (const StatementPtr& call = as<InsertStatement>(*s).executed;
+                        call && call->kind == StatementKind::ExecuteText)
+                        refuse("EXECUTE STRING", *call);
                 break;
             case StatementKind::ExecuteText:
-                verb = "EXECUTE STRING";
+                refuse("EXECUTE STRING", *s);
                 break;
             case StatementKind::CreateTable:
-                verb = "CREATE TABLE";
+                refuse("CREATE TABLE", *s);
                 break;
             case StatementKind::Drop:
-                verb = "DROP";
+                refuse("DROP", *s);
                 break;
             default:
                 break;
         }
-        if (verb) throw makeDbError(443, {verb}, s->line);
-        forbidWrites(s->body);
-        forbidWrites(s->otherwise);
+        if (const CompoundStatement* c = compound(*s)) {
+            forbidWrites(c->body);
+            forbidWrites(c->otherwise);
+        }
     }
 }
 
 }  // namespace
 
-void ModuleDefinitions::requireName(const Statement& s, const CatalogModulePtr& old) const {
-    const Name& name = s.module->name;
+void ModuleDefinitions::requireName(const ModuleStatement& s, const CatalogModulePtr& old) const {
+    const Name& name = s.module.name;
     if (s.alter && !old) throw makeDbError(208, {name.text()}, s.line);
     if ((old && !s.alter && !s.orAlter) || session_.catalog.findTable(name.last()))
         throw makeDbError(2714, {name.last()}, s.line);
@@ -51,8 +57,8 @@ void ModuleDefinitions::requireName(const Statement& s, const CatalogModulePtr& 
 
 // The columns that each "*" of a view or inline function stands for from now on; its own columns
 // must have names, each another.
-std::string ModuleDefinitions::starsOf(Frame& frame, const Statement& s) const {
-    const ModuleDefinition& m = *s.module;
+std::string ModuleDefinitions::starsOf(Frame& frame, const ModuleStatement& s) const {
+    const ModuleDefinition& m = s.module;
     if (!m.query) return "";
     BindContext context = session_.bindContext(frame);
     Binder binder(context);
@@ -74,8 +80,8 @@ std::string ModuleDefinitions::starsOf(Frame& frame, const Statement& s) const {
     return stars;
 }
 
-int ModuleDefinitions::eventsOf(const Statement& s) const {
-    const ModuleDefinition& m = *s.module;
+int ModuleDefinitions::eventsOf(const ModuleStatement& s) const {
+    const ModuleDefinition& m = s.module;
     if (m.kind != ModuleKind::Trigger) return 0;
     if (!session_.catalog.findTable(m.table))
         throw DbError(
@@ -99,8 +105,8 @@ void ModuleDefinitions::checkBody(const ModuleDefinition& m) {
 }
 
 void ModuleDefinitions::define(Frame& frame) {
-    const Statement& s = *frame.code->parsed->ast.statements[0];
-    const ModuleDefinition& m = *s.module;
+    const auto& s = as<ModuleStatement>(*frame.code->parsed->ast.statements[0]);
+    const ModuleDefinition& m = s.module;
     const std::string& name = m.name.last();
     AtomicSteps steps(session_.sqlite);
     watch_.look();
@@ -114,7 +120,7 @@ void ModuleDefinitions::define(Frame& frame) {
         "INSERT OR REPLACE INTO tsql_module VALUES(?1, ?2, ?3, ?4, ?5, ?6)");
     insert.bind(1, Value(old ? old->name : name));
     insert.bind(2, Value(static_cast<int>(m.kind)));
-    insert.bind(3, Value(s.moduleSource));
+    insert.bind(3, Value(s.source));
     insert.bind(4, Value(stars));
     insert.bind(5, Value(m.table.empty() ? std::string() : m.table.last()));
     insert.bind(6, Value(events));

@@ -15,9 +15,9 @@ class ModuleDefinitions {
     void define(Frame& frame);
 
   private:
-    void requireName(const Statement& s, const CatalogModulePtr& old) const;
-    std::string starsOf(Frame& frame, const Statement& s) const;
-    int eventsOf(const Statement& s) const;
+    void requireName(const ModuleStatement& s, const CatalogModulePtr& old) const;
+    std::string starsOf(Frame& frame, const ModuleStatement& s) const;
+    int eventsOf(const ModuleStatement& s) const;
     void checkBody(const ModuleDefinition& m);
 
     Session& session_;

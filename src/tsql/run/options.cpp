@@ -19,7 +19,7 @@ void Options::setLockTimeout(int64_t milliseconds) {
         session_.sqlite.setBusyMilliseconds(session_.lockTimeout);
 }
 
-bool Options::changesNothing(const Statement& s) const {
+bool Options::changesNothing(const OptionStatement& s) const {
     static constexpr const char* kAnyway[] = {"QUOTED_IDENTIFIER", "ARITHABORT",
                                               "NUMERIC_ROUNDABORT", "STATISTICS"};
     static constexpr const char* kOnlyOn[] = {"ANSI_NULLS",    "ANSI_PADDING",
@@ -32,8 +32,8 @@ bool Options::changesNothing(const Statement& s) const {
     return s.option.starts_with("TRANSACTION ISOLATION");
 }
 
-void Options::set(Frame& frame, const Statement& s) {
-    if (s.option == "IDENTITY_INSERT") return identity_.allowExplicit(s.target, s.on, s.line);
+void Options::set(Frame& frame, const OptionStatement& s) {
+    if (s.option == "IDENTITY_INSERT") return identity_.allowExplicit(s.table, s.on, s.line);
     if (s.option == "NOCOUNT") {
         session_.noCount = s.on;
         return;

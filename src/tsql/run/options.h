@@ -12,13 +12,13 @@ class Options {
     Options(Session& session, PlanRunner& plans, IdentityValues& identity)
         : session_(session), plans_(plans), identity_(identity) {}
 
-    void set(Frame& frame, const Statement& s);
+    void set(Frame& frame, const OptionStatement& s);
     void setCommandTimeout(int seconds);
     int commandTimeout() const { return commandTimeout_; }
 
   private:
     void setLockTimeout(int64_t milliseconds);
-    bool changesNothing(const Statement& s) const;
+    bool changesNothing(const OptionStatement& s) const;
 
     Session& session_;
     PlanRunner& plans_;

@@ -5,8 +5,8 @@
 
 namespace owb::tsql {
 
-void Queries::run(Frame& frame, const Statement& s) {
-    Plan& p = plans_.plan(frame, &s, [&](Planner& planner) { return planner.query(*s.query); });
+void Queries::run(Frame& frame, const Statement& s, const Query& query) {
+    Plan& p = plans_.plan(frame, &s, [&](Planner& planner) { return planner.query(query); });
     if (!p.into.empty()) return makeTable(frame, p);
     if (!p.variables.empty()) return assign(frame, p);
     if (frame.inFunction)

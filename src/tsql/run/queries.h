@@ -15,7 +15,8 @@ class Queries {
           tables_(tables),
           plans_(plans) {}
 
-    void run(Frame& frame, const Statement& s);
+    // The query of that statement.
+    void run(Frame& frame, const Statement& s, const Query& query);
 
   private:
     void assign(Frame& frame, Plan& plan);

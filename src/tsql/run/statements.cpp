@@ -15,7 +15,8 @@ Statements::Flow Statements::run(Frame& frame, const std::vector<StatementPtr>& 
             if (flow.kind != Flow::Goto) return flow;
             const auto label =
                 std::find_if(statements.begin(), statements.end(), [&](const StatementPtr& l) {
-                    return l->kind == StatementKind::Label && l->option == *flow.label;
+                    return l->kind == StatementKind::Label &&
+                           as<LabelStatement>(*l).label == *flow.label;
                 });
             if (label == statements.end()) return flow;
             at = static_cast<size_t>(label - statements.begin());
@@ -49,27 +50,22 @@ Statements::Flow Statements::runOne(Frame& frame, const Statement& s) {
         session_.forgetStatementTime();
     }
     switch (s.kind) {
-        case StatementKind::If: {
-            bool yes = false;
-            watch_.upToDate([&] { yes = plans_.condition(frame, *s.condition); });
-            session_.rowCount = 0;
-            session_.lastError = 0;
-            return run(frame, yes ? s.body : s.otherwise);
-        }
+        case StatementKind::If:
+            return choose(frame, as<CompoundStatement>(s));
         case StatementKind::While:
-            return loop(frame, s);
+            return loop(frame, as<CompoundStatement>(s));
         case StatementKind::Block:
-            return run(frame, s.body);
+            return run(frame, as<CompoundStatement>(s).body);
         case StatementKind::Break:
             return {Flow::Break};
         case StatementKind::Continue:
             return {Flow::Continue};
         case StatementKind::Goto:
-            return {Flow::Goto, &s.option};
+            return {Flow::Goto, &as<LabelStatement>(s).label};
         case StatementKind::Return:
-            return leave(frame, s);
+            return leave(frame, as<ValueStatement>(s));
         case StatementKind::TryCatch:
-            return tryAndCatch(frame, s);
+            return tryAndCatch(frame, as<CompoundStatement>(s));
         case StatementKind::Label:
             return {};
         default:
@@ -83,24 +79,24 @@ Statements::Flow Statements::runOne(Frame& frame, const Statement& s) {
 bool Statements::runPlain(Frame& frame, const Statement& s) {
     switch (s.kind) {
         case StatementKind::Query:
-            watch_.upToDate([&] { queries_.run(frame, s); });
+            watch_.upToDate([&] { queries_.run(frame, s, *as<QueryStatement>(s).query); });
             return true;
         case StatementKind::Insert:
         case StatementKind::Update:
         case StatementKind::Delete:
-            write(frame, s);
+            write(frame, as<WriteStatement>(s));
             return true;
         case StatementKind::Truncate:
-            watch_.upToDate([&] { writes_.truncate(s); });
+            watch_.upToDate([&] { writes_.truncate(as<TruncateStatement>(s)); });
             return true;
         case StatementKind::Declare:
-            declare(frame, s);
+            declare(frame, as<DeclareStatement>(s));
             return true;
         case StatementKind::Set:
-            assign(frame, s);
+            assign(frame, as<SetStatement>(s));
             return true;
         case StatementKind::SetOption:
-            options_.set(frame, s);
+            options_.set(frame, as<OptionStatement>(s));
             return true;
         case StatementKind::Execute:
         case StatementKind::ExecuteText:
@@ -116,33 +112,41 @@ bool Statements::runPlain(Frame& frame, const Statement& s) {
         case StatementKind::Commit:
         case StatementKind::Rollback:
         case StatementKind::SaveTransaction:
-            changeTransaction(frame, s);
+            changeTransaction(frame, as<TransactionStatement>(s));
             return true;
         case StatementKind::DeclareCursor:
         case StatementKind::OpenCursor:
         case StatementKind::FetchCursor:
         case StatementKind::CloseCursor:
         case StatementKind::DeallocateCursor:
-            cursors_.run(frame, s);
+            cursors_.run(frame, as<CursorStatement>(s));
             return true;
         case StatementKind::WaitFor:
-            waitFor(frame, s);
+            waitFor(frame, as<WaitStatement>(s));
             return true;
         case StatementKind::Print:
-            messages_.print(frame, s);
+            messages_.print(frame, as<ValueStatement>(s));
             return true;
         case StatementKind::RaiseError:
-            messages_.raise(frame, s);
+            messages_.raise(frame, as<MessageStatement>(s));
             return false;
         case StatementKind::Throw:
-            messages_.throwError(frame, s);
+            messages_.throwError(frame, as<MessageStatement>(s));
             return true;
         default:
             throw makeDbError(111, {"CREATE"}, s.line);
     }
 }
 
-Statements::Flow Statements::loop(Frame& frame, const Statement& s) {
+Statements::Flow Statements::choose(Frame& frame, const CompoundStatement& s) {
+    bool yes = false;
+    watch_.upToDate([&] { yes = plans_.condition(frame, *s.condition); });
+    session_.rowCount = 0;
+    session_.lastError = 0;
+    return run(frame, yes ? s.body : s.otherwise);
+}
+
+Statements::Flow Statements::loop(Frame& frame, const CompoundStatement& s) {
     while (plans_.condition(frame, *s.condition)) {
         session_.sqlite.checkClock();
         const Flow flow = run(frame, s.body);
@@ -153,7 +157,7 @@ Statements::Flow Statements::loop(Frame& frame, const Statement& s) {
 }
 
 // RETURN
-Statements::Flow Statements::leave(Frame& frame, const Statement& s) {
+Statements::Flow Statements::leave(Frame& frame, const ValueStatement& s) {
     if (!s.value) return {Flow::Return};
     const ModuleDefinition* definition = frame.code->parsed->definition;
     if (!frame.inFunction && (!definition || definition->kind != ModuleKind::Procedure))
@@ -163,7 +167,7 @@ Statements::Flow Statements::leave(Frame& frame, const Statement& s) {
     return {Flow::Return};
 }
 
-Statements::Flow Statements::tryAndCatch(Frame& frame, const Statement& s) {
+Statements::Flow Statements::tryAndCatch(Frame& frame, const CompoundStatement& s) {
     std::optional<TravellingError> error;
     try {
         Restored inTry(session_.tryDepth, session_.tryDepth + 1);
@@ -183,7 +187,7 @@ Statements::Flow Statements::tryAndCatch(Frame& frame, const Statement& s) {
     return run(frame, s.otherwise);
 }
 
-void Statements::declare(Frame& frame, const Statement& s) {
+void Statements::declare(Frame& frame, const DeclareStatement& s) {
     for (const VariableDeclaration& v : s.variables) {
         if (v.isTable)
             tables_.declare(v, s.line);
@@ -194,7 +198,7 @@ void Statements::declare(Frame& frame, const Statement& s) {
 }
 
 // SET @x = value, SET @x += value
-void Statements::assign(Frame& frame, const Statement& s) {
+void Statements::assign(Frame& frame, const SetStatement& s) {
     const size_t at = frame.variable(s.variable, s.line);
     const SqlType& type = frame.typeOf(at);
     if (s.op.empty()) {
@@ -206,16 +210,16 @@ void Statements::assign(Frame& frame, const Statement& s) {
     session_.rowCount = 1;
 }
 
-void Statements::write(Frame& frame, const Statement& s) {
-    if (s.kind == StatementKind::Insert && !s.body.empty())
-        insertExecuted(frame, s);  // what it calls is not called again
+void Statements::write(Frame& frame, const WriteStatement& s) {
+    if (s.kind == StatementKind::Insert && as<InsertStatement>(s).executed)
+        insertExecuted(frame, as<InsertStatement>(s));  // what it calls is not called again
     else
         watch_.upToDate([&] { writes_.run(frame, s); });
     session_.tellCount();
 }
 
 // INSERT ... EXEC: what the call gives back goes into the table.
-void Statements::insertExecuted(Frame& frame, const Statement& s) {
+void Statements::insertExecuted(Frame& frame, const InsertStatement& s) {
     writes_.requireWritable(s);
     if (session_.insertExecs > 0)
         throw DbError(8164, 16, 1, s.line, "An INSERT EXEC statement cannot be nested.");
@@ -226,7 +230,7 @@ void Statements::insertExecuted(Frame& frame, const Statement& s) {
     try {
         Restored result(session_.result, &rows);
         Restored nested(session_.insertExecs, session_.insertExecs + 1);
-        calls_.execute(frame, *s.body[0]);
+        calls_.execute(frame, *s.executed);
     } catch (...) {
         handOn();
         throw;
@@ -245,9 +249,8 @@ void Statements::execute(Frame& frame, const Statement& s) {
     }
 }
 
-void Statements::changeTransaction(Frame& frame, const Statement& s) {
-    std::string name = s.target.empty() ? "" : s.target.last();
-    if (s.value) name = plans_.evaluate(frame, *s.value).toText();
+void Statements::changeTransaction(Frame& frame, const TransactionStatement& s) {
+    const std::string name = s.nameValue ? plans_.evaluate(frame, *s.nameValue).toText() : s.name;
     switch (s.kind) {
         case StatementKind::BeginTransaction:
             return transactions_.begin(name);
@@ -260,17 +263,17 @@ void Statements::changeTransaction(Frame& frame, const Statement& s) {
     }
 }
 
-void Statements::waitFor(Frame& frame, const Statement& s) {
+void Statements::waitFor(Frame& frame, const WaitStatement& s) {
     Value until;
     try {
-        until = plans_.evaluate(frame, *s.value, SqlType::of(SqlKind::DateTime));
+        until = plans_.evaluate(frame, *s.time, SqlType::of(SqlKind::DateTime));
     } catch (const DbError& e) {
         if (e.number != 241 && e.number != 242) throw;
-        throw makeDbError(148, {plans_.evaluate(frame, *s.value).toText()}, s.line);
+        throw makeDbError(148, {plans_.evaluate(frame, *s.time).toText()}, s.line);
     }
     if (until.isNull()) return;
     double seconds = until.asDate().tick / 300.0;
-    if (s.on) {
+    if (s.untilTime) {
         seconds -= session_.statementTime().tick / 300.0;
         if (seconds < 0) seconds += 86400;
     }

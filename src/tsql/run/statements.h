@@ -49,16 +49,17 @@ class Statements {
   private:
     Flow runOne(Frame& frame, const Statement& s);
     bool runPlain(Frame& frame, const Statement& s);
-    Flow loop(Frame& frame, const Statement& s);
-    Flow leave(Frame& frame, const Statement& s);
-    Flow tryAndCatch(Frame& frame, const Statement& s);
-    void declare(Frame& frame, const Statement& s);
-    void assign(Frame& frame, const Statement& s);
-    void write(Frame& frame, const Statement& s);
-    void insertExecuted(Frame& frame, const Statement& s);
+    Flow choose(Frame& frame, const CompoundStatement& s);
+    Flow loop(Frame& frame, const CompoundStatement& s);
+    Flow leave(Frame& frame, const ValueStatement& s);
+    Flow tryAndCatch(Frame& frame, const CompoundStatement& s);
+    void declare(Frame& frame, const DeclareStatement& s);
+    void assign(Frame& frame, const SetStatement& s);
+    void write(Frame& frame, const WriteStatement& s);
+    void insertExecuted(Frame& frame, const InsertStatement& s);
     void execute(Frame& frame, const Statement& s);
-    void changeTransaction(Frame& frame, const Statement& s);
-    void waitFor(Frame& frame, const Statement& s);
+    void changeTransaction(Frame& frame, const TransactionStatement& s);
+    void waitFor(Frame& frame, const WaitStatement& s);
 
     Session& session_;
     Transactions& transactions_;

@@ -132,7 +132,7 @@ CatalogModulePtr SystemHelp::moduleNamed(const std::string& text) const {
     return name.empty() ? nullptr : session_.catalog.findModule(name);
 }
 
-void SystemHelp::call(Frame& frame, const Statement& s, const std::string& procedure) {
+void SystemHelp::call(Frame& frame, const ExecuteStatement& s, const std::string& procedure) {
     std::string object;
     if (!s.arguments.empty())
         object = plans_.evaluate(frame, *s.arguments[0].value, text(776)).toText();
@@ -338,7 +338,7 @@ std::vector<CatalogColumn> SystemHelp::viewColumns(const CatalogModule& view, si
     for (size_t i = 0; i < arguments; ++i) call += i ? ",NULL" : "NULL";
     if (view.kind != ModuleKind::View) call = "(" + call + ")";
     Frame frame(compileBatch("SELECT * FROM [" + name + "]" + call));
-    const Statement& s = *frame.code->parsed->ast.statements[0];
+    const auto& s = as<QueryStatement>(*frame.code->parsed->ast.statements[0]);
     const Plan& p =
         plans_.plan(frame, &s, [&](Planner& planner) { return planner.query(*s.query); });
     std::vector<CatalogColumn> columns;

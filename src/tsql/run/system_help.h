@@ -13,7 +13,7 @@ class SystemHelp {
   public:
     SystemHelp(Session& session, PlanRunner& plans) : session_(session), plans_(plans) {}
 
-    void call(Frame& frame, const Statement& s, const std::string& procedure);
+    void call(Frame& frame, const ExecuteStatement& s, const std::string& procedure);
 
     CatalogTablePtr tableNamed(const std::string& text) const;  // a name that came as a text
     // Of a view; with a number of arguments, all NULL, of a function of rows.

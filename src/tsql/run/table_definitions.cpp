@@ -5,18 +5,26 @@
 
 namespace owb::tsql {
 
+template <class S>
+void TableDefinitions::define(const S& s, void (TableDefinitions::*work)(const S&)) {
+    AtomicSteps steps(session_.sqlite, s.table.last().starts_with("#"));
+    watch_.look();
+    (this->*work)(s);
+    steps.commit();
+}
+
 void TableDefinitions::run(const Statement& s) {
     transactions_.requireSound();
-    if (s.kind == StatementKind::Drop) return drop(s);
-    AtomicSteps steps(session_.sqlite, s.target.last().starts_with("#"));
-    watch_.look();
-    if (s.kind == StatementKind::CreateTable)
-        create(s);
-    else if (s.kind == StatementKind::AlterTable)
-        alter(s);
-    else
-        createIndex(s);
-    steps.commit();
+    switch (s.kind) {
+        case StatementKind::Drop:
+            return drop(as<DropStatement>(s));
+        case StatementKind::CreateTable:
+            return define(as<CreateTableStatement>(s), &TableDefinitions::create);
+        case StatementKind::AlterTable:
+            return define(as<AlterTableStatement>(s), &TableDefinitions::alter);
+        default:
+            return define(as<CreateIndexStatement>(s), &TableDefinitions::createIndex);
+    }
 }
 
 void TableDefinitions::declare(const VariableDeclaration& v, int line) {
@@ -27,24 +35,24 @@ void TableDefinitions::declare(const VariableDeclaration& v, int line) {
     tables_.create(describeTable(v.name, v.tableColumns, v.tableConstraints), line);
 }
 
-void TableDefinitions::create(const Statement& s) {
-    session_.catalog.requirePlace(s.target, s.line);
-    const std::string& name = s.target.last();
+void TableDefinitions::create(const CreateTableStatement& s) {
+    session_.catalog.requirePlace(s.table, s.line);
+    const std::string& name = s.table.last();
     if (session_.catalog.findTable(name) || session_.catalog.findModule(name))
         throw makeDbError(2714, {name}, s.line);
-    tables_.create(describeTable(name, s.tableColumns, s.constraints), s.line);
+    tables_.create(describeTable(name, s.columns, s.constraints), s.line);
 }
 
-void TableDefinitions::createIndex(const Statement& s) {
-    CatalogTablePtr table = session_.catalog.findTable(s.target);
-    if (!table) throw makeDbError(4902, {s.target.text()}, s.line);
+void TableDefinitions::createIndex(const CreateIndexStatement& s) {
+    CatalogTablePtr table = session_.catalog.findTable(s.table);
+    if (!table) throw makeDbError(4902, {s.table.text()}, s.line);
     for (const std::string& c : s.columns)
         if (table->findColumn(c) < 0) throw makeDbError(1911, {c}, s.line);
-    CatalogKey key{s.indexName, s.columns, CatalogKey::Index};
+    CatalogKey key{s.name, s.columns, CatalogKey::Index};
     if (session_.sqlite.number("SELECT 1 FROM " + schemaOf(table->sqlName) +
                                "sqlite_master WHERE type = 'index' AND name = " +
                                sqliteText(table->indexName(key.name)) + " COLLATE NOCASE"))
-        throw makeDbError(1913, {s.indexName, table->name}, s.line);
+        throw makeDbError(1913, {s.name, table->name}, s.line);
     AtomicSteps steps(session_.sqlite);
     tables_.createKeyIndex(*table, key, s.unique);
     if (s.unique) {

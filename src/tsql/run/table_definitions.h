@@ -23,11 +23,13 @@ class TableDefinitions {
     void declare(const VariableDeclaration& v, int line);
 
   private:
-    void create(const Statement& s);
-    void createIndex(const Statement& s);
+    template <class S>
+    void define(const S& s, void (TableDefinitions::*work)(const S&));
+    void create(const CreateTableStatement& s);
+    void createIndex(const CreateIndexStatement& s);
 
     // --- ALTER TABLE (alter_table.cpp) ---
-    void alter(const Statement& s);
+    void alter(const AlterTableStatement& s);
     void alter(const CatalogTable& table, const AlterAction& action, int line);
     void addColumn(const CatalogTable& table, const ColumnDefinition& column, int line);
     std::string newColumnDefault(const CatalogTable& table, const ColumnDefinition& column,
@@ -40,10 +42,10 @@ class TableDefinitions {
     void store(const CatalogTable& before, CatalogTable after);
 
     // --- DROP (drop.cpp) ---
-    void drop(const Statement& s);
-    void dropIndex(const Statement& s, const Name& name);
-    void dropTable(const Statement& s, const Name& name);
-    void dropModule(const Statement& s, const Name& name);
+    void drop(const DropStatement& s);
+    void dropIndex(const DropStatement& s, const Name& name);
+    void dropTable(const DropStatement& s, const Name& name);
+    void dropModule(const DropStatement& s, const Name& name);
 
     Session& session_;
     const Transactions& transactions_;

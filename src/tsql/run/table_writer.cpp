@@ -24,7 +24,7 @@ std::string TableWriter::checkText(const CatalogTable& table, const std::string&
     frame.pseudoTables = &pseudo;
     BindContext context = session_.bindContext(frame);
     Binder binder(context);
-    auto q = binder.bindQuery(*ast.statements[0]->query);
+    auto q = binder.bindQuery(*as<QueryStatement>(*ast.statements[0]).query);
     std::function<void(BoundExpr&)> prepare = [&](BoundExpr& e) {
         if (e.query) throw makeDbError(15281, {"A subquery in a CHECK constraint"});
         if (e.kind == BoundKind::Column) {

@@ -8,15 +8,19 @@
 
 namespace owb::tsql {
 
-void Writes::requireWritable(const Statement& s) const {
-    if (session_.functionDepth > 0) throw makeDbError(443, {"INSERT"}, s.line);
-    if (s.target.last()[0] != '@') transactions_.requireSound();
-    if (session_.options.rowCount > 0 && s.kind != StatementKind::Truncate)
+void Writes::requireWritable(const Name& target, int line) const {
+    if (session_.functionDepth > 0) throw makeDbError(443, {"INSERT"}, line);
+    if (target.last()[0] != '@') transactions_.requireSound();
+}
+
+void Writes::requireWritable(const WriteStatement& s) const {
+    requireWritable(s.target, s.line);
+    if (session_.options.rowCount > 0)
         throw makeDbError(15281, {"A statement that writes under SET ROWCOUNT"}, s.line);
 }
 
-void Writes::truncate(const Statement& s) {
-    requireWritable(s);
+void Writes::truncate(const TruncateStatement& s) {
+    requireWritable(s.target, s.line);
     watch_.look();
     CatalogTablePtr table = session_.catalog.findTable(s.target);
     if (!table) throw makeDbError(4701, {s.target.text()}, s.line);
@@ -29,13 +33,13 @@ void Writes::truncate(const Statement& s) {
     session_.rowCount = 0;
 }
 
-void Writes::run(Frame& frame, const Statement& s) {
+void Writes::run(Frame& frame, const WriteStatement& s) {
     requireWritable(s);
     const bool explicitIdentity = identity_.isExplicit(s.target);
     const auto make = [&](Planner& planner) {
-        if (s.kind == StatementKind::Update) return planner.update(s);
-        if (s.kind == StatementKind::Delete) return planner.remove(s);
-        return planner.insert(s, explicitIdentity);
+        if (s.kind == StatementKind::Update) return planner.update(as<ChangeStatement>(s));
+        if (s.kind == StatementKind::Delete) return planner.remove(as<ChangeStatement>(s));
+        return planner.insert(as<InsertStatement>(s), explicitIdentity);
     };
     Plan* p = &plans_.plan(frame, &s, make);
     // Made when SET IDENTITY_INSERT stood otherwise.
@@ -46,7 +50,7 @@ void Writes::run(Frame& frame, const Statement& s) {
     runPlan(frame, s, *p);
 }
 
-void Writes::runPlan(Frame& frame, const Statement& s, Plan& p) {
+void Writes::runPlan(Frame& frame, const WriteStatement& s, Plan& p) {
     const CatalogTablePtr target = p.target;
     try {
         if (!p.triggers.empty() || p.stepwise) return runInSteps(frame, s, p);
@@ -125,7 +129,7 @@ void Writes::collectRows(Frame& frame, Plan& p, const std::string& rows) {
 
 // --- statements in steps ---
 
-void Writes::runInSteps(Frame& frame, const Statement& s, Plan& p) {
+void Writes::runInSteps(Frame& frame, const WriteStatement& s, Plan& p) {
     const CatalogTable& table = *p.target;
     const std::string deleted = session_.workTable("deleted");
     const std::string inserted = session_.workTable("inserted");
@@ -188,7 +192,8 @@ int64_t Writes::changeCollecting(Frame& frame, Plan& p, const std::string& delet
     return count;
 }
 
-void Writes::output(Frame& frame, const Statement& s, const Plan& p, const PseudoTables& rows) {
+void Writes::output(Frame& frame, const WriteStatement& s, const Plan& p,
+                    const PseudoTables& rows) {
     if (!p.triggers.empty() && s.outputInto.empty())
         throw makeDbError(334, {s.target.last()}, s.line);
     BindContext context = session_.bindContext(frame);
@@ -197,7 +202,9 @@ void Writes::output(Frame& frame, const Statement& s, const Plan& p, const Pseud
     try {
         output = Planner(context).output(*s.output);
     } catch (const DbError& e) {
-        if (e.number != 4104 || s.from.empty()) throw;
+        if (e.number != 4104 || s.kind == StatementKind::Insert ||
+            as<ChangeStatement>(s).from.empty())
+            throw;
         throw makeDbError(15281, {"OUTPUT of a column of another table"}, s.line);
     }
     SqliteStatement read = session_.sqlite.prepare(output->sql);
@@ -216,7 +223,7 @@ void Writes::output(Frame& frame, const Statement& s, const Plan& p, const Pseud
 
 // --- rows at hand ---
 
-void Writes::insertSets(Frame& frame, const Statement& s, std::vector<ResultSet>& sets) {
+void Writes::insertSets(Frame& frame, const InsertStatement& s, std::vector<ResultSet>& sets) {
     AtomicSteps steps(session_.sqlite);
     int64_t count = 0;
     for (ResultSet& set : sets) {
@@ -267,7 +274,7 @@ void Writes::insertRows(Frame& frame, const Name& target, const std::vector<std:
     PseudoTables pseudo;
     if (frame.pseudoTables) pseudo = *frame.pseudoTables;
     pseudo["given rows"] = std::make_shared<CatalogTable>(source);
-    Statement insert(StatementKind::Insert, line);
+    InsertStatement insert(StatementKind::Insert, line);
     insert.target = target;
     insert.columns = columns;
     insert.query = std::make_unique<Query>();

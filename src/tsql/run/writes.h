@@ -27,23 +27,24 @@ class Writes {
           triggers_(triggers) {}
 
     // Throws where nothing may be written now.
-    void requireWritable(const Statement& s) const;
-    void run(Frame& frame, const Statement& s);
-    void truncate(const Statement& s);
+    void requireWritable(const WriteStatement& s) const;
+    void run(Frame& frame, const WriteStatement& s);
+    void truncate(const TruncateStatement& s);
     // The sets that a call gave back, for INSERT ... EXEC.
-    void insertSets(Frame& frame, const Statement& s, std::vector<ResultSet>& sets);
+    void insertSets(Frame& frame, const InsertStatement& s, std::vector<ResultSet>& sets);
 
   private:
-    void runPlan(Frame& frame, const Statement& s, Plan& plan);
+    void requireWritable(const Name& target, int line) const;
+    void runPlan(Frame& frame, const WriteStatement& s, Plan& plan);
     void runAtOnce(Frame& frame, Plan& plan);
-    void runInSteps(Frame& frame, const Statement& s, Plan& plan);
+    void runInSteps(Frame& frame, const WriteStatement& s, Plan& plan);
     int64_t insertCollecting(Frame& frame, Plan& plan, const std::string& inserted);
     int64_t changeCollecting(Frame& frame, Plan& plan, const std::string& deleted,
                              const std::string& inserted);
     void collectRows(Frame& frame, Plan& plan, const std::string& rows);
     void replaceRows(Frame& frame, Plan& plan);
     int64_t replaceCollected(Plan& plan, const std::string& rows);
-    void output(Frame& frame, const Statement& s, const Plan& plan, const PseudoTables& rows);
+    void output(Frame& frame, const WriteStatement& s, const Plan& plan, const PseudoTables& rows);
     void insertRows(Frame& frame, const Name& target, const std::vector<std::string>& columns,
                     const ResultSet& set, int line);
     CatalogTable tableOfRows(const ResultSet& set);

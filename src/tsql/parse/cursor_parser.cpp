@@ -7,8 +7,8 @@ namespace owb::tsql {
 
 // DECLARE name [INSENSITIVE] [SCROLL] CURSOR options FOR query, and SET @name = CURSOR ...
 StatementPtr Parser::parseCursor(std::string name, bool local) {
-    StatementPtr s = newStatement(StatementKind::DeclareCursor);
-    s->target.parts.push_back(std::move(name));
+    auto s = make<CursorStatement>(StatementKind::DeclareCursor);
+    s->name = std::move(name);
     s->local = local;
     bool forward = false;
     const auto option = [&] {
@@ -18,7 +18,7 @@ StatementPtr Parser::parseCursor(std::string name, bool local) {
             forward = true;
         } else if (takeWord("SCROLL") || takeWord("STATIC") || takeWord("KEYSET") ||
                    takeWord("DYNAMIC") || takeWord("INSENSITIVE")) {
-            s->on = true;
+            s->scroll = true;
         } else {
             return takeWord("GLOBAL") || takeWord("READ_ONLY") || takeWord("SCROLL_LOCKS") ||
                    takeWord("OPTIMISTIC") || takeWord("TYPE_WARNING");
@@ -30,7 +30,7 @@ StatementPtr Parser::parseCursor(std::string name, bool local) {
     expectWord("CURSOR");
     while (option()) {
     }
-    if (forward) s->on = false;
+    if (forward) s->scroll = false;
     expectWord("FOR");
     s->query = parseQuery();
     for (const QueryBody* body = s->query->body.get(); body; body = body->left.get()) {
@@ -54,63 +54,60 @@ StatementPtr Parser::parseCursor(std::string name, bool local) {
     return s;
 }
 
-void Parser::parseCursorName(Statement& s) {
+std::string Parser::parseCursorName() {
     if (isWord("GLOBAL") && isPlainName(1)) take();
-    if (peek().kind == TokenKind::Variable)
-        s.target.parts.emplace_back(take().text);
-    else
-        s.target.parts.push_back(expectName());
+    return peek().kind == TokenKind::Variable ? std::string(take().text) : expectName();
 }
 
 StatementPtr Parser::parseCursorUse() {
-    StatementPtr s = newStatement(isWord("OPEN")    ? StatementKind::OpenCursor
-                                  : isWord("CLOSE") ? StatementKind::CloseCursor
-                                  : isWord("FETCH") ? StatementKind::FetchCursor
-                                                    : StatementKind::DeallocateCursor);
+    auto s = make<CursorStatement>(isWord("OPEN")    ? StatementKind::OpenCursor
+                                   : isWord("CLOSE") ? StatementKind::CloseCursor
+                                   : isWord("FETCH") ? StatementKind::FetchCursor
+                                                     : StatementKind::DeallocateCursor);
     take();
     if (s->kind == StatementKind::FetchCursor) {
-        s->option = "NEXT";
+        s->way = "NEXT";
         static constexpr const char* kWays[] = {"NEXT", "PRIOR",    "FIRST",
                                                 "LAST", "ABSOLUTE", "RELATIVE"};
         for (const char* way : kWays) {
             if (!isWord(way) || isWord("INTO", 1)) continue;
-            s->option = upperCase(take().text);
-            if (s->option == "ABSOLUTE" || s->option == "RELATIVE") s->value = parseUnary();
+            s->way = upperCase(take().text);
+            if (s->way == "ABSOLUTE" || s->way == "RELATIVE") s->distance = parseUnary();
             break;
         }
         takeWord("FROM");
     }
-    parseCursorName(*s);
+    s->name = parseCursorName();
     if (s->kind == StatementKind::FetchCursor && takeWord("INTO")) {
         do {
             if (peek().kind != TokenKind::Variable) syntaxError();
-            s->columns.emplace_back(take().text);
+            s->into.emplace_back(take().text);
         } while (takeOperator(","));
     }
     return s;
 }
 
 StatementPtr Parser::parseLabel() {
-    StatementPtr s = newStatement(StatementKind::Label);
-    s->option = lowerCase(expectName());
+    auto s = make<LabelStatement>(StatementKind::Label);
+    s->label = lowerCase(expectName());
     expectOperator(":");
     return s;
 }
 
 StatementPtr Parser::parseGoto() {
-    StatementPtr s = newStatement(StatementKind::Goto);
+    auto s = make<LabelStatement>(StatementKind::Goto);
     take();
-    s->option = lowerCase(expectName());
+    s->label = lowerCase(expectName());
     return s;
 }
 
 StatementPtr Parser::parseWaitFor() {
-    StatementPtr s = newStatement(StatementKind::WaitFor);
+    auto s = make<WaitStatement>(StatementKind::WaitFor);
     take();
-    s->on = isWord("TIME");
-    if (!s->on && !isWord("DELAY")) syntaxError();
+    s->untilTime = isWord("TIME");
+    if (!s->untilTime && !isWord("DELAY")) syntaxError();
     take();
-    s->value = parsePrimary();
+    s->time = parsePrimary();
     return s;
 }
 

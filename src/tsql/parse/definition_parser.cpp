@@ -5,24 +5,13 @@
 
 namespace owb::tsql {
 
-std::vector<std::string> Parser::parseColumnList() {
-    std::vector<std::string> columns;
-    expectOperator("(");
-    do {
-        columns.push_back(parseName().last());
-        if (!takeWord("ASC")) takeWord("DESC");
-    } while (takeOperator(","));
-    expectOperator(")");
-    return columns;
-}
-
 // The text of an expression that is kept as text; parsed here only to find its end.
 std::string Parser::parseSourceExpression() {
     const Token& first = peek();
     const size_t from = pos_;
     parseUnary();
     for (size_t i = from; i < pos_; ++i)
-        if (literalAt_[i] >= 0) batch_.literals[literalAt_[i]].fixed = true;
+        if (literalAt_[i] >= 0) literals_[literalAt_[i]].fixed = true;
     return textBetween(first, peek());
 }
 
@@ -45,10 +34,10 @@ StatementPtr Parser::parseCreate() {
 }
 
 StatementPtr Parser::parseCreateTable() {
-    StatementPtr s = newStatement(StatementKind::CreateTable);
+    auto s = make<CreateTableStatement>(StatementKind::CreateTable);
     expectWord("TABLE");
-    s->target = parseName();
-    parseTableElements(s->tableColumns, s->constraints);
+    s->table = parseName();
+    parseTableElements(s->columns, s->constraints);
     if (takeWord("ON")) parseName();
     return s;
 }
@@ -163,12 +152,12 @@ ConstraintDefinition Parser::parseTableConstraint() {
 }
 
 StatementPtr Parser::parseCreateIndex(bool unique) {
-    StatementPtr s = newStatement(StatementKind::CreateIndex);
+    auto s = make<CreateIndexStatement>(StatementKind::CreateIndex);
     s->unique = unique;
     expectWord("INDEX");
-    s->indexName = expectName();
+    s->name = expectName();
     expectWord("ON");
-    s->target = parseName();
+    s->table = parseName();
     s->columns = parseColumnList();
     if (takeWord("INCLUDE")) parseColumnList();
     return s;
@@ -193,129 +182,131 @@ std::vector<Parameter> Parser::parseParameters(bool parenthesised) {
 
 // CREATE|ALTER VIEW|FUNCTION|PROCEDURE|TRIGGER. The definition reaches to the batch's end.
 StatementPtr Parser::parseModule(size_t firstToken, bool alter, bool orAlter) {
-    StatementPtr s = newStatement(StatementKind::CreateModule);
+    const bool first = statementCount_ == 0;
+    auto s = make<ModuleStatement>(StatementKind::CreateModule);
     s->alter = alter;
     s->orAlter = orAlter;
-    s->module = std::make_unique<ModuleDefinition>();
-    ModuleDefinition& m = *s->module;
-    const std::string kindWord = upperCase(peek().text);
-    if (s->id != 0) {
-        const std::string what = (alter ? "ALTER " : "CREATE ") + kindWord;
-        throw makeDbError(111, {what}, s->line);
-    }
-    const auto skipWithOptions = [&] {
-        if (!takeWord("WITH")) return;
-        do take();
-        while (takeOperator(","));
-    };
-    if (takeWord("VIEW")) {
-        m.kind = ModuleKind::View;
-        m.name = parseName();
-        if (isOperator("(")) m.viewColumns = parseColumnList();
-        skipWithOptions();
-        expectWord("AS");
-        m.query = parseQuery();
-        if (isWord("WITH") && isWord("CHECK", 1)) {
-            take();
-            take();
-            expectWord("OPTION");
-            m.checkOption = true;
-        }
+    if (!first)
+        throw makeDbError(111, {(alter ? "ALTER " : "CREATE ") + upperCase(peek().text)}, s->line);
+    ModuleDefinition& m = s->module;
+    if (takeWord("VIEW"))
+        parseView(m);
+    else if (takeWord("PROCEDURE") || takeWord("PROC"))
+        parseProcedure(m);
+    else if (takeWord("FUNCTION"))
+        parseFunctionModule(m);
+    else if (takeWord("TRIGGER"))
+        parseTrigger(m);
+    else
+        syntaxError();
+    if (m.query) {
         while (takeOperator(";")) {
         }
         if (peek().kind != TokenKind::End) syntaxError();
-    } else if (takeWord("PROCEDURE") || takeWord("PROC")) {
-        m.kind = ModuleKind::Procedure;
-        m.name = parseName();
-        const bool parenthesised = takeOperator("(");
-        m.parameters = parseParameters(parenthesised);
-        if (parenthesised) expectOperator(")");
-        skipWithOptions();
-        expectWord("AS");
-    } else if (takeWord("FUNCTION")) {
-        m.kind = ModuleKind::ScalarFunction;
-        m.name = parseName();
-        expectOperator("(");
-        m.parameters = parseParameters(true);
-        expectOperator(")");
-        expectWord("RETURNS");
-        if (peek().kind == TokenKind::Variable) {
-            m.kind = ModuleKind::TableFunction;
-            m.returnsVariable = take().text;
-            expectWord("TABLE");
-            std::vector<ConstraintDefinition> constraints;
-            parseTableElements(m.returnsColumns, constraints);
-        } else if (takeWord("TABLE")) {
-            m.kind = ModuleKind::InlineFunction;
-        } else {
-            m.returns = parseType(1);
-        }
-        skipWithOptions();
-        takeWord("AS");
-        if (m.kind == ModuleKind::InlineFunction) {
-            const bool block = takeWord("BEGIN");
-            expectWord("RETURN");
-            const bool parenthesised = isOperator("(");
-            if (parenthesised) take();
-            m.query = parseQuery();
-            if (parenthesised) expectOperator(")");
-            if (block) expectWord("END");
-            while (takeOperator(";")) {
-            }
-            if (peek().kind != TokenKind::End) syntaxError();
-        } else if (!isWord("BEGIN")) {
-            syntaxError();
-        }
-    } else if (takeWord("TRIGGER")) {
-        m.kind = ModuleKind::Trigger;
-        m.name = parseName();
-        expectWord("ON");
-        m.table = parseName();
-        skipWithOptions();
-        if (isWord("INSTEAD"))
-            throw makeDbError(15281, {"An INSTEAD OF trigger"}, static_cast<int>(peek().line));
-        if (!takeWord("AFTER")) expectWord("FOR");
-        do {
-            if (takeWord("INSERT"))
-                m.onInsert = true;
-            else if (takeWord("UPDATE"))
-                m.onUpdate = true;
-            else if (takeWord("DELETE"))
-                m.onDelete = true;
-            else
-                syntaxError();
-        } while (takeOperator(","));
-        expectWord("AS");
     } else {
-        syntaxError();
-    }
-    if (!m.query) {
-        while (true) {
-            while (takeOperator(";")) {
-            }
-            if (peek().kind == TokenKind::End) break;
-            m.body.push_back(parseStatement());
-        }
+        m.body = parseStatements();
         if (m.body.empty()) syntaxError();
     }
-    // Kept so that it can be made again from its own text.
+    s->source = moduleSource(firstToken, alter, orAlter);
+    return s;
+}
+
+void Parser::skipModuleOptions() {
+    if (!takeWord("WITH")) return;
+    do take();
+    while (takeOperator(","));
+}
+
+void Parser::parseView(ModuleDefinition& m) {
+    m.kind = ModuleKind::View;
+    m.name = parseName();
+    if (isOperator("(")) m.viewColumns = parseColumnList();
+    skipModuleOptions();
+    expectWord("AS");
+    m.query = parseQuery();
+    if (!isWord("WITH") || !isWord("CHECK", 1)) return;
+    take();
+    take();
+    expectWord("OPTION");
+    m.checkOption = true;
+}
+
+void Parser::parseProcedure(ModuleDefinition& m) {
+    m.kind = ModuleKind::Procedure;
+    m.name = parseName();
+    const bool parenthesised = takeOperator("(");
+    m.parameters = parseParameters(parenthesised);
+    if (parenthesised) expectOperator(")");
+    skipModuleOptions();
+    expectWord("AS");
+}
+
+void Parser::parseFunctionModule(ModuleDefinition& m) {
+    m.kind = ModuleKind::ScalarFunction;
+    m.name = parseName();
+    expectOperator("(");
+    m.parameters = parseParameters(true);
+    expectOperator(")");
+    expectWord("RETURNS");
+    if (peek().kind == TokenKind::Variable) {
+        m.kind = ModuleKind::TableFunction;
+        m.returnsVariable = take().text;
+        expectWord("TABLE");
+        std::vector<ConstraintDefinition> constraints;
+        parseTableElements(m.returnsColumns, constraints);
+    } else if (takeWord("TABLE")) {
+        m.kind = ModuleKind::InlineFunction;
+    } else {
+        m.returns = parseType(1);
+    }
+    skipModuleOptions();
+    takeWord("AS");
+    if (m.kind != ModuleKind::InlineFunction) {
+        if (!isWord("BEGIN")) syntaxError();
+        return;
+    }
+    const bool block = takeWord("BEGIN");
+    expectWord("RETURN");
+    const bool parenthesised = takeOperator("(");
+    m.query = parseQuery();
+    if (parenthesised) expectOperator(")");
+    if (block) expectWord("END");
+}
+
+void Parser::parseTrigger(ModuleDefinition& m) {
+    m.kind = ModuleKind::Trigger;
+    m.name = parseName();
+    expectWord("ON");
+    m.table = parseName();
+    skipModuleOptions();
+    if (isWord("INSTEAD")) throw makeDbError(15281, {"An INSTEAD OF trigger"}, line());
+    if (!takeWord("AFTER")) expectWord("FOR");
+    do {
+        if (takeWord("INSERT"))
+            m.onInsert = true;
+        else if (takeWord("UPDATE"))
+            m.onUpdate = true;
+        else if (takeWord("DELETE"))
+            m.onDelete = true;
+        else
+            syntaxError();
+    } while (takeOperator(","));
+    expectWord("AS");
+}
+
+// The module's text as a CREATE, so that it can be made again from it.
+std::string Parser::moduleSource(size_t firstToken, bool alter, bool orAlter) const {
     const auto from = [&](size_t at, size_t end = std::string_view::npos) {
         return std::string(text_.substr(at, end - at));
     };
     const Token& word = tokens_[firstToken];
-    if (alter) {
-        s->moduleSource = "CREATE" + from(word.end);
-    } else if (orAlter) {
-        const Token &orWord = tokens_[firstToken + 1], &alterWord = tokens_[firstToken + 2];
-        const std::string between = from(orWord.end, alterWord.begin);
-        s->moduleSource =
-            from(word.begin, orWord.begin) +
-            (trim(between).empty() && between.find('\n') == std::string::npos ? "" : between) +
-            from(alterWord.end);
-    } else {
-        s->moduleSource = from(word.begin);
-    }
-    return s;
+    if (alter) return "CREATE" + from(word.end);
+    if (!orAlter) return from(word.begin);
+    const Token &orWord = tokens_[firstToken + 1], &alterWord = tokens_[firstToken + 2];
+    const std::string between = from(orWord.end, alterWord.begin);
+    return from(word.begin, orWord.begin) +
+           (trim(between).empty() && between.find('\n') == std::string::npos ? "" : between) +
+           from(alterWord.end);
 }
 
 StatementPtr Parser::parseAlter() {
@@ -326,9 +317,9 @@ StatementPtr Parser::parseAlter() {
 }
 
 StatementPtr Parser::parseAlterTable() {
-    StatementPtr s = newStatement(StatementKind::AlterTable);
+    auto s = make<AlterTableStatement>(StatementKind::AlterTable);
     expectWord("TABLE");
-    s->target = parseName();
+    s->table = parseName();
     if (takeWord("WITH")) {
         if (!takeWord("CHECK")) expectWord("NOCHECK");
     }
@@ -383,15 +374,15 @@ StatementPtr Parser::parseAlterTable() {
 }
 
 StatementPtr Parser::parseDrop() {
-    StatementPtr s = newStatement(StatementKind::Drop);
+    auto s = make<DropStatement>(StatementKind::Drop);
     take();
     if (peek().kind != TokenKind::Name) syntaxError();
-    s->dropKind = upperCase(take().text);
-    if (s->dropKind == "PROC") s->dropKind = "PROCEDURE";
+    s->what = upperCase(take().text);
+    if (s->what == "PROC") s->what = "PROCEDURE";
     static constexpr const char* kKinds[] = {"TABLE",     "VIEW",    "FUNCTION",
                                              "PROCEDURE", "TRIGGER", "INDEX"};
     bool known = false;
-    for (const char* k : kKinds) known |= s->dropKind == k;
+    for (const char* k : kKinds) known |= s->what == k;
     if (!known) {
         --pos_;
         syntaxError();
@@ -402,7 +393,7 @@ StatementPtr Parser::parseDrop() {
     }
     do s->names.push_back(parseName());
     while (takeOperator(","));
-    if (s->dropKind == "INDEX" && takeWord("ON")) s->target = parseName();
+    if (s->what == "INDEX" && takeWord("ON")) s->table = parseName();
     return s;
 }
 

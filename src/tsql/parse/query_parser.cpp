@@ -1,9 +1,39 @@
 // SELECT, its clauses and the tables in FROM.
+#include "tsql/parse/query_parser.h"
 #include "base/db_error.h"
 #include "base/utf8.h"
-#include "tsql/parse/parser.h"
+
+#include "tsql/parse/literal.h"
 
 namespace owb::tsql {
+
+QueryParser::QueryParser(std::string_view text, const std::vector<Token>& tokens)
+    : TokenReader(text, tokens), literalAt_(tokens.size(), -1) {
+    for (size_t i = 0; i < tokens.size(); ++i) {
+        if (!tokens[i].isLiteral()) continue;
+        literalAt_[i] = static_cast<int>(literals_.size());
+        literals_.push_back(literalOf(tokens[i]));
+        literals_.back().fixed = true;  // until an expression takes it
+    }
+}
+
+namespace {
+
+constexpr const char* kStatementWords[] = {
+    "SELECT", "INSERT", "UPDATE",   "DELETE",   "WITH",      "DECLARE", "SET",      "IF",
+    "WHILE",  "BEGIN",  "RETURN",   "EXEC",     "EXECUTE",   "CREATE",  "ALTER",    "DROP",
+    "PRINT",  "COMMIT", "ROLLBACK", "TRUNCATE", "RAISERROR", "BREAK",   "CONTINUE", "USE",
+    "END",    "ELSE",   "THROW",    "GOTO",     "MERGE",     "WAITFOR", "SAVE"};
+
+}  // namespace
+
+bool QueryParser::atStatementStart() const {
+    if (isPlainName() && isOperator(":", 1)) return true;  // a label
+    if (peek().kind != TokenKind::Name) return false;
+    for (const char* word : kStatementWords)
+        if (isWord(word)) return true;
+    return false;
+}
 
 namespace {
 
@@ -11,7 +41,7 @@ constexpr int kMostSets = 500;  // of UNION and its like in a row, which is what
 
 }  // namespace
 
-std::vector<CommonTable> Parser::parseWith() {
+std::vector<CommonTable> QueryParser::parseWith() {
     std::vector<CommonTable> tables;
     if (!takeWord("WITH")) return tables;
     do {
@@ -27,7 +57,7 @@ std::vector<CommonTable> Parser::parseWith() {
     return tables;
 }
 
-QueryPtr Parser::parseQuery(std::vector<CommonTable> with) {
+QueryPtr QueryParser::parseQuery(std::vector<CommonTable> with) {
     Depth depth(*this);
     auto query = std::make_unique<Query>();
     query->with = with.empty() ? parseWith() : std::move(with);
@@ -48,7 +78,7 @@ QueryPtr Parser::parseQuery(std::vector<CommonTable> with) {
 }
 
 // Hints for the server's optimizer say nothing here; MAXRECURSION does: -1 without it.
-int Parser::parseOptionClause() {
+int QueryParser::parseOptionClause() {
     int recursion = -1;
     if (!isWord("OPTION") || !isOperator("(", 1)) return recursion;
     take();
@@ -70,7 +100,7 @@ int Parser::parseOptionClause() {
 // Whether what follows an opened parenthesis is a query, itself perhaps in more of them: each of
 // these closes before another one does or before a word that joins queries. So "((SELECT 1) + 1)"
 // holds none, nor does "((SELECT 1 AS a) AS x JOIN t ON x.a = t.a)".
-bool Parser::atSelect() const {
+bool QueryParser::atSelect() const {
     size_t open = 0;
     while (isOperator("(", open)) ++open;
     if (!isWord("SELECT", open)) return false;
@@ -86,7 +116,7 @@ bool Parser::atSelect() const {
     return true;
 }
 
-std::unique_ptr<QueryBody> Parser::parseQueryBody() {
+std::unique_ptr<QueryBody> QueryParser::parseQueryBody() {
     auto left = parseIntersect();
     for (int links = 0; isWord("UNION") || isWord("EXCEPT"); countLink(links, kMostSets)) {
         auto both = std::make_unique<QueryBody>();
@@ -104,7 +134,7 @@ std::unique_ptr<QueryBody> Parser::parseQueryBody() {
     return left;
 }
 
-std::unique_ptr<QueryBody> Parser::parseIntersect() {
+std::unique_ptr<QueryBody> QueryParser::parseIntersect() {
     auto left = parseQueryPrimary();
     for (int links = 0; isWord("INTERSECT"); countLink(links, kMostSets)) {
         auto both = std::make_unique<QueryBody>();
@@ -117,7 +147,7 @@ std::unique_ptr<QueryBody> Parser::parseIntersect() {
     return left;
 }
 
-std::unique_ptr<QueryBody> Parser::parseQueryPrimary() {
+std::unique_ptr<QueryBody> QueryParser::parseQueryPrimary() {
     if (takeOperator("(")) {
         Depth depth(*this);
         auto body = parseQueryBody();
@@ -141,7 +171,7 @@ std::unique_ptr<QueryBody> Parser::parseQueryPrimary() {
     return parseSelect();
 }
 
-ExprPtr Parser::parseTop(bool* percent, bool* withTies) {
+ExprPtr QueryParser::parseTop(bool* percent, bool* withTies) {
     if (!takeWord("TOP")) return nullptr;
     ExprPtr top;
     if (takeOperator("(")) {
@@ -164,7 +194,7 @@ ExprPtr Parser::parseTop(bool* percent, bool* withTies) {
     return top;
 }
 
-std::unique_ptr<QueryBody> Parser::parseSelect() {
+std::unique_ptr<QueryBody> QueryParser::parseSelect() {
     auto body = std::make_unique<QueryBody>();
     body->line = static_cast<int>(peek().line);
     expectWord("SELECT");
@@ -196,7 +226,7 @@ std::unique_ptr<QueryBody> Parser::parseSelect() {
     return body;
 }
 
-SelectItem Parser::parseSelectItem() {
+SelectItem QueryParser::parseSelectItem() {
     SelectItem item;
     item.line = static_cast<int>(peek().line);
     if (takeOperator("*")) {
@@ -248,7 +278,7 @@ SelectItem Parser::parseSelectItem() {
     return item;
 }
 
-std::vector<OrderItem> Parser::parseOrderBy() {
+std::vector<OrderItem> QueryParser::parseOrderBy() {
     std::vector<OrderItem> items;
     expectWord("ORDER");
     expectWord("BY");
@@ -264,14 +294,14 @@ std::vector<OrderItem> Parser::parseOrderBy() {
     return items;
 }
 
-std::vector<TableRefPtr> Parser::parseFromList() {
+std::vector<TableRefPtr> QueryParser::parseFromList() {
     std::vector<TableRefPtr> tables;
     do tables.push_back(parseJoined());
     while (takeOperator(","));
     return tables;
 }
 
-TableRefPtr Parser::parseJoined() {
+TableRefPtr QueryParser::parseJoined() {
     TableRefPtr left = parseTablePrimary();
     for (int tables = 1;; ++tables) {
         if (tables > 256) throw makeDbError(106, {"256"}, left->line);
@@ -350,7 +380,7 @@ TableRefPtr Parser::parseJoined() {
     }
 }
 
-TableRefPtr Parser::parseTablePrimary() {
+TableRefPtr QueryParser::parseTablePrimary() {
     auto table = std::make_unique<TableRef>();
     table->line = static_cast<int>(peek().line);
     if (takeOperator("(")) {
@@ -389,7 +419,7 @@ TableRefPtr Parser::parseTablePrimary() {
     return table;
 }
 
-void Parser::parseTableAlias(TableRef& table) {
+void QueryParser::parseTableAlias(TableRef& table) {
     if (takeWord("AS")) {
         table.alias = expectName();
     } else if (isPlainName() && !atStatementStart()) {
@@ -400,7 +430,7 @@ void Parser::parseTableAlias(TableRef& table) {
 }
 
 // WITH (NOLOCK) and the like say nothing to a database that never reads uncommitted rows.
-void Parser::skipTableHints() {
+void QueryParser::skipTableHints() {
     const bool with = isWord("WITH") && isOperator("(", 1);
     if (!with && !(isOperator("(") && isWord("NOLOCK", 1))) return;
     if (with) take();

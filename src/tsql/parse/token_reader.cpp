@@ -1,10 +1,7 @@
-// Token handling, names and types: what all parts of the grammar share.
-#include "tsql/parse/parser.h"
+#include "tsql/parse/token_reader.h"
 
 #include "base/db_error.h"
-#include "base/number_text.h"
 #include "base/utf8.h"
-#include "tsql/types/types.h"
 
 namespace owb::tsql {
 
@@ -66,109 +63,21 @@ std::string Name::text() const {
     return out;
 }
 
-LiteralSlot literalOf(const Token& token) {
-    LiteralSlot slot;
-    switch (token.kind) {
-        case TokenKind::Integer: {
-            std::string_view digits = token.text;
-            while (digits.size() > 1 && digits[0] == '0') digits.remove_prefix(1);
-            Decimal d;
-            try {
-                Decimal::parse(digits, d);
-            } catch (const DecimalOverflow&) {
-                throw makeDbError(1007, {token.text}, static_cast<int>(token.line));
-            }
-            if (d.unscaled() <= INT32_MAX) {
-                slot.value = Value(static_cast<int64_t>(d.unscaled()));
-                slot.type = SqlType::of(SqlKind::Int);
-                slot.digits = d.digits();
-            } else {
-                slot.value = Value(d);
-                slot.type = SqlType::numeric(d.digits(), 0);
-            }
-            break;
-        }
-        case TokenKind::Decimal: {
-            if (token.text[0] == '$') {
-                slot.type = SqlType::of(SqlKind::Money);
-                slot.value = convertValue(Value(std::string(token.text)), SqlType{}, slot.type);
-                break;
-            }
-            Decimal d;
-            bool ok = false;
-            try {
-                ok = Decimal::parse(token.text, d);
-            } catch (const DecimalOverflow&) {
-            }
-            if (!ok) throw makeDbError(102, {token.text}, static_cast<int>(token.line));
-            slot.value = Value(d);
-            const int precision = std::max({d.digits(), d.scale(), 1});
-            slot.type = SqlType::numeric(precision, d.scale());
-            break;
-        }
-        case TokenKind::Float:
-            slot.value = Value(textToNumber(token.text));
-            slot.type = SqlType::of(SqlKind::Float);
-            break;
-        case TokenKind::NString:
-        case TokenKind::String: {
-            std::string text = unquoted(token);
-            const auto length = static_cast<int32_t>(utf8Length(text));
-            slot.value = Value(std::move(text));
-            slot.type = SqlType::text(
-                token.kind == TokenKind::NString ? SqlKind::NVarChar : SqlKind::VarChar,
-                length == 0     ? 1
-                : length > 8000 ? SqlType::kMax
-                                : length);
-            break;
-        }
-        default:
-            break;
-    }
-    return slot;
-}
-
-Parser::Parser(std::string_view text, const std::vector<Token>& tokens)
-    : text_(text), tokens_(tokens), literalAt_(tokens.size(), -1) {
-    for (size_t i = 0; i < tokens.size(); ++i) {
-        if (!tokens[i].isLiteral()) continue;
-        literalAt_[i] = static_cast<int>(batch_.literals.size());
-        batch_.literals.push_back(literalOf(tokens[i]));
-        batch_.literals.back().fixed = true;  // until an expression takes it
-    }
-}
-
-Batch Parser::parseBatch() {
-    while (true) {
-        while (takeOperator(";")) {
-        }
-        if (peek().kind == TokenKind::End) return std::move(batch_);
-        batch_.statements.push_back(parseStatement());
-    }
-}
-
-ExprPtr Parser::parseSingleExpression(Batch& batch) {
-    ExprPtr e = parseExpression();
-    if (peek().kind != TokenKind::End) syntaxError();
-    batch = std::move(batch_);
-    return e;
-}
-
-const Token& Parser::take() {
+const Token& TokenReader::take() {
     const Token& t = tokens_[pos_];
     if (t.kind != TokenKind::End) ++pos_;
     return t;
 }
 
-void Parser::expectWord(std::string_view word) {
+void TokenReader::expectWord(std::string_view word) {
     if (!takeWord(word)) syntaxError();
 }
 
-void Parser::expectOperator(std::string_view op) {
+void TokenReader::expectOperator(std::string_view op) {
     if (!takeOperator(op)) syntaxError();
 }
 
-void Parser::syntaxError() const {
+void TokenReader::syntaxError() const {
     // At the end of the text the last word is named, as the server does.
     const bool atEnd = peek().kind == TokenKind::End;
     const Token& t = atEnd && pos_ > 0 ? tokens_[pos_ - 1] : peek();
@@ -179,13 +88,13 @@ void Parser::syntaxError() const {
     throw e;
 }
 
-bool Parser::isPlainName(size_t ahead) const {
+bool TokenReader::isPlainName(size_t ahead) const {
     const Token& t = peek(ahead);
     return t.kind == TokenKind::QuotedName ||
            (t.kind == TokenKind::Name && !isReservedWord(t.text));
 }
 
-std::string Parser::expectName() {
+std::string TokenReader::expectName() {
     if (!isPlainName()) syntaxError();
     std::string name = unquoted(take());
     if (name.size() > 128 && utf8Length(name) > 128)
@@ -193,7 +102,7 @@ std::string Parser::expectName() {
     return name;
 }
 
-Name Parser::parseName() {
+Name TokenReader::parseName() {
     Name name;
     name.parts.reserve(2);
     name.parts.push_back(expectName());
@@ -207,8 +116,19 @@ Name Parser::parseName() {
     return name;
 }
 
+std::vector<std::string> TokenReader::parseColumnList() {
+    std::vector<std::string> columns;
+    expectOperator("(");
+    do {
+        columns.push_back(parseName().last());
+        if (!takeWord("ASC")) takeWord("DESC");
+    } while (takeOperator(","));
+    expectOperator(")");
+    return columns;
+}
+
 // One collation serves all text; one that tells letters' case apart would answer differently.
-void Parser::parseCollation() {
+void TokenReader::parseCollation() {
     const int line = static_cast<int>(peek().line);
     const std::string name = expectName();
     const std::string upper = upperCase(name);
@@ -216,7 +136,7 @@ void Parser::parseCollation() {
         throw makeDbError(15281, {"The collation " + name}, line);
 }
 
-std::string Parser::textBetween(const Token& first, const Token& behind) const {
+std::string TokenReader::textBetween(const Token& first, const Token& behind) const {
     size_t end = behind.begin;
     while (end > first.begin && (text_[end - 1] == ' ' || text_[end - 1] == '\n' ||
                                  text_[end - 1] == '\r' || text_[end - 1] == '\t'))
@@ -224,7 +144,13 @@ std::string Parser::textBetween(const Token& first, const Token& behind) const {
     return std::string(text_.substr(first.begin, end - first.begin));
 }
 
-int64_t Parser::expectInteger() {
+std::string TokenReader::expectAssignment() {
+    if (isCompound(peek())) return std::string(take().text.substr(0, 1));
+    expectOperator("=");
+    return "";
+}
+
+int64_t TokenReader::expectInteger() {
     if (peek().kind != TokenKind::Integer) syntaxError();
     const Token& t = take();
     int64_t value = 0;
@@ -235,7 +161,7 @@ int64_t Parser::expectInteger() {
     return value;
 }
 
-SqlType Parser::parseType(int defaultLength) {
+SqlType TokenReader::parseType(int defaultLength) {
     const Token& t = peek();
     if (t.kind != TokenKind::Name && t.kind != TokenKind::QuotedName) syntaxError();
     const TypeName* found = findType(t.text);

@@ -1,11 +1,11 @@
 // Expressions and conditions.
 #include "base/db_error.h"
 #include "base/utf8.h"
-#include "tsql/parse/parser.h"
+#include "tsql/parse/query_parser.h"
 
 namespace owb::tsql {
 
-Parser::Depth::Depth(Parser& p) : p_(p) {
+QueryParser::Depth::Depth(QueryParser& p) : p_(p) {
     if (++p_.depth_ > 400) {
         p_.depth_ = 0;
         throw makeDbError(8623, {}, static_cast<int>(p_.peek().line));
@@ -13,11 +13,11 @@ Parser::Depth::Depth(Parser& p) : p_(p) {
 }
 
 // A chain of operators leans to the left, as deep as it is long.
-void Parser::countLink(int& links, int most) const {
+void QueryParser::countLink(int& links, int most) const {
     if (++links > most) throw makeDbError(8623, {}, static_cast<int>(peek().line));
 }
 
-ExprPtr Parser::binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr right) {
+ExprPtr QueryParser::binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr right) {
     auto e = std::make_unique<Expr>(kind, left->line);
     e->op = std::move(op);
     e->args.push_back(std::move(left));
@@ -25,13 +25,14 @@ ExprPtr Parser::binary(ExprKind kind, std::string op, ExprPtr left, ExprPtr righ
     return e;
 }
 
-std::string Parser::expectAssignment() {
-    if (isCompound(peek())) return std::string(take().text.substr(0, 1));
-    expectOperator("=");
-    return "";
+ExprPtr QueryParser::parseSingleExpression(std::vector<LiteralSlot>& literals) {
+    ExprPtr e = parseExpression();
+    if (peek().kind != TokenKind::End) syntaxError();
+    literals = std::move(literals_);
+    return e;
 }
 
-ExprPtr Parser::parseExpression() {
+ExprPtr QueryParser::parseExpression() {
     Depth depth(*this);
     ExprPtr left = parseAnd();
     for (int links = 0; takeWord("OR"); countLink(links))
@@ -39,14 +40,14 @@ ExprPtr Parser::parseExpression() {
     return left;
 }
 
-ExprPtr Parser::parseAnd() {
+ExprPtr QueryParser::parseAnd() {
     ExprPtr left = parseNot();
     for (int links = 0; takeWord("AND"); countLink(links))
         left = binary(ExprKind::And, "AND", std::move(left), parseNot());
     return left;
 }
 
-ExprPtr Parser::parseNot() {
+ExprPtr QueryParser::parseNot() {
     if (isWord("NOT")) {
         Depth depth(*this);
         auto e = std::make_unique<Expr>(ExprKind::Not, static_cast<int>(take().line));
@@ -56,7 +57,7 @@ ExprPtr Parser::parseNot() {
     return parsePredicate();
 }
 
-ExprPtr Parser::parsePredicate() {
+ExprPtr QueryParser::parsePredicate() {
     if (isWord("EXISTS") && isOperator("(", 1)) {
         auto e = std::make_unique<Expr>(ExprKind::Exists, static_cast<int>(take().line));
         expectOperator("(");
@@ -72,7 +73,7 @@ ExprPtr Parser::parsePredicate() {
     return parsePredicateTail(parseAdditive());
 }
 
-ExprPtr Parser::parsePredicateTail(ExprPtr left) {
+ExprPtr QueryParser::parsePredicateTail(ExprPtr left) {
     const int line = static_cast<int>(peek().line);
     if (takeWord("IS")) {
         auto e = std::make_unique<Expr>(ExprKind::IsNull, line);
@@ -150,7 +151,7 @@ ExprPtr Parser::parsePredicateTail(ExprPtr left) {
     return e;
 }
 
-ExprPtr Parser::parseAdditive() {
+ExprPtr QueryParser::parseAdditive() {
     Depth depth(*this);
     ExprPtr left = parseMultiplicative();
     int links = 0;
@@ -163,7 +164,7 @@ ExprPtr Parser::parseAdditive() {
     return left;
 }
 
-ExprPtr Parser::parseMultiplicative() {
+ExprPtr QueryParser::parseMultiplicative() {
     ExprPtr left = parseUnary();
     int links = 0;
     while (isOperator("*") || isOperator("/") || isOperator("%")) {
@@ -174,7 +175,7 @@ ExprPtr Parser::parseMultiplicative() {
     return left;
 }
 
-ExprPtr Parser::parseUnary() {
+ExprPtr QueryParser::parseUnary() {
     if (isOperator("-") || isOperator("+") || isOperator("~")) {
         Depth depth(*this);
         const Token& t = take();
@@ -190,17 +191,17 @@ ExprPtr Parser::parseUnary() {
     return e;
 }
 
-ExprPtr Parser::parseLiteral() {
+ExprPtr QueryParser::parseLiteral() {
     const int slot = literalAt_[pos_];
     const Token& t = take();
     auto e = std::make_unique<Expr>(ExprKind::Literal, static_cast<int>(t.line));
     e->literal = slot;
-    e->type = batch_.literals[slot].type;
-    batch_.literals[slot].fixed = false;
+    e->type = literals_[slot].type;
+    literals_[slot].fixed = false;
     return e;
 }
 
-ExprPtr Parser::parsePrimary() {
+ExprPtr QueryParser::parsePrimary() {
     const Token& t = peek();
     const int line = static_cast<int>(t.line);
     if (t.isLiteral()) return parseLiteral();
@@ -269,7 +270,7 @@ ExprPtr Parser::parsePrimary() {
     return e;
 }
 
-ExprPtr Parser::parseCase() {
+ExprPtr QueryParser::parseCase() {
     auto e = std::make_unique<Expr>(ExprKind::Case, static_cast<int>(take().line));
     if (!isWord("WHEN")) {
         e->hasOperand = true;
@@ -289,7 +290,7 @@ ExprPtr Parser::parseCase() {
     return e;
 }
 
-ExprPtr Parser::parseCast(bool convert, bool tryCast) {
+ExprPtr QueryParser::parseCast(bool convert, bool tryCast) {
     auto e = std::make_unique<Expr>(ExprKind::Cast, static_cast<int>(peek().line));
     e->tryCast = tryCast;
     expectOperator("(");
@@ -307,7 +308,7 @@ ExprPtr Parser::parseCast(bool convert, bool tryCast) {
     return e;
 }
 
-ExprPtr Parser::parseFunction(Name name) {
+ExprPtr QueryParser::parseFunction(Name name) {
     auto e = std::make_unique<Expr>(ExprKind::Function, static_cast<int>(peek().line));
     e->name = std::move(name);
     expectOperator("(");
@@ -348,7 +349,7 @@ ExprPtr Parser::parseFunction(Name name) {
     return e;
 }
 
-std::unique_ptr<WindowSpec> Parser::parseWindow() {
+std::unique_ptr<WindowSpec> QueryParser::parseWindow() {
     auto window = std::make_unique<WindowSpec>();
     expectWord("OVER");
     expectOperator("(");
@@ -368,7 +369,7 @@ std::unique_ptr<WindowSpec> Parser::parseWindow() {
             std::string distance = "UNBOUNDED";
             if (!takeWord("UNBOUNDED")) {
                 if (!rows || peek().kind != TokenKind::Integer) syntaxError();
-                batch_.literals[literalAt_[pos_]].fixed = true;
+                literals_[literalAt_[pos_]].fixed = true;
                 distance = std::to_string(expectInteger());
             }
             if (takeWord("PRECEDING")) return distance + " PRECEDING";

@@ -7,28 +7,21 @@
 
 namespace owb::tsql {
 
-namespace {
-
-constexpr const char* kStatementWords[] = {
-    "SELECT", "INSERT", "UPDATE",   "DELETE",   "WITH",      "DECLARE", "SET",      "IF",
-    "WHILE",  "BEGIN",  "RETURN",   "EXEC",     "EXECUTE",   "CREATE",  "ALTER",    "DROP",
-    "PRINT",  "COMMIT", "ROLLBACK", "TRUNCATE", "RAISERROR", "BREAK",   "CONTINUE", "USE",
-    "END",    "ELSE",   "THROW",    "GOTO",     "MERGE",     "WAITFOR", "SAVE"};
-
-}  // namespace
-
-bool Parser::atStatementStart() const {
-    if (isPlainName() && isOperator(":", 1)) return true;  // a label
-    if (peek().kind != TokenKind::Name) return false;
-    for (const char* word : kStatementWords)
-        if (isWord(word)) return true;
-    return false;
+Batch Parser::parseBatch() {
+    Batch batch;
+    batch.statements = parseStatements();
+    batch.literals = std::move(literals_);
+    return batch;
 }
 
-StatementPtr Parser::newStatement(StatementKind kind) {
-    auto s = std::make_unique<Statement>(kind, static_cast<int>(peek().line));
-    s->id = batch_.statementCount++;
-    return s;
+std::vector<StatementPtr> Parser::parseStatements() {
+    std::vector<StatementPtr> statements;
+    while (true) {
+        while (takeOperator(";")) {
+        }
+        if (peek().kind == TokenKind::End) return statements;
+        statements.push_back(parseStatement());
+    }
 }
 
 StatementPtr Parser::parseStatement() {
@@ -43,128 +36,167 @@ StatementPtr Parser::parseStatement() {
     return s;
 }
 
+// A statement that begins with WITH: the common tables stand before it.
+StatementPtr Parser::parseBehindWith() {
+    // Behind another statement it would be read as a part of that.
+    static constexpr const char* kBefore[] = {"BEGIN", "AS", "ELSE", "TRY", "CATCH"};
+    if (pos_ > 0 && tokens_[pos_ - 1].text != ";" &&
+        std::none_of(std::begin(kBefore), std::end(kBefore), [&](const char* word) {
+            return equalsIgnoreCaseAscii(tokens_[pos_ - 1].text, word);
+        }))
+        throw makeDbError(319, {}, line());
+    std::vector<CommonTable> with = parseWith();
+    if (isWord("INSERT")) return parseInsert(std::move(with));
+    if (isWord("UPDATE")) return parseUpdate(std::move(with));
+    if (isWord("DELETE")) return parseDelete(std::move(with));
+    auto s = make<QueryStatement>(StatementKind::Query);
+    s->query = parseQuery(std::move(with));
+    return s;
+}
+
 StatementPtr Parser::parseStatementHere() {
-    if (isWord("WITH")) {
-        // Behind another statement it would be read as a part of that.
-        static constexpr const char* kBefore[] = {"BEGIN", "AS", "ELSE", "TRY", "CATCH"};
-        if (pos_ > 0 && tokens_[pos_ - 1].text != ";" &&
-            std::none_of(std::begin(kBefore), std::end(kBefore), [&](const char* word) {
-                return equalsIgnoreCaseAscii(tokens_[pos_ - 1].text, word);
-            }))
-            throw makeDbError(319, {}, static_cast<int>(peek().line));
-        std::vector<CommonTable> with = parseWith();
-        if (isWord("INSERT")) return parseInsert(std::move(with));
-        if (isWord("UPDATE")) return parseUpdate(std::move(with));
-        if (isWord("DELETE")) return parseDelete(std::move(with));
-        StatementPtr s = newStatement(StatementKind::Query);
-        s->query = parseQuery(std::move(with));
-        return s;
-    }
+    if (isWord("WITH")) return parseBehindWith();
     if (isWord("SELECT") || isOperator("(")) {
-        StatementPtr s = newStatement(StatementKind::Query);
+        auto s = make<QueryStatement>(StatementKind::Query);
         s->query = parseQuery();
         return s;
     }
-    if (isWord("INSERT")) return parseInsert({});
-    if (isWord("UPDATE")) return parseUpdate({});
-    if (isWord("DELETE")) return parseDelete({});
-    if (isWord("TRUNCATE")) {
-        StatementPtr s = newStatement(StatementKind::Truncate);
-        take();
-        expectWord("TABLE");
-        s->target = parseName();
-        return s;
-    }
-    if (isWord("DECLARE")) return parseDeclare();
-    if (isWord("SET")) return parseSet();
-    if (isWord("IF")) return parseIf();
-    if (isWord("WHILE")) {
-        StatementPtr s = newStatement(StatementKind::While);
-        take();
-        s->condition = parseExpression();
-        ++loops_;
-        s->body = parseBody();
-        --loops_;
-        return s;
-    }
-    if (isWord("BREAK") || isWord("CONTINUE")) {
-        if (loops_ == 0)
-            throw makeDbError(isWord("BREAK") ? 135 : 136, {}, static_cast<int>(peek().line));
-        StatementPtr s =
-            newStatement(isWord("BREAK") ? StatementKind::Break : StatementKind::Continue);
-        take();
-        return s;
-    }
-    if (isWord("BEGIN")) return parseBegin();
-    if (isWord("RETURN")) {
-        StatementPtr s = newStatement(StatementKind::Return);
-        take();
-        if (!isOperator(";") && peek().kind != TokenKind::End && !atStatementStart())
-            s->value = parseExpression();
-        return s;
-    }
-    if (isWord("EXEC") || isWord("EXECUTE")) return parseExecute();
-    if (isWord("CREATE")) return parseCreate();
-    if (isWord("ALTER")) return parseAlter();
-    if (isWord("DROP")) return parseDrop();
-    if (isWord("PRINT")) {
-        StatementPtr s = newStatement(StatementKind::Print);
-        take();
-        s->value = parseExpression();
-        return s;
-    }
-    if (isWord("RAISERROR")) return parseRaiseError();
-    if (isWord("THROW")) {
-        StatementPtr s = newStatement(StatementKind::Throw);
-        take();
-        if (!isOperator(";") && peek().kind != TokenKind::End && !atStatementStart()) {
-            do {
-                Argument a;
-                a.value = parseAdditive();
-                s->arguments.push_back(std::move(a));
-            } while (takeOperator(","));
-            if (s->arguments.size() != 3) syntaxError();
-        }
-        return s;
-    }
-    if (isWord("COMMIT") || isWord("ROLLBACK")) {
-        StatementPtr s =
-            newStatement(isWord("COMMIT") ? StatementKind::Commit : StatementKind::Rollback);
-        take();
-        if (takeWord("TRANSACTION") || takeWord("TRAN"))
-            parseTransactionName(*s);
-        else
-            takeWord("WORK");
-        return s;
-    }
-    if (isWord("SAVE")) {
-        StatementPtr s = newStatement(StatementKind::SaveTransaction);
-        take();
-        if (!takeWord("TRANSACTION")) expectWord("TRAN");
-        parseTransactionName(*s);
-        if (!s->value && s->target.empty()) syntaxError();
-        return s;
-    }
-    if (isWord("OPEN") || isWord("CLOSE") || isWord("FETCH") || isWord("DEALLOCATE"))
-        return parseCursorUse();
+    static constexpr struct {
+        const char* word;
+        StatementPtr (Parser::*parse)();
+    } kStatements[] = {
+        {"INSERT", &Parser::parseInsertAlone},
+        {"UPDATE", &Parser::parseUpdateAlone},
+        {"DELETE", &Parser::parseDeleteAlone},
+        {"TRUNCATE", &Parser::parseTruncate},
+        {"DECLARE", &Parser::parseDeclare},
+        {"SET", &Parser::parseSet},
+        {"IF", &Parser::parseIf},
+        {"WHILE", &Parser::parseWhile},
+        {"BREAK", &Parser::parseLoopEnd},
+        {"CONTINUE", &Parser::parseLoopEnd},
+        {"BEGIN", &Parser::parseBegin},
+        {"RETURN", &Parser::parseReturn},
+        {"EXEC", &Parser::parseExecute},
+        {"EXECUTE", &Parser::parseExecute},
+        {"CREATE", &Parser::parseCreate},
+        {"ALTER", &Parser::parseAlter},
+        {"DROP", &Parser::parseDrop},
+        {"PRINT", &Parser::parsePrint},
+        {"RAISERROR", &Parser::parseRaiseError},
+        {"THROW", &Parser::parseThrow},
+        {"COMMIT", &Parser::parseTransactionEnd},
+        {"ROLLBACK", &Parser::parseTransactionEnd},
+        {"SAVE", &Parser::parseSave},
+        {"OPEN", &Parser::parseCursorUse},
+        {"CLOSE", &Parser::parseCursorUse},
+        {"FETCH", &Parser::parseCursorUse},
+        {"DEALLOCATE", &Parser::parseCursorUse},
+        {"GOTO", &Parser::parseGoto},
+        {"WAITFOR", &Parser::parseWaitFor},
+    };
+    for (const auto& statement : kStatements)
+        if (isWord(statement.word)) return (this->*statement.parse)();
     for (const char* word : {"MERGE", "DBCC", "GRANT", "DENY", "REVOKE", "BACKUP", "RESTORE"})
-        if (isWord(word)) throw makeDbError(15281, {word}, static_cast<int>(peek().line));
-    if (isWord("GOTO")) return parseGoto();
-    if (isWord("WAITFOR")) return parseWaitFor();
+        if (isWord(word)) throw makeDbError(15281, {word}, line());
     if (isPlainName() && isOperator(":", 1)) return parseLabel();
     // A procedure call may leave EXEC out when it begins the batch.
-    if (isPlainName() && batch_.statementCount == 0) {
-        StatementPtr s = newStatement(StatementKind::Execute);
-        return parseExecuteCall(std::move(s));
-    }
+    if (isPlainName() && statementCount_ == 0)
+        return parseExecuteCall(make<ExecuteStatement>(StatementKind::Execute));
     syntaxError();
 }
 
-void Parser::parseTransactionName(Statement& s) {
+StatementPtr Parser::parseInsertAlone() {
+    return parseInsert({});
+}
+
+StatementPtr Parser::parseUpdateAlone() {
+    return parseUpdate({});
+}
+
+StatementPtr Parser::parseDeleteAlone() {
+    return parseDelete({});
+}
+
+StatementPtr Parser::parseTruncate() {
+    auto s = make<TruncateStatement>(StatementKind::Truncate);
+    take();
+    expectWord("TABLE");
+    s->target = parseName();
+    return s;
+}
+
+StatementPtr Parser::parseWhile() {
+    auto s = make<CompoundStatement>(StatementKind::While);
+    take();
+    s->condition = parseExpression();
+    ++loops_;
+    s->body = parseBody();
+    --loops_;
+    return s;
+}
+
+StatementPtr Parser::parseLoopEnd() {
+    const bool ends = isWord("BREAK");
+    if (loops_ == 0) throw makeDbError(ends ? 135 : 136, {}, line());
+    auto s = make<Statement>(ends ? StatementKind::Break : StatementKind::Continue);
+    take();
+    return s;
+}
+
+// Whether an expression follows that belongs to the statement.
+bool Parser::atValue() const {
+    return !isOperator(";") && peek().kind != TokenKind::End && !atStatementStart();
+}
+
+StatementPtr Parser::parseReturn() {
+    auto s = make<ValueStatement>(StatementKind::Return);
+    take();
+    if (atValue()) s->value = parseExpression();
+    return s;
+}
+
+StatementPtr Parser::parsePrint() {
+    auto s = make<ValueStatement>(StatementKind::Print);
+    take();
+    s->value = parseExpression();
+    return s;
+}
+
+StatementPtr Parser::parseThrow() {
+    auto s = make<MessageStatement>(StatementKind::Throw);
+    take();
+    if (!atValue()) return s;
+    parseMessageArguments(*s);
+    if (s->arguments.size() != 3) syntaxError();
+    return s;
+}
+
+StatementPtr Parser::parseTransactionEnd() {
+    auto s = make<TransactionStatement>(isWord("COMMIT") ? StatementKind::Commit
+                                                         : StatementKind::Rollback);
+    take();
+    if (takeWord("TRANSACTION") || takeWord("TRAN"))
+        parseTransactionName(*s);
+    else
+        takeWord("WORK");
+    return s;
+}
+
+StatementPtr Parser::parseSave() {
+    auto s = make<TransactionStatement>(StatementKind::SaveTransaction);
+    take();
+    if (!takeWord("TRANSACTION")) expectWord("TRAN");
+    parseTransactionName(*s);
+    if (!s->nameValue && s->name.empty()) syntaxError();
+    return s;
+}
+
+void Parser::parseTransactionName(TransactionStatement& s) {
     if (peek().kind == TokenKind::Variable)
-        s.value = parsePrimary();
+        s.nameValue = parsePrimary();
     else if (isPlainName() && !atStatementStart())
-        s.target.parts.push_back(expectName());
+        s.name = expectName();
 }
 
 std::vector<StatementPtr> Parser::parseBody() {
@@ -187,7 +219,7 @@ Name Parser::parseTarget() {
 }
 
 StatementPtr Parser::parseInsert(std::vector<CommonTable> with) {
-    StatementPtr s = newStatement(StatementKind::Insert);
+    auto s = make<InsertStatement>(StatementKind::Insert);
     expectWord("INSERT");
     s->top = parseTop(nullptr, nullptr);
     takeWord("INTO");
@@ -201,7 +233,7 @@ StatementPtr Parser::parseInsert(std::vector<CommonTable> with) {
         return s;
     }
     if (isWord("EXEC") || isWord("EXECUTE")) {
-        s->body.push_back(parseExecute());
+        s->executed = parseExecute();
         return s;
     }
     s->query = parseQuery(std::move(with));
@@ -209,7 +241,8 @@ StatementPtr Parser::parseInsert(std::vector<CommonTable> with) {
 }
 
 StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
-    StatementPtr s = newStatement(StatementKind::Update);
+    auto s = make<ChangeStatement>(StatementKind::Update);
+    s->with = std::move(with);
     expectWord("UPDATE");
     s->top = parseTop(nullptr, nullptr);
     s->target = parseTarget();
@@ -236,17 +269,13 @@ StatementPtr Parser::parseUpdate(std::vector<CommonTable> with) {
     parseOutput(*s, {"inserted", "deleted"});
     if (takeWord("FROM")) s->from = parseFromList();
     if (takeWord("WHERE")) s->condition = parseExpression();
-    const int maxRecursion = parseOptionClause();
-    if (!with.empty()) {
-        s->query = std::make_unique<Query>();
-        s->query->with = std::move(with);
-        s->query->maxRecursion = maxRecursion;
-    }
+    parseOptionClause();
     return s;
 }
 
 StatementPtr Parser::parseDelete(std::vector<CommonTable> with) {
-    StatementPtr s = newStatement(StatementKind::Delete);
+    auto s = make<ChangeStatement>(StatementKind::Delete);
+    s->with = std::move(with);
     expectWord("DELETE");
     s->top = parseTop(nullptr, nullptr);
     takeWord("FROM");
@@ -254,17 +283,12 @@ StatementPtr Parser::parseDelete(std::vector<CommonTable> with) {
     parseOutput(*s, {"deleted"});
     if (takeWord("FROM")) s->from = parseFromList();
     if (takeWord("WHERE")) s->condition = parseExpression();
-    const int maxRecursion = parseOptionClause();
-    if (!with.empty()) {
-        s->query = std::make_unique<Query>();
-        s->query->with = std::move(with);
-        s->query->maxRecursion = maxRecursion;
-    }
+    parseOptionClause();
     return s;
 }
 
 // OUTPUT reads the statement's own rows: a query over the tables `rows`.
-void Parser::parseOutput(Statement& s, std::initializer_list<const char*> rows) {
+void Parser::parseOutput(WriteStatement& s, std::initializer_list<const char*> rows) {
     if (!isWord("OUTPUT")) return;
     take();
     s.output = std::make_unique<Query>();
@@ -289,7 +313,7 @@ StatementPtr Parser::parseDeclare() {
         take();
         return parseCursor(expectName(), false);
     }
-    StatementPtr s = newStatement(StatementKind::Declare);
+    auto s = make<DeclareStatement>(StatementKind::Declare);
     take();
     do {
         if (peek().kind != TokenKind::Variable) syntaxError();
@@ -311,7 +335,7 @@ StatementPtr Parser::parseDeclare() {
 
 StatementPtr Parser::parseSet() {
     if (peek(1).kind == TokenKind::Variable) {
-        StatementPtr s = newStatement(StatementKind::Set);
+        auto s = make<SetStatement>(StatementKind::Set);
         take();
         s->variable = take().text;
         s->op = expectAssignment();
@@ -319,11 +343,11 @@ StatementPtr Parser::parseSet() {
         s->value = parseExpression();
         return s;
     }
-    StatementPtr s = newStatement(StatementKind::SetOption);
+    auto s = make<OptionStatement>(StatementKind::SetOption);
     take();
     if (peek().kind != TokenKind::Name) syntaxError();
     s->option = upperCase(take().text);
-    if (s->option == "IDENTITY_INSERT") s->target = parseName();
+    if (s->option == "IDENTITY_INSERT") s->table = parseName();
     while (!isWord("ON") && !isWord("OFF") && peek().kind == TokenKind::Name && !atStatementStart())
         s->option += " " + upperCase(take().text);
     if (s->option == "DATEFIRST" || s->option == "LOCK_TIMEOUT" || s->option == "ROWCOUNT") {
@@ -344,7 +368,7 @@ StatementPtr Parser::parseSet() {
 }
 
 StatementPtr Parser::parseIf() {
-    StatementPtr s = newStatement(StatementKind::If);
+    auto s = make<CompoundStatement>(StatementKind::If);
     take();
     s->condition = parseExpression();
     s->body = parseBody();
@@ -369,17 +393,16 @@ std::vector<StatementPtr> Parser::parseUntilEnd(const char* closing) {
 }
 
 StatementPtr Parser::parseBegin() {
-    const bool transaction = isWord("TRANSACTION", 1) || isWord("TRAN", 1);
-    const bool tryBlock = isWord("TRY", 1);
-    StatementPtr s = newStatement(transaction ? StatementKind::BeginTransaction
-                                  : tryBlock  ? StatementKind::TryCatch
-                                              : StatementKind::Block);
-    take();
-    if (transaction) {
+    if (isWord("TRANSACTION", 1) || isWord("TRAN", 1)) {
+        auto s = make<TransactionStatement>(StatementKind::BeginTransaction);
+        take();
         take();
         parseTransactionName(*s);
         return s;
     }
+    const bool tryBlock = isWord("TRY", 1);
+    auto s = make<CompoundStatement>(tryBlock ? StatementKind::TryCatch : StatementKind::Block);
+    take();
     if (!tryBlock) {
         s->body = parseUntilEnd(nullptr);
         if (s->body.empty()) syntaxError();
@@ -396,15 +419,16 @@ StatementPtr Parser::parseBegin() {
 }
 
 StatementPtr Parser::parseExecute() {
-    StatementPtr s = newStatement(StatementKind::Execute);
-    take();
-    if (isOperator("(")) {
-        s->kind = StatementKind::ExecuteText;
+    if (isOperator("(", 1)) {
+        auto s = make<ValueStatement>(StatementKind::ExecuteText);
+        take();
         take();
         s->value = parseExpression();
         expectOperator(")");
         return s;
     }
+    auto s = make<ExecuteStatement>(StatementKind::Execute);
+    take();
     if (peek().kind == TokenKind::Variable && isOperator("=", 1)) {
         s->variable = take().text;
         take();
@@ -412,8 +436,8 @@ StatementPtr Parser::parseExecute() {
     return parseExecuteCall(std::move(s));
 }
 
-StatementPtr Parser::parseExecuteCall(StatementPtr s) {
-    s->target = parseName();
+StatementPtr Parser::parseExecuteCall(std::unique_ptr<ExecuteStatement> s) {
+    s->procedure = parseName();
     const auto argumentAhead = [&] {
         return peek().isLiteral() || peek().kind == TokenKind::Variable || isOperator("-") ||
                isOperator("+") || isWord("NULL") || isWord("DEFAULT") ||
@@ -432,10 +456,10 @@ StatementPtr Parser::parseExecuteCall(StatementPtr s) {
             LiteralSlot slot;
             slot.value = Value(unquoted(take()));
             slot.type = SqlType::text(SqlKind::VarChar, 8000);
-            text->literal = static_cast<int>(batch_.literals.size());
+            text->literal = static_cast<int>(literals_.size());
             text->type = slot.type;
             slot.fixed = true;
-            batch_.literals.push_back(std::move(slot));
+            literals_.push_back(std::move(slot));
             a.value = std::move(text);
         } else {
             a.value = parseUnary();
@@ -446,20 +470,24 @@ StatementPtr Parser::parseExecuteCall(StatementPtr s) {
     return s;
 }
 
-StatementPtr Parser::parseRaiseError() {
-    StatementPtr s = newStatement(StatementKind::RaiseError);
-    take();
-    const bool parenthesised = takeOperator("(");
+void Parser::parseMessageArguments(MessageStatement& s) {
     do {
         Argument a;
         a.value = parseAdditive();
-        s->arguments.push_back(std::move(a));
+        s.arguments.push_back(std::move(a));
     } while (takeOperator(","));
+}
+
+StatementPtr Parser::parseRaiseError() {
+    auto s = make<MessageStatement>(StatementKind::RaiseError);
+    take();
+    const bool parenthesised = takeOperator("(");
+    parseMessageArguments(*s);
     if (parenthesised) expectOperator(")");
     if (takeWord("WITH")) {
         do {
-            if (isWord("LOG")) s->on = true;
-            if (isWord("SETERROR")) s->local = true;
+            if (isWord("LOG")) s->log = true;
+            if (isWord("SETERROR")) s->setsError = true;
             take();
         } while (takeOperator(","));
     }
