@@ -54,7 +54,8 @@ int main() {
             tsql::BindContext context{catalog};
             context.literals = &code->ast.literals;
             context.variables = &code->variables;
-            const tsql::Query& query = *code->ast.statements[0]->query;
+            const tsql::Query& query =
+                *static_cast<const tsql::QueryStatement&>(*code->ast.statements[0]).query;
             if (write)
                 done += tsql::Planner(context).query(query)->sql.size();
             else if (bind)
