@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "app/ThisApp.h"
 #include "app/modInitialize.h"
 #include "leave/ConfiguredState.h"
 #include "leave/RecalculationLock.h"
@@ -33,6 +34,8 @@ pid_t startInAnotherProcess(DisturbedCompany& company, const std::string& connec
         status = 0;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "%s\n", e.what());
+    } catch (const EndOfProgram&) {
+        for (const Box& box : company.boxes.shown) std::fprintf(stderr, "%s\n", box.text.c_str());
     }
     _exit(status);
 }
