@@ -31,7 +31,8 @@ Json jsonOf(const Value& value) {
     if (value.isDouble()) return value.asDouble();
     if (value.isDecimal()) {
         const Decimal& number = value.asDecimal();
-        if (number.scale() == 0 && number.digits() <= kWholeDigits) return static_cast<int64_t>(number.unscaled());
+        if (number.scale() == 0 && number.digits() <= kWholeDigits)
+            return static_cast<int64_t>(number.unscaled());
         if (number.digits() <= kDoubleDigits) return number.toDouble();
     }
     return value.toText();
