@@ -70,6 +70,11 @@ void modHolidayWeekly::showAgain() {
     row_.adopt(session_, "");
 }
 
+void modHolidayWeekly::finish() {
+    showAgain();
+    setFocus(cmbWeekDay);
+}
+
 void modHolidayWeekly::loadList() {
     std::vector<std::vector<std::string>> rows;
     for (Recordset rs(session_.gConn, Sql() << "SELECT EFFFROM, WEEKID, " << flagColumns()

@@ -41,6 +41,7 @@ class modHolidayWeekly final : public RowScreen {
     void joinMarks(SaveBatch& batch, Change change, const std::string& key) override;
     AuditLine auditLine(Change change) override;
     void tellRow(AuditText& detail, Change change) override;
+    void finish() override;
 
     void cmdAdvanced_Click();
     // The month and weekday on the screen as a condition, for any head and for this one.

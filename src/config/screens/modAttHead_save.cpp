@@ -137,7 +137,7 @@ void modAttHead::deleteRow(SaveBatch& batch) {
 // The shell's menu, the session's records and the list show what there is now.
 void modAttHead::finish() {
     session_.settings.SaveSetting("LeaveMgmt", "CallMenu", "1");
-    showAgain();
+    RowScreen::finish();
 }
 
 AuditLine modAttHead::auditLine(Change change) {

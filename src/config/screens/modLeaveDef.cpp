@@ -224,7 +224,7 @@ void modLeaveDef::deleteRow(SaveBatch& batch) {
 // The shell's menu and the list show what there is now.
 void modLeaveDef::finish() {
     session_.settings.SaveSetting("LeaveMgmt", "CallMenu", "1");
-    showAgain();
+    RowScreen::finish();
 }
 
 AuditLine modLeaveDef::auditLine(Change change) {

@@ -59,6 +59,11 @@ void RowScreen::cmdNew_Click() {
     setFocus(*row_.fields().front().control);
 }
 
+void RowScreen::finish() {
+    showAgain();
+    setFocus(*row_.fields().front().control);
+}
+
 void RowScreen::cmdSave_Click() {
     if (!row_.isNew() && !stillAsShown(row_.shown(), row_.what(), [this] { showAgain(); })) return;
     if (refused(check())) return;

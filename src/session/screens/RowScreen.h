@@ -63,7 +63,8 @@ class RowScreen : public SessionScreen {
     // Without an action no line is written.
     virtual AuditLine auditLine(Change) { return {}; }
     virtual void tellRow(AuditText& detail, Change change);
-    virtual void finish() { showAgain(); }
+    // Done: the list as it is now, and the next row may be typed.
+    virtual void finish();
 
     // The last line of a screen: New, Save, Delete, Close, and others to their left.
     Layout commandRow(std::vector<Layout> left);
