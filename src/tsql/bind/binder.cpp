@@ -11,77 +11,18 @@ namespace owb::tsql {
 
 namespace {
 
-// The length of a text with literals in it is that of this run alone.
-bool hasTextLiteral(const BoundExpr& e) {
-    if (e.kind == BoundKind::Literal && e.index >= 0 && e.type.isText()) return true;
-    return std::any_of(e.args.begin(), e.args.end(),
-                       [](const BoundPtr& a) { return hasTextLiteral(*a); });
-}
-
-std::string powerText(int n) {
-    return Decimal(powerOfTen(n), 0).toText();
-}
-
 int nodesOf(const BoundExpr& e) {
     int nodes = 1;
     for (const BoundPtr& a : e.args) nodes += nodesOf(*a);
     return nodes;
 }
 
-bool isWide(const SqlType& t) {
-    return t.kind == SqlKind::Numeric && t.precision > kNarrowPrecision;
-}
-
 const SqlType kInt = SqlType::of(SqlKind::Int);
 
 }  // namespace
 
-Binder::Binder(BindContext& context) : context_(context) {}
+Binder::Binder(BindContext& context) : TypedExpressions(context) {}
 Binder::~Binder() = default;
-
-BoundPtr Binder::op(std::string pattern, SqlType type, std::vector<BoundPtr> args) {
-    auto e = std::make_unique<BoundExpr>();
-    e->pattern = std::move(pattern);
-    e->type = type;
-    e->args = std::move(args);
-    for (const BoundPtr& a : e->args) e->userFunction |= a->userFunction;
-    return e;
-}
-
-BoundPtr Binder::verbatim(std::string sql, SqlType type) {
-    auto e = std::make_unique<BoundExpr>();
-    e->kind = BoundKind::Verbatim;
-    e->pattern = std::move(sql);
-    e->type = type;
-    return e;
-}
-
-BoundPtr Binder::constant(Value value, SqlType type) {
-    auto e = std::make_unique<BoundExpr>();
-    e->kind = value.isNull() ? BoundKind::Null : BoundKind::Literal;
-    e->type = e->sourceType = type;
-    e->nullable = value.isNull();
-    e->constant = std::move(value);
-    return e;
-}
-
-BoundPtr Binder::null(SqlType type) {
-    auto e = std::make_unique<BoundExpr>();
-    e->kind = BoundKind::Null;
-    e->type = type;
-    return e;
-}
-
-namespace {
-
-template <class... A>
-std::vector<BoundPtr> list(A... a) {
-    std::vector<BoundPtr> v;
-    (v.push_back(std::move(a)), ...);
-    return v;
-}
-
-}  // namespace
 
 void Binder::dependOn(const CatalogTable& table) {
     if (!table.system) dependencies_.push_back({table.name, false, table.signature});
@@ -117,19 +58,8 @@ BoundPtr Binder::bind(const Expr& e) {
     spend(1);
     try {
         switch (e.kind) {
-            case ExprKind::Literal: {
-                LiteralSlot& slot = (*context_.literals)[e.literal];
-                // In the body of a view or function a literal is a constant of that body.
-                if (viewDepth_ > 0) return constant(slot.value, slot.type);
-                auto b = std::make_unique<BoundExpr>();
-                b->kind = BoundKind::Literal;
-                b->index = e.literal;
-                b->type = b->sourceType = slot.type;
-                b->nullable = false;
-                // Its places shape the plan, unless it goes straight into a column.
-                if (slot.type.kind == SqlKind::Numeric) slot.typeFixed = true;
-                return b;
-            }
+            case ExprKind::Literal:
+                return bindLiteral(e);
             case ExprKind::Null:
                 return null();
             case ExprKind::Column:
@@ -140,45 +70,16 @@ BoundPtr Binder::bind(const Expr& e) {
                 return bindVariable(e);
             case ExprKind::SystemVariable:
                 return bindSystemVariable(e);
-            case ExprKind::Unary: {
-                BoundPtr a = bindValue(*e.args[0]);
-                if (a->type.kind == SqlKind::Null) a = convert(std::move(a), kInt);
-                const bool minus = e.op == "-";
-                if (!(minus ? a->type.isNumber() && a->type.kind != SqlKind::Bit
-                            : a->type.isInteger()))
-                    throw makeDbError(8117, {a->type.name(), minus ? "minus" : "'~'"}, e.line);
-                if (minus && a->kind == BoundKind::Literal && a->index >= 0 &&
-                    a->type == a->sourceType && a->type.isNumber()) {
-                    a->negated = !a->negated;
-                    return a;
-                }
-                SqlType type = a->type;
-                if (!minus)
-                    return op(type.kind == SqlKind::Bit       ? "(1 - $0)"
-                              : type.kind == SqlKind::TinyInt ? "(255 & ~$0)"
-                                                              : "(~$0)",
-                              type, list(std::move(a)));
-                if (type.kind == SqlKind::TinyInt) type = SqlType::of(SqlKind::SmallInt);
-                if (isWide(type)) return op("t_neg($0)", type, list(std::move(a)));
-                return op("(-$0)", type, list(std::move(a)));
-            }
+            case ExprKind::Unary:
+                return bindUnary(e);
             case ExprKind::Binary:
                 return bindBinary(e);
             case ExprKind::Case:
                 return bindCase(e);
             case ExprKind::Function:
                 return bindFunction(e);
-            case ExprKind::Cast: {
-                BoundPtr a = bindValue(*e.args[0]);
-                requireConversion(a->type, e.type, true);
-                int style = -1;
-                if (e.args.size() > 1) {
-                    const Value* v = fixedLiteral(*e.args[1]);
-                    if (!v) return castByStyle(std::move(a), e);
-                    style = static_cast<int>(v->toInt());
-                }
-                return cast(std::move(a), e.type, style, e.tryCast, true);
-            }
+            case ExprKind::Cast:
+                return bindCast(e);
             case ExprKind::Subquery:
                 return scalarQuery(*e.query, e.line);
             case ExprKind::Default:
@@ -190,6 +91,52 @@ BoundPtr Binder::bind(const Expr& e) {
         if (error.line == 0) error.line = e.line;
         throw;
     }
+}
+
+BoundPtr Binder::bindLiteral(const Expr& e) {
+    LiteralSlot& slot = (*context_.literals)[e.literal];
+    // In the body of a view or function a literal is a constant of that body.
+    if (viewDepth_ > 0) return constant(slot.value, slot.type);
+    auto b = std::make_unique<BoundExpr>();
+    b->kind = BoundKind::Literal;
+    b->index = e.literal;
+    b->type = b->sourceType = slot.type;
+    b->nullable = false;
+    // Its places shape the plan, unless it goes straight into a column.
+    if (slot.type.kind == SqlKind::Numeric) slot.typeFixed = true;
+    return b;
+}
+
+BoundPtr Binder::bindUnary(const Expr& e) {
+    BoundPtr a = bindValue(*e.args[0]);
+    if (a->type.kind == SqlKind::Null) a = convert(std::move(a), kInt);
+    SqlType type = a->type;
+    const bool minus = e.op == "-";
+    if (!(minus ? type.isNumber() && type.kind != SqlKind::Bit : type.isInteger()))
+        throw makeDbError(8117, {type.name(), minus ? "minus" : "'~'"}, e.line);
+    if (!minus)
+        return op(type.kind == SqlKind::Bit       ? "(1 - $0)"
+                  : type.kind == SqlKind::TinyInt ? "(255 & ~$0)"
+                                                  : "(~$0)",
+                  type, list(std::move(a)));
+    if (a->kind == BoundKind::Literal && a->index >= 0 && type == a->sourceType) {
+        a->negated = !a->negated;
+        return a;
+    }
+    if (type.kind == SqlKind::TinyInt) type = SqlType::of(SqlKind::SmallInt);
+    return op(isWide(type) ? "t_neg($0)" : "(-$0)", type, list(std::move(a)));
+}
+
+BoundPtr Binder::bindCast(const Expr& e) {
+    BoundPtr a = bindValue(*e.args[0]);
+    requireConversion(a->type, e.type, true);
+    int style = -1;
+    if (e.args.size() > 1) {
+        const Value* v = fixedLiteral(*e.args[1]);
+        if (!v) return castByStyle(std::move(a), e);
+        style = static_cast<int>(v->toInt());
+    }
+    return cast(std::move(a), e.type, style, e.tryCast, true);
 }
 
 bool Binder::isNamed(const BoundSource& source, const Name& column) const {
@@ -297,183 +244,52 @@ BoundPtr Binder::bindBinary(const Expr& e) {
     return left;
 }
 
-BoundPtr Binder::plus(BoundPtr a, BoundPtr b) {
-    SqlType type = commonType(a->type, b->type);
-    const auto length = [](const BoundExpr& e) {
-        return e.type.kind == SqlKind::Null ? 1 : e.type.length;
-    };
-    const int limit = type.isUnicode() ? 4000 : 8000;
-    if (length(*a) == SqlType::kMax || length(*b) == SqlType::kMax)
-        type.length = SqlType::kMax;
-    else
-        type.length = std::min(limit, length(*a) + length(*b));
-    type.kind = type.isUnicode() ? SqlKind::NVarChar : SqlKind::VarChar;
-    return op("($0 || $1)", type, list(std::move(a), std::move(b)));
+// A chain of AND or OR leans to the left: walked, not recursed into.
+BoundPtr Binder::bindChain(const Expr& e) {
+    const char* pattern = e.kind == ExprKind::And ? "($0 AND $1)" : "($0 OR $1)";
+    std::vector<const Expr*> chain;
+    const Expr* first = &e;
+    while (first->kind == e.kind) {
+        chain.push_back(first);
+        first = first->args[0].get();
+    }
+    BoundPtr left = bindCondition(*first);
+    for (auto it = chain.rbegin(); it != chain.rend(); ++it)
+        left = predicate(pattern, list(std::move(left), bindCondition(*(*it)->args[1])));
+    return left;
 }
 
-// A whole-number literal counts with its own digits, not with those of int.
-SqlType Binder::operandNumeric(const BoundExpr& e) const {
-    if (e.kind != BoundKind::Literal || e.type.kind != SqlKind::Int || !(e.type == e.sourceType))
-        return asNumeric(e.type);
-    if (e.index >= 0) (*context_.literals)[e.index].typeFixed = true;
-    const Value& v = e.index < 0 ? e.constant : (*context_.literals)[e.index].value;
-    return SqlType::numeric(v.isInt() ? Decimal::fromInt(v.asInt()).digits() : 10, 0);
+// One common type lets SQLite's own BETWEEN use an index; bounds of another kind compare each in
+// their own type.
+BoundPtr Binder::bindBetween(const Expr& e) {
+    BoundPtr a = bindValue(*e.args[0]);
+    BoundPtr low = bindValue(*e.args[1]);
+    BoundPtr high = bindValue(*e.args[2]);
+    const SqlType type = unify({&a, &low, &high});
+    std::string pattern = type.isText()  ? "($0 COLLATE TSQL BETWEEN $1 AND $2)"
+                          : isWide(type) ? "(t_ncmp($0,$1) >= 0 AND t_ncmp($0,$2) <= 0)"
+                                         : "($0 BETWEEN $1 AND $2)";
+    if (e.negated) pattern = "(NOT " + pattern + ")";
+    return predicate(pattern, list(std::move(a), std::move(low), std::move(high)));
 }
 
-BoundPtr Binder::arithmetic(char o, BoundPtr a, BoundPtr b, int line) {
-    if (o == '&' || o == '|' || o == '^') {
-        for (BoundPtr* x : {&a, &b})
-            if (!(*x)->type.isInteger()) {
-                if ((*x)->type.kind != SqlKind::Null)
-                    throw makeDbError(
-                        402, {a->type.name(), b->type.name(), std::string("'") + o + "'"}, line);
-                *x = convert(std::move(*x), kInt);
-            }
-        const SqlType type = commonType(a->type, b->type);
-        if (o == '^') return op("(($0 | $1) - ($0 & $1))", type, list(std::move(a), std::move(b)));
-        return op(std::string("($0 ") + o + " $1)", type, list(std::move(a), std::move(b)));
+BoundPtr Binder::bindLike(const Expr& e) {
+    Args args;
+    for (const ExprPtr& a : e.args) {
+        BoundPtr v = bindValue(*a);
+        if (!v->type.isText()) v = convert(std::move(v), SqlType::text(SqlKind::VarChar, 8000));
+        args.push_back(std::move(v));
     }
-    if (o == '+') {
-        const bool text = (a->type.isText() || a->type.kind == SqlKind::Null) &&
-                          (b->type.isText() || b->type.kind == SqlKind::Null) &&
-                          (a->type.isText() || b->type.isText());
-        if (text) return plus(std::move(a), std::move(b));
-    }
-    SqlType type = arithmeticType(o, a->type, b->type);
-    if (type.isDate()) {
-        // A text beside a date is a date; a number is a count of days.
-        for (BoundPtr* x : {&a, &b})
-            if (!(*x)->type.isNumber())
-                *x = convert(std::move(*x), type);
-            else if ((*x)->type.isDecimal())
-                *x = convert(std::move(*x), SqlType::of(SqlKind::Float));
-        BoundPtr sum = op(std::string("t_date($0 ") + o + " $1)", SqlType::of(SqlKind::DateTime),
-                          list(std::move(a), std::move(b)));
-        return convert(std::move(sum), type);
-    }
-    if (type.isFloating()) {
-        a = convert(std::move(a), type);
-        b = convert(std::move(b), type);
-        BoundPtr r = op(o == '/' ? "t_fdiv($0,$1)" : std::string("t_float($0 ") + o + " $1)",
-                        SqlType::of(SqlKind::Float), list(std::move(a), std::move(b)));
-        return convert(std::move(r), type);
-    }
-    if (type.isMoney()) {
-        a = convert(std::move(a), type);
-        b = convert(std::move(b), type);
-        return op(std::string("t_money('") + o + "',$0,$1," +
-                      std::to_string(static_cast<int>(type.kind)) + ")",
-                  type, list(std::move(a), std::move(b)));
-    }
-    if (type.kind != SqlKind::Numeric) {  // whole numbers
-        a = convert(std::move(a), type);
-        b = convert(std::move(b), type);
-        if (o == '/') return op("t_idiv($0,$1)", type, list(std::move(a), std::move(b)));
-        if (o == '%') return op("t_imod($0,$1)", type, list(std::move(a), std::move(b)));
-        const std::string kind = std::to_string(static_cast<int>(type.kind));
-        if (type.kind == SqlKind::BigInt)
-            return op(std::string("t_big('") + o + "',$0,$1)", type,
-                      list(std::move(a), std::move(b)));
-        const std::string check = "t_int($0," + kind + ")";
-        const SqlType whole = SqlType::of(SqlKind::BigInt);
-        // In a chain the last sum is checked: the ones before it cannot leave 64 bits unseen.
-        if (a->kind == BoundKind::Op && a->pattern == check && a->args[0]->pattern[4] != '*' &&
-            o != '*')
-            a = std::move(a->args[0]);
-        BoundPtr sum =
-            op(std::string("($0 ") + o + " $1)", whole, list(std::move(a), std::move(b)));
-        return op(check, type, list(std::move(sum)));
-    }
-    // numeric: text and NULL take the other side's type first
-    for (BoundPtr* x : {&a, &b})
-        if (!(*x)->type.isNumber())
-            *x = convert(std::move(*x), asNumeric(x == &a ? b->type : a->type));
-    const SqlType ta = operandNumeric(*a), tb = operandNumeric(*b);
-    type = arithmeticType(o, ta, tb);
-    const bool narrow = ta.precision <= kNarrowPrecision && tb.precision <= kNarrowPrecision;
-    const auto scaled = [&](BoundPtr x, const SqlType& t) {
-        x = convert(std::move(x), t);
-        if (t.scale == type.scale) return x;
-        return op("($0 * " + powerText(type.scale - t.scale) + ")", type, list(std::move(x)));
-    };
-    const bool fits = narrow && ta.precision + type.scale - ta.scale <= kNarrowPrecision &&
-                      tb.precision + type.scale - tb.scale <= kNarrowPrecision;
-    if ((o == '+' || o == '-') && fits && type.scale >= ta.scale && type.scale >= tb.scale) {
-        BoundPtr x = scaled(std::move(a), ta), y = scaled(std::move(b), tb);
-        return op(std::string("($0 ") + o + " $1)", type, list(std::move(x), std::move(y)));
-    }
-    a = convert(std::move(a), ta);
-    b = convert(std::move(b), tb);
-    if (o == '*' && ta.precision + tb.precision <= kNarrowPrecision &&
-        type.scale == ta.scale + tb.scale)
-        return op("($0 * $1)", type, list(std::move(a), std::move(b)));
-    if (o == '+' || o == '-') {
-        // A chain of sums is one call: nested ones would be too deep for SQLite's parser.
-        const std::string term = std::to_string(tb.scale) + "," + (o == '+' ? "1)" : "-1)");
-        const std::string head = "t_total(" + std::to_string(type.scale);
-        if (a->kind == BoundKind::Op && a->pattern.starts_with("t_total(") && a->args.size() < 40) {
-            const size_t comma = a->pattern.find(',');
-            a->pattern = head + a->pattern.substr(comma, a->pattern.size() - comma - 1) + ",$" +
-                         std::to_string(a->args.size()) + ";," + term;
-            a->userFunction |= b->userFunction;
-            a->args.push_back(std::move(b));
-            a->type = type;
-            return a;
-        }
-        return op(head + ",$0," + std::to_string(ta.scale) + ",1,$1," + term, type,
-                  list(std::move(a), std::move(b)));
-    }
-    return op(std::string("t_num('") + o + "',$0," + std::to_string(ta.scale) + ",$1," +
-                  std::to_string(tb.scale) + "," + std::to_string(type.scale) + ")",
-              type, list(std::move(a), std::move(b)));
-}
-
-SqlType Binder::unify(const std::vector<BoundPtr*>& values) {
-    SqlType type;
-    for (BoundPtr* v : values) type = commonType(type, (*v)->type);
-    if (type.kind == SqlKind::Null) type = kInt;
-    for (BoundPtr* v : values) *v = convert(std::move(*v), type);
-    return type;
-}
-
-BoundPtr Binder::compare(const std::string& o, BoundPtr a, BoundPtr b) {
-    const SqlType type = unify({&a, &b});
-    BoundPtr e;
-    if (type.isText())
-        e = op("($0 COLLATE TSQL " + o + " $1)", SqlType::of(SqlKind::Bit),
-               list(std::move(a), std::move(b)));
-    else if (isWide(type))
-        e = op("(t_ncmp($0,$1) " + o + " 0)", SqlType::of(SqlKind::Bit),
-               list(std::move(a), std::move(b)));
-    else
-        e = op("($0 " + o + " $1)", SqlType::of(SqlKind::Bit), list(std::move(a), std::move(b)));
-    e->predicate = true;
-    return e;
+    std::string pattern = args.size() == 3 ? "t_like($1,$0,$2)" : "t_like($1,$0)";
+    if (e.negated) pattern = "(NOT " + pattern + ")";
+    return predicate(pattern, std::move(args));
 }
 
 BoundPtr Binder::bindPredicate(const Expr& e) {
-    const SqlType truth = SqlType::of(SqlKind::Bit);
-    const auto predicate = [&](std::string pattern, std::vector<BoundPtr> args) {
-        BoundPtr p = op(std::move(pattern), truth, std::move(args));
-        p->predicate = true;
-        return p;
-    };
     switch (e.kind) {
         case ExprKind::And:
-        case ExprKind::Or: {
-            const char* word = e.kind == ExprKind::And ? " AND " : " OR ";
-            std::vector<const Expr*> chain;
-            const Expr* first = &e;
-            while (first->kind == e.kind) {
-                chain.push_back(first);
-                first = first->args[0].get();
-            }
-            BoundPtr left = bindCondition(*first);
-            for (auto it = chain.rbegin(); it != chain.rend(); ++it)
-                left = predicate(std::string("($0") + word + "$1)",
-                                 list(std::move(left), bindCondition(*(*it)->args[1])));
-            return left;
-        }
+        case ExprKind::Or:
+            return bindChain(e);
         case ExprKind::Not:
             return predicate("(NOT $0)", list(bindCondition(*e.args[0])));
         case ExprKind::Compare: {
@@ -483,44 +299,18 @@ BoundPtr Binder::bindPredicate(const Expr& e) {
         case ExprKind::IsNull:
             return predicate(e.negated ? "($0 IS NOT NULL)" : "($0 IS NULL)",
                              list(bindValue(*e.args[0])));
-        case ExprKind::Between: {
-            BoundPtr a = bindValue(*e.args[0]);
-            BoundPtr low = bindValue(*e.args[1]);
-            BoundPtr high = bindValue(*e.args[2]);
-            // One common type lets SQLite's own BETWEEN use an index; bounds of another kind
-            // compare each in their own type.
-            const SqlType type = unify({&a, &low, &high});
-            std::string pattern = type.isText()  ? "($0 COLLATE TSQL BETWEEN $1 AND $2)"
-                                  : isWide(type) ? "(t_ncmp($0,$1) >= 0 AND t_ncmp($0,$2) <= 0)"
-                                                 : "($0 BETWEEN $1 AND $2)";
-            if (e.negated) pattern = "(NOT " + pattern + ")";
-            return predicate(pattern, list(std::move(a), std::move(low), std::move(high)));
-        }
+        case ExprKind::Between:
+            return bindBetween(e);
         case ExprKind::InList:
+            return bindInList(e);
         case ExprKind::InQuery:
-            return bindIn(e);
-        case ExprKind::Exists: {
-            auto p = std::make_unique<BoundExpr>();
-            p->kind = BoundKind::ExistsQuery;
-            p->type = truth;
-            p->predicate = true;
-            p->query = bindSubquery(*e.query);
-            return p;
-        }
+            return bindInQuery(e);
+        case ExprKind::Exists:
+            return subqueryPredicate(BoundKind::ExistsQuery, bindSubquery(*e.query), false);
         case ExprKind::Quantified:
             return bindQuantified(e);
-        case ExprKind::Like: {
-            std::vector<BoundPtr> args;
-            for (const ExprPtr& a : e.args) {
-                BoundPtr v = bindValue(*a);
-                if (!v->type.isText())
-                    v = convert(std::move(v), SqlType::text(SqlKind::VarChar, 8000));
-                args.push_back(std::move(v));
-            }
-            std::string pattern = args.size() == 3 ? "t_like($1,$0,$2)" : "t_like($1,$0)";
-            if (e.negated) pattern = "(NOT " + pattern + ")";
-            return predicate(pattern, std::move(args));
-        }
+        case ExprKind::Like:
+            return bindLike(e);
         default:
             throw makeDbError(102, {"?"}, e.line);
     }
@@ -569,68 +359,6 @@ BoundPtr Binder::bindCase(const Expr& e) {
     return c;
 }
 
-BoundPtr Binder::convert(BoundPtr e, const SqlType& to) {
-    requireConversion(e->type, to, false);
-    return cast(std::move(e), to, -1, false, false);
-}
-
-BoundPtr Binder::cast(BoundPtr e, const SqlType& to, int style, bool tryCast, bool checked) {
-    const SqlType from = e->type;
-    if (e->predicate) throw makeDbError(102, {"="});
-    if (from == to && style < 0) return e;
-    if (e->kind == BoundKind::Null) {
-        e->type = to;
-        return e;
-    }
-    // A literal or variable converts once, when it is handed over. In a branch that may never
-    // run, a text's conversion must wait until the branch does.
-    const bool waits = conditional_ > 0 && from.isText() && !to.isText();
-    if ((e->kind == BoundKind::Literal || e->kind == BoundKind::Variable) &&
-        e->type == e->sourceType && style < 0 && !tryCast && !waits && !to.isFixedText()) {
-        e->type = to;
-        return e;
-    }
-    const bool nullable = e->nullable;
-    const auto as = [&](std::string pattern) {
-        BoundPtr r = op(std::move(pattern), to, list(std::move(e)));
-        r->nullable = nullable;
-        return r;
-    };
-    if (style < 0 && !tryCast) {
-        if (from.isInteger()) {
-            if (to.kind == SqlKind::Bit) return as("($0 <> 0)");
-            if (to.isInteger() && to.kind > from.kind) return as("$0");
-            if (to.kind == SqlKind::Numeric && to.precision <= kNarrowPrecision &&
-                digitsOf(from) <= to.precision - to.scale)
-                return as(to.scale == 0 ? "$0" : "($0 * " + powerText(to.scale) + ")");
-            if (to.kind == SqlKind::Float) return as("CAST($0 AS REAL)");
-            if (to.kind == SqlKind::DateTime && !checked) return as("$0");
-            if (to.isText() && !to.isFixedText() &&
-                (to.length == SqlType::kMax || to.length > digitsOf(from)))
-                return as("CAST($0 AS TEXT)");
-        }
-        if (from.kind == SqlKind::Numeric && to.kind == SqlKind::Numeric && !isWide(from) &&
-            !isWide(to) && to.scale >= from.scale &&
-            to.precision - to.scale >= from.precision - from.scale)
-            return as(to.scale == from.scale ? "$0"
-                                             : "($0 * " + powerText(to.scale - from.scale) + ")");
-        if (from.kind == SqlKind::Numeric && isWide(from) && isWide(to) && to.scale == from.scale &&
-            to.precision >= from.precision)
-            return as("$0");
-        if (from.isDecimal() && to.kind == SqlKind::Float && !isWide(from))
-            return as("(CAST($0 AS REAL) / " + powerText(from.scale) + ".0)");
-        if (from.isText() && to.isText() && !to.isFixedText()) {
-            const bool fits =
-                to.length == SqlType::kMax ||
-                (from.length != SqlType::kMax && from.length <= to.length && !hasTextLiteral(*e));
-            return as(fits ? "$0" : "substr($0,1," + std::to_string(to.length) + ")");
-        }
-        if (from.kind == SqlKind::Date && to.kind == SqlKind::DateTime && !checked) return as("$0");
-    }
-    return as(std::string(tryCast ? "t_trycv" : "t_cv") + "($0," + std::to_string(packType(from)) +
-              "," + std::to_string(packType(to)) + "," + std::to_string(style) + ")");
-}
-
 // CONVERT with a style that only the run knows; NULL for a style gives NULL.
 BoundPtr Binder::castByStyle(BoundPtr value, const Expr& e) {
     const std::string types =
@@ -638,37 +366,6 @@ BoundPtr Binder::castByStyle(BoundPtr value, const Expr& e) {
     return op(std::string("(CASE WHEN $1 IS NOT NULL THEN t_") + (e.tryCast ? "try" : "") +
                   "cv($0," + types + ",$1) END)",
               e.type, list(std::move(value), convert(bindValue(*e.args[1]), kInt)));
-}
-
-BoundPtr Binder::assign(BoundPtr e, const CatalogTable& table, const CatalogColumn& column) {
-    const SqlType from = e->type;
-    const SqlType& to = column.type;
-    // A number that is too long for its text is a star or an overflow, not cut.
-    const bool mayNotFit =
-        !from.isNumber() && to.isText() && to.length != SqlType::kMax &&
-        from.kind != SqlKind::Null &&
-        (from.isText() ? from.length == SqlType::kMax || from.length > to.length ||
-                             to.isFixedText() || hasTextLiteral(*e)
-                       : true);
-    if (!mayNotFit) {
-        // The only numeric literals whose places do not shape the plan.
-        if (e->kind == BoundKind::Literal && e->index >= 0 && e->type == e->sourceType &&
-            to.isNumber())
-            (*context_.literals)[e->index].typeFixed = false;
-        return convert(std::move(e), to);
-    }
-    SqlType wide = to;
-    wide.kind = to.isUnicode() ? SqlKind::NVarChar : SqlKind::VarChar;
-    wide.length = from.isText() ? SqlType::kMax : 8000;
-    const bool nullable = e->nullable;
-    e = convert(std::move(e), wide);
-    BoundPtr r = op(
-        "t_fit($0," + std::to_string(to.length) + "," + (to.isFixedText() ? "1" : "0") + ",$1,$2)",
-        to,
-        list(std::move(e), verbatim(sqliteText(context_.catalog.fullName(table)), to),
-             verbatim(sqliteText(column.name), to)));
-    r->nullable = nullable;
-    return r;
 }
 
 }  // namespace owb::tsql

@@ -7,18 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "tsql/bind/bound.h"
+#include "tsql/bind/typed_expressions.h"
 
 namespace owb::tsql {
-
-// What a statement is bound in.
-struct BindContext {
-    Catalog& catalog;
-    std::vector<LiteralSlot>* literals = nullptr;  // of the batch; null: constants only
-    const std::vector<VariableInfo>* variables = nullptr;
-    const std::map<std::string, CatalogTablePtr>* pseudoTables = nullptr;  // inserted, deleted
-    std::function<int(const std::string&)> functionId;  // number of a scalar function
-};
 
 // What a plan depends on: it is good while these objects have these signatures.
 struct Dependency {
@@ -35,7 +26,7 @@ struct TableCall {
     std::string sqlName;  // of the table
 };
 
-class Binder {
+class Binder : public TypedExpressions {
   public:
     explicit Binder(BindContext& context);
     ~Binder();
@@ -70,15 +61,7 @@ class Binder {
     BoundPtr rowLimit(const Expr& e, int error);
     // Resolves the target of an UPDATE or DELETE together with its FROM and opens that scope.
     Target bindTarget(const ChangeStatement& s);
-    void closeTarget();
     void pushWith(const std::vector<CommonTable>& with);
-
-    // Conversions: the silent one, and that of CAST and CONVERT. `checked`: a value that its new
-    // type cannot hold is an error even where the old representation would do.
-    BoundPtr convert(BoundPtr e, const SqlType& to);
-    BoundPtr cast(BoundPtr e, const SqlType& to, int style, bool tryCast, bool checked);
-    // As an assignment to that column: text that does not fit is an error.
-    BoundPtr assign(BoundPtr e, const CatalogTable& table, const CatalogColumn& column);
 
     const std::vector<Dependency>& dependencies() const { return dependencies_; }
     // Multi-statement table functions that must fill their tables before the statement runs.
@@ -86,17 +69,9 @@ class Binder {
     void dependOn(const CatalogTable& table);
 
     // --- used by the functions' table (builtins.cpp) ---
-    BoundPtr op(std::string pattern, SqlType type, std::vector<BoundPtr> args);
-    BoundPtr verbatim(std::string sql, SqlType type);
-    BoundPtr constant(Value value, SqlType type);
-    BoundPtr null(SqlType type = {});
     BoundPtr bind(const Expr& e);
     // The literal's value when the expression is a literal; the plan is then bound to it.
     const Value* fixedLiteral(const Expr& e);
-    BoundPtr compare(const std::string& op, BoundPtr a, BoundPtr b);
-    BoundPtr arithmetic(char op, BoundPtr a, BoundPtr b, int line);
-    // Brings all to their common type.
-    SqlType unify(const std::vector<BoundPtr*>& values);
     BindContext& context() { return context_; }
     // The next SELECT is a statement of its own: it may assign variables and make a table.
     bool statement = false;
@@ -149,21 +124,28 @@ class Binder {
     BoundPtr bindVariable(const Expr& e);
     BoundPtr bindSystemVariable(const Expr& e);
     BoundPtr bindBinary(const Expr& e);
+    BoundPtr bindLiteral(const Expr& e);
+    BoundPtr bindUnary(const Expr& e);
+    BoundPtr bindCast(const Expr& e);
     BoundPtr bindPredicate(const Expr& e);
+    BoundPtr bindChain(const Expr& e);
+    BoundPtr bindBetween(const Expr& e);
+    BoundPtr bindLike(const Expr& e);
     BoundPtr bindCase(const Expr& e);
     BoundPtr castByStyle(BoundPtr value, const Expr& e);
     BoundPtr bindFunction(const Expr& e);
     BoundPtr bindAggregate(const Expr& e, const std::string& name);
+    BoundPtr aggregated(const Expr& e);
+    BoundPtr bindNumberAggregate(const std::string& name, const std::string& distinct, BoundPtr a);
     BoundPtr bindStringAggregate(const Expr& e, BoundPtr value);
     BoundPtr bindWindow(const Expr& e, const std::string& name);
     BoundPtr bindUserFunction(const Expr& e);
-    BoundPtr bindIn(const Expr& e);
+    BoundPtr bindInList(const Expr& e);
+    BoundPtr bindInQuery(const Expr& e);
+    BoundPtr subqueryPredicate(BoundKind kind, std::unique_ptr<BoundQuery> query, bool negated);
     BoundPtr bindQuantified(const Expr& e);
     BoundPtr scalarQuery(const Query& query, int line);
-    BoundPtr plus(BoundPtr a, BoundPtr b);
-    SqlType operandNumeric(const BoundExpr& e) const;
 
-    BindContext& context_;
     std::vector<Dependency> dependencies_;
     std::vector<std::unique_ptr<Scope>> scopes_;
     std::vector<const CommonTable*> with_;
@@ -176,7 +158,6 @@ class Binder {
     std::vector<Recursive> recursive_;
     int maxRecursion_ = 100;
     int nextAlias_ = 0;
-    int conditional_ = 0;  // depth in CASE and its like, where a conversion may never run
     int aggregateDepth_ = 0;
     int applyDepth_ = 0;
     int windowDepth_ = 0;

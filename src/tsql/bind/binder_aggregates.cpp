@@ -1,4 +1,6 @@
 // The aggregate functions.
+#include <algorithm>
+
 #include "base/utf8.h"
 #include "tsql/bind/function_call.h"
 
@@ -12,79 +14,79 @@ bool isAggregateName(const std::string& n) {
 
 BoundPtr Binder::bindAggregate(const Expr& e, const std::string& name) {
     if (aggregateDepth_ > 0) throw makeDbError(130, {}, e.line);
+    const bool counts = name == "COUNT" || name == "COUNT_BIG";
+    const SqlType& number = name == "COUNT" ? kInt : kBigInt;
     const std::string distinct = e.distinct ? "DISTINCT " : "";
     BoundPtr r;
-    if ((name == "COUNT" || name == "COUNT_BIG") && e.args.size() == 1 &&
-        e.args[0]->kind == ExprKind::Star) {
-        r = op("count(*)", name == "COUNT" ? kInt : kBigInt, {});
+    if (counts && e.args.size() == 1 && e.args[0]->kind == ExprKind::Star) {
+        r = op("count(*)", number, {});
     } else {
         if (e.args.size() != (name == "STRING_AGG" ? 2u : 1u))
             throw makeDbError(174, {lowerCase(name), "1"}, e.line);
-        ++aggregateDepth_;
-        BoundPtr a;
-        try {
-            a = bindValue(*e.args[0]);
-        } catch (...) {
-            --aggregateDepth_;
-            throw;
-        }
-        --aggregateDepth_;
+        BoundPtr a = aggregated(*e.args[0]);
         const SqlType t = a->type;
         if (t.kind == SqlKind::Null && name != "STRING_AGG")
             throw makeDbError(8117, {"NULL", lowerCase(name)}, e.line);
-        const bool wide = t.kind == SqlKind::Numeric && t.precision > kNarrowPrecision;
         const std::string collate = t.isText() ? " COLLATE TSQL" : "";
-        if (name == "COUNT" || name == "COUNT_BIG") {
-            r = op("count(" + distinct + "$0" + collate + ")", name == "COUNT" ? kInt : kBigInt,
-                   list(std::move(a)));
+        if (counts) {
+            r = op("count(" + distinct + "$0" + collate + ")", number, list(std::move(a)));
         } else if (name == "MIN" || name == "MAX") {
             if (t.kind == SqlKind::Bit) throw makeDbError(8117, {"bit", lowerCase(name)}, e.line);
-            const std::string f = wide ? (name == "MIN" ? "t_nmin" : "t_nmax") : lowerCase(name);
+            const std::string f = !isWide(t)      ? lowerCase(name)
+                                  : name == "MIN" ? "t_nmin"
+                                                  : "t_nmax";
             r = op(f + "($0" + collate + ")", t, list(std::move(a)));
         } else if (name == "STRING_AGG") {
             r = bindStringAggregate(e, std::move(a));
         } else {
             if (!t.isNumber() || t.kind == SqlKind::Bit)
                 throw makeDbError(8117, {t.name(), lowerCase(name)}, e.line);
-            if (name.starts_with("STDEV") || name.starts_with("VAR")) {
-                a = convert(std::move(a), kFloat);
-                r = op("t_agg_" + lowerCase(name) + "(" + distinct + "$0)", kFloat,
-                       list(std::move(a)));
-                r->aggregate = true;
-                return r;
-            }
-            const std::string sum = (wide ? "t_nsum(" : "sum(") + distinct + "$0)";
-            const std::string count = "count(" + distinct + "$0)";
-            // Whole numbers and money, which is held as such.
-            const SqlType total = t.isMoney()                 ? SqlType::of(SqlKind::Money)
-                                  : t.kind == SqlKind::BigInt ? kBigInt
-                                                              : kInt;
-            if (name == "SUM") {
-                if (t.kind == SqlKind::Numeric)
-                    r = op(sum, SqlType::numeric(38, t.scale), list(std::move(a)));
-                else if (t.isFloating())
-                    r = op(sum, kFloat, list(std::move(a)));
-                else if (total.kind != SqlKind::Int)
-                    r = op(sum, total, list(std::move(a)));
-                else
-                    r = op(
-                        "t_int(" + sum + "," + std::to_string(static_cast<int>(SqlKind::Int)) + ")",
-                        kInt, list(std::move(a)));
-            } else if (t.kind == SqlKind::Numeric) {
-                const int scale = std::max<int>(t.scale, 6);
-                r = op("t_num('/'," + sum + "," + std::to_string(t.scale) + "," + count + ",0," +
-                           std::to_string(scale) + ")",
-                       SqlType::numeric(38, scale), list(std::move(a)));
-            } else if (t.isFloating()) {
-                r = op("avg(" + distinct + "$0)", kFloat, list(std::move(a)));
-            } else {
-                r = op("t_idiv(" + sum + ",nullif(" + count + ",0))", total, list(std::move(a)));
-            }
+            r = bindNumberAggregate(name, distinct, std::move(a));
         }
     }
     r->aggregate = true;
-    if (name.starts_with("COUNT")) r->nullable = false;
+    if (counts) r->nullable = false;
     return r;
+}
+
+// The argument of an aggregate: there is no other one in it.
+BoundPtr Binder::aggregated(const Expr& e) {
+    struct Inside {
+        int& depth;
+        explicit Inside(int& d) : depth(d) { ++depth; }
+        ~Inside() { --depth; }
+    } inside(aggregateDepth_);
+    return bindValue(e);
+}
+
+// SUM, AVG and the measures of spread.
+BoundPtr Binder::bindNumberAggregate(const std::string& name, const std::string& distinct,
+                                     BoundPtr a) {
+    const SqlType t = a->type;
+    if (name.starts_with("STDEV") || name.starts_with("VAR")) {
+        a = convert(std::move(a), kFloat);
+        return op("t_agg_" + lowerCase(name) + "(" + distinct + "$0)", kFloat, list(std::move(a)));
+    }
+    const bool sums = name == "SUM";
+    const std::string sum = (isWide(t) ? "t_nsum(" : "sum(") + distinct + "$0)";
+    const std::string count = "count(" + distinct + "$0)";
+    if (t.isFloating())
+        return op(sums ? sum : "avg(" + distinct + "$0)", kFloat, list(std::move(a)));
+    if (t.kind == SqlKind::Numeric) {
+        if (sums) return op(sum, SqlType::numeric(38, t.scale), list(std::move(a)));
+        const int scale = std::max<int>(t.scale, 6);
+        return op("t_num('/'," + sum + "," + std::to_string(t.scale) + "," + count + ",0," +
+                      std::to_string(scale) + ")",
+                  SqlType::numeric(38, scale), list(std::move(a)));
+    }
+    // Whole numbers and money, which is held as such.
+    const SqlType total = t.isMoney()                 ? SqlType::of(SqlKind::Money)
+                          : t.kind == SqlKind::BigInt ? kBigInt
+                                                      : kInt;
+    if (!sums) return op("t_idiv(" + sum + ",nullif(" + count + ",0))", total, list(std::move(a)));
+    if (total.kind != SqlKind::Int) return op(sum, total, list(std::move(a)));
+    return op("t_int(" + sum + "," + std::to_string(static_cast<int>(SqlKind::Int)) + ")", kInt,
+              list(std::move(a)));
 }
 
 // STRING_AGG(text, separator) WITHIN GROUP (ORDER BY ...): NULLs are left out.

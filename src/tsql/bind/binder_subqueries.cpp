@@ -25,42 +25,38 @@ BoundPtr Binder::bindQuantified(const Expr& e) {
     BoundItem one;
     one.expr = op("1", SqlType::of(SqlKind::Int), {});
     rows->items.push_back(std::move(one));
+    return subqueryPredicate(BoundKind::ExistsQuery, std::move(rows), !e.any);
+}
+
+BoundPtr Binder::subqueryPredicate(BoundKind kind, std::unique_ptr<BoundQuery> query,
+                                   bool negated) {
     auto p = std::make_unique<BoundExpr>();
-    p->kind = BoundKind::ExistsQuery;
-    p->type = truth;
+    p->kind = kind;
+    p->type = SqlType::of(SqlKind::Bit);
     p->predicate = true;
-    p->negated = !e.any;
-    p->query = std::move(rows);
+    p->negated = negated;
+    p->query = std::move(query);
     return p;
 }
 
-BoundPtr Binder::bindIn(const Expr& e) {
-    auto truth = SqlType::of(SqlKind::Bit);
-    if (e.kind == ExprKind::InList) {
-        std::vector<BoundPtr> args;
-        for (const ExprPtr& a : e.args) args.push_back(bindValue(*a));
-        std::vector<BoundPtr*> all;
-        for (BoundPtr& a : args) all.push_back(&a);
-        const SqlType type = unify(all);
-        BoundPtr p;
-        std::string pattern = type.isText() ? "($0 COLLATE TSQL IN ($*))" : "($0 IN ($*))";
-        if (e.negated) pattern = "(NOT " + pattern + ")";
-        p = op(pattern, truth, std::move(args));
-        p->predicate = true;
-        return p;
-    }
-    auto p = std::make_unique<BoundExpr>();
-    p->kind = BoundKind::InQuery;
-    p->type = truth;
-    p->predicate = true;
-    p->negated = e.negated;
+BoundPtr Binder::bindInList(const Expr& e) {
+    Args args;
+    for (const ExprPtr& a : e.args) args.push_back(bindValue(*a));
+    std::vector<BoundPtr*> all;
+    for (BoundPtr& a : args) all.push_back(&a);
+    const SqlType type = unify(all);
+    std::string pattern = type.isText() ? "($0 COLLATE TSQL IN ($*))" : "($0 IN ($*))";
+    if (e.negated) pattern = "(NOT " + pattern + ")";
+    return predicate(pattern, std::move(args));
+}
+
+BoundPtr Binder::bindInQuery(const Expr& e) {
     BoundPtr a = bindValue(*e.args[0]);
-    p->query = bindSubquery(*e.query);
+    BoundPtr p = subqueryPredicate(BoundKind::InQuery, bindSubquery(*e.query), e.negated);
     if (p->query->columns.size() != 1) throw makeDbError(116, {}, e.line);
     const SqlType type = commonType(a->type, p->query->columns[0].type);
-    a = convert(std::move(a), type);
     convertOutputs(*p->query, {type});
-    p->args.push_back(std::move(a));
+    p->args.push_back(convert(std::move(a), type));
     return p;
 }
 

@@ -176,9 +176,4 @@ int Binder::assignsVariable(const std::string& name, int line) {
     return assignedVariables_.back();
 }
 
-void Binder::closeTarget() {
-    scopes_.pop_back();
-    with_.clear();
-}
-
 }  // namespace owb::tsql

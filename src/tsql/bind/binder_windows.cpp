@@ -7,8 +7,6 @@ namespace owb::tsql {
 
 namespace {
 
-using Args = std::vector<BoundPtr>;
-
 enum class Order { Forbidden, Needed, Optional };
 
 struct WindowFunction {

@@ -13,8 +13,6 @@
 
 namespace owb::tsql {
 
-using Args = std::vector<BoundPtr>;
-
 inline const SqlType kBit = SqlType::of(SqlKind::Bit);
 inline const SqlType kInt = SqlType::of(SqlKind::Int);
 inline const SqlType kBigInt = SqlType::of(SqlKind::BigInt);
@@ -46,13 +44,6 @@ struct FunctionCall {
     // Throws DbError 8116 for that argument's type.
     [[noreturn]] void refuse(size_t i) const;
 };
-
-template <class... A>
-Args list(A... a) {
-    Args v;
-    (v.push_back(std::move(a)), ...);
-    return v;
-}
 
 struct BuiltinFunction {
     size_t minimum, maximum;
