@@ -111,7 +111,19 @@ class Binder : public TypedExpressions {
     std::unique_ptr<BoundSource> bindNamedTable(const TableRef& ref);
     std::unique_ptr<BoundQuery> bindRecursive(const CommonTable& common, int line);
     std::unique_ptr<BoundSource> bindView(CatalogModule& view, const std::string& exposed);
+    std::unique_ptr<BoundQuery> bindModuleBody(CatalogModule& module,
+                                               const std::map<std::string, BoundPtr>* arguments);
     std::unique_ptr<BoundSource> bindTableFunction(const TableRef& ref);
+    std::map<std::string, BoundPtr> bindArguments(const TableRef& ref, CatalogModule& module);
+    BoundPtr defaultArgument(CatalogModule& module, const Parameter& p);
+    std::unique_ptr<BoundSource> calledForRows(const CatalogModule& module,
+                                               const ModuleDefinition& definition,
+                                               std::vector<BoundPtr> arguments,
+                                               const std::string& exposed);
+    std::unique_ptr<BoundSource> calledBefore(const CatalogModule& module,
+                                              const ModuleDefinition& definition,
+                                              std::vector<BoundPtr> arguments,
+                                              const std::string& exposed);
     std::unique_ptr<BoundSource> derivedSource(std::unique_ptr<BoundQuery> query,
                                                const std::string& exposed,
                                                const std::vector<std::string>& names, int line);
@@ -139,6 +151,9 @@ class Binder : public TypedExpressions {
     BoundPtr bindNumberAggregate(const std::string& name, const std::string& distinct, BoundPtr a);
     BoundPtr bindStringAggregate(const Expr& e, BoundPtr value);
     BoundPtr bindWindow(const Expr& e, const std::string& name);
+    BoundPtr bindWindowCall(const Expr& e, const std::string& name);
+    BoundPtr bindAggregateOver(const Expr& e, const std::string& name);
+    std::string bindWindowSpec(const WindowSpec& spec, Args& args);
     BoundPtr bindUserFunction(const Expr& e);
     BoundPtr bindInList(const Expr& e);
     BoundPtr bindInQuery(const Expr& e);

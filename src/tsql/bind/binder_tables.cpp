@@ -251,56 +251,69 @@ std::unique_ptr<BoundQuery> Binder::bindRecursive(const CommonTable& common, int
     return q;
 }
 
+// The body of a view or inline function: it sees nothing of the statement that uses it, but for the
+// arguments of a function.
+std::unique_ptr<BoundQuery> Binder::bindModuleBody(
+    CatalogModule& module, const std::map<std::string, BoundPtr>* arguments) {
+    if (viewDepth_ >= 32) throw makeDbError(217);
+    ParsedBatch& parsed = context_.catalog.parsed(module);
+    struct Outside {
+        Binder& b;
+        std::vector<std::unique_ptr<Scope>> scopes;
+        std::vector<const CommonTable*> with;
+        std::vector<LiteralSlot>* literals = b.context_.literals;
+        const std::vector<std::vector<std::string>>* stars = b.fixedStars_;
+        std::vector<std::vector<std::string>>* record = b.recordStars;
+        const std::map<std::string, BoundPtr>* parameters = b.parameters_;
+        size_t star = b.nextStar_;
+
+        explicit Outside(Binder& binder) : b(binder) {
+            std::swap(scopes, b.scopes_);
+            std::swap(with, b.with_);
+            ++b.viewDepth_;
+        }
+        ~Outside() {
+            --b.viewDepth_;
+            std::swap(scopes, b.scopes_);
+            std::swap(with, b.with_);
+            b.context_.literals = literals;
+            b.fixedStars_ = stars;
+            b.recordStars = record;
+            b.parameters_ = parameters;
+            b.nextStar_ = star;
+        }
+    } outside(*this);
+    context_.literals = &parsed.ast.literals;
+    recordStars = nullptr;
+    parameters_ = arguments;
+    fixedStars_ = arguments ? nullptr : &module.stars;
+    if (!arguments) nextStar_ = 0;
+    return bindSubquery(*parsed.definition->query);
+}
+
 std::unique_ptr<BoundSource> Binder::bindView(CatalogModule& view, const std::string& exposed) {
     const ModuleDefinition& definition = *context_.catalog.parsed(view).definition;
-    if (viewDepth_ >= 32) throw makeDbError(217);
-    // The view's body sees nothing of the statement that uses it.
-    std::vector<std::unique_ptr<Scope>> scopes;
-    std::vector<const CommonTable*> with;
-    std::swap(scopes, scopes_);
-    std::swap(with, with_);
-    auto* literals = context_.literals;
-    context_.literals = &context_.catalog.parsed(view).ast.literals;
-    const auto* stars = fixedStars_;
-    const size_t star = nextStar_;
-    const auto* parameters = parameters_;
-    auto* record = recordStars;
-    fixedStars_ = &view.stars;
-    nextStar_ = 0;
-    parameters_ = nullptr;
-    recordStars = nullptr;
-    ++viewDepth_;
-    const auto restore = [&] {
-        --viewDepth_;
-        fixedStars_ = stars;
-        nextStar_ = star;
-        parameters_ = parameters;
-        recordStars = record;
-        context_.literals = literals;
-        std::swap(scopes, scopes_);
-        std::swap(with, with_);
-    };
-    std::unique_ptr<BoundQuery> inner;
-    try {
-        inner = bindSubquery(*definition.query);
-    } catch (...) {
-        restore();
-        throw;
-    }
-    restore();
-    auto source = derivedSource(std::move(inner), exposed, definition.viewColumns, 0);
+    auto source = derivedSource(bindModuleBody(view, nullptr), exposed, definition.viewColumns, 0);
     source->tableName = view.name;
     source->checkOption = definition.checkOption;
     return source;
 }
 
-std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
-    CatalogModulePtr module = context_.catalog.findModule(ref.name);
-    if (!module ||
-        (module->kind != ModuleKind::InlineFunction && module->kind != ModuleKind::TableFunction))
-        throw makeDbError(208, {ref.name.text()}, ref.line);
-    dependencies_.push_back({module->name, true, module->signature});
-    const ModuleDefinition& definition = *context_.catalog.parsed(*module).definition;
+// --- functions in FROM ---
+
+// A parameter's default: its literals are those of the module's text.
+BoundPtr Binder::defaultArgument(CatalogModule& module, const Parameter& p) {
+    if (!p.defaultValue) return null(p.type);
+    BindContext context{context_.catalog};
+    context.literals = &context_.catalog.parsed(module).ast.literals;
+    Binder binder(context);
+    binder.viewDepth_ = 1;
+    return binder.bindValue(*p.defaultValue);
+}
+
+// By the parameters' folded names, converted to their types.
+std::map<std::string, BoundPtr> Binder::bindArguments(const TableRef& ref, CatalogModule& module) {
+    const ModuleDefinition& definition = *context_.catalog.parsed(module).definition;
     if (ref.args.size() > definition.parameters.size())
         throw makeDbError(8144, {ref.name.text()}, ref.line);
     std::map<std::string, BoundPtr> arguments;
@@ -315,84 +328,75 @@ std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
                               "An insufficient number of arguments were supplied for the procedure "
                               "or function " +
                                   ref.name.text() + ".");
-            value = p.defaultValue ? bindValue(*p.defaultValue) : null(p.type);
+            value = defaultArgument(module, p);
         }
         arguments[foldName(p.name)] = convert(std::move(value), p.type);
     }
-    if (module->kind == ModuleKind::TableFunction) {
-        bool constant = true;
-        for (const auto& [name, value] : arguments) constant &= value->isConstant();
-        if (!constant && applyDepth_ > 0) {
-            auto source = std::make_unique<BoundSource>();
-            source->alias = newAlias();
-            source->exposedName = ref.alias.empty() ? ref.name.last() : ref.alias;
-            source->tableName = module->name;
-            for (const Parameter& p : definition.parameters)
-                source->applyArguments.push_back(std::move(arguments[foldName(p.name)]));
-            for (const ColumnDefinition& c : definition.returnsColumns)
-                source->columns.push_back({c.name, c.type, c.nullable.value_or(true),
-                                           "c" + std::to_string(source->columns.size())});
-            return source;
-        }
-        TableCall call;
-        call.function = module->name;
-        call.sqlName = "temp." + sqliteName("rows of " + foldName(module->name) + "~" +
-                                            std::to_string(tableCalls.size()));
-        for (const Parameter& p : definition.parameters) {
-            BoundPtr& value = arguments[foldName(p.name)];
-            if (!value->isConstant())
-                throw makeDbError(15281, {"A table function whose argument is no constant"},
-                                  ref.line);
-            call.arguments.push_back(std::move(value));
-        }
-        auto table = std::make_shared<CatalogTable>();
-        table->name = module->name;
-        table->sqlName = call.sqlName;
-        table->system = true;
-        for (const ColumnDefinition& c : definition.returnsColumns) {
-            CatalogColumn column;
-            column.name = c.name;
-            column.type = c.type;
-            column.nullable = c.nullable.value_or(true);
-            table->columns.push_back(std::move(column));
-        }
-        tableCalls.push_back(std::move(call));
-        return tableSource(table, ref.alias.empty() ? ref.name.last() : ref.alias);
+    return arguments;
+}
+
+std::unique_ptr<BoundSource> Binder::bindTableFunction(const TableRef& ref) {
+    CatalogModulePtr module = context_.catalog.findModule(ref.name);
+    if (!module ||
+        (module->kind != ModuleKind::InlineFunction && module->kind != ModuleKind::TableFunction))
+        throw makeDbError(208, {ref.name.text()}, ref.line);
+    dependencies_.push_back({module->name, true, module->signature});
+    const ModuleDefinition& definition = *context_.catalog.parsed(*module).definition;
+    std::map<std::string, BoundPtr> arguments = bindArguments(ref, *module);
+    const std::string& exposed = ref.alias.empty() ? ref.name.last() : ref.alias;
+    if (module->kind == ModuleKind::InlineFunction)
+        return derivedSource(bindModuleBody(*module, &arguments), exposed, ref.columnAliases,
+                             ref.line);
+    const bool constant = std::all_of(arguments.begin(), arguments.end(),
+                                      [](const auto& a) { return a.second->isConstant(); });
+    if (!constant && applyDepth_ == 0)
+        throw makeDbError(15281, {"A table function whose argument is no constant"}, ref.line);
+    std::vector<BoundPtr> inOrder;
+    for (const Parameter& p : definition.parameters)
+        inOrder.push_back(std::move(arguments[foldName(p.name)]));
+    return constant ? calledBefore(*module, definition, std::move(inOrder), exposed)
+                    : calledForRows(*module, definition, std::move(inOrder), exposed);
+}
+
+// A function of several statements on the right side of an APPLY: called for each row on the left.
+std::unique_ptr<BoundSource> Binder::calledForRows(const CatalogModule& module,
+                                                   const ModuleDefinition& definition,
+                                                   std::vector<BoundPtr> arguments,
+                                                   const std::string& exposed) {
+    auto source = std::make_unique<BoundSource>();
+    source->alias = newAlias();
+    source->exposedName = exposed;
+    source->tableName = module.name;
+    source->applyArguments = std::move(arguments);
+    for (const ColumnDefinition& c : definition.returnsColumns)
+        source->columns.push_back({c.name, c.type, c.nullable.value_or(true),
+                                   "c" + std::to_string(source->columns.size())});
+    return source;
+}
+
+// Called once, before the statement: its rows come into a table.
+std::unique_ptr<BoundSource> Binder::calledBefore(const CatalogModule& module,
+                                                  const ModuleDefinition& definition,
+                                                  std::vector<BoundPtr> arguments,
+                                                  const std::string& exposed) {
+    TableCall call;
+    call.function = module.name;
+    call.arguments = std::move(arguments);
+    call.sqlName = "temp." + sqliteName("rows of " + foldName(module.name) + "~" +
+                                        std::to_string(tableCalls.size()));
+    auto table = std::make_shared<CatalogTable>();
+    table->name = module.name;
+    table->sqlName = call.sqlName;
+    table->system = true;
+    for (const ColumnDefinition& c : definition.returnsColumns) {
+        CatalogColumn column;
+        column.name = c.name;
+        column.type = c.type;
+        column.nullable = c.nullable.value_or(true);
+        table->columns.push_back(std::move(column));
     }
-    const auto* parameters = parameters_;
-    const auto outerStars = recordStars;
-    recordStars = nullptr;
-    // bindView clears the parameters; the function's body is bound the same way with its own.
-    std::vector<std::unique_ptr<Scope>> scopes;
-    std::vector<const CommonTable*> with;
-    std::swap(scopes, scopes_);
-    std::swap(with, with_);
-    auto* literals = context_.literals;
-    context_.literals = &context_.catalog.parsed(*module).ast.literals;
-    const auto* stars = fixedStars_;
-    fixedStars_ = nullptr;
-    parameters_ = &arguments;
-    ++viewDepth_;
-    const auto restore = [&] {
-        --viewDepth_;
-        parameters_ = parameters;
-        fixedStars_ = stars;
-        recordStars = outerStars;
-        context_.literals = literals;
-        std::swap(scopes, scopes_);
-        std::swap(with, with_);
-    };
-    std::unique_ptr<BoundQuery> inner;
-    try {
-        if (viewDepth_ > 32) throw makeDbError(217);
-        inner = bindSubquery(*definition.query);
-    } catch (...) {
-        restore();
-        throw;
-    }
-    restore();
-    return derivedSource(std::move(inner), ref.alias.empty() ? ref.name.last() : ref.alias,
-                         ref.columnAliases, ref.line);
+    tableCalls.push_back(std::move(call));
+    return tableSource(table, exposed);
 }
 
 }  // namespace owb::tsql

@@ -244,12 +244,7 @@ BoundPtr Binder::bindUserFunction(const Expr& e) {
         BoundPtr value;
         if (e.args[i]->kind == ExprKind::Default) {
             if (!p.defaultValue) throw makeDbError(201, {e.name.last(), p.name}, e.line);
-            const auto* literals = &context_.catalog.parsed(*module).ast.literals;
-            if (p.defaultValue->kind == ExprKind::Literal)
-                value = constant((*literals)[p.defaultValue->literal].value,
-                                 (*literals)[p.defaultValue->literal].type);
-            else
-                value = null(p.type);
+            value = defaultArgument(*module, p);
         } else {
             value = bindValue(*e.args[i]);
         }

@@ -201,6 +201,52 @@ CatalogModulePtr Catalog::findModule(const Name& name) {
     return isHere(name) ? findModule(name.last()) : nullptr;
 }
 
+// Keys, checks and defaults.
+void Catalog::readConstraints(CatalogTable& table) {
+    SqliteStatement constraints = sqlite_.prepare(
+        "SELECT name, kind, columns, source FROM tsql_constraint WHERE tbl = ?1 ORDER BY name");
+    constraints.bind(1, Value(foldName(table.name)));
+    while (sqlite_.step(constraints)) {
+        const std::string constraint = constraints.text(0);
+        const std::string kind = constraints.text(1);
+        const std::string columns = constraints.text(2);
+        const std::string source = constraints.text(3);
+        table.signature = mix(table.signature, constraint + kind + columns + source);
+        if (kind == "D") {
+            const int at = table.findColumn(columns);
+            if (at < 0) continue;
+            table.columns[at].defaultSource = source;
+            table.columns[at].defaultName = constraint;
+        } else if (kind == "C") {
+            table.checks.push_back({constraint, source});
+        } else {
+            table.keys.push_back({constraint, split(columns, '\x1f'),
+                                  kind == "P"   ? CatalogKey::Primary
+                                  : kind == "U" ? CatalogKey::Unique
+                                                : CatalogKey::Index});
+        }
+    }
+}
+
+void Catalog::readIdentity(CatalogTable& table) {
+    const std::string folded = foldName(table.name);
+    SqliteStatement identity =
+        sqlite_.prepare("SELECT seed, increment FROM tsql_identity WHERE tbl = ?1");
+    identity.bind(1, Value(folded));
+    if (sqlite_.step(identity)) {
+        table.identitySeed = identity.integer(0);
+        table.identityIncrement = identity.integer(1);
+        SqliteStatement which =
+            sqlite_.prepare("SELECT columns FROM tsql_constraint WHERE tbl = ?1 AND kind = 'N'");
+        which.bind(1, Value(folded));
+        if (sqlite_.step(which)) {
+            const int at = table.findColumn(which.text(0));
+            if (at >= 0) table.columns[at].identity = true;
+        }
+        std::erase_if(table.keys, [](const CatalogKey& k) { return k.name == "\x01identity"; });
+    }
+}
+
 CatalogTablePtr Catalog::load(const std::string& name) {
     if (foldName(name).starts_with("tsql_") || foldName(name).starts_with("sqlite_"))
         return nullptr;
@@ -222,45 +268,9 @@ CatalogTablePtr Catalog::load(const std::string& name) {
         c.nullable = info.integer(3) == 0;
         table->columns.push_back(std::move(c));
     }
-    SqliteStatement constraints = sqlite_.prepare(
-        "SELECT name, kind, columns, source FROM tsql_constraint WHERE tbl = ?1 ORDER BY name");
+    readConstraints(*table);
+    readIdentity(*table);
     const std::string folded = foldName(table->name);
-    constraints.bind(1, Value(folded));
-    while (sqlite_.step(constraints)) {
-        const std::string constraint = constraints.text(0);
-        const std::string kind = constraints.text(1);
-        const std::string columns = constraints.text(2);
-        const std::string source = constraints.text(3);
-        table->signature = mix(table->signature, constraint + kind + columns + source);
-        if (kind == "D") {
-            const int at = table->findColumn(columns);
-            if (at < 0) continue;
-            table->columns[at].defaultSource = source;
-            table->columns[at].defaultName = constraint;
-        } else if (kind == "C") {
-            table->checks.push_back({constraint, source});
-        } else {
-            table->keys.push_back({constraint, split(columns, '\x1f'),
-                                   kind == "P"   ? CatalogKey::Primary
-                                   : kind == "U" ? CatalogKey::Unique
-                                                 : CatalogKey::Index});
-        }
-    }
-    SqliteStatement identity =
-        sqlite_.prepare("SELECT seed, increment FROM tsql_identity WHERE tbl = ?1");
-    identity.bind(1, Value(folded));
-    if (sqlite_.step(identity)) {
-        table->identitySeed = identity.integer(0);
-        table->identityIncrement = identity.integer(1);
-        SqliteStatement which =
-            sqlite_.prepare("SELECT columns FROM tsql_constraint WHERE tbl = ?1 AND kind = 'N'");
-        which.bind(1, Value(folded));
-        if (sqlite_.step(which)) {
-            const int at = table->findColumn(which.text(0));
-            if (at >= 0) table->columns[at].identity = true;
-        }
-        std::erase_if(table->keys, [](const CatalogKey& k) { return k.name == "\x01identity"; });
-    }
     for (const CatalogModulePtr& m : modules()) {
         if (m->kind != ModuleKind::Trigger || foldName(m->table) != folded) continue;
         table->triggers.push_back(m->name);

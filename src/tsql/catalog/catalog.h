@@ -134,6 +134,8 @@ class Catalog {
 
   private:
     CatalogTablePtr load(const std::string& name);
+    void readConstraints(CatalogTable& table);
+    void readIdentity(CatalogTable& table);
     void loadModules();
 
     Sqlite& sqlite_;

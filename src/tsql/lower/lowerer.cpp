@@ -54,41 +54,46 @@ std::string chain(const BoundExpr& e, int kind, Print print) {
 
 }  // namespace
 
+namespace {
+
+PlanParameter parameterOf(const BoundExpr& e) {
+    PlanParameter p;
+    p.kind = e.kind == BoundKind::Variable ? PlanParameter::Variable
+             : e.index < 0                 ? PlanParameter::Constant
+                                           : PlanParameter::Literal;
+    p.index = e.index;
+    p.constant = e.constant;
+    p.from = e.sourceType;
+    p.to = e.type;
+    p.negated = e.negated;
+    return p;
+}
+
+}  // namespace
+
+std::string Lowerer::column(const BoundExpr& e) {
+    if (!outer_ || std::find(outer_->begin(), outer_->end(), e.source) == outer_->end())
+        return e.source->alias + "." + e.source->columns[e.column].sqlName;
+    PlanParameter p;
+    p.kind = PlanParameter::Outer;
+    p.index = static_cast<int>(outerColumns_.size());
+    outerColumns_.push_back(&e);
+    return parameter(std::move(p));
+}
+
 std::string Lowerer::expression(const BoundExpr& e) {
     if (const int kind = chainKind(e); kind != kNone)
         return chain(e, kind, [this](const BoundExpr& x) { return expression(x); });
     switch (e.kind) {
         case BoundKind::Null:
             return "NULL";
-        case BoundKind::Literal: {
-            PlanParameter p;
-            p.kind = e.index < 0 ? PlanParameter::Constant : PlanParameter::Literal;
-            p.index = e.index;
-            p.constant = e.constant;
-            p.from = e.sourceType;
-            p.to = e.type;
-            p.negated = e.negated;
-            return parameter(std::move(p));
-        }
-        case BoundKind::Variable: {
-            PlanParameter p;
-            p.kind = PlanParameter::Variable;
-            p.index = e.index;
-            p.from = e.sourceType;
-            p.to = e.type;
-            return parameter(std::move(p));
-        }
+        case BoundKind::Literal:
+        case BoundKind::Variable:
+            return parameter(parameterOf(e));
         case BoundKind::LiveVariable:
             return "t_var(" + std::to_string(e.index) + ")";
         case BoundKind::Column:
-            if (outer_ && std::find(outer_->begin(), outer_->end(), e.source) != outer_->end()) {
-                PlanParameter p;
-                p.kind = PlanParameter::Outer;
-                p.index = static_cast<int>(outerColumns_.size());
-                outerColumns_.push_back(&e);
-                return parameter(std::move(p));
-            }
-            return e.source->alias + "." + e.source->columns[e.column].sqlName;
+            return column(e);
         case BoundKind::ScalarQuery: {
             if (e.query->singleRow) return "(" + query(*e.query, false) + ")";
             // More than one row is an error, which t_one raises.
@@ -106,6 +111,11 @@ std::string Lowerer::expression(const BoundExpr& e) {
         case BoundKind::Op:
             break;
     }
+    return filledPattern(e);
+}
+
+// The pattern with the operands in their places.
+std::string Lowerer::filledPattern(const BoundExpr& e) {
     std::string out;
     const std::string& p = e.pattern;
     for (size_t i = 0; i < p.size(); ++i) {

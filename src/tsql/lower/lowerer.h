@@ -54,6 +54,8 @@ class Lowerer {
     std::string setOperand(const BoundQuery& q, bool named, bool right);
     std::string orderBy(const BoundQuery& q);
     std::string parameter(PlanParameter p);
+    std::string column(const BoundExpr& e);
+    std::string filledPattern(const BoundExpr& e);
 
     std::string applied(const BoundSource& s);
 
