@@ -1,5 +1,6 @@
-// Dates as the database holds them: a day number counted from 1900-01-01 (day 0) and a time
-// of day in 1/300 seconds. Calendar arithmetic, and the texts in which the family writes dates.
+// Dates as a datetime holds them: a day number counted from 1900-01-01 (day 0) and a time of day in
+// 1/300 seconds. Calendar arithmetic, the texts of dates that are read (in SQL, and as users type
+// them), and those that are written.
 #pragma once
 
 #include <cstdint>

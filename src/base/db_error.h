@@ -1,4 +1,6 @@
-// The one error type that leaves the database layers, and the table of its numbers and texts.
+// An error of a database, as SQL Server tells it: the only exception that leaves tsql/ and db/. Its
+// numbers and texts are those of the server; the table of them holds what the embedded database
+// says.
 #pragma once
 
 #include <initializer_list>

@@ -1,11 +1,12 @@
 // The embedded T-SQL engine: opens one database file and runs T-SQL batches on it.
 //
 // Kept true throughout:
-//  1. A statement either does all of its work or none.
-//  2. A batch of several statements that may write is one unit for other processes: they see it
-//     whole or not at all, and a killed process leaves nothing of it, except that a statement's
-//     error ends as T-SQL says and keeps what the statements before it did.
-//  3. Errors leave as DbError with SQL Server's numbers; no other exception type leaves.
+//  1. A statement does all of its work or none, its triggers included, also when the process is
+//     killed.
+//  2. Each statement is a transaction of its own, unless one is open: a batch holds nothing
+//     together. What stood before a failed statement stays done.
+//  3. The errors of a batch stand in its result, those of the other calls are thrown: as DbError,
+//     with SQL Server's numbers or a negative one of our own. No other exception leaves.
 #pragma once
 
 #include <memory>

@@ -1,5 +1,13 @@
-// Binds syntax trees: resolves names, gives every expression its T-SQL type and puts in the
-// conversions that T-SQL makes silently. Throws DbError with the server's numbers.
+// Binds syntax trees: resolves the names of tables, columns, variables and functions, and says what
+// a query gives. Throws DbError with the server's numbers.
+//
+//  1. A column is looked for in the innermost query first, then in those around it (scopes_).
+//  2. Every object that a name leads to is noted, with its signature, in dependencies().
+//  3. A literal stays a slot of the batch, whose value may be another in the next run. Where its
+//     value or type decides something here, the slot is marked as fixed.
+//  4. The body of a view or inline function is bound anew at each use. It sees nothing of the
+//     statement around it, and its literals are constants.
+//  5. How much a statement may grow by that is bounded (spend).
 #pragma once
 
 #include <functional>
@@ -68,7 +76,7 @@ class Binder : public TypedExpressions {
     std::vector<TableCall> tableCalls;
     void dependOn(const CatalogTable& table);
 
-    // --- used by the functions' table (builtins.cpp) ---
+    // --- used by the built-in functions (function_call.h) ---
     BoundPtr bind(const Expr& e);
     // The literal's value when the expression is a literal; the plan is then bound to it.
     const Value* fixedLiteral(const Expr& e);

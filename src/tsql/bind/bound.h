@@ -1,5 +1,7 @@
 // The bound tree: names resolved against the catalog, every expression typed, every conversion
 // explicit. What is left to lowering is to write it down as SQLite's SQL.
+//
+// A BoundQuery owns its sources; columns and FROM point to them, also from queries inside it.
 #pragma once
 
 #include <memory>

@@ -2,9 +2,19 @@
 // procedures, triggers) with their source.
 //
 // Table definitions are SQLite's own schema; what it cannot hold (named defaults, checks, keys,
-// identity) stands in tsql_constraint and tsql_identity, the modules in tsql_module. Read lazily,
-// thrown away when another process changed the schema. Every object carries a signature: a plan
-// is good as long as the signatures that it was made with are.
+// identity) stands in tsql_constraint and tsql_identity, the modules in tsql_module.
+//
+//  1. Objects are read when they are first asked for, and forgotten when anybody changes one: by
+//     refresh() when it was another process, by changed() and modulesChanged() when it was us.
+//  2. An object that was handed out never changes (a module gets its parsed text, when that is
+//  first
+//     asked for); a changed one is another object.
+//  3. The signature of an object is made from all that plans rest on. Equal signatures mean that a
+//     plan is still good, also when the object was forgotten and read again.
+//  4. version() moves whenever anything may have changed: as long as it stands, no signature needs
+//     to be asked for.
+//  5. Temporary tables live in scopes, one for each call that runs; the innermost is searched
+//  first.
 #pragma once
 
 #include <map>

@@ -21,10 +21,9 @@ std::string Lowerer::parameter(PlanParameter p) {
 
 namespace {
 
-// Operators that chain to the left without parentheses: SQLite's parser bears only some hundred
-// open ones.
 constexpr size_t kLongestSql = 1000000;  // which is what SQLite takes
 
+// Operators that chain to the left without parentheses.
 enum { kNone, kAnd, kOr, kJoin, kSum };
 
 int chainKind(const BoundExpr& e) {

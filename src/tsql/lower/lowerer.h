@@ -1,4 +1,13 @@
 // Writes a bound tree down as SQLite's SQL with numbered parameters.
+//
+//  1. Literals and variables are parameters, given anew for each run. Of the batch's own text only
+//     names come into the SQL, quoted, and numbers that binding has fixed (a style, a position).
+//  2. Parameters are numbered in the order in which they are written down; the list of them says
+//     where each gets its value.
+//  3. Texts compare with the collation TSQL. A column brings it along from its table; an expression
+//     has none, so COLLATE TSQL is written wherever texts are ordered, grouped or compared.
+//  4. Long chains (a + b + c, a AND b AND c) are written without parentheses in them, for SQLite's
+//     parser bears only some hundred that are open.
 #pragma once
 
 #include <string>
@@ -41,7 +50,7 @@ class Lowerer {
     std::string expression(const BoundExpr& e);
     // A condition of which only the rows that fit count: unknown is as good as false.
     std::string filter(const BoundExpr& e);
-    // `named`: output columns are called c0, c1 ...; `orderBy` false leaves the ordering out.
+    // `named`: the output columns are called c0, c1 ...
     std::string query(const BoundQuery& q, bool named);
     std::string fromClause(const BoundQuery& q);
     std::string fromItem(const BoundFrom& f);

@@ -1,4 +1,5 @@
-// A statement made ready: SQLite's SQL, where its parameters come from, what it gives.
+// A statement made ready: SQLite's SQL, where its parameters come from, what it gives, and what has
+// to happen around it.
 #pragma once
 
 #include <memory>

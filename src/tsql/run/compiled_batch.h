@@ -1,4 +1,4 @@
-// A parsed batch with the plans of its statements.
+// A parsed batch or module with the plans of its statements.
 #pragma once
 
 #include <memory>

@@ -1,5 +1,10 @@
-// SET options. Those that change nothing here are taken; one that would change answers and is not
-// known is refused.
+// SET options.
+//
+//  1. NOCOUNT, ROWCOUNT, XACT_ABORT, LOCK_TIMEOUT and IDENTITY_INSERT do what they say.
+//  2. Those that ask for what holds here anyway (ANSI_NULLS ON, DATEFORMAT mdy) are taken.
+//  3. A few are taken whatever they ask for, and change nothing: QUOTED_IDENTIFIER, ARITHABORT,
+//     NUMERIC_ROUNDABORT, STATISTICS and the isolation level.
+//  4. Every other one is refused with error 15281.
 #pragma once
 
 #include "tsql/run/identity_values.h"

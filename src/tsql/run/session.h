@@ -1,5 +1,8 @@
 // What the parts of a session share while statements run: which frame runs, where its answers go,
 // what SET has changed, and what the session's functions tell (@@ROWCOUNT, @@ERROR).
+//
+// Frames lie on the stack of whoever runs them; `frame` is the innermost. Whoever changes it, or
+// `result`, puts it back however the work ends (Restored).
 #pragma once
 
 #include <map>

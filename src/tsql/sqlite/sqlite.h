@@ -1,5 +1,15 @@
 // A connection to a file of SQLite: opening, statements, errors, time-outs. This folder is the one
 // place that includes the library's header.
+//
+//  1. Every failure of the library leaves as a DbError: step() and run() know which.
+//  2. An exception of one of our functions passes through SQLite's code as a failed call and is
+//     thrown again by the step() that made the call.
+//  3. The file is in write-ahead mode with synchronous = NORMAL: a killed process loses nothing
+//  that
+//     was committed, a power cut can lose the last commits but never damages the file.
+//  4. Another connection's lock is waited for (busy), a long statement is watched (progress): both
+//     end by the time-out or a cancel. One thread at a time uses a connection; cancel() alone may
+//     come from another.
 #pragma once
 
 #include <atomic>
