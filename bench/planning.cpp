@@ -55,7 +55,7 @@ int main() {
             context.literals = &code->ast.literals;
             context.variables = &code->variables;
             const tsql::Query& query =
-                *static_cast<const tsql::QueryStatement&>(*code->ast.statements[0]).query;
+                *tsql::as<tsql::QueryStatement>(*code->ast.statements[0]).query;
             if (write)
                 done += tsql::Planner(context).query(query)->sql.size();
             else if (bind)

@@ -38,7 +38,8 @@ struct CompiledBatch {
     std::shared_ptr<ParsedBatch> parsed;
     std::string heldText;  // the text whose literals it holds now, of all that share its shape
     Plans plans;
-    bool checked = false;  // its statements were bound once ahead of running
+    bool checked = false;     // its statements were bound once ahead of running
+    bool loneSelect = false;  // and are but one SELECT, which makes no table
     int running = 0;
 };
 

@@ -65,9 +65,7 @@ void Executor::runBatch(std::string_view batch) {
     Frame frame(codes_.batch(batch));
     CompiledBatch& code = *frame.code;
     const std::vector<StatementPtr>& statements = code.parsed->ast.statements;
-    const bool loneSelect = code.checked && statements.size() == 1 &&
-                            statements[0]->kind == StatementKind::Query &&
-                            !ForwardCheck::changesSchema(statements) && !sqlite_->inTransaction();
+    const bool loneSelect = code.loneSelect && !sqlite_->inTransaction();
     if (sqlite_->rolledBack) catalog_.rolledBack();
     if (!loneSelect && !transactions_.isOpen()) catalog_.refresh();
     watch_.batchBegins();
@@ -75,8 +73,11 @@ void Executor::runBatch(std::string_view batch) {
     if (code.parsed->definition) return modules_.define(frame);
     if (loneSelect && runAlone(frame, *statements[0])) return;
     if (!code.checked) {
-        if (!ForwardCheck::changesSchema(statements)) forwardCheck_.check(frame, statements);
+        const bool steady = !ForwardCheck::changesSchema(statements);
+        if (steady) forwardCheck_.check(frame, statements);
         code.checked = true;
+        code.loneSelect =
+            steady && statements.size() == 1 && statements[0]->kind == StatementKind::Query;
     }
     statements_.run(frame, statements);
 }

@@ -26,12 +26,11 @@ void bindParameters(SqliteStatement& statement, Frame& frame,
     int at = 0;
     for (const PlanParameter& p : parameters) {
         ++at;
-        if (p.kind == PlanParameter::Apply) {
-            statement.bindPointer(at, p.apply, kApplyPlan);
-            continue;
-        }
-        if (p.kind == PlanParameter::Outer) {
-            statement.bind(at, (*outer)[p.index]);
+        if (p.kind == PlanParameter::Outer || p.kind == PlanParameter::Apply) {
+            if (p.apply)
+                statement.bindPointer(at, p.apply, kApplyPlan);
+            else
+                statement.bind(at, (*outer)[p.index]);
             continue;
         }
         const Value& v = heldValue(frame, literals, p);
