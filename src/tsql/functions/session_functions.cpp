@@ -7,14 +7,24 @@
 
 namespace owb::tsql {
 
-void addSessionFunctions(Sqlite& sqlite, FunctionHost& host) {
-    const auto add = [&](const char* name, int count, Value (*body)(FunctionHost&, SqliteArguments),
-                         bool deterministic) {
+namespace {
+
+using Body = Value (*)(FunctionHost&, SqliteArguments);
+
+// Adds functions of one host.
+struct HostFunctions {
+    Sqlite& sqlite;
+    FunctionHost& host;
+    void operator()(const char* name, int count, Body body, bool deterministic) const {
         sqlite.addFunction(
             name, count,
-            [&host, body](SqliteResult result, SqliteArguments a) { result.give(body(host, a)); },
+            [&h = host, body](SqliteResult result, SqliteArguments a) { result.give(body(h, a)); },
             deterministic);
-    };
+    }
+};
+
+// What belongs to the statement that runs.
+void addStatementFunctions(const HostFunctions& add) {
     // A user's function gives the same value for the same arguments throughout one statement.
     add(
         "t_udf", -1,
@@ -49,6 +59,10 @@ void addSessionFunctions(Sqlite& sqlite, FunctionHost& host) {
                                             static_cast<double>(local.tm_gmtoff) / 86400));
         },
         true);
+}
+
+// Objects of the database, identity values, locks.
+void addObjectFunctions(const HostFunctions& add) {
     add(
         "t_objectid", 2,
         [](FunctionHost& h, SqliteArguments a) {
@@ -94,6 +108,14 @@ void addSessionFunctions(Sqlite& sqlite, FunctionHost& host) {
             return Value(std::string(b));
         },
         false);
+}
+
+}  // namespace
+
+void addSessionFunctions(Sqlite& sqlite, FunctionHost& host) {
+    const HostFunctions add{sqlite, host};
+    addStatementFunctions(add);
+    addObjectFunctions(add);
 }
 
 }  // namespace owb::tsql

@@ -94,23 +94,7 @@ ExprPtr QueryParser::parsePredicateTail(ExprPtr left) {
         e->args.push_back(parseAdditive());
         return e;
     }
-    if (takeWord("IN")) {
-        expectOperator("(");
-        std::unique_ptr<Expr> e;
-        if (isWord("WITH") || atSelect()) {
-            e = std::make_unique<Expr>(ExprKind::InQuery, line);
-            e->args.push_back(std::move(left));
-            e->query = parseQuery();
-        } else {
-            e = std::make_unique<Expr>(ExprKind::InList, line);
-            e->args.push_back(std::move(left));
-            do e->args.push_back(parseExpression());
-            while (takeOperator(","));
-        }
-        expectOperator(")");
-        e->negated = negated;
-        return e;
-    }
+    if (takeWord("IN")) return parseIn(std::move(left), line, negated);
     if (takeWord("LIKE")) {
         auto e = std::make_unique<Expr>(ExprKind::Like, line);
         e->negated = negated;
@@ -119,7 +103,27 @@ ExprPtr QueryParser::parsePredicateTail(ExprPtr left) {
         if (takeWord("ESCAPE")) e->args.push_back(parseAdditive());
         return e;
     }
-    // Comparison signs may stand apart: "< =".
+    return parseComparison(std::move(left), line);
+}
+
+ExprPtr QueryParser::parseIn(ExprPtr left, int line, bool negated) {
+    expectOperator("(");
+    const bool query = isWord("WITH") || atSelect();
+    auto e = std::make_unique<Expr>(query ? ExprKind::InQuery : ExprKind::InList, line);
+    e->negated = negated;
+    e->args.push_back(std::move(left));
+    if (query) {
+        e->query = parseQuery();
+    } else {
+        do e->args.push_back(parseExpression());
+        while (takeOperator(","));
+    }
+    expectOperator(")");
+    return e;
+}
+
+// The sign of a comparison, "" when there is none. It may stand apart: "< =".
+std::string QueryParser::takeComparison() {
     std::string op;
     if (isOperator("=") || isOperator("<>") || isOperator("<=") || isOperator(">=") ||
         isOperator("!=") || isOperator("!<") || isOperator("!>")) {
@@ -131,23 +135,28 @@ ExprPtr QueryParser::parsePredicateTail(ExprPtr left) {
         else if (isOperator("="))
             op += take().text;
     }
-    if (op.empty()) return left;
     if (op == "!=") op = "<>";
     if (op == "!<") op = ">=";
     if (op == "!>") op = "<=";
-    if (isWord("ANY") || isWord("ALL") || isWord("SOME")) {
-        auto e = std::make_unique<Expr>(ExprKind::Quantified, line);
-        e->any = !isWord("ALL");
-        take();
-        e->compareOp = op;
-        e->args.push_back(std::move(left));
-        expectOperator("(");
-        e->query = parseQuery();
-        expectOperator(")");
+    return op;
+}
+
+ExprPtr QueryParser::parseComparison(ExprPtr left, int line) {
+    const std::string op = takeComparison();
+    if (op.empty()) return left;
+    if (!isWord("ANY") && !isWord("ALL") && !isWord("SOME")) {
+        ExprPtr e = binary(ExprKind::Compare, op, std::move(left), parseAdditive());
+        e->line = line;
         return e;
     }
-    ExprPtr e = binary(ExprKind::Compare, op, std::move(left), parseAdditive());
-    e->line = line;
+    auto e = std::make_unique<Expr>(ExprKind::Quantified, line);
+    e->any = !isWord("ALL");
+    take();
+    e->compareOp = op;
+    e->args.push_back(std::move(left));
+    expectOperator("(");
+    e->query = parseQuery();
+    expectOperator(")");
     return e;
 }
 
@@ -201,6 +210,37 @@ ExprPtr QueryParser::parseLiteral() {
     return e;
 }
 
+// What a reserved word begins; null when it is no such word.
+ExprPtr QueryParser::parseKeyword() {
+    const int line = this->line();
+    if (takeWord("NULL")) return std::make_unique<Expr>(ExprKind::Null, line);
+    if (isWord("CASE")) return parseCase();
+    if (takeWord("USER")) {
+        auto e = std::make_unique<Expr>(ExprKind::Function, line);
+        e->name.parts.emplace_back("USER_NAME");
+        return e;
+    }
+    if (isOperator("(", 1)) {
+        if (isWord("CAST") || isWord("TRY_CAST")) {
+            const bool tryCast = isWord("TRY_CAST");
+            take();
+            return parseCast(false, tryCast);
+        }
+        if (isWord("CONVERT") || isWord("TRY_CONVERT")) {
+            const bool tryCast = isWord("TRY_CONVERT");
+            take();
+            return parseCast(true, tryCast);
+        }
+        if (isWord("COALESCE") || isWord("NULLIF") || isWord("LEFT") || isWord("RIGHT")) {
+            Name name;
+            name.parts.push_back(upperCase(take().text));
+            return parseFunction(std::move(name));
+        }
+    }
+    if (takeWord("DEFAULT")) return std::make_unique<Expr>(ExprKind::Default, line);
+    return nullptr;
+}
+
 ExprPtr QueryParser::parsePrimary() {
     const Token& t = peek();
     const int line = static_cast<int>(t.line);
@@ -229,33 +269,8 @@ ExprPtr QueryParser::parsePrimary() {
         take();
         return std::make_unique<Expr>(ExprKind::Star, line);
     }
-    if (t.kind == TokenKind::Name) {
-        if (takeWord("NULL")) return std::make_unique<Expr>(ExprKind::Null, line);
-        if (isWord("CASE")) return parseCase();
-        if (takeWord("USER")) {
-            auto e = std::make_unique<Expr>(ExprKind::Function, line);
-            e->name.parts.emplace_back("USER_NAME");
-            return e;
-        }
-        if (isOperator("(", 1)) {
-            if (isWord("CAST") || isWord("TRY_CAST")) {
-                const bool tryCast = isWord("TRY_CAST");
-                take();
-                return parseCast(false, tryCast);
-            }
-            if (isWord("CONVERT") || isWord("TRY_CONVERT")) {
-                const bool tryCast = isWord("TRY_CONVERT");
-                take();
-                return parseCast(true, tryCast);
-            }
-            if (isWord("COALESCE") || isWord("NULLIF") || isWord("LEFT") || isWord("RIGHT")) {
-                Name name;
-                name.parts.push_back(upperCase(take().text));
-                return parseFunction(std::move(name));
-            }
-        }
-        if (takeWord("DEFAULT")) return std::make_unique<Expr>(ExprKind::Default, line);
-    }
+    if (t.kind == TokenKind::Name)
+        if (ExprPtr e = parseKeyword()) return e;
     if (!isPlainName()) syntaxError();
     Name name = parseName();
     if (isOperator("(")) return parseFunction(std::move(name));

@@ -301,78 +301,79 @@ std::vector<TableRefPtr> QueryParser::parseFromList() {
     return tables;
 }
 
+// The words of a join, none when no join follows.
+std::optional<JoinKind> QueryParser::takeJoin() {
+    if (takeWord("JOIN")) return JoinKind::Inner;
+    if (takeWord("INNER")) {
+        expectWord("JOIN");
+        return JoinKind::Inner;
+    }
+    if (takeWord("CROSS")) {
+        if (takeWord("APPLY")) return JoinKind::CrossApply;
+        expectWord("JOIN");
+        return JoinKind::Cross;
+    }
+    if (isWord("OUTER") && isWord("APPLY", 1)) {
+        take();
+        take();
+        return JoinKind::OuterApply;
+    }
+    if ((isWord("LEFT") || isWord("RIGHT") || isWord("FULL")) &&
+        (isWord("JOIN", 1) || isWord("OUTER", 1))) {
+        const JoinKind kind = isWord("LEFT")    ? JoinKind::Left
+                              : isWord("RIGHT") ? JoinKind::Right
+                                                : JoinKind::Full;
+        take();
+        takeWord("OUTER");
+        expectWord("JOIN");
+        return kind;
+    }
+    if (isWord("PIVOT") || isWord("UNPIVOT"))
+        throw makeDbError(15281, {upperCase(peek().text)}, line());
+    return std::nullopt;
+}
+
+// "a JOIN b JOIN c ON .. ON .." nests on the right: the joins that come before the condition of the
+// one around them.
+TableRefPtr QueryParser::parseNestedJoins(TableRefPtr right) {
+    while (!isWord("ON")) {
+        auto nested = std::make_unique<TableRef>();
+        nested->kind = TableRef::Join;
+        nested->line = line();
+        if (takeWord("LEFT"))
+            nested->join = JoinKind::Left;
+        else if (takeWord("RIGHT"))
+            nested->join = JoinKind::Right;
+        else if (takeWord("FULL"))
+            nested->join = JoinKind::Full;
+        else
+            takeWord("INNER");
+        takeWord("OUTER");
+        expectWord("JOIN");
+        nested->left = std::move(right);
+        nested->right = parseTablePrimary();
+        expectWord("ON");
+        nested->on = parseExpression();
+        right = std::move(nested);
+    }
+    return right;
+}
+
 TableRefPtr QueryParser::parseJoined() {
     TableRefPtr left = parseTablePrimary();
     for (int tables = 1;; ++tables) {
         if (tables > 256) throw makeDbError(106, {"256"}, left->line);
-        JoinKind kind;
-        bool condition = true;
-        if (isWord("JOIN")) {
-            take();
-            kind = JoinKind::Inner;
-        } else if (isWord("INNER")) {
-            take();
-            expectWord("JOIN");
-            kind = JoinKind::Inner;
-        } else if (isWord("CROSS")) {
-            take();
-            kind = JoinKind::Cross;
-            if (takeWord("APPLY"))
-                kind = JoinKind::CrossApply;
-            else
-                expectWord("JOIN");
-            condition = false;
-        } else if (isWord("OUTER") && isWord("APPLY", 1)) {
-            take();
-            take();
-            kind = JoinKind::OuterApply;
-            condition = false;
-        } else if ((isWord("LEFT") || isWord("RIGHT") || isWord("FULL")) &&
-                   (isWord("JOIN", 1) || isWord("OUTER", 1))) {
-            kind = isWord("LEFT")    ? JoinKind::Left
-                   : isWord("RIGHT") ? JoinKind::Right
-                                     : JoinKind::Full;
-            take();
-            takeWord("OUTER");
-            expectWord("JOIN");
-        } else if (isWord("PIVOT") || isWord("UNPIVOT")) {
-            throw makeDbError(15281, {upperCase(peek().text)}, static_cast<int>(peek().line));
-        } else {
-            return left;
-        }
+        const std::optional<JoinKind> kind = takeJoin();
+        if (!kind) return left;
         auto join = std::make_unique<TableRef>();
         join->kind = TableRef::Join;
-        join->line = static_cast<int>(peek().line);
-        join->join = kind;
+        join->line = line();
+        join->join = *kind;
         join->left = std::move(left);
-        // "a JOIN b JOIN c ON .. ON .." nests on the right.
         join->right = parseTablePrimary();
-        if (condition) {
-            if (!isWord("ON")) {
-                TableRefPtr inner = std::move(join->right);
-                while (!isWord("ON")) {
-                    // The right side is itself a join that still lacks its condition.
-                    auto nested = std::make_unique<TableRef>();
-                    nested->kind = TableRef::Join;
-                    nested->line = static_cast<int>(peek().line);
-                    if (takeWord("LEFT"))
-                        nested->join = JoinKind::Left;
-                    else if (takeWord("RIGHT"))
-                        nested->join = JoinKind::Right;
-                    else if (takeWord("FULL"))
-                        nested->join = JoinKind::Full;
-                    else
-                        takeWord("INNER");
-                    takeWord("OUTER");
-                    expectWord("JOIN");
-                    nested->left = std::move(inner);
-                    nested->right = parseTablePrimary();
-                    expectWord("ON");
-                    nested->on = parseExpression();
-                    inner = std::move(nested);
-                }
-                join->right = std::move(inner);
-            }
+        if (*kind != JoinKind::Cross && *kind != JoinKind::CrossApply &&
+            *kind != JoinKind::OuterApply) {
+            join->right = parseNestedJoins(std::move(join->right));
             expectWord("ON");
             join->on = parseExpression();
         }

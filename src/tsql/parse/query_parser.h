@@ -1,6 +1,8 @@
 // The grammar of expressions and queries, which hold each other.
 #pragma once
 
+#include <optional>
+
 #include "tsql/parse/token_reader.h"
 
 namespace owb::tsql {
@@ -25,6 +27,8 @@ class QueryParser : public TokenReader {
     std::vector<OrderItem> parseOrderBy();
     std::vector<TableRefPtr> parseFromList();
     TableRefPtr parseJoined();
+    std::optional<JoinKind> takeJoin();
+    TableRefPtr parseNestedJoins(TableRefPtr right);
     TableRefPtr parseTablePrimary();
     void parseTableAlias(TableRef& table);
     void skipTableHints();
@@ -39,10 +43,14 @@ class QueryParser : public TokenReader {
     ExprPtr parseNot();
     ExprPtr parsePredicate();
     ExprPtr parsePredicateTail(ExprPtr left);
+    ExprPtr parseIn(ExprPtr left, int line, bool negated);
+    std::string takeComparison();
+    ExprPtr parseComparison(ExprPtr left, int line);
     ExprPtr parseAdditive();
     ExprPtr parseMultiplicative();
     ExprPtr parseUnary();
     ExprPtr parsePrimary();
+    ExprPtr parseKeyword();
     ExprPtr parseCase();
     ExprPtr parseCast(bool convert, bool tryCast);
     ExprPtr parseFunction(Name name);

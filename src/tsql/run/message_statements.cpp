@@ -6,6 +6,17 @@
 
 namespace owb::tsql {
 
+void MessageStatements::run(Frame& frame, const Statement& s) {
+    switch (s.kind) {
+        case StatementKind::Print:
+            return print(frame, as<ValueStatement>(s));
+        case StatementKind::RaiseError:
+            return raise(frame, as<MessageStatement>(s));
+        default:
+            return throwError(frame, as<MessageStatement>(s));
+    }
+}
+
 int MessageStatements::whole(Frame& frame, const Argument& a) {
     return static_cast<int>(plans_.evaluate(frame, *a.value).toInt());
 }

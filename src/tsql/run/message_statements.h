@@ -9,11 +9,12 @@ class MessageStatements {
   public:
     MessageStatements(Session& session, PlanRunner& plans) : session_(session), plans_(plans) {}
 
+    void run(Frame& frame, const Statement& s);
+
+  private:
     void print(Frame& frame, const ValueStatement& s);
     void raise(Frame& frame, const MessageStatement& s);
     void throwError(Frame& frame, const MessageStatement& s);
-
-  private:
     int whole(Frame& frame, const Argument& a);
 
     Session& session_;

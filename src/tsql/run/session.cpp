@@ -25,18 +25,6 @@ void Session::noteError(const DbError& e) {
     if (result) result->errors.push_back(noted);
 }
 
-void Session::tellCount() {
-    if (result && !noCount) result->counts.push_back(rowCount);
-}
-
-void Session::tell(ResultSet set) {
-    if (result) result->sets.push_back(std::move(set));
-}
-
-void Session::tell(std::string message) {
-    if (result) result->messages.push_back(std::move(message));
-}
-
 DateTime Session::statementTime() {
     if (statementTime_ == DateTime{}) {
         timespec t{};

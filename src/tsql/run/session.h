@@ -70,9 +70,15 @@ struct Session {
     std::optional<TravellingError> caught;  // in a CATCH block
 
     void noteError(const DbError& e);
-    void tellCount();
-    void tell(ResultSet set);
-    void tell(std::string message);
+    void tellCount() {
+        if (result && !noCount) result->counts.push_back(rowCount);
+    }
+    void tell(ResultSet&& set) {
+        if (result) result->sets.push_back(std::move(set));
+    }
+    void tell(std::string message) {
+        if (result) result->messages.push_back(std::move(message));
+    }
 
     // The time that all of a statement goes by.
     DateTime statementTime();

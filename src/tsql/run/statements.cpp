@@ -125,14 +125,10 @@ bool Statements::runPlain(Frame& frame, const Statement& s) {
             waitFor(frame, as<WaitStatement>(s));
             return true;
         case StatementKind::Print:
-            messages_.print(frame, as<ValueStatement>(s));
-            return true;
         case StatementKind::RaiseError:
-            messages_.raise(frame, as<MessageStatement>(s));
-            return false;
         case StatementKind::Throw:
-            messages_.throwError(frame, as<MessageStatement>(s));
-            return true;
+            messages_.run(frame, s);
+            return s.kind != StatementKind::RaiseError;
         default:
             throw makeDbError(111, {"CREATE"}, s.line);
     }

@@ -29,29 +29,26 @@ CivilDate hijri(int32_t day) {
     return h;
 }
 
-}  // namespace
+struct Parts {
+    CivilDate c;
+    int hour, minute, second, milli;
+    const char* month;
+    int hour12() const { return hour % 12 == 0 ? 12 : hour % 12; }
+    const char* half() const { return hour < 12 ? "AM" : "PM"; }
+};
 
-std::string dateByStyle(const DateTime& value, const SqlType& type, int style) {
-    if (style < 0) style = type.kind == SqlKind::Date ? 23 : 0;
-    const CivilDate c = value.civil();
-    const int ms = value.milliseconds();
-    const int hour = ms / 3600000, minute = ms / 60000 % 60, second = ms / 1000 % 60,
-              milli = ms % 1000;
-    const char* month = monthAbbreviation(c.month);
-    const int hour12 = hour % 12 == 0 ? 12 : hour % 12;
-    const char* half = hour < 12 ? "AM" : "PM";
-    const int yy = c.year % 100;
-    const bool dateOnly = type.kind == SqlKind::Date;
+template <class... A>
+std::string out(const char* format, A... args) {
     char b[64];
-    const auto out = [&](const char* format, auto... args) {
-        std::snprintf(b, sizeof b, format, args...);
-        return std::string(b);
-    };
+    std::snprintf(b, sizeof b, format, args...);
+    return b;
+}
+
+// The styles without a time of day, those of two digits for the year included; "" for the others.
+std::string dateAlone(const Parts& p, int style) {
+    const CivilDate& c = p.c;
+    const int yy = c.year % 100;
     switch (style) {
-        case 0:
-        case 100:
-            if (dateOnly) return out("%s %2d %04d", month, c.day, c.year);
-            return out("%s %2d %04d %2d:%02d%s", month, c.day, c.year, hour12, minute, half);
         case 1:
             return out("%02d/%02d/%02d", c.month, c.day, yy);
         case 101:
@@ -73,22 +70,13 @@ std::string dateByStyle(const DateTime& value, const SqlType& type, int style) {
         case 105:
             return out("%02d-%02d-%04d", c.day, c.month, c.year);
         case 6:
-            return out("%02d %s %02d", c.day, month, yy);
+            return out("%02d %s %02d", c.day, p.month, yy);
         case 106:
-            return out("%02d %s %04d", c.day, month, c.year);
+            return out("%02d %s %04d", c.day, p.month, c.year);
         case 7:
-            return out("%s %02d, %02d", month, c.day, yy);
+            return out("%s %02d, %02d", p.month, c.day, yy);
         case 107:
-            return out("%s %02d, %04d", month, c.day, c.year);
-        case 8:
-        case 24:
-        case 108:
-            return out("%02d:%02d:%02d", hour, minute, second);
-        case 9:
-        case 109:
-            if (dateOnly) return out("%s %2d %04d", month, c.day, c.year);
-            return out("%s %2d %04d %2d:%02d:%02d:%03d%s", month, c.day, c.year, hour12, minute,
-                       second, milli, half);
+            return out("%s %02d, %04d", p.month, c.day, c.year);
         case 10:
             return out("%02d-%02d-%02d", c.month, c.day, yy);
         case 110:
@@ -101,50 +89,90 @@ std::string dateByStyle(const DateTime& value, const SqlType& type, int style) {
             return out("%02d%02d%02d", yy, c.month, c.day);
         case 112:
             return out("%04d%02d%02d", c.year, c.month, c.day);
+        case 23:
+            return out("%04d-%02d-%02d", c.year, c.month, c.day);
+        default:
+            return "";
+    }
+}
+
+// The date of a style that has a time of day behind it; "" for one that has none.
+std::string dateBefore(const Parts& p, const DateTime& value, int style) {
+    const CivilDate& c = p.c;
+    switch (style) {
+        case 0:
+        case 100:
+        case 9:
+        case 109:
+            return out("%s %2d %04d", p.month, c.day, c.year);
         case 13:
         case 113:
-            if (dateOnly) return out("%02d %s %04d", c.day, month, c.year);
-            return out("%02d %s %04d %02d:%02d:%02d:%03d", c.day, month, c.year, hour, minute,
-                       second, milli);
-        case 14:
-        case 114:
-            return out("%02d:%02d:%02d:%03d", hour, minute, second, milli);
+            return out("%02d %s %04d", c.day, p.month, c.year);
         case 20:
         case 120:
-            if (dateOnly) return out("%04d-%02d-%02d", c.year, c.month, c.day);
-            return out("%04d-%02d-%02d %02d:%02d:%02d", c.year, c.month, c.day, hour, minute,
-                       second);
         case 21:
         case 25:
         case 121:
-            if (dateOnly) return out("%04d-%02d-%02d", c.year, c.month, c.day);
-            return out("%04d-%02d-%02d %02d:%02d:%02d.%03d", c.year, c.month, c.day, hour, minute,
-                       second, milli);
-        case 22:
-            return out("%02d/%02d/%02d %2d:%02d:%02d %s", c.month, c.day, yy, hour12, minute,
-                       second, half);
-        case 23:
-            return out("%04d-%02d-%02d", c.year, c.month, c.day);
         case 126:
         case 127:
-            if (dateOnly) return out("%04d-%02d-%02d", c.year, c.month, c.day);
-            if (milli == 0)
-                return out("%04d-%02d-%02dT%02d:%02d:%02d", c.year, c.month, c.day, hour, minute,
-                           second);
-            return out("%04d-%02d-%02dT%02d:%02d:%02d.%03d", c.year, c.month, c.day, hour, minute,
-                       second, milli);
+            return out("%04d-%02d-%02d", c.year, c.month, c.day);
         case 130:
         case 131: {
             const CivilDate h = hijri(value.day);
-            const std::string date = style == 131 ? out("%2d/%02d/%04d", h.day, h.month, h.year)
-                                                  : out("%2d ", h.day) + kHijriMonths[h.month - 1] +
-                                                        out(" %04d", h.year);
-            if (dateOnly) return date;
-            return date + out(" %2d:%02d:%02d:%03d%s", hour12, minute, second, milli, half);
+            if (style == 131) return out("%2d/%02d/%04d", h.day, h.month, h.year);
+            return out("%2d ", h.day) + kHijriMonths[h.month - 1] + out(" %04d", h.year);
         }
         default:
-            throw makeDbError(281, {std::to_string(style), type.name()});
+            return "";
     }
+}
+
+// The time of day behind that date.
+std::string timeBehind(const Parts& p, int style) {
+    switch (style) {
+        case 0:
+        case 100:
+            return out(" %2d:%02d%s", p.hour12(), p.minute, p.half());
+        case 9:
+        case 109:
+        case 130:
+        case 131:
+            return out(" %2d:%02d:%02d:%03d%s", p.hour12(), p.minute, p.second, p.milli, p.half());
+        case 13:
+        case 113:
+            return out(" %02d:%02d:%02d:%03d", p.hour, p.minute, p.second, p.milli);
+        case 20:
+        case 120:
+            return out(" %02d:%02d:%02d", p.hour, p.minute, p.second);
+        case 126:
+        case 127:
+            return out("T%02d:%02d:%02d", p.hour, p.minute, p.second) +
+                   (p.milli ? out(".%03d", p.milli) : "");
+        default:
+            return out(" %02d:%02d:%02d.%03d", p.hour, p.minute, p.second, p.milli);
+    }
+}
+
+}  // namespace
+
+std::string dateByStyle(const DateTime& value, const SqlType& type, int style) {
+    if (style < 0) style = type.kind == SqlKind::Date ? 23 : 0;
+    const CivilDate c = value.civil();
+    const int ms = value.milliseconds();
+    const Parts p{
+        c, ms / 3600000, ms / 60000 % 60, ms / 1000 % 60, ms % 1000, monthAbbreviation(c.month)};
+    std::string date = dateAlone(p, style);
+    if (!date.empty()) return date;
+    date = dateBefore(p, value, style);
+    if (!date.empty()) return type.kind == SqlKind::Date ? date : date + timeBehind(p, style);
+    if (style == 8 || style == 24 || style == 108)
+        return out("%02d:%02d:%02d", p.hour, p.minute, p.second);
+    if (style == 14 || style == 114)
+        return out("%02d:%02d:%02d:%03d", p.hour, p.minute, p.second, p.milli);
+    if (style == 22)
+        return out("%02d/%02d/%02d %2d:%02d:%02d %s", c.month, c.day, c.year % 100, p.hour12(),
+                   p.minute, p.second, p.half());
+    throw makeDbError(281, {std::to_string(style), type.name()});
 }
 
 }  // namespace owb::tsql
