@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <optional>
 #include <vector>
 
 #include "base/number_text.h"
@@ -73,10 +74,17 @@ std::string standardNumber(const Decimal& d, bool whole, char letter, int places
     }
 }
 
-// One section of a pattern of 0 # , . % and literal text.
-std::string patternNumber(Decimal size, bool negative, const std::string& pattern) {
-    size_t before = 0, after = 0, afterNeeded = 0, beforeNeeded = 0;
-    bool point = false, grouped = false;
+// What a section of a pattern of 0 # , . % and literal text asks for.
+struct NumberPattern {
+    size_t before = 0, after = 0;              // places for digits
+    size_t beforeNeeded = 0, afterNeeded = 0;  // those that are filled with zeros
+    bool grouped = false;
+    int percents = 0;
+};
+
+NumberPattern readPattern(const std::string& pattern) {
+    NumberPattern p;
+    bool point = false;
     char quote = 0;
     for (size_t i = 0; i < pattern.size(); ++i) {
         const char c = pattern[i];
@@ -88,38 +96,47 @@ std::string patternNumber(Decimal size, bool negative, const std::string& patter
             ++i;
         } else if (c == '0' || c == '#') {
             if (!point) {
-                ++before;
-                if (c == '0' || beforeNeeded) ++beforeNeeded;
+                ++p.before;
+                if (c == '0' || p.beforeNeeded) ++p.beforeNeeded;
             } else {
-                ++after;
-                if (c == '0') afterNeeded = after;
+                ++p.after;
+                if (c == '0') p.afterNeeded = p.after;
             }
         } else if (c == '.') {
             point = true;
-        } else if (c == ',' && before > 0 && !point) {
-            grouped = true;
+        } else if (c == ',' && p.before > 0 && !point) {
+            p.grouped = true;
         } else if (c == '%') {
-            size = Decimal(multiplyChecked(size.unscaled(), 100), size.scale());
+            ++p.percents;
         }
     }
-    std::string text = size.rescaled(static_cast<int>(after)).toText();
+    return p;
+}
+
+// The number by one section of a pattern.
+std::string patternNumber(Decimal size, bool negative, const std::string& pattern) {
+    const NumberPattern p = readPattern(pattern);
+    for (int i = 0; i < p.percents; ++i)
+        size = Decimal(multiplyChecked(size.unscaled(), 100), size.scale());
+    char quote = 0;
+    std::string text = size.rescaled(static_cast<int>(p.after)).toText();
     std::string whole = text.substr(0, text.find('.'));
-    std::string places = after ? text.substr(text.find('.') + 1) : "";
+    std::string places = p.after ? text.substr(text.find('.') + 1) : "";
     if (whole == "0") whole.clear();
-    while (whole.size() < beforeNeeded) whole.insert(whole.begin(), '0');
-    while (places.size() > afterNeeded && places.back() == '0') places.pop_back();
+    while (whole.size() < p.beforeNeeded) whole.insert(whole.begin(), '0');
+    while (places.size() > p.afterNeeded && places.back() == '0') places.pop_back();
     if (whole.find_first_not_of('0') == std::string::npos &&
         places.find_first_not_of('0') == std::string::npos)
         negative = false;
     // Digits go to their places from the left; those that the pattern has no place for go first.
     std::string out;
     size_t seen = 0, next = 0, place = 0;
-    point = false;
+    bool point = false;
     const auto putWhole = [&](size_t upTo) {
         for (; next < upTo; ++next) {
             out += whole[next];
             const size_t left = whole.size() - next - 1;
-            if (grouped && left > 0 && left % 3 == 0) out += ',';
+            if (p.grouped && left > 0 && left % 3 == 0) out += ',';
         }
     };
     for (size_t i = 0; i < pattern.size(); ++i) {
@@ -136,7 +153,7 @@ std::string patternNumber(Decimal size, bool negative, const std::string& patter
         } else if (c == '0' || c == '#') {
             if (!point) {
                 ++seen;
-                const size_t left = before - seen;
+                const size_t left = p.before - seen;
                 putWhole(whole.size() > left ? whole.size() - left : 0);
             } else if (place < places.size()) {
                 out += places[place++];
@@ -211,74 +228,64 @@ std::string standardDatePattern(char letter) {
     }
 }
 
-std::string formatDateBy(int32_t day, int64_t units, std::string pattern) {
-    if (pattern.empty()) pattern = "M/d/yyyy h:mm:ss tt";
-    if (pattern.size() == 1) pattern = standardDatePattern(pattern[0]);
-    const DateTime date{day, 0};
+// The part of a date that a run of one letter stands for; none for other characters.
+std::optional<std::string> datePart(char letter, size_t run, const DateTime& date, int64_t units) {
+    const auto number = [](int v, size_t width) {
+        std::string text = std::to_string(v);
+        while (text.size() < width) text.insert(text.begin(), '0');
+        return text;
+    };
     const CivilDate c = date.civil();
     const auto seconds = static_cast<int>(units / kUnitsPerSecond);
     const int hour = seconds / 3600;
+    const size_t two = std::min<size_t>(run, 2);
+    switch (letter) {
+        case 'd':
+            if (run <= 2) return number(c.day, run);
+            return std::string(weekdayName(date.weekday())).substr(0, run == 3 ? 3 : 99);
+        case 'M':
+            if (run <= 2) return number(c.month, run);
+            return run == 3 ? monthAbbreviation(c.month) : monthFullName(c.month);
+        case 'y':
+            return number(run <= 2 ? c.year % 100 : c.year, run);
+        case 'H':
+            return number(hour, two);
+        case 'h':
+            return number(hour % 12 == 0 ? 12 : hour % 12, two);
+        case 'm':
+            return number(seconds / 60 % 60, two);
+        case 's':
+            return number(seconds % 60, two);
+        case 'f':
+        case 'F':
+            return number(static_cast<int>(units % kUnitsPerSecond), 7)
+                .substr(0, std::min<size_t>(run, 7));
+        case 't':
+            return std::string(hour < 12 ? "AM" : "PM").substr(0, two);
+        default:
+            return std::nullopt;
+    }
+}
+
+std::string formatDateBy(int32_t day, int64_t units, std::string pattern) {
+    if (pattern.empty()) pattern = "M/d/yyyy h:mm:ss tt";
+    if (pattern.size() == 1) pattern = standardDatePattern(pattern[0]);
     std::string out;
-    const auto number = [&](int v, size_t width) {
-        std::string text = std::to_string(v);
-        while (text.size() < width) text.insert(text.begin(), '0');
-        out += text;
-    };
     for (size_t i = 0; i < pattern.size();) {
         const char letter = pattern[i];
         size_t run = 1;
         while (i + run < pattern.size() && pattern[i + run] == letter) ++run;
-        switch (letter) {
-            case 'd':
-                if (run <= 2)
-                    number(c.day, run);
-                else
-                    out += std::string(weekdayName(date.weekday())).substr(0, run == 3 ? 3 : 99);
-                break;
-            case 'M':
-                if (run <= 2)
-                    number(c.month, run);
-                else
-                    out += run == 3 ? monthAbbreviation(c.month) : monthFullName(c.month);
-                break;
-            case 'y':
-                number(run <= 2 ? c.year % 100 : c.year, run);
-                break;
-            case 'H':
-                number(hour, std::min<size_t>(run, 2));
-                break;
-            case 'h':
-                number(hour % 12 == 0 ? 12 : hour % 12, std::min<size_t>(run, 2));
-                break;
-            case 'm':
-                number(seconds / 60 % 60, std::min<size_t>(run, 2));
-                break;
-            case 's':
-                number(seconds % 60, std::min<size_t>(run, 2));
-                break;
-            case 'f':
-            case 'F': {
-                char b[16];
-                std::snprintf(b, sizeof b, "%07d", static_cast<int>(units % kUnitsPerSecond));
-                out += std::string(b, std::min<size_t>(run, 7));
-                break;
-            }
-            case 't':
-                out += run == 1 ? (hour < 12 ? "A" : "P") : (hour < 12 ? "AM" : "PM");
-                break;
-            case '\'':
-            case '"': {
-                const size_t close = std::min(pattern.find(letter, i + 1), pattern.size());
-                out += pattern.substr(i + 1, close - i - 1);
-                run = close - i + 1;
-                break;
-            }
-            case '\\':
-                if (i + 1 < pattern.size()) out += pattern[i + 1];
-                run = 2;
-                break;
-            default:
-                out += pattern.substr(i, run);
+        if (const auto part = datePart(letter, run, {day, 0}, units)) {
+            out += *part;
+        } else if (letter == '\'' || letter == '"') {
+            const size_t close = std::min(pattern.find(letter, i + 1), pattern.size());
+            out += pattern.substr(i + 1, close - i - 1);
+            run = close - i + 1;
+        } else if (letter == '\\') {
+            if (i + 1 < pattern.size()) out += pattern[i + 1];
+            run = 2;
+        } else {
+            out += pattern.substr(i, run);
         }
         i += run;
     }
