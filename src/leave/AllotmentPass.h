@@ -1,11 +1,13 @@
 // One run over the marked rows of the leave ledger: in bulk, a month at a time over work tables, or
-// row by row; both end in the same ledger. A run ends at rest: rows that it marks are taken, too.
+// row by row; both end in the same ledger. Rows that a run marks are taken by it, too, as far as
+// its filter goes.
 //
 // Order of statements for a row, which makes a broken run good by the next:
-//  1. its credit (CO: the compensatory work; automatic allotment: CalcLeaveAllotment), from tables
-//     that the run does not write;
-//  2. the closing of the row before, from that row's own credit and opening, before any lapse: the
-//     row before is done (it comes earlier in date order) or still marked, and then marks this one;
+//  1. its credit (CO: the compensatory work; automatic allotment: CalcLeaveAllotment), from columns
+//     that the run does not write; a company's own query may read others;
+//  2. the closing of the row before, from that row's credit and opening and what was adjusted,
+//     encashed and taken in it, before any lapse: the row before is done (it comes earlier in date
+//     order) or still marked, and then marks this one;
 //  3. in one transaction: marks on all later rows of the employee and leave, which open from this
 //     one; the lapse on the row before, the opening, the row's own lapse back to 0 (its successor,
 //     marked just now, writes it);
@@ -31,14 +33,15 @@ class AllotmentPass {
   public:
     AllotmentPass(Session& session, Progress& frm);
 
-    // Each of these throws DbError. False: rows are left marked that somebody changes all the time.
-    // All marked months in order, each in bulk; who has two rows of one leave in a month is taken
-    // row by row in that month.
+    // Each of the next three throws DbError and gives false when rows are left marked since
+    // somebody changes all the time what they rest on. All marked months in order, each in bulk;
+    // who has two rows of one leave in a month is taken row by row in that month.
     bool ProcessAllotments();
     bool ProcessAllotmentMonth(int32_t lngMonthYear);
     // Marked rows one by one in order of date; strFilter is a condition on LA (" AND LA.EMPID =
     // 1").
     bool RowByRow(const std::string& strFilter);
+    // Whether so few rows are marked that taking them one by one is sooner done. Throws DbError.
     bool FewMarked();
     // Names the employees whose rows failed; true when there are none.
     bool TellFailures() { return failures_.Tell(); }

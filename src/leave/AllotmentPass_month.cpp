@@ -1,7 +1,11 @@
-// The bulk pass: a statement for each step of a month, over all of its marked rows.
+// The bulk pass: a statement for each step of a month, over all of its marked rows. The month's
+// rows are copied into a work table, get their openings there and are written back together with
+// the marks that they clear. An employee with two rows of one leave in the month is taken row by
+// row afterwards.
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "leave/AllotmentPass.h"
 #include "leave/slice_sql.h"
@@ -13,14 +17,11 @@ namespace owb {
 
 namespace {
 
-std::string text(int64_t number) {
-    return std::to_string(number);
-}
 // Settings of the row's month under the predecessor's head.
 std::string settingsOf(int32_t lngMonthYear) {
-    return ", UDF_LSET(" + text(lngMonthYear) +
-           ") LSET WHERE LSET.LEVID = TMPALLOT.LEVID AND LSET.ATTHEADID = "
-           "TMPALLOT.PREVATTHEADID AND PREVALLOTID <> 0";
+    return Sql() << ", UDF_LSET(" << lngMonthYear
+                 << ") LSET WHERE LSET.LEVID = TMPALLOT.LEVID AND LSET.ATTHEADID = "
+                    "TMPALLOT.PREVATTHEADID AND PREVALLOTID <> 0";
 }
 
 }  // namespace
@@ -64,24 +65,22 @@ std::string AllotmentPass::DividedEmployees(const std::string& strInMonth) {
 // rows mark later ones.
 int32_t AllotmentPass::NextMonth(int32_t lngAfter) {
     return static_cast<int32_t>(
-        FnVarValueOrThrow(session_,
-                          "SELECT TOP 1 MONTHYEAR FROM MAS_MONTHYEAR MM WHERE MONTHYEAR > " +
-                              text(lngAfter) +
-                              " AND EXISTS (SELECT * FROM LEV_ALLOTMENT ALLOT,ATT_DEFINITION LEV "
-                              "WHERE LEV.LEVID = ALLOT.LEVID AND LEV.ALLOTMENTYN = 1 AND "
-                              "ALLOT.ALLOTFROM BETWEEN CALCSTARTDATE AND CALCENDDATE AND "
-                              "ALLOT.EDITMODEYN = 1) ORDER BY MONTHYEAR",
-                          0)
+        FnVarValueOrThrow(
+            session_,
+            Sql() << "SELECT TOP 1 MONTHYEAR FROM MAS_MONTHYEAR MM WHERE MONTHYEAR > " << lngAfter
+                  << " AND EXISTS (SELECT * FROM LEV_ALLOTMENT ALLOT,ATT_DEFINITION LEV WHERE "
+                     "LEV.LEVID = ALLOT.LEVID AND LEV.ALLOTMENTYN = 1 AND ALLOT.ALLOTFROM BETWEEN "
+                     "CALCSTARTDATE AND CALCENDDATE AND ALLOT.EDITMODEYN = 1) ORDER BY MONTHYEAR",
+            0)
             .toInt());
 }
 
 bool AllotmentPass::ProcessAllotmentMonth(int32_t lngMonthYear) {
     DateTime from, to;
     calc_.periods.GetMonthBounds(lngMonthYear, from, to);
-    const std::string inMonth =
-        "LA.ALLOTFROM BETWEEN " + FnStrIsoLiteral(from) + " AND " + FnStrIsoLiteral(to);
+    const std::string inMonth = Sql() << "LA.ALLOTFROM BETWEEN " << from << " AND " << to;
     const BlockStamp::Scope scope{
-        "", " AND LEAVEDATE BETWEEN " + FnStrIsoLiteral(from) + " AND " + FnStrIsoLiteral(to),
+        "", Sql() << " AND LEAVEDATE BETWEEN " << from << " AND " << to,
         BlockStamp::SumSql("LEV_ALLOTMENT LA WITH (HOLDLOCK)", "ALLOTID",
                            " WHERE ISNULL(LA.EDITMODEYN, 0) = 1 AND " + inMonth),
         false, true};
@@ -106,20 +105,20 @@ bool AllotmentPass::ProcessAllotmentMonth(int32_t lngMonthYear) {
 }
 
 void AllotmentPass::BuildWorkTable(int32_t lngMonthYear, const std::string& strInMonth) {
-    const std::string month = text(lngMonthYear);
     session_.gConn.Execute(tmp_.drop);
     session_.gConn.Execute(
-        "SELECT ISNULL(LA.ALLOTID,0) AS ALLOTID, LA.EMPID, LA.ATTHEADID,LA.EMPDETID, LA.LEVID, "
-        "LA.ALLOTFROM, LA.ALLOTTO, LS.AUTOALLOTYN, LA.ALLOTLEV, LA.ACTALLOTLEV, CAST(0 AS "
-        "NUMERIC(15,2)) AS COLEV, CAST(0 AS NUMERIC(15,2)) AS LAPSE, CAST(0 AS NUMERIC(15,2)) AS "
-        "TAKENADJ, CAST(0 AS NUMERIC(15,2)) AS AVAILED, "
-        "CAST(0 AS NUMERIC(15,2)) AS OPBAL, CAST(0 AS NUMERIC(15,2)) AS CLSBAL, "
-        "ISNULL(PV.ALLOTID,0) AS PREVALLOTID, ISNULL(PV.ATTHEADID,0) AS PREVATTHEADID INTO " +
-        tmp_.name + " FROM LEV_ALLOTMENT LA INNER JOIN UDF_LSET(" + month +
-        ") LS ON LA.ATTHEADID = LS.ATTHEADID  AND LA.LEVID = LS.LEVID" + slice_sql::kRowBefore +
-        " WHERE LA.EMPID NOT IN (" + strDuplicates_ + ")" + " AND " + strInMonth +
-        " AND [DBO].FNLNGMONTHYEAR( LA.ALLOTFROM, LA.ALLOTTO)  = " + month +
-        " AND LA.EDITMODEYN = 1");
+        Sql()
+        << "SELECT ISNULL(LA.ALLOTID,0) AS ALLOTID, LA.EMPID, LA.ATTHEADID,LA.EMPDETID, LA.LEVID, "
+           "LA.ALLOTFROM, LA.ALLOTTO, LS.AUTOALLOTYN, LA.ALLOTLEV, LA.ACTALLOTLEV, CAST(0 AS "
+           "NUMERIC(15,2)) AS COLEV, CAST(0 AS NUMERIC(15,2)) AS LAPSE, CAST(0 AS NUMERIC(15,2)) "
+           "AS TAKENADJ, CAST(0 AS NUMERIC(15,2)) AS AVAILED, CAST(0 AS NUMERIC(15,2)) AS OPBAL, "
+           "CAST(0 AS NUMERIC(15,2)) AS CLSBAL, ISNULL(PV.ALLOTID,0) AS PREVALLOTID, "
+           "ISNULL(PV.ATTHEADID,0) AS PREVATTHEADID INTO "
+        << tmp_.name << " FROM LEV_ALLOTMENT LA INNER JOIN UDF_LSET(" << lngMonthYear
+        << ") LS ON LA.ATTHEADID = LS.ATTHEADID  AND LA.LEVID = LS.LEVID" << slice_sql::kRowBefore
+        << " WHERE LA.EMPID NOT IN (" << strDuplicates_ << ") AND " << strInMonth
+        << " AND [DBO].FNLNGMONTHYEAR( LA.ALLOTFROM, LA.ALLOTTO)  = " << lngMonthYear
+        << " AND LA.EDITMODEYN = 1");
     session_.gConn.Execute(tmp_.key("ALLOTID"));
 }
 
@@ -139,8 +138,8 @@ void AllotmentPass::AutoAllotments() {
         const AllotRow row = FnReadAllotRow(rs);
         if (failures_.Has(row.lngAllotId) ||
             !failures_.Attempt(row.lngEmpId, row.lngAllotId, [&] { WriteCredit(row); }))
-            session_.gConn.Execute("DELETE FROM " + tmp_.name +
-                                   " WHERE ALLOTID = " + text(row.lngAllotId));
+            session_.gConn.Execute(Sql() << "DELETE FROM " << tmp_.name
+                                         << " WHERE ALLOTID = " << row.lngAllotId);
     }
 }
 
@@ -193,8 +192,8 @@ void AllotmentPass::Closings(int32_t lngMonthYear) {
 
 void AllotmentPass::CarryOver(int32_t lngMonthYear) {
     const std::string& tmp = tmp_.name;
-    const std::string due = "ISNULL(LAPSEMONTH,0) <> 0 AND " + text((lngMonthYear - 1) % 12 + 1) +
-                            " = CASE WHEN LAPSEMONTH = 12 THEN 1 ELSE LAPSEMONTH + 1 END";
+    const std::string due = Sql() << "ISNULL(LAPSEMONTH,0) <> 0 AND " << (lngMonthYear - 1) % 12 + 1
+                                  << " = CASE WHEN LAPSEMONTH = 12 THEN 1 ELSE LAPSEMONTH + 1 END";
     const std::string kept =
         "CASE WHEN CLSBAL >= ISNULL(LAPSELIMIT,0) THEN ISNULL(LAPSELIMIT,0) ELSE CLSBAL END";
     const std::string negative = "ISNULL(LAPSENEGATIVE,0) <> 0 AND " + kept + " < 0";
@@ -212,7 +211,8 @@ void AllotmentPass::CarryOver(int32_t lngMonthYear) {
 // A predecessor of this pass stands in the month before (who has two rows in a month is left out)
 // and ends the day before the row.
 void AllotmentPass::WithinPeriod(int32_t lngMonthYear) {
-    std::string ended = "(1 = 0";
+    Sql ended;
+    ended << "(1 = 0";
     for (const auto& [types, allotType, allotOn] :
          {std::tuple<const char*, int, int>{"ALLOTTYPE IN (0,1)", 0, 0},
           {"ALLOTTYPE = 2 AND ALLOTON = 1", 2, 1},
@@ -222,14 +222,13 @@ void AllotmentPass::WithinPeriod(int32_t lngMonthYear) {
           {"ALLOTTYPE = 4 AND ALLOTON = 2", 4, 2}}) {
         DateTime end;
         FnBlnPeriodEnd(calc_.periods, allotType, allotOn, lngMonthYear - 1, end);
-        ended += std::string(" OR (") + types +
-                 " AND ALLOTFROM = " + FnStrIsoLiteral(end.plusDays(1)) + ")";
+        ended << " OR (" << types << " AND ALLOTFROM = " << end.plusDays(1) << ")";
     }
-    ended += ")";
-    session_.gConn.Execute("UPDATE " + tmp_.name + " SET COLEV = CASE WHEN " + ended +
-                           " THEN 0 ELSE CLSBAL END, LAPSE = CASE WHEN " + ended +
-                           " THEN CLSBAL ELSE 0 END FROM " + tmp_.name + " TMPALLOT" +
-                           settingsOf(lngMonthYear) + " AND ISNULL(COYN,0) <> 1");
+    ended << ")";
+    session_.gConn.Execute(Sql() << "UPDATE " << tmp_.name << " SET COLEV = CASE WHEN " << ended
+                                 << " THEN 0 ELSE CLSBAL END, LAPSE = CASE WHEN " << ended
+                                 << " THEN CLSBAL ELSE 0 END FROM " << tmp_.name << " TMPALLOT"
+                                 << settingsOf(lngMonthYear) << " AND ISNULL(COYN,0) <> 1");
 }
 
 // A row that has changed since it was read, or whose row before or opening balance has, keeps its

@@ -1,9 +1,11 @@
-// Rows taken one at a time, in order of date.
+// Rows taken one at a time, in order of date: blocks of row numbers, each read, worked out and
+// cleared of its marks together.
 #include <algorithm>
 
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "leave/AllotmentPass.h"
 #include "leave/slice_sql.h"
@@ -16,16 +18,13 @@ namespace {
 
 constexpr size_t kRowsAtOnce = 200;
 
-std::string text(int64_t number) {
-    return std::to_string(number);
-}
-
 // The numbers separated by commas, the last one repeated up to the size of a full block: texts that
 // differ in numbers alone share a plan.
 std::string blockList(const std::vector<int64_t>& numbers) {
-    std::string list = text(numbers.front());
+    Sql list;
+    list << numbers.front();
     for (size_t i = 1; i < std::max(kRowsAtOnce + 1, numbers.size()); ++i)
-        list += "," + text(numbers[std::min(i, numbers.size() - 1)]);
+        list << "," << numbers[std::min(i, numbers.size() - 1)];
     return list;
 }
 
@@ -57,24 +56,25 @@ void AllotmentPass::WriteCredit(const AllotRow& row) {
 void AllotmentPass::ProcessRow(const AllotRow& row) {
     const LeaveSettingsRecord& settings =
         *calc_.rules.inForce(row.intLevId, row.intAttHeadId, row.lngMonthYear);
-    const std::string id = text(row.lngAllotId);
     if (row.intLevId == 2)
-        session_.gConn.Execute(
-            "UPDATE LEV_ALLOTMENT SET ALLOTLEV = " + slice_sql::compensatoryWork("LEV_ALLOTMENT") +
-            " WHERE ALLOTID = " + id);
+        session_.gConn.Execute(Sql() << "UPDATE LEV_ALLOTMENT SET ALLOTLEV = "
+                                     << slice_sql::compensatoryWork("LEV_ALLOTMENT")
+                                     << " WHERE ALLOTID = " << row.lngAllotId);
     else if (settings.AUTOALLOTYN)
         WriteCredit(row);
 
     const LeaveChain::Link link = chain_.Chain(row);
-    std::string batch =
-        "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE EMPID = " + text(row.lngEmpId) +
-        " AND LEVID = " + text(row.intLevId) + " AND ALLOTFROM >= '" +
-        FnStrIsoDate(row.dteTo.plusDays(1)) + "' AND EDITMODEYN <> 1";
+    Sql batch;
+    batch << "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE EMPID = " << row.lngEmpId
+          << " AND LEVID = " << row.intLevId
+          << " AND ALLOTFROM >= " << FnStrIsoLiteral(row.dteTo.plusDays(1))
+          << " AND EDITMODEYN <> 1";
     if (row.lngPrevAllotId != 0)
-        batch += " UPDATE LEV_ALLOTMENT SET LAPSE = " + numberText(link.dblLapsed) +
-                 " WHERE ALLOTID = " + text(row.lngPrevAllotId);
-    session_.gConn.ExecuteAtomic(batch + " UPDATE LEV_ALLOTMENT SET COLEV = " +
-                                 numberText(link.COLEV) + ", LAPSE = 0 WHERE ALLOTID = " + id);
+        batch << " UPDATE LEV_ALLOTMENT SET LAPSE = " << numberText(link.dblLapsed)
+              << " WHERE ALLOTID = " << row.lngPrevAllotId;
+    batch << " UPDATE LEV_ALLOTMENT SET COLEV = " << numberText(link.COLEV)
+          << ", LAPSE = 0 WHERE ALLOTID = " << row.lngAllotId;
+    session_.gConn.ExecuteAtomic(batch);
 }
 
 // The mark is asked through a function, so that the rows are found by their numbers and not among
@@ -156,8 +156,8 @@ bool AllotmentPass::RowByRow(const std::string& strFilter) {
 bool AllotmentPass::FewMarked() {
     constexpr int64_t kFew = 500;
     return FnVarValueOrThrow(session_,
-                             "SELECT COUNT(*) FROM (SELECT TOP " + text(kFew) +
-                                 " ALLOTID FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1) T",
+                             Sql() << "SELECT COUNT(*) FROM (SELECT TOP " << kFew
+                                   << " ALLOTID FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1) T",
                              0)
                .toInt() < kFew;
 }

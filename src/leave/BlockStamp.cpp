@@ -3,9 +3,9 @@
 #include <array>
 #include <sstream>
 
-#include "session/Session.h"
-
+#include "db/numbered_column.h"
 #include "db/recordset.h"
+#include "session/Session.h"
 
 namespace owb {
 
@@ -31,8 +31,7 @@ std::string weeks() {
 std::string hours() {
     std::string columns = "AO.ATTTRANNO";
     for (int day = 1; day <= 31; ++day)
-        columns +=
-            std::string(" ISNULL(OTDAY") + (day < 10 ? "0" : "") + std::to_string(day) + ",0)*";
+        columns += " ISNULL(" + numberedColumn("OTDAY", day) + ",0)*";
     return columns;
 }
 

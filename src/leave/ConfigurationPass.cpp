@@ -4,6 +4,7 @@
 
 #include "calendar/clsNODNDPCalc.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "leave/ConfiguredState.h"
 #include "leave/RecalculationLock.h"
 #include "leave/VersionChanges.h"
@@ -85,8 +86,8 @@ void ConfigurationPass::UpdateSchema() {
 // Marks that no pass takes up: of months whose tax has been ported, and of rows before the first
 // month of leave. A row without a mark has never been worked out.
 void ConfigurationPass::ClearIdleMarks() {
-    const std::string before =
-        " WHERE EDITMODEYN = 1 AND (MONTHYEAR < " + std::to_string(session_.gFeature.LVSTARTMNYEAR);
+    const std::string before = Sql() << " WHERE EDITMODEYN = 1 AND (MONTHYEAR < "
+                                     << session_.gFeature.LVSTARTMNYEAR;
     const std::string ported =
         " OR MONTHYEAR IN (SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE TDSPORTYN = 1)";
     for (const std::string& sql :

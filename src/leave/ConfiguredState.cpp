@@ -1,6 +1,7 @@
 #include "leave/ConfiguredState.h"
 
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "leave/BlockStamp.h"
 #include "schema/modSQLFunction.h"
 #include "session/Session.h"
@@ -15,16 +16,16 @@ constexpr const char* kSwept = "SWEPT";
 
 std::string seen(Session& session, const char* what) {
     return FnVarValueOrThrow(
-               session, std::string("SELECT SEEN FROM LEV_CONFIGURED WHERE WHAT = '") + what + "'",
+               session, Sql() << "SELECT SEEN FROM LEV_CONFIGURED WHERE WHAT = '" << what << "'",
                "")
         .toText();
 }
 
 void remember(Session& session, const char* what, const std::string& text) {
-    const std::string of = std::string(" WHERE WHAT = '") + what + "'";
-    session.gConn.ExecuteAtomic("DELETE FROM LEV_CONFIGURED" + of +
-                                " INSERT INTO LEV_CONFIGURED (WHAT, SEEN) VALUES ('" + what +
-                                "', '" + text + "')");
+    const std::string of = Sql() << " WHERE WHAT = '" << what << "'";
+    session.gConn.ExecuteAtomic(Sql() << "DELETE FROM LEV_CONFIGURED" << of
+                                      << " INSERT INTO LEV_CONFIGURED (WHAT, SEEN) VALUES ('"
+                                      << what << "', " << literal(text) << ")");
 }
 
 // The values of one row of a query, in one text.
@@ -61,17 +62,18 @@ std::string ConfiguredState::Masters() const {
     };
     return rowText(
         session_,
-        "SELECT " + std::to_string(session_.gFeature.LVSTARTMNYEAR) + ", " +
-            (session_.gFeature.CALCINMIDYN ? "1" : "0") +
-            of("MAS_MONTHYEAR", "MONTHYEAR CALCSTARTDATE@ CALCENDDATE@ TDSPORTYN") +
-            of("ATT_DEFINITION", "LEVID ALLOTMENTYN") + of("MAS_ATTHEAD", "ATTHEADID ATTNTYPE") +
-            of("ATT_OPTSETTINGS", "ATTHEADID LOADDEFYN DEFVAL") +
-            of("LEV_SETTINGS",
-               "LEVID ATTHEADID MONTHYEAR MINDATETYPE MINMONTH MINDAYS MINAVAILDATETYPE "
-               "MINAVAILMONTH MINAVAILDAYS") +
-            of("MAS_EMPLOYEE", "EMPID DOJ@ DOL@ SALCALCFROM@ PROBATIONDATE@ CONFIRMATIONDATE@") +
-            of("MAS_EMPLOYEEDET", "EMPID EMPDETID EFFFROMDATE@ EFFTODATE@ ATTHEADID BRANCHID") +
-            of("SLC_SALARYCALC_E", "EMPID EMPDETID MONTHYEAR"));
+        Sql() << "SELECT " << session_.gFeature.LVSTARTMNYEAR << ", "
+              << session_.gFeature.CALCINMIDYN
+              << of("MAS_MONTHYEAR", "MONTHYEAR CALCSTARTDATE@ CALCENDDATE@ TDSPORTYN")
+              << of("ATT_DEFINITION", "LEVID ALLOTMENTYN")
+              << of("MAS_ATTHEAD", "ATTHEADID ATTNTYPE")
+              << of("ATT_OPTSETTINGS", "ATTHEADID LOADDEFYN DEFVAL")
+              << of("LEV_SETTINGS",
+                    "LEVID ATTHEADID MONTHYEAR MINDATETYPE MINMONTH MINDAYS MINAVAILDATETYPE "
+                    "MINAVAILMONTH MINAVAILDAYS")
+              << of("MAS_EMPLOYEE", "EMPID DOJ@ DOL@ SALCALCFROM@ PROBATIONDATE@ CONFIRMATIONDATE@")
+              << of("MAS_EMPLOYEEDET", "EMPID EMPDETID EFFFROMDATE@ EFFTODATE@ ATTHEADID BRANCHID")
+              << of("SLC_SALARYCALC_E", "EMPID EMPDETID MONTHYEAR"));
 }
 
 std::string ConfiguredState::Dates() const {

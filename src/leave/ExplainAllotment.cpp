@@ -4,6 +4,7 @@
 
 #include "base/db_error.h"
 #include "base/number_text.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "leave/LeaveChain.h"
 #include "leave/slice_sql.h"
@@ -54,8 +55,8 @@ std::string inWords(const LeaveSettingsRecord& s) {
 }
 
 std::string rounded(Session& session, double value, int type) {
-    return FnVarValueOrThrow(session, "SELECT [dbo].FnDblRndOff(" + numberText(value) + "," +
-                                          std::to_string(type) + ")")
+    return FnVarValueOrThrow(session, Sql() << "SELECT [dbo].FnDblRndOff(" << numberText(value)
+                                            << "," << type << ")")
         .toText();
 }
 
@@ -66,9 +67,9 @@ void explainCredit(Session& session, LeaveCalc& calc, const AllotRow& row, Allot
     steps.step("setting", inWords(*settings));
     if (row.intLevId == 2) {
         const double work =
-            FnVarValueOrThrow(session, "SELECT " + slice_sql::compensatoryWork("LA") +
-                                           " FROM LEV_ALLOTMENT LA WHERE LA.ALLOTID = " +
-                                           std::to_string(row.lngAllotId))
+            FnVarValueOrThrow(
+                session, Sql() << "SELECT " << slice_sql::compensatoryWork("LA")
+                               << " FROM LEV_ALLOTMENT LA WHERE LA.ALLOTID = " << row.lngAllotId)
                 .toDouble();
         return steps.step("credit", "compensatory work in the slice: " + numberText(work));
     }

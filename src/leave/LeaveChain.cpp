@@ -2,19 +2,12 @@
 
 #include "base/number_text.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "leave/slice_sql.h"
 #include "session/Session.h"
 
 namespace owb {
-
-namespace {
-
-std::string text(int64_t number) {
-    return std::to_string(number);
-}
-
-}  // namespace
 
 bool FnBlnPeriodEnd(LeavePeriods& periods, int intAllotType, int intAllotOn, int32_t lngMonthYear,
                     DateTime& dteEnd) {
@@ -47,10 +40,10 @@ double LeaveChain::OpeningBalance(const AllotRow& row) {
     const DateTime since = periods_.LeaveStart();
     const std::string from = FnStrIsoLiteral(since);
     Recordset rs(session_.gConn,
-                 "SELECT " + slice_sql::openingBalance("LA") + ", " +
-                     slice_sql::openingAvailed("LA", from) + ", " +
-                     slice_sql::openingTaken("LA", from) +
-                     " FROM LEV_ALLOTMENT LA WHERE LA.ALLOTID = " + text(row.lngAllotId));
+                 Sql() << "SELECT " << slice_sql::openingBalance("LA") << ", "
+                       << slice_sql::openingAvailed("LA", from) << ", "
+                       << slice_sql::openingTaken("LA", from)
+                       << " FROM LEV_ALLOTMENT LA WHERE LA.ALLOTID = " << row.lngAllotId);
     const double balance = rs.Fields(0).toDouble(), availed = rs.Fields(1).toDouble(),
                  taken = rs.Fields(2).toDouble();
     if (steps_)
@@ -66,23 +59,24 @@ double LeaveChain::Closing(const AllotRow& row, const LeaveSettingsRecord& setti
         "SELECT COUNT(*) FROM ATT_DEFINITION AD, LEV_ALLOTFROM LF WHERE AD.LEVID = LF.LEVID AND "
         "AD.ALLOTMENTYN = 1 AND LF.EMPID = LA.EMPID AND LF.LEVID = LA.LEVID AND LF.ALLOTFROM > "
         "LA.ALLOTTO";
-    Recordset rs(session_.gConn,
-                 "SELECT T.*, [dbo].FnDblRndOff(T.ALLOTTED + T.BROUGHT + T.ADJUSTED - (T.ENCASHED "
-                 "+ T.AVAILED), " +
-                     text(settings.RNDTYPE) +
-                     ") FROM (SELECT ISNULL(LA.ALLOTLEV, 0) AS ALLOTTED, ISNULL(LA.COLEV, 0) AS "
-                     "BROUGHT, " +
-                     slice_sql::adjusted("LA", text(row.lngPrevMonthYear)) + " AS ADJUSTED, " +
-                     slice_sql::encashed("LA") + " AS ENCASHED, " + slice_sql::availed("LA") +
-                     " AS AVAILED, (" + notYetOpen +
-                     ") AS NOTOPEN FROM LEV_ALLOTMENT LA WHERE LA.ALLOTID = " +
-                     text(row.lngPrevAllotId) + ") T");
+    Recordset rs(
+        session_.gConn,
+        Sql()
+            << "SELECT T.*, [dbo].FnDblRndOff(T.ALLOTTED + T.BROUGHT + T.ADJUSTED - (T.ENCASHED "
+               "+ T.AVAILED), "
+            << settings.RNDTYPE
+            << ") FROM (SELECT ISNULL(LA.ALLOTLEV, 0) AS ALLOTTED, ISNULL(LA.COLEV, 0) AS BROUGHT, "
+            << slice_sql::adjusted("LA", std::to_string(row.lngPrevMonthYear)) << " AS ADJUSTED, "
+            << slice_sql::encashed("LA") << " AS ENCASHED, " << slice_sql::availed("LA")
+            << " AS AVAILED, (" << notYetOpen
+            << ") AS NOTOPEN FROM LEV_ALLOTMENT LA WHERE LA.ALLOTID = " << row.lngPrevAllotId
+            << ") T");
     const double closing = rs.Fields("NOTOPEN").toInt() > 0 ? 0 : rs.Fields(6).toDouble();
     if (steps_) {
         auto part = [&](const char* name) { return numberText(rs.Fields(name).toDouble()); };
         steps_->step("row before", FnStrIsoDate(row.dtePrevFrom) + " to " +
                                        FnStrIsoDate(row.dtePrevTo) + ", head " +
-                                       text(row.intPrevHead));
+                                       std::to_string(row.intPrevHead));
         steps_->step("its closing", part("BROUGHT") + " brought forward + " + part("ALLOTTED") +
                                         " allotted + " + part("ADJUSTED") + " adjusted - " +
                                         part("ENCASHED") + " encashed - " + part("AVAILED") +

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "schema/modSQLFunction.h"
 #include "session/Session.h"
@@ -48,8 +49,7 @@ const LeavePeriods::Months& LeavePeriods::view(const std::string& viewName) {
     const auto kept = read_.find(viewName);
     if (kept != read_.end()) return kept->second;
     const std::string name = session_.gHostPrefix + "_" + viewName;
-    if (Recordset(session_.gConn, "Select * From Sys.Objects Where Name = '" +
-                                      session_.gSpChar.FnStrSpSQL(name) + "'")
+    if (Recordset(session_.gConn, "Select * From Sys.Objects Where Name = " + literal(name))
             .IsEOF())
         CreatePeriodViews(session_);
     return read(viewName, "SELECT MONTHYEAR, STARTDATE, ENDDATE FROM [dbo].[" + name + "]");
@@ -183,12 +183,12 @@ void LeavePeriods::GetPrevBounds(int64_t lngEmpId, int intAllotType, int intYear
 void LeavePeriods::countService(int64_t lngEmpId, DateTime& dteFrom, const DateTime& dteTo,
                                 double& dblPeriodDays, double& dblServiceDays) {
     dblPeriodDays = FnDblDays(dteFrom, dteTo);
-    const std::string from = FnStrIsoLiteral(dteFrom);
-    dteFrom = FnVarValueOrThrow(session_,
-                                "SELECT (CASE WHEN DOJ >= " + from + " THEN DOJ ELSE CAST(" + from +
-                                    " AS datetime) END) FROM MAS_EMPLOYEE WHERE EMPID = " +
-                                    std::to_string(lngEmpId),
-                                dteFrom)
+    const std::string from = literal(dteFrom);
+    dteFrom = FnVarValueOrThrow(
+                  session_,
+                  Sql() << "SELECT (CASE WHEN DOJ >= " << from << " THEN DOJ ELSE CAST(" << from
+                        << " AS datetime) END) FROM MAS_EMPLOYEE WHERE EMPID = " << lngEmpId,
+                  dteFrom)
                   .toDate();
     dblServiceDays = std::max(FnDblDays(dteFrom, dteTo), 0.0);
 }

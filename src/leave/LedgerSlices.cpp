@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "leave/ConfiguredState.h"
 #include "leave/EmployeeBlocks.h"
@@ -21,10 +22,6 @@
 namespace owb {
 
 namespace {
-
-std::string text(int64_t number) {
-    return std::to_string(number);
-}
 
 // Slices as the masters want them, as a table W: one for each salary row and allot-from date, from
 // the head's first settings of the leave on; up to the first month.
@@ -79,12 +76,11 @@ std::string notPorted(Session& session) {
          !rs.IsEOF(); rs.MoveNext()) {
         const DateTime from = rs.Fields(0).toDate();
         if (condition.empty() || last.plusDays(1) != from)
-            condition += (condition.empty() ? "" : FnStrIsoLiteral(last)) +
-                         " AND LEV_ALLOTMENT.ALLOTFROM NOT BETWEEN " + FnStrIsoLiteral(from) +
-                         " AND ";
+            condition += (condition.empty() ? "" : literal(last)) +
+                         " AND LEV_ALLOTMENT.ALLOTFROM NOT BETWEEN " + literal(from) + " AND ";
         last = rs.Fields(1).toDate();
     }
-    return condition.empty() ? "" : condition + FnStrIsoLiteral(last);
+    return condition.empty() ? "" : condition + literal(last);
 }
 
 // One run over all employees.
@@ -149,8 +145,8 @@ std::vector<EmployeeBlock> LedgerSlices::Blocks() {
 
 void LedgerSlices::ReconcileBlock(const EmployeeBlock& block) {
     status_("Deleteing unwanted records...");
-    const std::string wanted =
-        kWanted + text(session_.gFeature.LVSTARTMNYEAR) + block.Of("SE.EMPID") + " ) W";
+    const std::string wanted = Sql() << kWanted << session_.gFeature.LVSTARTMNYEAR
+                                     << block.Of("SE.EMPID") << " ) W";
     if (InStep(block, wanted)) return status_("Inserting missing records...");
     session_.gConn.Execute(kDropWanted);
     session_.gConn.Execute(
@@ -215,7 +211,7 @@ LedgerSlices::Chains LedgerSlices::StrayChains(const EmployeeBlock& block) {
 // Each stray row becomes a missing one of its month, first that which holds its first day; what
 // finds none goes, and its credit and encashments go to a row of the month that stays.
 std::string LedgerSlices::ChangeMonth(Month& month) {
-    std::string batch;
+    Sql batch;
     std::vector<Slice> gone;
     for (const Slice& row : month.stray) {
         const auto find = [&](const auto& fits) {
@@ -229,28 +225,29 @@ std::string LedgerSlices::ChangeMonth(Month& month) {
             gone.push_back(row);
             continue;
         }
-        batch += " UPDATE LEV_ALLOTMENT SET EMPDETID = " + text(wanted->lngEmpDetId) +
-                 ", ATTHEADID = " + text(wanted->intAttHeadId) +
-                 ", ALLOTFROM = " + FnStrIsoLiteral(wanted->dteFrom) +
-                 ", ALLOTTO = " + FnStrIsoLiteral(wanted->dteTo) +
-                 ", EDITMODEYN = 1 WHERE ALLOTID = " + text(row.lngAllotId);
+        // Versions are other programs' rows: their dates may carry a time of day, the ledger's
+        // none.
+        batch << " UPDATE LEV_ALLOTMENT SET EMPDETID = " << wanted->lngEmpDetId
+              << ", ATTHEADID = " << wanted->intAttHeadId
+              << ", ALLOTFROM = " << FnStrIsoLiteral(wanted->dteFrom)
+              << ", ALLOTTO = " << FnStrIsoLiteral(wanted->dteTo)
+              << ", EDITMODEYN = 1 WHERE ALLOTID = " << row.lngAllotId;
         wanted->lngAllotId = row.lngAllotId;
         month.kept.push_back(*wanted);
         month.missing.erase(wanted);
     }
     for (const Slice& row : gone) {
-        const std::string ofRow = " WHERE ALLOTID = " + text(row.lngAllotId);
+        const std::string ofRow = Sql() << " WHERE ALLOTID = " << row.lngAllotId;
         if (!month.kept.empty()) {
             auto heir = std::find_if(month.kept.begin(), month.kept.end(),
                                      [&](const Slice& k) { return k.Holds(row.dteFrom); });
             if (heir == month.kept.end()) heir = std::prev(month.kept.end());
-            batch +=
-                " UPDATE LEV_ALLOTMENT SET ALLOTLEV = ISNULL(ALLOTLEV, 0) + ISNULL((SELECT "
-                "ALLOTLEV FROM LEV_ALLOTMENT" +
-                ofRow + "), 0) WHERE ALLOTID = " + text(heir->lngAllotId) +
-                " UPDATE ATT_ENCASH SET ALLOTID = " + text(heir->lngAllotId) + ofRow;
+            batch << " UPDATE LEV_ALLOTMENT SET ALLOTLEV = ISNULL(ALLOTLEV, 0) + ISNULL((SELECT "
+                     "ALLOTLEV FROM LEV_ALLOTMENT"
+                  << ofRow << "), 0) WHERE ALLOTID = " << heir->lngAllotId
+                  << " UPDATE ATT_ENCASH SET ALLOTID = " << heir->lngAllotId << ofRow;
         }
-        batch += " DELETE FROM LEV_ALLOTMENT" + ofRow;
+        batch << " DELETE FROM LEV_ALLOTMENT" << ofRow;
     }
     return batch;
 }
@@ -259,12 +256,12 @@ void LedgerSlices::ChangeChain(int64_t lngEmpId, int64_t intLevId, Months& month
     std::string changes, rows;
     for (auto& [key, month] : months) {
         for (const Slice& row : month.stray)
-            rows += (rows.empty() ? "" : ",") + text(row.lngAllotId);
+            rows += (rows.empty() ? "" : ",") + std::to_string(row.lngAllotId);
         if (!month.stray.empty()) changes += ChangeMonth(month);
     }
-    session_.gConn.ExecuteAtomic(markPeriods("LEV_ALLOTMENT WHERE EMPID = " + text(lngEmpId) +
-                                             " AND LEVID = " + text(intLevId) +
-                                             " AND ALLOTID IN (" + rows + ")") +
+    session_.gConn.ExecuteAtomic(markPeriods(Sql() << "LEV_ALLOTMENT WHERE EMPID = " << lngEmpId
+                                                   << " AND LEVID = " << intLevId
+                                                   << " AND ALLOTID IN (" << rows << ")") +
                                  changes);
 }
 

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "session/Session.h"
 #include "session/lenient_queries.h"
 #include "session/queries.h"
@@ -14,14 +15,10 @@ namespace {
 
 constexpr auto kBetweenTries = std::chrono::milliseconds(200);
 
-std::string quoted(const Session& session, const std::string& text) {
-    return "N'" + session.gSpChar.FnStrSpSQL(text) + "'";
-}
-
 }  // namespace
 
 std::string RecalculationLock::Resource() const {
-    return quoted(session_, "OWB recalculation " + session_.gHostPrefix);
+    return literal("OWB recalculation " + session_.gHostPrefix);
 }
 
 RecalculationLock::RecalculationLock(Session& session, Progress& frm) : session_(session) {
@@ -49,10 +46,10 @@ bool RecalculationLock::TryToTake() {
                               "@LockTimeout = 0 SELECT @GOT")
             .toInt() < 0)
         return false;
-    const std::string host = quoted(session_, session_.gHostPrefix);
-    FnBlnExecute(session_, "DELETE FROM LEV_RECALCULATION WHERE HOSTNAME = " + host +
-                               " INSERT INTO LEV_RECALCULATION (HOSTNAME, USERNAME) VALUES (" +
-                               host + ", " + quoted(session_, session_.gUser) + ")");
+    const std::string host = literal(session_.gHostPrefix);
+    FnBlnExecute(session_, Sql() << "DELETE FROM LEV_RECALCULATION WHERE HOSTNAME = " << host
+                                 << " INSERT INTO LEV_RECALCULATION (HOSTNAME, USERNAME) VALUES ("
+                                 << host << ", " << literal(session_.gUser) << ")");
     return true;
 }
 
@@ -62,7 +59,7 @@ std::string RecalculationLock::Holder() {
                    session_,
                    "SELECT USERNAME FROM LEV_RECALCULATION WITH (NOLOCK) WHERE HOSTNAME "
                    "= " +
-                       quoted(session_, session_.gHostPrefix),
+                       literal(session_.gHostPrefix),
                    "another user")
             .toText();
     } catch (const DbError&) {

@@ -6,6 +6,7 @@
 #include "base/number_text.h"
 #include "base/utf8.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "formula/CustomQuery.h"
 #include "formula/clsEvalFormula.h"
@@ -16,10 +17,6 @@
 namespace owb {
 
 namespace {
-
-std::string text(int64_t number) {
-    return std::to_string(number);
-}
 
 int monthOf(const AllotRow& row) {
     return (row.lngMonthYear - 1) % 12 + 1;
@@ -97,7 +94,7 @@ AllotRow FnReadAllotRow(Recordset& rs) {
 void CalcLeaveAllotment(Session& session, int64_t lngAllotId, bool& blnUseStoredDays,
                         DateTime& dteMonthStart) {
     Recordset rs(session.gConn,
-                 FnStrAllotRows("LEV_ALLOTMENT LA", "WHERE LA.ALLOTID = " + text(lngAllotId)));
+                 FnStrAllotRows("LEV_ALLOTMENT LA", Sql() << "WHERE LA.ALLOTID = " << lngAllotId));
     if (rs.IsEOF()) return;
     LeaveCalc calc(session);
     const AllotRow row = FnReadAllotRow(rs);
@@ -141,9 +138,10 @@ void LeaveCalc::WriteCredit(const AllotRow& row, double dblAllot) {
     const LeaveSettingsRecord* settings =
         rules.inForce(row.intLevId, row.intAttHeadId, row.lngMonthYear);
     const std::string amount = numberText(dblAllot);
-    session_.gConn.Execute(
-        "UPDATE LEV_ALLOTMENT SET ACTALLOTLEV = " + amount + ", ALLOTLEV = [dbo].FnDblRndOff(" +
-        amount + "," + text(settings->ALLOTRNDTYPE) + ") WHERE ALLOTID = " + text(row.lngAllotId));
+    session_.gConn.Execute(Sql() << "UPDATE LEV_ALLOTMENT SET ACTALLOTLEV = " << amount
+                                 << ", ALLOTLEV = [dbo].FnDblRndOff(" << amount << ","
+                                 << settings->ALLOTRNDTYPE
+                                 << ") WHERE ALLOTID = " << row.lngAllotId);
 }
 
 // The number that the figure gives: plain, by the company's own query, or by a formula.
@@ -151,7 +149,8 @@ double LeaveCalc::NumberOfLeaves(const AllotRow& row, const AllotFigure& figure)
     if (figure.QUERYYN == 1) {
         std::string query =
             FnVarValueOrThrow(
-                session_, "select FQUERY From MAS_FORMULACUSTOM where fid=" + text(figure.FID), "")
+                session_, Sql() << "select FQUERY From MAS_FORMULACUSTOM where fid=" << figure.FID,
+                "")
                 .toText();
         if (!query.empty()) {
             for (const auto& [name, value] :
@@ -160,7 +159,7 @@ double LeaveCalc::NumberOfLeaves(const AllotRow& row, const AllotFigure& figure)
                   {"$ATTHEADID$", row.intAttHeadId},
                   {"$LEVID$", row.intLevId},
                   {"$MONTHYEAR$", row.lngMonthYear}})
-                query = replaced(query, name, text(value), true);
+                query = replaced(query, name, std::to_string(value), true);
             query = replaced(query, "$HOSTNAME$", session_.gHostPrefix, false);
             const double custom = FnVarCustomQuery(session_, query, 0).toDouble();
             tell("figure", [&] { return numberText(custom) + " leaves by the custom query"; });
@@ -286,8 +285,8 @@ double LeaveCalc::AsPreviousPeriod(const Task& task) {
                           row.lngMonthYear, from, to, periodDays, days);
     if (task.settings.ALLOTTYPE == 2) {
         const Value allotFrom = FnVarValueOrThrow(
-            session_, "SELECT ALLOTFROM FROM LEV_ALLOTFROM WHERE levid=" + text(row.intLevId) +
-                          " AND EMPID=" + text(row.lngEmpId));
+            session_, Sql() << "SELECT ALLOTFROM FROM LEV_ALLOTFROM WHERE levid=" << row.intLevId
+                            << " AND EMPID=" << row.lngEmpId);
         if (!allotFrom.isNull() && allotFrom.toDate() > from) {
             from = allotFrom.toDate();
             days = std::max(FnDblDays(from, to), 0.0);

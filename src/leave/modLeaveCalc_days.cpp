@@ -3,20 +3,13 @@
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "leave/modLeaveCalc.h"
 #include "session/Session.h"
 #include "session/queries.h"
 
 namespace owb {
-
-namespace {
-
-std::string text(int64_t number) {
-    return std::to_string(number);
-}
-
-}  // namespace
 
 LeaveCalc::Days LeaveCalc::CountDays(int64_t lngEmpId, int lngEmpDetId, int32_t lngMonthYear,
                                      int intAttHeadId, DateTime dteFrom, DateTime dteTo,
@@ -38,9 +31,9 @@ LeaveCalc::Days LeaveCalc::RowDays(const Task& task, int intDaysBasis) {
     const AllotRow& row = task.row;
     Days days;
     if (task.blnUseStored) {
-        const std::string ofRow = " FROM LEV_MONTHDET WHERE EMPDETID=" + text(row.lngEmpDetId) +
-                                  " AND EMPID =" + text(row.lngEmpId) +
-                                  " AND MONTHYEAR=" + text(row.lngMonthYear);
+        const std::string ofRow = Sql() << " FROM LEV_MONTHDET WHERE EMPDETID=" << row.lngEmpDetId
+                                        << " AND EMPID =" << row.lngEmpId
+                                        << " AND MONTHYEAR=" << row.lngMonthYear;
         days.NODCALC = FnVarValueOrThrow(session_, "SELECT NODCALC" + ofRow, 0).toDouble();
         days.NOD = FnVarValueOrThrow(session_, "SELECT NOD" + ofRow, 0).toDouble();
         days.NDP = FnVarValueOrThrow(session_, "SELECT NDP" + ofRow, 0).toDouble();
@@ -60,11 +53,11 @@ void LeaveCalc::ForEachVersion(int64_t lngEmpId, int32_t lngMonthYear, DateTime 
                                DateTime dteTo,
                                const std::function<void(DateTime, DateTime, const Days&)>& take) {
     Recordset rs(session_.gConn,
-                 "SELECT EMPDETID, ATTHEADID, EFFFROMDATE, EFFTODATE FROM MAS_EMPLOYEEDET WHERE "
-                 "EMPID = " +
-                     text(lngEmpId) + " AND EFFFROMDATE <= " + FnStrIsoLiteral(dteTo) +
-                     " AND (EFFTODATE IS NULL OR EFFTODATE >= " + FnStrIsoLiteral(dteFrom) +
-                     ") ORDER BY EMPDETID");
+                 Sql() << "SELECT EMPDETID, ATTHEADID, EFFFROMDATE, EFFTODATE FROM MAS_EMPLOYEEDET "
+                          "WHERE EMPID = "
+                       << lngEmpId << " AND EFFFROMDATE <= " << FnStrIsoLiteral(dteTo)
+                       << " AND (EFFTODATE IS NULL OR EFFTODATE >= " << FnStrIsoLiteral(dteFrom)
+                       << ") ORDER BY EMPDETID");
     for (; !rs.IsEOF(); rs.MoveNext()) {
         const DateTime from = std::max(dteFrom, rs.Fields(2).toDate());
         const DateTime to = rs.Fields(3).isNull() ? dteTo : std::min(dteTo, rs.Fields(3).toDate());
@@ -79,8 +72,8 @@ void LeaveCalc::SumPrevMonthDays(int64_t lngEmpId, int32_t lngMonthYear, Days& d
                                  DateTime& dteFrom, DateTime& dteTo) {
     DateTime first, last;
     periods.GetMonthBounds(lngMonthYear, first, last);
-    const Value left =
-        FnVarValueOrThrow(session_, "SELECT DOL FROM MAS_EMPLOYEE WHERE EMPID = " + text(lngEmpId));
+    const Value left = FnVarValueOrThrow(
+        session_, Sql() << "SELECT DOL FROM MAS_EMPLOYEE WHERE EMPID = " << lngEmpId);
     ForEachVersion(lngEmpId, lngMonthYear, first, last,
                    [&](DateTime from, DateTime to, const Days& part) {
                        dteFrom = from;
@@ -113,51 +106,53 @@ void LeaveCalc::GetServiceDays(const Task& task, double& dblPeriodDays, double& 
     periods.GetBounds(task.settings.ALLOTTYPE, task.settings.ALLOTON, row.lngMonthYear, from, to);
     dblPeriodDays = FnDblDays(from, to);
 
-    const std::string emp = text(row.lngEmpId), det = text(row.lngEmpDetId),
-                      lev = text(row.intLevId);
     auto readDate = [&](const std::string& sql, const DateTime& otherwise) {
         return FnVarValueOrThrow(session_, sql, otherwise).toDate();
     };
-    from = readDate("SELECT MIN(ALLOTFROM) FROM LEV_ALLOTMENT WHERE EMPID = " + emp +
-                        " AND EMPDETID = " + det + " AND LEVID = " + lev +
-                        " AND ALLOTFROM >= " + FnStrIsoLiteral(from),
-                    from);
+    // Some of the dates are other programs' and may carry a time of day: all go in without it.
+    from =
+        readDate(Sql() << "SELECT MIN(ALLOTFROM) FROM LEV_ALLOTMENT WHERE EMPID = " << row.lngEmpId
+                       << " AND EMPDETID = " << row.lngEmpDetId << " AND LEVID = " << row.intLevId
+                       << " AND ALLOTFROM >= " << FnStrIsoLiteral(from),
+                 from);
     const std::string withSettings =
-        " FROM LEV_ALLOTMENT A,LEV_SETTINGS B Where A.LEVID = b.LEVID And A.ATTHEADID = "
-        "b.ATTHEADID  AND b.MONTHYEAR =(SELECT MAX(Monthyear) FROM LEV_SETTINGS WHERE "
-        "levid=b.levid AND attheadid=b.attheadid AND Monthyear<= dbo.FnLngMonthYear(A.ALLOTFROM,"
-        "a.ALLOTTO))  And A.LEVID = " +
-        lev + " And A.EMPID = " + emp;
-    from = readDate("SELECT MIN(ALLOTFROM)" + withSettings + "  And A.EMPDETID = " + det +
-                        " AND A.ALLOTFROM >= " + FnStrIsoLiteral(from) +
-                        " AND MONTHYEAR=" + text(task.settings.MONTHYEAR),
+        Sql()
+        << " FROM LEV_ALLOTMENT A,LEV_SETTINGS B Where A.LEVID = b.LEVID And A.ATTHEADID = "
+           "b.ATTHEADID  AND b.MONTHYEAR =(SELECT MAX(Monthyear) FROM LEV_SETTINGS WHERE "
+           "levid=b.levid AND attheadid=b.attheadid AND Monthyear<= dbo.FnLngMonthYear(A.ALLOTFROM,"
+           "a.ALLOTTO))  And A.LEVID = "
+        << row.intLevId << " And A.EMPID = " << row.lngEmpId;
+    from = readDate(Sql() << "SELECT MIN(ALLOTFROM)" << withSettings << "  And A.EMPDETID = "
+                          << row.lngEmpDetId << " AND A.ALLOTFROM >= " << FnStrIsoLiteral(from)
+                          << " AND MONTHYEAR=" << task.settings.MONTHYEAR,
                     from);
     // A later setting ends the service under this one, whichever version it comes with.
-    to = readDate("SELECT MIN(ALLOTFROM)-1" + withSettings + "   AND A.ALLOTFROM > " +
-                      FnStrIsoLiteral(from) + " AND A.ALLOTFROM -1 < " + FnStrIsoLiteral(to) +
-                      " AND MONTHYEAR>" + text(row.lngMonthYear),
+    to = readDate(Sql() << "SELECT MIN(ALLOTFROM)-1" << withSettings << "   AND A.ALLOTFROM > "
+                        << FnStrIsoLiteral(from) << " AND A.ALLOTFROM -1 < " << FnStrIsoLiteral(to)
+                        << " AND MONTHYEAR>" << row.lngMonthYear,
                   to);
     if (!task.settings.EXCLDOLYN)
-        to = readDate("SELECT DOL FROM MAS_EMPLOYEE WHERE EMPID = " + emp +
-                          " AND DOL <= " + FnStrIsoLiteral(to),
+        to = readDate(Sql() << "SELECT DOL FROM MAS_EMPLOYEE WHERE EMPID = " << row.lngEmpId
+                            << " AND DOL <= " << FnStrIsoLiteral(to),
                       to);
     if (task.settings.EXCLDOJYN) {
         DateTime first, last;
         periods.GetMonthBounds(row.lngMonthYear, first, last);
-        from = readDate("SELECT CAST(" + FnStrIsoLiteral(first) +
-                            " AS datetime)   FROM MAS_EMPLOYEE WHERE "
-                            "EMPID = " +
-                            emp + " AND DOJ > " + FnStrIsoLiteral(first) +
-                            " AND  DOJ <= " + FnStrIsoLiteral(to) + "  ",
+        from = readDate(Sql() << "SELECT CAST(" << first
+                              << " AS datetime)   FROM MAS_EMPLOYEE WHERE EMPID = " << row.lngEmpId
+                              << " AND DOJ > " << first << " AND  DOJ <= " << FnStrIsoLiteral(to)
+                              << "  ",
                         from);
     }
-    to = readDate("SELECT (SELECT CASE WHEN ISNULL(MIN(EFFFROMDATE) - 1, " + FnStrIsoLiteral(to) +
-                      ") >= " + FnStrIsoLiteral(to) + " THEN CAST(" + FnStrIsoLiteral(to) +
-                      " AS datetime) ELSE Min (EFFFROMDATE) - 1 END FROM MAS_EMPLOYEEDET WHERE "
-                      "EMPID = MT.EMPID AND ATTHEADID <> MT.ATTHEADID AND EFFFROMDATE >= "
-                      "DATEADD(DAY, 1, MT.EFFTODATE)) FROM MAS_EMPLOYEEDET MT WHERE MT.EMPID = " +
-                      emp + " AND MT.EMPDETID = " + det,
-                  to);
+    const std::string end = FnStrIsoLiteral(to);
+    to =
+        readDate(Sql() << "SELECT (SELECT CASE WHEN ISNULL(MIN(EFFFROMDATE) - 1, " << end
+                       << ") >= " << end << " THEN CAST(" << end
+                       << " AS datetime) ELSE Min (EFFFROMDATE) - 1 END FROM MAS_EMPLOYEEDET WHERE "
+                          "EMPID = MT.EMPID AND ATTHEADID <> MT.ATTHEADID AND EFFFROMDATE >= "
+                          "DATEADD(DAY, 1, MT.EFFTODATE)) FROM MAS_EMPLOYEEDET MT WHERE MT.EMPID = "
+                       << row.lngEmpId << " AND MT.EMPDETID = " << row.lngEmpDetId,
+                 to);
     dblServiceDays = FnDblDays(from, to);
     tell("days", [&] {
         return "service from " + FnStrIsoDate(from) + " to " + FnStrIsoDate(to) + ": " +

@@ -1,3 +1,6 @@
+// Month days: the figures of LEV_MONTHDET for the marked rows, some hundred employees at a time,
+// and for one row at once. Also what the passes share: the filter of employees and the overtime
+// calculator.
 #include "leave/modLeaveFunctions.h"
 
 #include <algorithm>
@@ -7,6 +10,7 @@
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "leave/BlockStamp.h"
 #include "leave/EmployeeBlocks.h"
@@ -20,19 +24,15 @@ namespace owb {
 
 namespace {
 
-std::string text(int64_t number) {
-    return std::to_string(number);
-}
-
 std::string rowKey(int64_t lngEmpId, int64_t lngEmpDetId, int32_t lngMonthYear) {
-    return "EMPID = " + text(lngEmpId) + " And EMPDETID = " + text(lngEmpDetId) +
-           " And MONTHYEAR = " + text(lngMonthYear);
+    return Sql() << "EMPID = " << lngEmpId << " And EMPDETID = " << lngEmpDetId
+                 << " And MONTHYEAR = " << lngMonthYear;
 }
 
 }  // namespace
 
 EmployeeFilter::EmployeeFilter(Session& session, int64_t lngEmpId)
-    : session_(session), before_(std::exchange(session.gEmpFilter, text(lngEmpId))) {}
+    : session_(session), before_(std::exchange(session.gEmpFilter, std::to_string(lngEmpId))) {}
 
 EmployeeFilter::~EmployeeFilter() {
     session_.gEmpFilter = before_;
@@ -101,11 +101,12 @@ void UpdateMonthRow(Session& session, Recordset& rs) {
         // Hours after the day of leaving stay in the table and do not count.
         const DateTime last =
             rs.Fields("DOL").isNull() ? to : std::min(to, rs.Fields("DOL").toDate());
-        Recordset sums(session.gConn,
-                       "SELECT SUM(OT1) AS VALUE01, SUM(OT2) AS VALUE02, SUM(ADJHRS) AS VALUE03 "
-                       "FROM LEV_OTDETAILS WHERE EMPID = " +
-                           text(employee) + " AND EMPDETID = " + text(det) + " AND OTDATE >= '" +
-                           FnStrIsoDate(from) + "' AND OTDATE <= '" + FnStrIsoDate(last) + "'");
+        Recordset sums(
+            session.gConn,
+            Sql() << "SELECT SUM(OT1) AS VALUE01, SUM(OT2) AS VALUE02, SUM(ADJHRS) AS VALUE03 "
+                     "FROM LEV_OTDETAILS WHERE EMPID = "
+                  << employee << " AND EMPDETID = " << det << " AND OTDATE >= "
+                  << FnStrIsoLiteral(from) << " AND OTDATE <= " << FnStrIsoLiteral(last));
         overtime = ",OT1=" + numberText(sums.Fields("VALUE01").toDouble()) +
                    ",OT2=" + numberText(sums.Fields("VALUE02").toDouble()) +
                    ",ADJHRS=" + numberText(sums.Fields("VALUE03").toDouble());
@@ -161,11 +162,12 @@ bool UpdateMonthDays(Session& session, Progress& frm) {
                     finished.lngLast = employee - 1;
                     break;
                 }
-                frm.status("Updating Pay Days and Present Days ---" + text(employee) + "-----");
+                frm.status("Updating Pay Days and Present Days ---" + std::to_string(employee) +
+                           "-----");
                 frm.step(++done, std::max(done, blocks.RowCount()));
                 if (failures.Has(employee) ||
                     !failures.Attempt(employee, employee, [&] { UpdateMonthRow(session, rs); }))
-                    failed += "," + text(employee);
+                    failed += "," + std::to_string(employee);
             }
         };
         const BlockStamp::Scope scope{
@@ -188,13 +190,13 @@ void SaveMonthDays(Session& session, double& dblNOD, double& dblNDP, int64_t lng
         countDays(session, lngEmpId, lngEmpDetId, lngMonthYear, intAttHeadId, dteFrom, dteTo);
     dblNOD = days.NOD;
     dblNDP = days.NDP;
-    session.gConn.Execute("UPDATE LEV_MONTHDET SET NODCALC = " + numberText(days.NODCALC) +
-                          ", NOD=" + numberText(dblNOD) + ", NDP=" + numberText(dblNDP) +
-                          " WHERE " + rowKey(lngEmpId, lngEmpDetId, lngMonthYear));
+    session.gConn.Execute(Sql() << "UPDATE LEV_MONTHDET SET NODCALC = " << numberText(days.NODCALC)
+                                << ", NOD=" << numberText(dblNOD) << ", NDP=" << numberText(dblNDP)
+                                << " WHERE " << rowKey(lngEmpId, lngEmpDetId, lngMonthYear));
     if (!session.gOpt.AUTOALLOTYN) return;
     MarkAllotmentDirty(session, intAttHeadId, lngEmpId);
     NoProgress hidden;
-    ProcessAllotmentsOld(session, hidden, " AND LA.EMPID = " + text(lngEmpId) + " ");
+    ProcessAllotmentsOld(session, hidden, Sql() << " AND LA.EMPID = " << lngEmpId << " ");
 }
 
 void RefreshMonthRow(Session& session, double& dblNOD, double& dblNDP, Progress& frm,

@@ -1,3 +1,6 @@
+// The rows of registers and months in step with the salary rows: what has no salary row goes first,
+// what is missing comes then, and both mark the months that they change.
+#include "db/numbered_column.h"
 #include "db/recordset.h"
 #include "leave/modLeaveFunctions.h"
 #include "session/Session.h"
@@ -6,20 +9,30 @@ namespace owb {
 
 namespace {
 
-std::string dayColumns(const std::string& separatorAndValue) {
+// ", DAY01, DAY02 ..." to the last day of the longest month.
+std::string dayColumns() {
     std::string columns;
-    for (int day = 1; day <= 31; ++day)
-        columns += separatorAndValue.empty()
-                       ? std::string(", DAY") + (day < 10 ? "0" : "") + std::to_string(day)
-                       : separatorAndValue;
+    for (int day = 1; day <= 31; ++day) columns += ", " + numberedColumn("DAY", day);
     return columns;
+}
+
+// The same value for each of them.
+std::string dayValues(const std::string& value) {
+    std::string values;
+    for (int day = 1; day <= 31; ++day) values += ", " + value;
+    return values;
+}
+
+// The months of leave, as a condition on a row's month.
+std::string sinceStart(const Session& session) {
+    return "MONTHYEAR >= " + std::to_string(session.gFeature.LVSTARTMNYEAR);
 }
 
 }  // namespace
 
 // A register row and its twin go together and come together.
 void ReconcileMonthlyRows(Session& session) {
-    const std::string since = "MONTHYEAR >= " + std::to_string(session.gFeature.LVSTARTMNYEAR);
+    const std::string since = sinceStart(session);
     const std::string withoutSalary =
         " WHERE EMPID NOT IN (SELECT EMPID FROM SLC_SALARYCALC_E WHERE EMPID = "
         "ATT_DAYTODAY.EMPID AND MONTHYEAR = ATT_DAYTODAY.MONTHYEAR AND EMPDETID = "
@@ -36,10 +49,10 @@ void ReconcileMonthlyRows(Session& session) {
         "ATT_DAYTODAY WITH (TABLOCKX, HOLDLOCK) UNION ALL SELECT ATTTRANNO FROM ATT_OVERTIME) "
         "TMP), "
         "0) INSERT INTO ATT_DAYTODAY(ATTTRANNO, EMPID, EMPDETID, ATTHEADID, MONTHYEAR, EDITMODEYN" +
-        dayColumns("") +
+        dayColumns() +
         ") (SELECT (ROW_NUMBER() OVER (ORDER BY MONTHYEAR, EMPID, EMPDETID) + @LAST) AS ATTTRANNO, "
         "EMPID, EMPDETID, ATTHEADID, MONTHYEAR, 1" +
-        dayColumns(", FILLVALUE") +
+        dayValues("FILLVALUE") +
         " FROM (SELECT DISTINCT SE.EMPID, SE.EMPDETID, MD.ATTHEADID, SE.MONTHYEAR, CASE WHEN "
         "ISNULL(AO.LOADDEFYN, 0) <> 1 THEN '' WHEN ISNULL(AO.DEFVAL, 0) = 1 THEN '0' WHEN "
         "MA.ATTNTYPE = 2 THEN 'P' ELSE '' END AS FILLVALUE FROM SLC_SALARYCALC_E SE INNER JOIN "
@@ -60,7 +73,7 @@ void ReconcileMonthlyRows(Session& session) {
 
 // The rows that come or go mark the others of their employee's month in the same transaction.
 void ReconcileMonthDetails(Session& session) {
-    const std::string since = "MONTHYEAR >= " + std::to_string(session.gFeature.LVSTARTMNYEAR);
+    const std::string since = sinceStart(session);
     const std::string unwanted =
         " FROM LEV_MONTHDET WHERE " + since +
         " AND MONTHYEAR NOT IN (SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE TDSPORTYN = 1) AND NOT "

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "db/sql_text.h"
 #include "session/Session.h"
 
 namespace owb {
@@ -10,8 +11,8 @@ namespace owb {
 struct WorkTable {
     WorkTable(const Session& session, const std::string& kind)
         : bare(kind + session.gHostPrefix), name("[" + bare + "]") {
-        drop = "If Exists(SELECT * FROM SYS.TABLES WHERE NAME ='" +
-               session.gSpChar.FnStrSpSQL(bare) + "') DROP TABLE " + name;
+        drop = Sql() << "If Exists(SELECT * FROM SYS.TABLES WHERE NAME =" << literal(bare)
+                     << ") DROP TABLE " << name;
     }
     // The statement that gives it a primary key.
     std::string key(const std::string& column) const {
