@@ -5,7 +5,9 @@
 
 #include "base/number_text.h"
 #include "calendar/clsNODNDPCalc.h"
+#include "db/numbered_column.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "session/Session.h"
 #include "session/modAttSetting.h"
@@ -14,10 +16,6 @@
 namespace owb {
 
 namespace {
-
-std::string text(int64_t number) {
-    return std::to_string(number);
-}
 
 // Whole part and the two digits after the point, which stand for sixtieths or for hundredths.
 double convertFraction(double value, double from, double to) {
@@ -29,22 +27,23 @@ double convertFraction(double value, double from, double to) {
 }
 
 std::string versionKey(Recordset& rs) {
-    return "EMPID = " + text(rs.Fields("EMPID").toInt()) +
-           " AND EMPDETID = " + text(rs.Fields("EMPDETID").toInt());
+    return Sql() << "EMPID = " << rs.Fields("EMPID").toInt()
+                 << " AND EMPDETID = " << rs.Fields("EMPDETID").toInt();
 }
 
 }  // namespace
 
 std::string clsOTDetCalc::FnStrRegisterRow(int64_t lngAttTranNo) {
-    return "SELECT [dbo].FnDteGetFirstDate(AD.MONTHYEAR) AS FIRSTDATE, "
-           "[dbo].FnDteGetLastDate(AD.MONTHYEAR) AS LASTDATE, [dbo].FnDteFromDate(EMPID, "
-           "EMPDETID, MONTHYEAR) AS FROMDATE, [dbo].FnDteToDate(EMPID, EMPDETID, MONTHYEAR) AS "
-           "TODATE, AD.EMPID, AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, MA.OT1YN, MA.OT2YN, "
-           "MA.ATTNTYPE, AO.*, AT.FULLDAYOT2, AT.SPLOTYN, AT.WHOT2YN, AT.GHOT2YN, "
-           "ISNULL(MA.CUTOFFHALFDAY,0) As HALFDAYCUTOFF  FROM ATT_OVERTIME AO, ATT_DAYTODAY AD, "
-           "MAS_ATTHEAD MA, ATT_OPTSETTINGS AT WHERE AO.ATTTRANNO = AD.ATTTRANNO AND "
-           "MA.ATTHEADID = AD.ATTHEADID AND AT.ATTHEADID = AD.ATTHEADID AND AD.ATTTRANNO = " +
-           text(lngAttTranNo);
+    return Sql()
+           << "SELECT [dbo].FnDteGetFirstDate(AD.MONTHYEAR) AS FIRSTDATE, "
+              "[dbo].FnDteGetLastDate(AD.MONTHYEAR) AS LASTDATE, [dbo].FnDteFromDate(EMPID, "
+              "EMPDETID, MONTHYEAR) AS FROMDATE, [dbo].FnDteToDate(EMPID, EMPDETID, MONTHYEAR) AS "
+              "TODATE, AD.EMPID, AD.EMPDETID, AD.ATTHEADID, AD.MONTHYEAR, MA.OT1YN, MA.OT2YN, "
+              "MA.ATTNTYPE, AO.*, AT.FULLDAYOT2, AT.SPLOTYN, AT.WHOT2YN, AT.GHOT2YN, "
+              "ISNULL(MA.CUTOFFHALFDAY,0) As HALFDAYCUTOFF  FROM ATT_OVERTIME AO, ATT_DAYTODAY AD, "
+              "MAS_ATTHEAD MA, ATT_OPTSETTINGS AT WHERE AO.ATTTRANNO = AD.ATTTRANNO AND "
+              "MA.ATTHEADID = AD.ATTHEADID AND AT.ATTHEADID = AD.ATTHEADID AND AD.ATTTRANNO = "
+           << lngAttTranNo;
 }
 
 void clsOTDetCalc::ComputeDays(Recordset& rs, const DayWriter& write) {
@@ -62,8 +61,7 @@ void clsOTDetCalc::ComputeDays(Recordset& rs, const DayWriter& write) {
     for (int d = 0; d <= last.day - first.day; ++d) {
         const DateTime date = first.plusDays(d);
         if (date < from || date > to) continue;
-        const double raw =
-            rs.Fields(std::string("OTDAY") + (d < 9 ? "0" : "") + text(d + 1)).toDouble();
+        const double raw = rs.Fields(numberedColumn("OTDAY", d + 1)).toDouble();
         figures.OT1 = raw;
         if (overtime && raw > 0) {
             if (hourly) {
@@ -106,33 +104,37 @@ void clsOTDetCalc::SpecialOvertime(Recordset& rs, DateTime dteDate, double raw, 
 }
 
 void clsOTDetCalc::WriteDays(Recordset& rs, std::string& strQuery) {
-    const std::string id = text(rs.Fields("EMPID").toInt());
-    const std::string det = text(rs.Fields("EMPDETID").toInt());
+    const std::string id = std::to_string(rs.Fields("EMPID").toInt());
+    const std::string det = std::to_string(rs.Fields("EMPDETID").toInt());
+    Sql batch;
+    batch << strQuery;
     ComputeDays(rs, [&](DateTime dteDate, const Figures& f) {
         const std::string date = FnStrIsoLiteral(dteDate);
         // With the columns' two places always: texts that differ in digits alone share a plan.
         const std::string ot1 = formatNumber(f.OT1, "0.00"), ot2 = formatNumber(f.OT2, "0.00"),
                           adj = formatNumber(f.ADJHRS, "0.00");
-        strQuery += " IF EXISTS(SELECT EMPID FROM LEV_OTDETAILS WHERE EMPID = " + id +
-                    " AND EMPDETID = " + det + " AND OTDATE = " + date +
-                    ") BEGIN UPDATE LEV_OTDETAILS SET OT1=" + ot1 + ",OT2=" + ot2 +
-                    ",ADJHRS=" + adj + "  WHERE EMPID=" + id + " AND EMPDETID=" + det +
-                    " AND OTDATE = " + date + " END  ELSE BEGIN INSERT INTO LEV_OTDETAILS VALUES(" +
-                    id + "," + det + "," + date + "," + ot1 + "," + ot2 + "," + adj + ") END";
+        batch << " IF EXISTS(SELECT EMPID FROM LEV_OTDETAILS WHERE EMPID = " << id
+              << " AND EMPDETID = " << det << " AND OTDATE = " << date
+              << ") BEGIN UPDATE LEV_OTDETAILS SET OT1=" << ot1 << ",OT2=" << ot2
+              << ",ADJHRS=" << adj << "  WHERE EMPID=" << id << " AND EMPDETID=" << det
+              << " AND OTDATE = " << date << " END  ELSE BEGIN INSERT INTO LEV_OTDETAILS VALUES("
+              << id << "," << det << "," << date << "," << ot1 << "," << ot2 << "," << adj
+              << ") END";
     });
-    if (!strQuery.empty()) session_.gConn.ExecuteAtomic(strQuery);
+    if (!batch.text().empty()) session_.gConn.ExecuteAtomic(batch);
     strQuery.clear();
 }
 
 void clsOTDetCalc::MarkMonth(Recordset& rs, bool recalcNow) {
-    session_.gConn.Execute(" UPDATE LEV_MONTHDET SET EDITMODEYN = 1 WHERE " + versionKey(rs) +
-                           " AND MONTHYEAR = " + text(rs.Fields("MONTHYEAR").toInt()) +
-                           " AND MONTHYEAR NOT IN (SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE "
-                           "TDSPORTYN = 1)");
+    session_.gConn.Execute(
+        Sql() << " UPDATE LEV_MONTHDET SET EDITMODEYN = 1 WHERE " << versionKey(rs)
+              << " AND MONTHYEAR = " << rs.Fields("MONTHYEAR").toInt()
+              << " AND MONTHYEAR NOT IN (SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE "
+                 "TDSPORTYN = 1)");
     if (!recalcNow) return;
     updateMonthDays_(rs.Fields("EMPID").toInt());
-    session_.gConn.Execute("UPDATE ATT_DAYTODAY SET EDITMODEYN=0 where ATTTRANNO= " +
-                           text(rs.Fields("ATTTRANNO").toInt()));
+    session_.gConn.Execute(Sql() << "UPDATE ATT_DAYTODAY SET EDITMODEYN=0 where ATTTRANNO= "
+                                 << rs.Fields("ATTTRANNO").toInt());
 }
 
 void clsOTDetCalc::UpdateOTDailyHourlyNew(Recordset& rs, std::string& strQuery, bool recalcNow) {
@@ -145,7 +147,7 @@ void clsOTDetCalc::UpdateOTDailyHourly(Recordset& rs, bool recalcNow) {
     Recordset details;
     details.Open("SELECT *" + days + " AND 1 = 0", session_.gConn, adOpenKeyset, adLockOptimistic);
     ComputeDays(rs, [&](DateTime dteDate, const Figures& f) {
-        session_.gConn.Execute("DELETE" + days + " AND OTDATE = '" + FnStrIsoDate(dteDate) + "'");
+        session_.gConn.Execute("DELETE" + days + " AND OTDATE = " + FnStrIsoLiteral(dteDate));
         details.AddNew();
         details.Fields("EMPID") = rs.Fields("EMPID");
         details.Fields("EMPDETID") = rs.Fields("EMPDETID");
@@ -160,19 +162,19 @@ void clsOTDetCalc::UpdateOTDailyHourly(Recordset& rs, bool recalcNow) {
 }
 
 void clsOTDetCalc::FnBlnSplOT(int32_t lngAttHeadId, DateTime dteDate, bool& blnResult) {
-    blnResult =
-        FnVarValueOrThrow(session_,
-                          "SELECT COUNT(*) FROM ATT_EXTRAOT WHERE ATTHEADID=" + text(lngAttHeadId) +
-                              " AND WEEKDATE='" + FnStrIsoDate(dteDate) + "'",
-                          0)
-            .toBool();
+    blnResult = FnVarValueOrThrow(
+                    session_,
+                    Sql() << "SELECT COUNT(*) FROM ATT_EXTRAOT WHERE ATTHEADID=" << lngAttHeadId
+                          << " AND WEEKDATE=" << FnStrIsoLiteral(dteDate),
+                    0)
+                    .toBool();
 }
 
 void clsOTDetCalc::GetLeaveDet(int64_t lngEmpId, DateTime dteDate, bool& blnFirstHalf,
                                bool& blnSecondHalf) {
-    const std::string onLeave =
-        "SELECT COUNT(EMPID) FROM LEV_DETAILS WHERE EMPID = " + text(lngEmpId) +
-        " AND LEVID <> 0 AND LEAVEDATE = '" + FnStrIsoDate(dteDate) + "'";
+    const std::string onLeave = Sql()
+                                << "SELECT COUNT(EMPID) FROM LEV_DETAILS WHERE EMPID = " << lngEmpId
+                                << " AND LEVID <> 0 AND LEAVEDATE = " << FnStrIsoLiteral(dteDate);
     blnFirstHalf = FnVarValueOrThrow(session_, onLeave + " AND FIRSTHALFYN = 1", 0).toBool();
     blnSecondHalf = FnVarValueOrThrow(session_, onLeave + " AND SECONDHALFYN = 1", 0).toBool();
 }
@@ -218,26 +220,25 @@ void clsOTDetCalc::HourlyOTDet(double dblHours, double& dblOT1, double& dblOT2, 
 }
 
 void clsOTDetCalc::PortOTDetail(int64_t lngEmpId, int64_t lngEmpDetId, int32_t lngMonthYear) {
-    const std::string id = text(lngEmpId), det = text(lngEmpDetId), month = text(lngMonthYear);
-    Recordset hours(session_.gConn,
-                    "SELECT ISNULL(OT1, 0), ISNULL(OT2, 0) FROM LEV_MONTHDET WHERE EMPID = " + id +
-                        " AND EMPDETID=" + det + " AND MONTHYEAR=" + month);
+    const std::string ofVersion = Sql() << " WHERE EMPID = " << lngEmpId
+                                        << " AND EMPDETID = " << lngEmpDetId;
+    Recordset hours(
+        session_.gConn,
+        Sql() << "SELECT ISNULL(OT1, 0), ISNULL(OT2, 0) FROM LEV_MONTHDET WHERE EMPID = "
+              << lngEmpId << " AND EMPDETID=" << lngEmpDetId << " AND MONTHYEAR=" << lngMonthYear);
     if (hours.IsEOF()) return;
-    const std::string structure =
-        text(FnVarValueOrThrow(session_,
-                               "SELECT STRUCTID FROM MAS_EMPLOYEEDET WHERE EMPID = " + id +
-                                   " AND EMPDETID = " + det,
-                               0)
-                 .toInt());
+    const int64_t structure =
+        FnVarValueOrThrow(session_, "SELECT STRUCTID FROM MAS_EMPLOYEEDET" + ofVersion, 0).toInt();
     for (size_t kind = 0; kind < 2; ++kind) {
         const std::string head = kind == 0 ? "100" : "101",
                           unit = numberText(hours.Fields(kind).toDouble());
-        Recordset ofStructure(
-            session_.gConn, "SELECT PAYTYPEYN FROM SLC_SALSTRUCTDET WHERE STRUCTID = " + structure +
-                                " AND SALHEADROWID = " + head);
+        Recordset ofStructure(session_.gConn,
+                              Sql() << "SELECT PAYTYPEYN FROM SLC_SALSTRUCTDET WHERE STRUCTID = "
+                                    << structure << " AND SALHEADROWID = " << head);
         if (ofStructure.IsEOF()) continue;
-        const std::string key = " WHERE EMPID = " + id + " AND MONTHYEAR = " + month +
-                                " AND STRUCTID = " + structure + " AND SALHEADROWID = " + head;
+        const std::string key =
+            Sql() << " WHERE EMPID = " << lngEmpId << " AND MONTHYEAR = " << lngMonthYear
+                  << " AND STRUCTID = " << structure << " AND SALHEADROWID = " << head;
         if (!Recordset(session_.gConn, "SELECT SLNO FROM SLC_COMPCALCDET" + key).IsEOF()) {
             session_.gConn.Execute("UPDATE SLC_COMPCALCDET SET UNIT = " + unit + key);
             continue;
@@ -245,16 +246,17 @@ void clsOTDetCalc::PortOTDetail(int64_t lngEmpId, int64_t lngEmpDetId, int32_t l
         const std::string column = kind == 0 ? "OT1" : "OT2";
         const std::string rate = numberText(
             FnVarValueOrThrow(session_,
-                              "SELECT TOP 1 " + column + " FROM SLC_SALARYRATE_E WHERE EMPID = " +
-                                  id + " AND EMPDETID = " + det + " AND MONTHYEAR <= " + month +
-                                  " ORDER BY MONTHYEAR DESC",
+                              Sql() << "SELECT TOP 1 " << column << " FROM SLC_SALARYRATE_E"
+                                    << ofVersion << " AND MONTHYEAR <= " << lngMonthYear
+                                    << " ORDER BY MONTHYEAR DESC",
                               0)
                 .toDouble());
         session_.gConn.Execute(
-            "INSERT INTO SLC_COMPCALCDET(SLNO, EMPID, MONTHYEAR, STRUCTID, PAYTYPEYN, "
-            "SALHEADROWID, UNIT, RATE) SELECT ISNULL(MAX(SLNO), 0) + 1, " +
-            id + ", " + month + ", " + structure + ", " + text(ofStructure.Fields(0).toInt()) +
-            ", " + head + ", " + unit + ", " + rate + " FROM SLC_COMPCALCDET");
+            Sql() << "INSERT INTO SLC_COMPCALCDET(SLNO, EMPID, MONTHYEAR, STRUCTID, PAYTYPEYN, "
+                     "SALHEADROWID, UNIT, RATE) SELECT ISNULL(MAX(SLNO), 0) + 1, "
+                  << lngEmpId << ", " << lngMonthYear << ", " << structure << ", "
+                  << ofStructure.Fields(0).toInt() << ", " << head << ", " << unit << ", " << rate
+                  << " FROM SLC_COMPCALCDET");
     }
 }
 

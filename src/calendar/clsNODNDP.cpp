@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "session/Session.h"
 #include "session/queries.h"
@@ -15,6 +16,7 @@ double daysInclusive(DateTime dteFrom, DateTime dteTo) {
     return dteTo.day - dteFrom.day + 1;
 }
 
+// As the family's older tables are asked for a date: '05/Jan/2014'.
 std::string quoted(DateTime dteDate) {
     return "'" + FnStrSqlDate(dteDate) + "'";
 }
@@ -26,8 +28,8 @@ Value clsNODNDP::FirstValue(const std::string& sql, const Value& defaultValue) {
 }
 
 double clsNODNDP::HeadSetting(const char* column, int32_t lngAttHeadId, int defaultValue) {
-    return FirstValue(std::string("SELECT ") + column +
-                          " FROM MAS_ATTHEAD WHERE ATTHEADID = " + std::to_string(lngAttHeadId),
+    return FirstValue(Sql() << "SELECT " << column
+                            << " FROM MAS_ATTHEAD WHERE ATTHEADID = " << lngAttHeadId,
                       defaultValue)
         .toDouble();
 }
@@ -152,72 +154,69 @@ void clsNODNDP::FnDblGetHoliday(int32_t lngAttHeadId, DateTime dteFrom, DateTime
         const double general = intMode != 2 && GeneralHoliday(lngAttHeadId, day) ? 1 : 0;
         const double off = std::max(weekly, general);
         if (off == 0) continue;
-        if (lngEmpId != 0 &&
-            FirstValue("Select Count(*) From ATT_DETAIL Where EMPID = " + std::to_string(lngEmpId) +
-                           " And LEVDATE = " + quoted(day),
-                       0)
-                .toBool())
+        if (lngEmpId != 0 && FirstValue(Sql() << "Select Count(*) From ATT_DETAIL Where EMPID = "
+                                              << lngEmpId << " And LEVDATE = " << quoted(day),
+                                        0)
+                                 .toBool())
             continue;
         dblResult += off;
     }
 }
 
 double clsNODNDP::WeeklyHoliday(int32_t lngAttHeadId, DateTime dteDate) {
-    const std::string head = std::to_string(lngAttHeadId);
     const Value dated = FirstValue(
-        "Select FIRSTHALFYN/2.0 + SECONDHALFYN/2.0 From ATT_WKLYROT Where ATTHEADID = " + head +
-            " And EMPID = 0 And WEEKDATE = " + quoted(dteDate),
+        Sql() << "Select FIRSTHALFYN/2.0 + SECONDHALFYN/2.0 From ATT_WKLYROT Where ATTHEADID = "
+              << lngAttHeadId << " And EMPID = 0 And WEEKDATE = " << quoted(dteDate),
         {});
     if (!dated.isNull()) return dated.toDouble();
     return FirstValue(
-               "Select FIRSTHALF/2.0 + SECONDHALF/2.0 From ATT_WEEKLY AW, MAS_PULLDOWNVALUES PD "
-               "Where PD.REFID = 16 And PD.PDLISTNAME = AW.WEEKDAYNAME And PD.PDID = " +
-                   std::to_string(dteDate.weekday()) + " And AW.ATTHEADID = " + head,
+               Sql() << "Select FIRSTHALF/2.0 + SECONDHALF/2.0 From ATT_WEEKLY AW, "
+                        "MAS_PULLDOWNVALUES PD "
+                        "Where PD.REFID = 16 And PD.PDLISTNAME = AW.WEEKDAYNAME And PD.PDID = "
+                     << dteDate.weekday() << " And AW.ATTHEADID = " << lngAttHeadId,
                0)
         .toDouble();
 }
 
 bool clsNODNDP::GeneralHoliday(int32_t lngAttHeadId, DateTime dteDate) {
-    const std::string head = std::to_string(lngAttHeadId);
     return FirstValue(
-               "Select Count(HOLIDAYID) From ATT_HOLIDAY Where (ATTHEADID Is Null Or ATTHEADID = "
-               "0 Or ATTHEADID = " +
-                   head +
-                   ") And HOLIDAYID Not In (Select HOLIDAYID From ATT_HOLEX Where ATTHEADID = " +
-                   head + ") And HOLIDAYDATE = " + quoted(dteDate),
+               Sql() << "Select Count(HOLIDAYID) From ATT_HOLIDAY Where (ATTHEADID Is Null Or "
+                        "ATTHEADID = "
+                        "0 Or ATTHEADID = "
+                     << lngAttHeadId
+                     << ") And HOLIDAYID Not In (Select HOLIDAYID From ATT_HOLEX Where ATTHEADID = "
+                     << lngAttHeadId << ") And HOLIDAYDATE = " << quoted(dteDate),
                0)
         .toBool();
 }
 
 void clsNODNDP::FnDblGetLeave(int64_t lngEmpId, int lngLevId, DateTime dteFrom, DateTime dteTo,
                               double& dblResult) {
-    dblResult = FirstValue(
-                    "Select Sum(FIRSTHALFYN)/2.0 + Sum(SECONDHALFYN)/2.0 AS NOOFLEAVE From "
-                    "ATT_DETAIL Where EMPID = " +
-                        std::to_string(lngEmpId) + " And LEVDATE Between " + quoted(dteFrom) +
-                        " And " + quoted(dteTo) + " And LEVID = " + std::to_string(lngLevId),
-                    0)
-                    .toDouble();
+    dblResult =
+        FirstValue(Sql() << "Select Sum(FIRSTHALFYN)/2.0 + Sum(SECONDHALFYN)/2.0 AS NOOFLEAVE From "
+                            "ATT_DETAIL Where EMPID = "
+                         << lngEmpId << " And LEVDATE Between " << quoted(dteFrom) << " And "
+                         << quoted(dteTo) << " And LEVID = " << lngLevId,
+                   0)
+            .toDouble();
 }
 
 void clsNODNDP::FnDblGetLeaveMnthly(int64_t lngEmpId, int64_t lngEmpDetId, int32_t lngMonthYear,
                                     int lngLevId, double& dblResult) {
     dblResult =
         FirstValue(
-            "Select LEVVALUE From ATT_MONTHLEV Where ATTSLNO = (Select Max(ATTSLNO) From "
-            "ATT_MONTH Where EMPID = " +
-                std::to_string(lngEmpId) + " And EMPDETID = " + std::to_string(lngEmpDetId) +
-                " And MONTHYEAR = " + std::to_string(lngMonthYear) +
-                ") And LEVID = " + std::to_string(lngLevId),
+            Sql() << "Select LEVVALUE From ATT_MONTHLEV Where ATTSLNO = (Select Max(ATTSLNO) From "
+                     "ATT_MONTH Where EMPID = "
+                  << lngEmpId << " And EMPDETID = " << lngEmpDetId
+                  << " And MONTHYEAR = " << lngMonthYear << ") And LEVID = " << lngLevId,
             0)
             .toDouble();
 }
 
 double clsNODNDP::FnDblAttHeadNOD(int32_t lngAttHeadId, int32_t lngMonthYear) {
-    return FirstValue(
-               "SELECT NOD FROM SLC_ATTHEADNOD WHERE ATTHEADID = " + std::to_string(lngAttHeadId) +
-                   " AND MONTHYEAR = " + std::to_string(lngMonthYear),
-               0)
+    return FirstValue(Sql() << "SELECT NOD FROM SLC_ATTHEADNOD WHERE ATTHEADID = " << lngAttHeadId
+                            << " AND MONTHYEAR = " << lngMonthYear,
+                      0)
         .toDouble();
 }
 
@@ -228,16 +227,18 @@ void clsNODNDP::SetMonthCalcDates(int32_t lngMonthYear, DateTime& dteFrom, DateT
 
 std::string clsNODNDP::FnStrGetMonthStartDate(int32_t lngMonthYear) {
     const DateTime first = parseDate("1/" + FnStrMonthYearText(lngMonthYear)).value();
-    return FnStrSqlDate(FirstValue("SELECT CALCSTARTDATE FROM MAS_MONTHYEAR WHERE MONTHYEAR = " +
-                                       std::to_string(lngMonthYear),
-                                   first)
-                            .toDate());
+    return FnStrSqlDate(
+        FirstValue(
+            Sql() << "SELECT CALCSTARTDATE FROM MAS_MONTHYEAR WHERE MONTHYEAR = " << lngMonthYear,
+            first)
+            .toDate());
 }
 
 std::string clsNODNDP::FnStrGetMonthEndDate(int32_t lngMonthYear) {
     const DateTime first = parseDate("1/" + FnStrMonthYearText(lngMonthYear)).value();
-    return FnStrSqlDate(FirstValue("SELECT CALCENDDATE FROM MAS_MONTHYEAR WHERE MONTHYEAR = " +
-                                       std::to_string(lngMonthYear),
+    return FnStrSqlDate(FirstValue(Sql()
+                                       << "SELECT CALCENDDATE FROM MAS_MONTHYEAR WHERE MONTHYEAR = "
+                                       << lngMonthYear,
                                    first.plusMonths(1).plusDays(-1))
                             .toDate());
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "session/Session.h"
 #include "session/modAttSetting.h"
@@ -120,13 +121,14 @@ void clsNODNDPCalc::CountDays(double& dblNODCalc, double& dblNOD, double& dblNDP
     GetMonthPeriod(session_, lngMonthYear, month.dteFrom, month.dteTo);
     Span span{lngEmpId, lngEmpDetId, lngAttHeadId, dteFrom, dteTo};
     if (!blnWorkingDaysOnly) {
-        auto inside = [&](const std::string& column) {
-            return "CASE WHEN " + column + " >= '" + FnStrIsoDate(span.dteFrom) + "' AND " +
-                   column + " <= '" + FnStrIsoDate(span.dteTo) + "' THEN " + column + " END";
+        const auto inside = [&](const char* column) -> Sql {
+            return Sql() << "CASE WHEN " << column << " >= " << FnStrIsoLiteral(span.dteFrom)
+                         << " AND " << column << " <= " << FnStrIsoLiteral(span.dteTo) << " THEN "
+                         << column << " END";
         };
-        Recordset rs(session_.gConn,
-                     "SELECT " + inside("SALCALCFROM") + ", " + inside("DOL") +
-                         " FROM MAS_EMPLOYEE WHERE EMPID=" + std::to_string(lngEmpId));
+        Recordset rs(session_.gConn, Sql() << "SELECT " << inside("SALCALCFROM") << ", "
+                                           << inside("DOL")
+                                           << " FROM MAS_EMPLOYEE WHERE EMPID=" << lngEmpId);
         if (!rs.IsEOF() && !rs.Fields(0).isNull()) span.dteFrom = rs.Fields(0).toDate();
         if (!rs.IsEOF() && !rs.Fields(1).isNull()) span.dteTo = rs.Fields(1).toDate();
     }
@@ -199,10 +201,9 @@ void clsNODNDPCalc::FnDblNODLimit(int64_t lngEmpId, int32_t lngMonthYear, int32_
 }
 
 double clsNODNDPCalc::FnDblAttHeadNOD(int32_t lngAttHeadId, int32_t lngMonthYear) {
-    return RuleValue(
-               "SELECT NOD FROM SLC_ATTHEADNOD WHERE ATTHEADID = " + std::to_string(lngAttHeadId) +
-                   " AND MONTHYEAR = " + std::to_string(lngMonthYear),
-               0)
+    return RuleValue(Sql() << "SELECT NOD FROM SLC_ATTHEADNOD WHERE ATTHEADID = " << lngAttHeadId
+                           << " AND MONTHYEAR = " << lngMonthYear,
+                     0)
         .toDouble();
 }
 
@@ -213,8 +214,8 @@ void clsNODNDPCalc::FnStrExplodeMonth(int32_t lngMonthYear, std::string& strResu
 void clsNODNDPCalc::FnBlnEmpExist(int64_t lngEmpId, DateTime dteDate, bool& blnResult) {
     const std::string date = FnStrIsoLiteral(dteDate);
     blnResult =
-        FirstValue("SELECT COUNT(EMPID) FROM MAS_EMPLOYEE WHERE EMPID=" + std::to_string(lngEmpId) +
-                       " AND DOJ<=" + date + " AND (DOL IS NULL OR DOL>=" + date + ")",
+        FirstValue(Sql() << "SELECT COUNT(EMPID) FROM MAS_EMPLOYEE WHERE EMPID=" << lngEmpId
+                         << " AND DOJ<=" << date << " AND (DOL IS NULL OR DOL>=" << date << ")",
                    0)
             .toBool();
 }
@@ -225,12 +226,14 @@ void clsNODNDPCalc::SetValidPeriod(int32_t lngMonthYear, int64_t lngEmpId, DateT
     const std::string start = FnStrIsoLiteral(dteFrom);
     const std::string end = FnStrIsoLiteral(dteTo);
     const std::string employee = " FROM MAS_EMPLOYEE WHERE EMPID =" + std::to_string(lngEmpId);
-    dteFrom =
-        FirstValue("SELECT DOJ" + employee + " AND DOJ>=" + start + " AND DOJ<=" + end, dteFrom)
-            .toDate();
-    dteTo =
-        FirstValue("SELECT DOL" + employee + " AND (DOL<=" + end + " AND DOL IS NOT NULL)", dteTo)
-            .toDate();
+    dteFrom = FirstValue(
+                  Sql() << "SELECT DOJ" << employee << " AND DOJ>=" << start << " AND DOJ<=" << end,
+                  dteFrom)
+                  .toDate();
+    dteTo = FirstValue(Sql() << "SELECT DOL" << employee << " AND (DOL<=" << end
+                             << " AND DOL IS NOT NULL)",
+                       dteTo)
+                .toDate();
 }
 
 void clsNODNDPCalc::FnLngMonthYear(const std::string& strDate, int32_t& lngResult) {
@@ -244,9 +247,9 @@ void clsNODNDPCalc::Update_MonthYear() {
         const auto key = static_cast<int32_t>(rs.Fields("MONTHYEAR").toInt());
         DateTime dteFrom, dteTo;
         GetMonthPeriod(session_, key, dteFrom, dteTo);
-        session_.gConn.Execute("UPDATE MAS_MONTHYEAR SET CALCSTARTDATE = '" +
-                               FnStrIsoDate(dteFrom) + "', CALCENDDATE = '" + FnStrIsoDate(dteTo) +
-                               "' WHERE MONTHYEAR = " + std::to_string(key));
+        session_.gConn.Execute(Sql()
+                               << "UPDATE MAS_MONTHYEAR SET CALCSTARTDATE = " << dteFrom
+                               << ", CALCENDDATE = " << dteTo << " WHERE MONTHYEAR = " << key);
     }
     session_.gConn.Execute(
         "INSERT INTO SLC_ATTHEADNOD SELECT ATTHEADID, MONTHYEAR, DATEDIFF(DAY, CALCSTARTDATE, "
@@ -259,10 +262,11 @@ namespace {
 
 std::string versionInForce(const char* column, int64_t lngEmpId, DateTime dteDate) {
     const std::string date = FnStrIsoLiteral(dteDate);
-    return std::string("SELECT ") + column +
-           " FROM MAS_EMPLOYEE ME, MAS_EMPLOYEEDET MT WHERE ME.EMPID=" + std::to_string(lngEmpId) +
-           " AND ME.EMPID=MT.EMPID AND EFFFROMDATE <= " + date +
-           " AND (EFFTODATE IS NULL OR EFFTODATE >= " + date + ") AND SALCALCFROM <=" + date;
+    return Sql() << "SELECT " << column
+                 << " FROM MAS_EMPLOYEE ME, MAS_EMPLOYEEDET MT WHERE ME.EMPID=" << lngEmpId
+                 << " AND ME.EMPID=MT.EMPID AND EFFFROMDATE <= " << date
+                 << " AND (EFFTODATE IS NULL OR EFFTODATE >= " << date
+                 << ") AND SALCALCFROM <=" << date;
 }
 
 }  // namespace

@@ -109,11 +109,15 @@ class clsNODNDPCalc {
         std::string strTable;
         std::string strOwner;  // condition that picks the employee's, head's or branch's rows
         bool rotating() const { return strTable == "ATT_WKLYROT"; }
+        // Condition on the rows of a weekday in a table of weeks.
+        std::string InForce(const std::string& weekday) const;
     };
 
     Value FirstValue(const std::string& sql, const Value& defaultValue = {});
     // The same for a query about rules, whose answer may be kept.
     Value RuleValue(const std::string& sql, const Value& defaultValue);
+    // " AND <column> >= '...' AND <column> <= '...'".
+    static std::string Between(const char* column, DateTime dteFrom, DateTime dteTo);
     void ReadBranchHolidayFrom();
     void LoadHead(int32_t lngAttHeadId);
     double FnDblAttHeadNOD(int32_t lngAttHeadId, int32_t lngMonthYear);

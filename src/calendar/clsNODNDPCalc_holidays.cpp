@@ -1,4 +1,7 @@
+// Holidays in the days-payable engine: the days of a span that may be off are listed by one query
+// for each kind, and only a listed day is then asked for what it counts.
 #include "calendar/clsNODNDPCalc.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "session/Session.h"
 
@@ -17,18 +20,20 @@ bool listed(const std::string& strList, DateTime dteDate) {
 
 // Holidays that count for the owner: the company's but for its exceptions, and its own.
 std::string holidaysOf(const char* column, int64_t owner) {
-    const std::string id = std::to_string(owner), name = column;
-    return " FROM ATT_HOLIDAY AH WHERE (" + name + " IS NULL OR " + name + " = 0 OR " + name +
-           " = " + id + ") AND (HOLIDAYID NOT IN (SELECT HOLIDAYID FROM ATT_HOLEX WHERE (" + name +
-           " = " + id + ") AND (HOLIDAYID = AH.HOLIDAYID)))";
-}
-
-std::string between(const std::string& column, DateTime dteFrom, DateTime dteTo) {
-    return " AND " + column + " >= '" + FnStrIsoDate(dteFrom) + "' AND " + column + " <= '" +
-           FnStrIsoDate(dteTo) + "'";
+    const std::string ofOwner = Sql() << column << " = " << owner;
+    return Sql() << " FROM ATT_HOLIDAY AH WHERE (" << column << " IS NULL OR " << column
+                 << " = 0 OR " << ofOwner
+                 << ") AND (HOLIDAYID NOT IN (SELECT HOLIDAYID FROM ATT_HOLEX WHERE (" << ofOwner
+                 << ") AND (HOLIDAYID = AH.HOLIDAYID)))";
 }
 
 }  // namespace
+
+// The ends of a span may be a version's dates or an employee's, which other programs write.
+std::string clsNODNDPCalc::Between(const char* column, DateTime dteFrom, DateTime dteTo) {
+    return Sql() << " AND " << column << " >= " << FnStrIsoLiteral(dteFrom) << " AND " << column
+                 << " <= " << FnStrIsoLiteral(dteTo);
+}
 
 double clsNODNDPCalc::HolidaysOf(const Span& span, int intMode) {
     if (intMode == 0) return 0;
@@ -95,12 +100,11 @@ void clsNODNDPCalc::ListHoliday(int64_t lngEmpId, int32_t lngAttHeadId, DateTime
         FnIntAttHeadID(lngEmpId, dteFrom, head);
         lngAttHeadId = static_cast<int32_t>(head);
     }
-    strList += RuleValue(
-                   "DECLARE @tmp AS varchar(MAX) SET @tmp ='' SELECT @tmp=@tmp+',' "
-                   "+CAST(DAY(HOLIDAYDATE) AS VARCHAR(2))" +
-                       holidaysOf("ATTHEADID", lngAttHeadId) +
-                       between("HOLIDAYDATE", dteFrom, dteTo) + " SELECT @tmp ",
-                   "")
+    strList += RuleValue(Sql() << "DECLARE @tmp AS varchar(MAX) SET @tmp ='' SELECT @tmp=@tmp+',' "
+                                  "+CAST(DAY(HOLIDAYDATE) AS VARCHAR(2))"
+                               << holidaysOf("ATTHEADID", lngAttHeadId)
+                               << Between("HOLIDAYDATE", dteFrom, dteTo) << " SELECT @tmp ",
+                         "")
                    .toText();
 }
 
@@ -117,7 +121,7 @@ void clsNODNDPCalc::FnBlnGenHoliday(int32_t lngAttHeadId, DateTime dteDate, int6
         FnIntAttHeadID(lngEmpId, dteDate, head);
         lngAttHeadId = static_cast<int32_t>(head);
     }
-    const std::string onDate = "HOLIDAYDATE = '" + FnStrIsoDate(dteDate) + "'";
+    const std::string onDate = "HOLIDAYDATE = " + FnStrIsoLiteral(dteDate);
     blnResult = RuleValue("SELECT COUNT(HOLIDAYID) FROM ATT_HOLIDAY WHERE " + onDate, 0).toBool();
     if (!blnResult) return;  // most days are nobody's holiday
     ReadBranchHolidayFrom();
@@ -136,24 +140,24 @@ void clsNODNDPCalc::FnBlnGenHoliday(int32_t lngAttHeadId, DateTime dteDate, int6
 int32_t clsNODNDPCalc::MonthOfDate(DateTime dteDate) {
     const std::string date = FnStrIsoLiteral(dteDate);
     return static_cast<int32_t>(
-        RuleValue("SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE CALCSTARTDATE <= " + date +
-                      " AND CALCENDDATE >= " + date,
+        RuleValue(Sql() << "SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE CALCSTARTDATE <= " << date
+                        << " AND CALCENDDATE >= " << date,
                   FnLngMonthYearOfDate(dteDate))
             .toInt());
 }
 
 clsNODNDPCalc::WeeklySource clsNODNDPCalc::WeeklySourceOf(int64_t lngEmpId, int32_t lngAttHeadId,
                                                           DateTime dteDate, int32_t lngMonthYear) {
-    const std::string head = std::to_string(lngAttHeadId), key = std::to_string(lngMonthYear);
+    const std::string head = std::to_string(lngAttHeadId);
     if (session_.gOpt.ROTWHYN && lngEmpId != 0) {
         for (const std::string& owner :
              {"EMPID = " + std::to_string(lngEmpId), "ATTHEADID = " + head + " AND EMPID = 0",
               std::string("ATTHEADID = 0 AND EMPID = 0")}) {
-            if (RuleValue("SELECT COUNT(*) FROM ATT_WKLYROT WHERE WEEKDATE BETWEEN "
-                          "[dbo].FnDteGetFirstDate(" +
-                              key + ") AND [dbo].FnDteGetLastDate(" + key +
-                              ") AND (ISNULL(FIRSTHALFYN,0) + ISNULL(SECONDHALFYN,0))>0 AND " +
-                              owner,
+            if (RuleValue(Sql() << "SELECT COUNT(*) FROM ATT_WKLYROT WHERE WEEKDATE BETWEEN "
+                                   "[dbo].FnDteGetFirstDate("
+                                << lngMonthYear << ") AND [dbo].FnDteGetLastDate(" << lngMonthYear
+                                << ") AND (ISNULL(FIRSTHALFYN,0) + ISNULL(SECONDHALFYN,0))>0 AND "
+                                << owner,
                           0)
                     .toBool())
                 return {lngMonthYear, "ATT_WKLYROT", owner};
@@ -161,8 +165,8 @@ clsNODNDPCalc::WeeklySource clsNODNDPCalc::WeeklySourceOf(int64_t lngEmpId, int3
         double branch = 0;
         FnIntBranchID(lngEmpId, dteDate, branch);
         const std::string owner = "BRANCHID=" + std::to_string(static_cast<int64_t>(branch));
-        if (RuleValue("select COUNT(WHID) from LEV_WEEKLYHLDBRANCH WHERE EFFFROM <= " + key +
-                          " AND " + owner,
+        if (RuleValue(Sql() << "select COUNT(WHID) from LEV_WEEKLYHLDBRANCH WHERE EFFFROM <= "
+                            << lngMonthYear << " AND " << owner,
                       0)
                 .toBool())
             return {lngMonthYear, "LEV_WEEKLYHLDBRANCH", owner};
@@ -170,29 +174,34 @@ clsNODNDPCalc::WeeklySource clsNODNDPCalc::WeeklySourceOf(int64_t lngEmpId, int3
     return {lngMonthYear, "LEV_WEEKLYHLD", "ATTHEADID =" + head};
 }
 
+// Of a weekday's versions, the one in force in the month.
+std::string clsNODNDPCalc::WeeklySource::InForce(const std::string& weekday) const {
+    return Sql() << " AND EFFFROM=(SELECT MAX(EFFFROM) FROM " << strTable
+                 << " WHERE WEEKID = " << weekday << " AND " << strOwner
+                 << " AND EFFFROM <= " << lngMonthYear << ")";
+}
+
 // ",<day>" for each day of the span on which some half is off.
 std::string clsNODNDPCalc::ListWeekly(const WeeklySource& source, DateTime dteFrom,
                                       DateTime dteTo) {
     if (source.rotating())
-        return RuleValue(
-                   "DECLARE @tmp AS varchar(MAX) SET @tmp ='' SELECT @tmp=@tmp+',' "
-                   "+CAST(DAY(WEEKDATE) AS VARCHAR(2)) FROM ATT_WKLYROT WHERE " +
-                       source.strOwner + " AND (ISNULL(FIRSTHALFYN,0) + ISNULL(SECONDHALFYN,0))>0" +
-                       between("WEEKDATE", dteFrom, dteTo) + " SELECT @tmp ",
-                   "")
+        return RuleValue(Sql() << "DECLARE @tmp AS varchar(MAX) SET @tmp ='' SELECT @tmp=@tmp+',' "
+                                  "+CAST(DAY(WEEKDATE) AS VARCHAR(2)) FROM ATT_WKLYROT WHERE "
+                               << source.strOwner
+                               << " AND (ISNULL(FIRSTHALFYN,0) + ISNULL(SECONDHALFYN,0))>0"
+                               << Between("WEEKDATE", dteFrom, dteTo) << " SELECT @tmp ",
+                         "")
             .toText();
 
     // A code is weekday * 10 + week, with week 0 where the weekday is not off in that week.
-    std::string codes;
-    for (const std::string week : {"1", "2", "3", "4", "5"})
-        codes += "+','+CAST(WEEKID*10+CASE WHEN FH" + week + "YN = 1 OR SH" + week +
-                 "YN = 1 THEN " + week + " ELSE 0 END AS VARCHAR(2))";
+    Sql codes;
+    for (int week = 1; week <= 5; ++week)
+        codes << "+','+CAST(WEEKID*10+CASE WHEN FH" << week << "YN = 1 OR SH" << week
+              << "YN = 1 THEN " << week << " ELSE 0 END AS VARCHAR(2))";
     const std::string strCodes =
-        RuleValue("DECLARE @tmp AS varchar(MAX) SET @tmp ='0' SELECT @tmp=@tmp" + codes + " FROM " +
-                      source.strTable + " WH WHERE " + source.strOwner +
-                      " AND EFFFROM=(SELECT MAX(EFFFROM) FROM " + source.strTable +
-                      " WHERE WEEKID = WH.WEEKID AND " + source.strOwner +
-                      " AND EFFFROM <= " + std::to_string(source.lngMonthYear) + ") SELECT @tmp ",
+        RuleValue(Sql() << "DECLARE @tmp AS varchar(MAX) SET @tmp ='0' SELECT @tmp=@tmp" << codes
+                        << " FROM " << source.strTable << " WH WHERE " << source.strOwner
+                        << source.InForce("WH.WEEKID") << " SELECT @tmp ",
                   "0")
             .toText();
     std::string result;
@@ -207,21 +216,19 @@ double clsNODNDPCalc::WeeklyValue(const WeeklySource& source, DateTime dteDate, 
                                   bool& blnSecondHalf) {
     std::string first = "FIRSTHALFYN", second = "SECONDHALFYN", rest;
     if (source.rotating()) {
-        rest = " FROM ATT_WKLYROT WHERE WEEKDATE='" + FnStrIsoDate(dteDate) + "' AND " +
-               source.strOwner;
+        rest = Sql() << " FROM ATT_WKLYROT WHERE WEEKDATE=" << FnStrIsoLiteral(dteDate) << " AND "
+                     << source.strOwner;
     } else {
         const std::string week = std::to_string(weekOfMonth(dteDate));
         const std::string day = std::to_string(dteDate.weekday());
         first = "FH" + week + "YN";
         second = "SH" + week + "YN";
-        rest = " FROM " + source.strTable + " WHERE " + source.strOwner + " AND WEEKID=" + day +
-               " AND EFFFROM=(SELECT MAX(EFFFROM) FROM " + source.strTable +
-               " WHERE WEEKID = " + day + " AND " + source.strOwner +
-               " AND EFFFROM <= " + std::to_string(source.lngMonthYear) + ")";
+        rest = Sql() << " FROM " << source.strTable << " WHERE " << source.strOwner
+                     << " AND WEEKID=" << day << source.InForce(day);
     }
-    const int64_t halves = RuleValue("SELECT CASE WHEN ISNULL(" + first +
-                                         ",0) <> 0 THEN 2 ELSE 0 END + CASE WHEN ISNULL(" + second +
-                                         ",0) <> 0 THEN 1 ELSE 0 END" + rest,
+    const int64_t halves = RuleValue(Sql() << "SELECT CASE WHEN ISNULL(" << first
+                                           << ",0) <> 0 THEN 2 ELSE 0 END + CASE WHEN ISNULL("
+                                           << second << ",0) <> 0 THEN 1 ELSE 0 END" << rest,
                                      0)
                                .toInt();
     blnFirstHalf = halves >= 2;

@@ -1,8 +1,11 @@
+// Leave in the days-payable engine: what was taken in a span, and what is given back where leave
+// fell on a holiday.
 #include <algorithm>
 #include <array>
 
 #include "calendar/clsNODNDPCalc.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "session/Session.h"
 #include "session/months.h"
@@ -18,17 +21,13 @@ constexpr const char* kDays =
     "ELSE 1 END))/ 2 ELSE LEVMONTHLY END";
 
 std::string ofVersions(int32_t intAttHeadId) {
-    return intAttHeadId == 0 ? ""
-                             : " AND EXISTS (SELECT * FROM MAS_EMPLOYEEDET ME WHERE ME.EMPID = "
-                               "LD.EMPID AND ME.EMPDETID = LD.EMPDETID AND ME.ATTHEADID = " +
-                                   std::to_string(intAttHeadId) + ")";
+    if (intAttHeadId == 0) return "";
+    return Sql() << " AND EXISTS (SELECT * FROM MAS_EMPLOYEEDET ME WHERE ME.EMPID = "
+                    "LD.EMPID AND ME.EMPDETID = LD.EMPDETID AND ME.ATTHEADID = "
+                 << intAttHeadId << ")";
 }
 std::string ofHead(int32_t intAttHeadId) {
     return intAttHeadId == 0 ? "" : " AND ATTHEADID = " + std::to_string(intAttHeadId);
-}
-std::string between(const char* column, DateTime dteFrom, DateTime dteTo) {
-    return std::string(" AND ") + column + " >= '" + FnStrIsoDate(dteFrom) + "' AND " + column +
-           " <= '" + FnStrIsoDate(dteTo) + "'";
 }
 
 }  // namespace
@@ -70,13 +69,13 @@ std::map<int, double> clsNODNDPCalc::TakenByLeave(const Span& span) {
     const std::string emp = " WHERE EMPID = " + std::to_string(span.lngEmpId);
     std::map<int, double> taken;
     for (Recordset rs(session_.gConn,
-                      std::string("SELECT LEVID, SUM(TAKEN) FROM (SELECT LEVID, TAKEN FROM "
-                                  "LEV_ADJUSTMENT") +
-                          emp + ofHead(span.lngAttHeadId) +
-                          between("ASONDATE", span.dteFrom, dteTo) + " UNION ALL SELECT LEVID, " +
-                          kDays + " FROM LEV_DETAILS LD" + emp +
-                          between("LEAVEDATE", span.dteFrom, dteTo) +
-                          ofVersions(span.lngAttHeadId) + ") T GROUP BY LEVID");
+                      Sql() << "SELECT LEVID, SUM(TAKEN) FROM (SELECT LEVID, TAKEN FROM "
+                               "LEV_ADJUSTMENT"
+                            << emp << ofHead(span.lngAttHeadId)
+                            << Between("ASONDATE", span.dteFrom, dteTo)
+                            << " UNION ALL SELECT LEVID, " << kDays << " FROM LEV_DETAILS LD" << emp
+                            << Between("LEAVEDATE", span.dteFrom, dteTo)
+                            << ofVersions(span.lngAttHeadId) << ") T GROUP BY LEVID");
          !rs.IsEOF(); rs.MoveNext())
         taken[static_cast<int>(rs.Fields(0).toInt())] = rs.Fields(1).toDouble();
     return taken;
@@ -88,10 +87,10 @@ DateTime clsNODNDPCalc::LastDayTaken(int64_t lngEmpId, DateTime dteTo) {
     const std::string to = FnStrIsoLiteral(dteTo);
     DateTime monthStart, monthEnd;
     GetMonthPeriod(session_, MonthOfDate(dteTo), monthStart, monthEnd);
-    dteTo = FirstValue("SELECT ISNULL(EFFTODATE," + to +
-                           ") FROM MAS_EMPLOYEEDET  WHERE EFFFROMDATE <= " + to +
-                           " AND ISNULL(EFFTODATE,'2099/12/31')  >= " + to +
-                           "  AND EMPID = " + std::to_string(lngEmpId),
+    dteTo = FirstValue(Sql() << "SELECT ISNULL(EFFTODATE," << to
+                             << ") FROM MAS_EMPLOYEEDET  WHERE EFFFROMDATE <= " << to
+                             << " AND ISNULL(EFFTODATE,'2099/12/31')  >= " << to
+                             << "  AND EMPID = " << lngEmpId,
                        dteTo)
                 .toDate();
     return std::min(dteTo, monthEnd);
@@ -101,14 +100,14 @@ void clsNODNDPCalc::FnDblLeaveAvailed(int64_t lngEmpId, int lngLevId, DateTime d
                                       DateTime dteTo, int32_t intAttHeadId, bool blnWithAdjustment,
                                       double& dblResult) {
     dteTo = LastDayTaken(lngEmpId, dteTo);
-    const std::string of =
-        " WHERE EMPID = " + std::to_string(lngEmpId) + " AND LEVID = " + std::to_string(lngLevId);
-    std::string sql = "SELECT ";
+    const std::string of = Sql() << " WHERE EMPID = " << lngEmpId << " AND LEVID = " << lngLevId;
+    Sql sql;
+    sql << "SELECT ";
     if (blnWithAdjustment)
-        sql += "ISNULL((SELECT SUM(TAKEN) FROM LEV_ADJUSTMENT" + of + ofHead(intAttHeadId) +
-               between("ASONDATE", dteFrom, dteTo) + "), 0) + ";
-    sql += std::string("ISNULL((SELECT SUM(") + kDays + ") FROM LEV_DETAILS LD" + of +
-           between("LEAVEDATE", dteFrom, dteTo) + ofVersions(intAttHeadId) + "), 0)";
+        sql << "ISNULL((SELECT SUM(TAKEN) FROM LEV_ADJUSTMENT" << of << ofHead(intAttHeadId)
+            << Between("ASONDATE", dteFrom, dteTo) << "), 0) + ";
+    sql << "ISNULL((SELECT SUM(" << kDays << ") FROM LEV_DETAILS LD" << of
+        << Between("LEAVEDATE", dteFrom, dteTo) << ofVersions(intAttHeadId) << "), 0)";
     dblResult = FirstValue(sql, 0).toDouble();
 }
 
@@ -120,11 +119,11 @@ void clsNODNDPCalc::AddBackLeaveOnHolidays(const Span& span, int intBasis, doubl
     const bool blnHolPriority = session_.gOpt.HOLPRIORITY;
     Recordset rs(
         session_.gConn,
-        "SELECT * FROM  LEV_DETAILS DET,ATT_DEFINITION DEF WHERE DET.LEVID = DEF.LEVID AND "
-        "LEAVEYN = 1 AND EMPID = " +
-            std::to_string(span.lngEmpId) + " AND EMPDETID = " + std::to_string(span.lngEmpDetId) +
-            " AND LEAVEDATE BETWEEN  '" + FnStrIsoDate(span.dteFrom) + "' AND '" +
-            FnStrIsoDate(span.dteTo) + "'");
+        Sql()
+            << "SELECT * FROM  LEV_DETAILS DET,ATT_DEFINITION DEF WHERE DET.LEVID = DEF.LEVID AND "
+               "LEAVEYN = 1 AND EMPID = "
+            << span.lngEmpId << " AND EMPDETID = " << span.lngEmpDetId << " AND LEAVEDATE BETWEEN  "
+            << FnStrIsoLiteral(span.dteFrom) << " AND " << FnStrIsoLiteral(span.dteTo));
     for (; !rs.IsEOF(); rs.MoveNext()) {
         const int64_t lngLevId = rs.Fields("LEVID").toInt();
         if (lngLevId <= 3 && lngLevId != 1) continue;
