@@ -129,8 +129,7 @@ void clsOTDetCalc::MarkMonth(Recordset& rs, bool recalcNow) {
     session_.gConn.Execute(
         Sql() << " UPDATE LEV_MONTHDET SET EDITMODEYN = 1 WHERE " << versionKey(rs)
               << " AND MONTHYEAR = " << rs.Fields("MONTHYEAR").toInt()
-              << " AND MONTHYEAR NOT IN (SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE "
-                 "TDSPORTYN = 1)");
+              << " AND MONTHYEAR NOT IN (SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE TDSPORTYN = 1)");
     if (!recalcNow) return;
     updateMonthDays_(rs.Fields("EMPID").toInt());
     session_.gConn.Execute(Sql() << "UPDATE ATT_DAYTODAY SET EDITMODEYN=0 where ATTTRANNO= "

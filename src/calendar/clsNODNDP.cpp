@@ -169,20 +169,18 @@ double clsNODNDP::WeeklyHoliday(int32_t lngAttHeadId, DateTime dteDate) {
               << lngAttHeadId << " And EMPID = 0 And WEEKDATE = " << quoted(dteDate),
         {});
     if (!dated.isNull()) return dated.toDouble();
-    return FirstValue(
-               Sql() << "Select FIRSTHALF/2.0 + SECONDHALF/2.0 From ATT_WEEKLY AW, "
-                        "MAS_PULLDOWNVALUES PD "
-                        "Where PD.REFID = 16 And PD.PDLISTNAME = AW.WEEKDAYNAME And PD.PDID = "
-                     << dteDate.weekday() << " And AW.ATTHEADID = " << lngAttHeadId,
-               0)
+    return FirstValue(Sql() << "Select FIRSTHALF/2.0 + SECONDHALF/2.0 From ATT_WEEKLY AW, "
+                               "MAS_PULLDOWNVALUES PD Where PD.REFID = 16 And PD.PDLISTNAME = "
+                               "AW.WEEKDAYNAME And PD.PDID = "
+                            << dteDate.weekday() << " And AW.ATTHEADID = " << lngAttHeadId,
+                      0)
         .toDouble();
 }
 
 bool clsNODNDP::GeneralHoliday(int32_t lngAttHeadId, DateTime dteDate) {
     return FirstValue(
                Sql() << "Select Count(HOLIDAYID) From ATT_HOLIDAY Where (ATTHEADID Is Null Or "
-                        "ATTHEADID = "
-                        "0 Or ATTHEADID = "
+                        "ATTHEADID = 0 Or ATTHEADID = "
                      << lngAttHeadId
                      << ") And HOLIDAYID Not In (Select HOLIDAYID From ATT_HOLEX Where ATTHEADID = "
                      << lngAttHeadId << ") And HOLIDAYDATE = " << quoted(dteDate),
@@ -192,24 +190,22 @@ bool clsNODNDP::GeneralHoliday(int32_t lngAttHeadId, DateTime dteDate) {
 
 void clsNODNDP::FnDblGetLeave(int64_t lngEmpId, int lngLevId, DateTime dteFrom, DateTime dteTo,
                               double& dblResult) {
-    dblResult =
-        FirstValue(Sql() << "Select Sum(FIRSTHALFYN)/2.0 + Sum(SECONDHALFYN)/2.0 AS NOOFLEAVE From "
-                            "ATT_DETAIL Where EMPID = "
-                         << lngEmpId << " And LEVDATE Between " << quoted(dteFrom) << " And "
-                         << quoted(dteTo) << " And LEVID = " << lngLevId,
-                   0)
-            .toDouble();
+    dblResult = FirstValue(Sql() << "Select Sum(FIRSTHALFYN)/2.0 + Sum(SECONDHALFYN)/2.0 AS "
+                                    "NOOFLEAVE From ATT_DETAIL Where EMPID = "
+                                 << lngEmpId << " And LEVDATE Between " << quoted(dteFrom)
+                                 << " And " << quoted(dteTo) << " And LEVID = " << lngLevId,
+                           0)
+                    .toDouble();
 }
 
 void clsNODNDP::FnDblGetLeaveMnthly(int64_t lngEmpId, int64_t lngEmpDetId, int32_t lngMonthYear,
                                     int lngLevId, double& dblResult) {
     dblResult =
-        FirstValue(
-            Sql() << "Select LEVVALUE From ATT_MONTHLEV Where ATTSLNO = (Select Max(ATTSLNO) From "
-                     "ATT_MONTH Where EMPID = "
-                  << lngEmpId << " And EMPDETID = " << lngEmpDetId
-                  << " And MONTHYEAR = " << lngMonthYear << ") And LEVID = " << lngLevId,
-            0)
+        FirstValue(Sql() << "Select LEVVALUE From ATT_MONTHLEV Where ATTSLNO = (Select "
+                            "Max(ATTSLNO) From ATT_MONTH Where EMPID = "
+                         << lngEmpId << " And EMPDETID = " << lngEmpDetId
+                         << " And MONTHYEAR = " << lngMonthYear << ") And LEVID = " << lngLevId,
+                   0)
             .toDouble();
 }
 

@@ -22,8 +22,8 @@ constexpr const char* kDays =
 
 std::string ofVersions(int32_t intAttHeadId) {
     if (intAttHeadId == 0) return "";
-    return Sql() << " AND EXISTS (SELECT * FROM MAS_EMPLOYEEDET ME WHERE ME.EMPID = "
-                    "LD.EMPID AND ME.EMPDETID = LD.EMPDETID AND ME.ATTHEADID = "
+    return Sql() << " AND EXISTS (SELECT * FROM MAS_EMPLOYEEDET ME WHERE ME.EMPID = LD.EMPID AND "
+                    "ME.EMPDETID = LD.EMPDETID AND ME.ATTHEADID = "
                  << intAttHeadId << ")";
 }
 std::string ofHead(int32_t intAttHeadId) {
@@ -68,14 +68,13 @@ std::map<int, double> clsNODNDPCalc::TakenByLeave(const Span& span) {
     const DateTime dteTo = LastDayTaken(span.lngEmpId, span.dteTo);
     const std::string emp = " WHERE EMPID = " + std::to_string(span.lngEmpId);
     std::map<int, double> taken;
-    for (Recordset rs(session_.gConn,
-                      Sql() << "SELECT LEVID, SUM(TAKEN) FROM (SELECT LEVID, TAKEN FROM "
-                               "LEV_ADJUSTMENT"
-                            << emp << ofHead(span.lngAttHeadId)
-                            << Between("ASONDATE", span.dteFrom, dteTo)
-                            << " UNION ALL SELECT LEVID, " << kDays << " FROM LEV_DETAILS LD" << emp
-                            << Between("LEAVEDATE", span.dteFrom, dteTo)
-                            << ofVersions(span.lngAttHeadId) << ") T GROUP BY LEVID");
+    for (Recordset rs(
+             session_.gConn,
+             Sql() << "SELECT LEVID, SUM(TAKEN) FROM (SELECT LEVID, TAKEN FROM LEV_ADJUSTMENT"
+                   << emp << ofHead(span.lngAttHeadId) << Between("ASONDATE", span.dteFrom, dteTo)
+                   << " UNION ALL SELECT LEVID, " << kDays << " FROM LEV_DETAILS LD" << emp
+                   << Between("LEAVEDATE", span.dteFrom, dteTo) << ofVersions(span.lngAttHeadId)
+                   << ") T GROUP BY LEVID");
          !rs.IsEOF(); rs.MoveNext())
         taken[static_cast<int>(rs.Fields(0).toInt())] = rs.Fields(1).toDouble();
     return taken;
@@ -117,13 +116,12 @@ void clsNODNDPCalc::AddBackLeaveOnHolidays(const Span& span, int intBasis, doubl
                                            double& dblNDP) {
     if (intBasis < 1 || intBasis > 6) return;
     const bool blnHolPriority = session_.gOpt.HOLPRIORITY;
-    Recordset rs(
-        session_.gConn,
-        Sql()
-            << "SELECT * FROM  LEV_DETAILS DET,ATT_DEFINITION DEF WHERE DET.LEVID = DEF.LEVID AND "
-               "LEAVEYN = 1 AND EMPID = "
-            << span.lngEmpId << " AND EMPDETID = " << span.lngEmpDetId << " AND LEAVEDATE BETWEEN  "
-            << FnStrIsoLiteral(span.dteFrom) << " AND " << FnStrIsoLiteral(span.dteTo));
+    Recordset rs(session_.gConn, Sql()
+                                     << "SELECT * FROM  LEV_DETAILS DET,ATT_DEFINITION DEF WHERE "
+                                        "DET.LEVID = DEF.LEVID AND LEAVEYN = 1 AND EMPID = "
+                                     << span.lngEmpId << " AND EMPDETID = " << span.lngEmpDetId
+                                     << " AND LEAVEDATE BETWEEN  " << FnStrIsoLiteral(span.dteFrom)
+                                     << " AND " << FnStrIsoLiteral(span.dteTo));
     for (; !rs.IsEOF(); rs.MoveNext()) {
         const int64_t lngLevId = rs.Fields("LEVID").toInt();
         if (lngLevId <= 3 && lngLevId != 1) continue;

@@ -62,8 +62,8 @@ double LeaveChain::Closing(const AllotRow& row, const LeaveSettingsRecord& setti
     Recordset rs(
         session_.gConn,
         Sql()
-            << "SELECT T.*, [dbo].FnDblRndOff(T.ALLOTTED + T.BROUGHT + T.ADJUSTED - (T.ENCASHED "
-               "+ T.AVAILED), "
+            << "SELECT T.*, [dbo].FnDblRndOff(T.ALLOTTED + T.BROUGHT + T.ADJUSTED - (T.ENCASHED + "
+               "T.AVAILED), "
             << settings.RNDTYPE
             << ") FROM (SELECT ISNULL(LA.ALLOTLEV, 0) AS ALLOTTED, ISNULL(LA.COLEV, 0) AS BROUGHT, "
             << slice_sql::adjusted("LA", std::to_string(row.lngPrevMonthYear)) << " AS ADJUSTED, "

@@ -116,12 +116,11 @@ void LeaveCalc::GetServiceDays(const Task& task, double& dblPeriodDays, double& 
                        << " AND ALLOTFROM >= " << FnStrIsoLiteral(from),
                  from);
     const std::string withSettings =
-        Sql()
-        << " FROM LEV_ALLOTMENT A,LEV_SETTINGS B Where A.LEVID = b.LEVID And A.ATTHEADID = "
-           "b.ATTHEADID  AND b.MONTHYEAR =(SELECT MAX(Monthyear) FROM LEV_SETTINGS WHERE "
-           "levid=b.levid AND attheadid=b.attheadid AND Monthyear<= dbo.FnLngMonthYear(A.ALLOTFROM,"
-           "a.ALLOTTO))  And A.LEVID = "
-        << row.intLevId << " And A.EMPID = " << row.lngEmpId;
+        Sql() << " FROM LEV_ALLOTMENT A,LEV_SETTINGS B Where A.LEVID = b.LEVID And A.ATTHEADID = "
+                 "b.ATTHEADID  AND b.MONTHYEAR =(SELECT MAX(Monthyear) FROM LEV_SETTINGS WHERE "
+                 "levid=b.levid AND attheadid=b.attheadid AND Monthyear<= "
+                 "dbo.FnLngMonthYear(A.ALLOTFROM,a.ALLOTTO))  And A.LEVID = "
+              << row.intLevId << " And A.EMPID = " << row.lngEmpId;
     from = readDate(Sql() << "SELECT MIN(ALLOTFROM)" << withSettings << "  And A.EMPDETID = "
                           << row.lngEmpDetId << " AND A.ALLOTFROM >= " << FnStrIsoLiteral(from)
                           << " AND MONTHYEAR=" << task.settings.MONTHYEAR,

@@ -101,12 +101,12 @@ void UpdateMonthRow(Session& session, Recordset& rs) {
         // Hours after the day of leaving stay in the table and do not count.
         const DateTime last =
             rs.Fields("DOL").isNull() ? to : std::min(to, rs.Fields("DOL").toDate());
-        Recordset sums(
-            session.gConn,
-            Sql() << "SELECT SUM(OT1) AS VALUE01, SUM(OT2) AS VALUE02, SUM(ADJHRS) AS VALUE03 "
-                     "FROM LEV_OTDETAILS WHERE EMPID = "
-                  << employee << " AND EMPDETID = " << det << " AND OTDATE >= "
-                  << FnStrIsoLiteral(from) << " AND OTDATE <= " << FnStrIsoLiteral(last));
+        Recordset sums(session.gConn,
+                       Sql() << "SELECT SUM(OT1) AS VALUE01, SUM(OT2) AS VALUE02, SUM(ADJHRS) AS "
+                                "VALUE03 FROM LEV_OTDETAILS WHERE EMPID = "
+                             << employee << " AND EMPDETID = " << det
+                             << " AND OTDATE >= " << FnStrIsoLiteral(from)
+                             << " AND OTDATE <= " << FnStrIsoLiteral(last));
         overtime = ",OT1=" + numberText(sums.Fields("VALUE01").toDouble()) +
                    ",OT2=" + numberText(sums.Fields("VALUE02").toDouble()) +
                    ",ADJHRS=" + numberText(sums.Fields("VALUE03").toDouble());

@@ -68,12 +68,11 @@ std::string writeDefault(const WorkTable& table, Recordset& group, int day,
     Sql batch;
     batch << " DELETE FROM LEV_DETAILS WHERE  LEAVEDATE = " << date << " AND" << employees;
     if (absent)
-        batch
-            << " INSERT INTO LEV_DETAILS "
-               "(empid,EMPDETID,LEVID,LEAVEDATE,FIRSTHALFYN,SECONDHALFYN,LEVMONTHLY,REASON) SELECT "
-               "EMPID,EMPDETID,1,CURRENTDATE,1,1,NULL,Null"
-            << rows << " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE (" << date
-            << " BETWEEN allotfrom AND ALLOTTO OR allotfrom >= " << date << ") AND" << employees;
+        batch << " INSERT INTO LEV_DETAILS "
+                 "(empid,EMPDETID,LEVID,LEAVEDATE,FIRSTHALFYN,SECONDHALFYN,LEVMONTHLY,REASON) "
+                 "SELECT EMPID,EMPDETID,1,CURRENTDATE,1,1,NULL,Null"
+              << rows << " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE (" << date
+              << " BETWEEN allotfrom AND ALLOTTO OR allotfrom >= " << date << ") AND" << employees;
     return batch << " UPDATE ATT_OVERTIME SET " << numberedColumn("OTDAY", day) << " = " << value
                  << registers << " UPDATE ATT_DAYTODAY SET " << numberedColumn("DAY", day) << " = "
                  << literal(status) << ", EDITMODEYN = 1" << registers;
@@ -89,11 +88,11 @@ std::string rewriteDay(const WorkTable& table, int day) {
     const std::string within =
         date + " BETWEEN  ISNULL(FROMDATE, FIRSTDATE)   AND  ISNULL(TODATE,LASTDATE)  ";
     const std::string byDefault = "CASE WHEN ATTNTYPE = 2 THEN 'P' ELSE '' END";
-    const std::string status =
-        Sql() << "CASE WHEN EXISTS (SELECT * FROM LEV_DETAILS LD WHERE LD.EMPID = TL.EMPID AND "
-                 "LD.LEAVEDATE = TL."
-              << date << ") THEN REPLACE([dbo].FnStrLeaveStatus(EMPID, " << date << ", "
-              << byDefault << "), '(1/2)', '½') ELSE " << byDefault << " END";
+    const std::string status = Sql() << "CASE WHEN EXISTS (SELECT * FROM LEV_DETAILS LD WHERE "
+                                        "LD.EMPID = TL.EMPID AND LD.LEAVEDATE = TL."
+                                     << date << ") THEN REPLACE([dbo].FnStrLeaveStatus(EMPID, "
+                                     << date << ", " << byDefault << "), '(1/2)', '½') ELSE "
+                                     << byDefault << " END";
     return Sql()
            << "UPDATE ATT_DAYTODAY SET " << cell << "=CASE WHEN " << within << " THEN (CASE WHEN "
            << hours << " <> 0 THEN CAST(CAST(" << kept
