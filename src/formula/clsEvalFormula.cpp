@@ -3,6 +3,7 @@
 #include "base/number_text.h"
 #include "calendar/clsNODNDP.h"
 #include "calendar/clsNODNDPCalc.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "formula/clsEvalFormula_task.h"
 #include "session/queries.h"
@@ -33,18 +34,18 @@ double clsEvalFormula::FnDblEvalFormula(int32_t lngFormulaId, int64_t lngEmpId, 
     FormulaTrace& told = trace ? *trace : own;
     told = {};
     try {
-        Task task{FirstValue("Select FORMULA From MAS_FORMULA Where FORMULAID = " +
-                                 std::to_string(lngFormulaId),
-                             "0")
-                      .toText(),
-                  "",
-                  lngEmpId,
-                  lngEmpDetId,
-                  lngMonthYear,
-                  dteFrom,
-                  dteTo,
-                  blnArrears,
-                  strGrossSource};
+        Task task{
+            FirstValue(
+                Sql() << "Select FORMULA From MAS_FORMULA Where FORMULAID = " << lngFormulaId, "0")
+                .toText(),
+            "",
+            lngEmpId,
+            lngEmpDetId,
+            lngMonthYear,
+            dteFrom,
+            dteTo,
+            blnArrears,
+            strGrossSource};
         task.strCapitals = upperCase(task.strFormula);
         return Evaluate(task, told);
     } catch (const DbError& error) {
@@ -59,10 +60,9 @@ double clsEvalFormula::FnDblEvalSalFormula(int32_t lngFormulaId, int64_t lngEmpI
     DateTime dteFrom, dteTo;
     clsNODNDP(session_).SetMonthCalcDates(lngMonthYear, dteFrom, dteTo);
     const int64_t lngEmpDetId =
-        FirstValue(
-            "Select MAX(EmpDetID) From SLC_SALARYCALC_E Where EMPID = " + std::to_string(lngEmpId) +
-                " And MONTHYEAR = " + std::to_string(lngMonthYear),
-            0)
+        FirstValue(Sql() << "Select MAX(EmpDetID) From SLC_SALARYCALC_E Where EMPID = " << lngEmpId
+                         << " And MONTHYEAR = " << lngMonthYear,
+                   0)
             .toInt();
     if (lngEmpDetId <= 0) return 0;
     return FnDblEvalFormula(lngFormulaId, lngEmpId, static_cast<int32_t>(lngEmpDetId), lngMonthYear,
@@ -75,19 +75,18 @@ double clsEvalFormula::Evaluate(Task& task, FormulaTrace& trace) {
     int32_t lngAttHeadId = 0;
     if (otherData)
         lngAttHeadId = static_cast<int32_t>(
-            FirstValue("Select ATTHEADID From MAS_EMPLOYEEDET Where EMPID = " + task.employee() +
-                           " And EMPDETID = " + task.version(),
+            FirstValue(Sql() << "Select ATTHEADID From MAS_EMPLOYEEDET Where EMPID = "
+                             << task.lngEmpId << " And EMPDETID = " << task.lngEmpDetId,
                        0)
                 .toInt());
     std::string strPTGroup;
     if (task.uses("(PTGroup)"))
         strPTGroup =
-            FirstValue(
-                "Select PTGRPNAME From MAS_PTGRP PTG, MAS_BRANCH B Where  PTG.PTGRPID = "
-                "B.PTGROUPID And B.BRANCHID In (Select BRANCHID From MAS_EMPLOYEEDET Where "
-                "EMPID = " +
-                    task.employee() + " And EMPDETID = " + task.version() + ")",
-                "")
+            FirstValue(Sql() << "Select PTGRPNAME From MAS_PTGRP PTG, MAS_BRANCH B Where  "
+                                "PTG.PTGRPID = B.PTGROUPID And B.BRANCHID In (Select BRANCHID From "
+                                "MAS_EMPLOYEEDET Where EMPID = "
+                             << task.lngEmpId << " And EMPDETID = " << task.lngEmpDetId << ")",
+                       "")
                 .toText();
     if (otherData) {
         double dblSalCalDays = 0, dblNOD = 0, dblNDP = 0;
@@ -113,10 +112,10 @@ double clsEvalFormula::Evaluate(Task& task, FormulaTrace& trace) {
 
 void clsEvalFormula::ReadDays(const Task& task, int32_t lngAttHeadId, double& dblSalCalDays,
                               double& dblNOD, double& dblNDP) {
-    const int64_t tight = FirstValue("SELECT ATTNTIGHTYN FROM MAS_ATTHEAD WHERE ATTHEADID = " +
-                                         std::to_string(lngAttHeadId),
-                                     0)
-                              .toInt();
+    const int64_t tight =
+        FirstValue(
+            Sql() << "SELECT ATTNTIGHTYN FROM MAS_ATTHEAD WHERE ATTHEADID = " << lngAttHeadId, 0)
+            .toInt();
     if (tight == 1) {
         bool workingDaysOnly = false, prorateAlt = false, prorate = true;
         int basis = 0;
@@ -131,10 +130,10 @@ void clsEvalFormula::ReadDays(const Task& task, int32_t lngAttHeadId, double& db
                                           task.dteFrom, task.dteTo, workingDaysOnly, prorate);
         return;
     }
-    const auto stored = [&](const std::string& column) {
-        return FirstNumber(
-            "SELECT " + column + " FROM SLC_SALARYCALC_E WHERE EMPID = " + task.employee() +
-            " AND EMPDETID = " + task.version() + " AND MONTHYEAR = " + task.month());
+    const auto stored = [&](const char* column) {
+        return FirstNumber(Sql() << "SELECT " << column << " FROM SLC_SALARYCALC_E WHERE EMPID = "
+                                 << task.lngEmpId << " AND EMPDETID = " << task.lngEmpDetId
+                                 << " AND MONTHYEAR = " << task.lngMonthYear);
     };
     dblSalCalDays = stored("SALCALDAYS");
     dblNOD = stored("NOD");
@@ -143,9 +142,9 @@ void clsEvalFormula::ReadDays(const Task& task, int32_t lngAttHeadId, double& db
 
 std::string clsEvalFormula::FnStrMonthEndDate(int32_t lngMonthYear) {
     if (session_.gFeature.CALCINMIDYN)
-        return fieldText(FirstValue("SELECT CALCENDDATE FROM MAS_MONTHYEAR WHERE MONTHYEAR = " +
-                                        std::to_string(lngMonthYear),
-                                    ""));
+        return fieldText(FirstValue(
+            Sql() << "SELECT CALCENDDATE FROM MAS_MONTHYEAR WHERE MONTHYEAR = " << lngMonthYear,
+            ""));
     const int year = (lngMonthYear - 1) / 12, month = (lngMonthYear - 1) % 12 + 1;
     return FnStrSqlDate(DateTime::fromCivil(year, month, daysInMonth(year, month)));
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "calendar/clsNODNDPCalc.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "formula/clsEvalFormula_task.h"
 #include "session/modAttSetting.h"
@@ -13,8 +14,8 @@ void clsEvalFormula::FillOtherData(KeywordTable& vOther, int64_t lngEmpId, int32
                                    int32_t lngEmpDetId, int32_t lngMonthYear, DateTime dteFrom,
                                    DateTime dteTo, double dblSalCalDays, double dblNOD,
                                    double dblNDP, bool blnVerify) {
-    const std::string slice =
-        " EMPID = " + std::to_string(lngEmpId) + " AND MONTHYEAR = " + std::to_string(lngMonthYear);
+    const std::string slice = Sql()
+                              << " EMPID = " << lngEmpId << " AND MONTHYEAR = " << lngMonthYear;
     const auto put = [&](const std::string& keyword, double value) {
         vOther.push_back({keyword, exprPlainText(value)});
     };
@@ -23,8 +24,8 @@ void clsEvalFormula::FillOtherData(KeywordTable& vOther, int64_t lngEmpId, int32
     LoadAttOptions(session_, lngAttHeadId);
     const bool blnMonthly =
         !blnVerify && !AdvancedLeave(lngMonthYear) &&
-        FirstNumber("Select ATTHEADID From MAS_ATTHEAD Where ATTNTYPE = 4 And ATTHEADID = " +
-                    std::to_string(lngAttHeadId)) > 0;
+        FirstNumber(Sql() << "Select ATTHEADID From MAS_ATTHEAD Where ATTNTYPE = 4 And ATTHEADID = "
+                          << lngAttHeadId) > 0;
     for (Recordset rs(session_.gConn, "Select * From ATT_DEFINITION ORDER BY LEVSHORT");
          !rs.IsEOF(); rs.MoveNext()) {
         const int lngLevId = static_cast<int>(rs.Fields("LEVID").toInt());
@@ -33,10 +34,9 @@ void clsEvalFormula::FillOtherData(KeywordTable& vOther, int64_t lngEmpId, int32
                       : LeaveTaken(lngEmpId, lngEmpDetId, lngAttHeadId, blnMonthly, lngMonthYear,
                                    dteFrom, dteTo, lngLevId));
     }
-    put("(AdjHours)",
-        FirstNumber("SELECT ADJHRS FROM LEV_MONTHDET  WHERE EMPID  = " + std::to_string(lngEmpId) +
-                    " AND EMPDETID = " + std::to_string(lngEmpDetId) +
-                    " AND MONTHYEAR= " + std::to_string(lngMonthYear)));
+    put("(AdjHours)", FirstNumber(Sql() << "SELECT ADJHRS FROM LEV_MONTHDET  WHERE EMPID  = "
+                                        << lngEmpId << " AND EMPDETID = " << lngEmpDetId
+                                        << " AND MONTHYEAR= " << lngMonthYear));
 
     DateTime dteMonthFrom, dteMonthTo;
     GetMonthPeriod(session_, lngMonthYear, dteMonthFrom, dteMonthTo);
@@ -74,7 +74,6 @@ void clsEvalFormula::FillOtherData(KeywordTable& vOther, int64_t lngEmpId, int32
 double clsEvalFormula::LeaveTaken(int64_t lngEmpId, int32_t lngEmpDetId, int32_t lngAttHeadId,
                                   bool blnMonthly, int32_t lngMonthYear, DateTime dteFrom,
                                   DateTime dteTo, int lngLevId) {
-    const std::string leave = std::to_string(lngLevId), employee = std::to_string(lngEmpId);
     if (AdvancedLeave(lngMonthYear)) {
         double taken = 0;
         FnNodNdp(session_).FnDblLeaveAvailed(lngEmpId, lngLevId, dteFrom, dteTo, lngAttHeadId, true,
@@ -82,48 +81,48 @@ double clsEvalFormula::LeaveTaken(int64_t lngEmpId, int32_t lngEmpDetId, int32_t
         return taken;
     }
     if (blnMonthly)
-        return FirstNumber(
-            "Select Sum(ML.LEVVALUE) AS NOOFLEAVE From ATT_MONTH M, ATT_MONTHLEV ML Where "
-            "M.ATTSLNO = ML.ATTSLNO And M.EMPID = " +
-            employee + " And M.EMPDETID = " + std::to_string(lngEmpDetId) +
-            " And M.MONTHYEAR = " + std::to_string(lngMonthYear) + " And ML.LEVID = " + leave);
-    return FirstNumber(
-        "Select Sum(FIRSTHALFYN)/2.0 + Sum(SECONDHALFYN)/2.0 AS NOOFLEAVE From ATT_DETAIL Where "
-        "EMPID = " +
-        employee + " And LEVDATE Between '" + FnStrSqlDate(dteFrom) + "' And '" +
-        FnStrSqlDate(dteTo) + "' And LEVID = " + leave);
+        return FirstNumber(Sql() << "Select Sum(ML.LEVVALUE) AS NOOFLEAVE From ATT_MONTH M, "
+                                    "ATT_MONTHLEV ML Where M.ATTSLNO = ML.ATTSLNO And M.EMPID = "
+                                 << lngEmpId << " And M.EMPDETID = " << lngEmpDetId
+                                 << " And M.MONTHYEAR = " << lngMonthYear
+                                 << " And ML.LEVID = " << lngLevId);
+    return FirstNumber(Sql() << "Select Sum(FIRSTHALFYN)/2.0 + Sum(SECONDHALFYN)/2.0 AS NOOFLEAVE "
+                                "From ATT_DETAIL Where EMPID = "
+                             << lngEmpId << " And LEVDATE Between '" << FnStrSqlDate(dteFrom)
+                             << "' And '" << FnStrSqlDate(dteTo) << "' And LEVID = " << lngLevId);
 }
 
 // Does a formula of the employee's salary structure use the word?
 bool clsEvalFormula::StructureUses(const std::string& word, int64_t lngEmpId, int32_t lngEmpDetId) {
-    return !FirstValue("SELECT FORMULAID FROM MAS_FORMULA WHERE CHARINDEX('" + word +
-                           "',FORMULA) > 0  AND FORMULAID IN (SELECT FORMULAID FROM "
-                           "SLC_SALSTRUCTDET WHERE FORMULAID>=1 AND  STRUCTID IN (SELECT STRUCTID "
-                           "FROM MAS_EMPLOYEEDET    WHERE EMPDETID = " +
-                           std::to_string(lngEmpDetId) + " AND EMPID= " + std::to_string(lngEmpId) +
-                           "))",
+    return !FirstValue(Sql() << "SELECT FORMULAID FROM MAS_FORMULA WHERE CHARINDEX("
+                             << literal(word)
+                             << ",FORMULA) > 0  AND FORMULAID IN (SELECT FORMULAID FROM "
+                                "SLC_SALSTRUCTDET WHERE FORMULAID>=1 AND  STRUCTID IN (SELECT "
+                                "STRUCTID FROM MAS_EMPLOYEEDET    WHERE EMPDETID = "
+                             << lngEmpDetId << " AND EMPID= " << lngEmpId << "))",
                        Value())
                 .isNull();
 }
 
 void clsEvalFormula::FillReimbursements(KeywordTable& vOther, int64_t lngEmpId,
                                         int32_t lngMonthYear) {
-    const std::string employee = std::to_string(lngEmpId), month = std::to_string(lngMonthYear);
     for (Recordset rs(session_.gConn, "Select RMBID, RMBNAME From RMB_MASTER Order By RMBNAME");
          !rs.IsEOF(); rs.MoveNext()) {
         const std::string id = rs.Fields("RMBID").toText();
         const std::string name = upperCase(rs.Fields("RMBNAME").toText());
         const double allotted = FirstNumber(
-            "Select AD.ALLOTAMT From RMB_ALLOT A, RMB_ALLOTDET AD Where A.RMBALLOTID = "
-            "AD.RMBALLOTID And A.EMPID = " +
-            employee + " And AD.MONTHYEAR = " + month + " And A.RMBID = " + id);
+            Sql() << "Select AD.ALLOTAMT From RMB_ALLOT A, RMB_ALLOTDET AD Where A.RMBALLOTID = "
+                     "AD.RMBALLOTID And A.EMPID = "
+                  << lngEmpId << " And AD.MONTHYEAR = " << lngMonthYear << " And A.RMBID = " << id);
         // Claims that are tied to no salary month yet count in the month of their date.
+        const auto claims = [&](const std::string& ofMonth) {
+            return FirstNumber(Sql()
+                               << "Select SUM(CLAIMAMT) From RMB_CLAIM A Where A.EMPID = "
+                               << lngEmpId << ofMonth << lngMonthYear << " And A.RMBID = " << id);
+        };
         const double claimed =
-            FirstNumber("Select SUM(CLAIMAMT) From RMB_CLAIM A Where A.EMPID = " + employee +
-                        " And A.SALARYMONTH = " + month + " And A.RMBID = " + id) +
-            FirstNumber("Select SUM(CLAIMAMT) From RMB_CLAIM A Where A.EMPID = " + employee +
-                        " And A.SALARYMONTH = 0  AND (YEAR(CLAIMDATE)*12) + MONTH(CLAIMDATE)= " +
-                        month + " And A.RMBID = " + id);
+            claims(" And A.SALARYMONTH = ") +
+            claims(" And A.SALARYMONTH = 0  AND (YEAR(CLAIMDATE)*12) + MONTH(CLAIMDATE)= ");
         vOther.push_back({"ReimAllot{" + name + "}", exprPlainText(allotted)});
         vOther.push_back({"ReimClaim{" + name + "}", exprPlainText(claimed)});
         vOther.push_back(

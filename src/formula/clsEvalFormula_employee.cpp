@@ -1,5 +1,6 @@
 // The employee in formulas: classifications, custom columns and queries, dates, and the statutory
 // flags as they take effect in the month (provident fund, state insurance, professional tax).
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "formula/CustomQuery.h"
 #include "formula/clsEvalFormula_task.h"
@@ -58,16 +59,16 @@ void clsEvalFormula::FillExtendedClassifications(const Task& task, KeywordTable&
                        "By MASTERID ");
     if (captions.IsEOF()) return;
     const DateTime versionEnd =
-        FirstValue("SELECT EFFTODATE FROM MAS_EMPLOYEEDET WHERE EMPID = " + task.employee() +
-                       " AND EMPDETID = " + task.version(),
+        FirstValue(Sql() << "SELECT EFFTODATE FROM MAS_EMPLOYEEDET WHERE EMPID = " << task.lngEmpId
+                         << " AND EMPDETID = " << task.lngEmpDetId,
                    DateTime::fromCivil(2099, 12, 31))
             .toDate();
     const auto monthEnd = parseDate(FnStrMonthEndDate(task.lngMonthYear));
     Recordset rs(session_.gConn,
-                 "Select * From MAS_EMPLOYEEEXTDET EX WHERE EX.EMPID = " + task.employee() +
-                     " AND EX.EFFFROMDATE<= '" +
-                     FnStrSqlDate(monthEnd ? std::min(versionEnd, *monthEnd) : versionEnd) +
-                     "' ORDER BY EMPEXTID desc ");
+                 Sql() << "Select * From MAS_EMPLOYEEEXTDET EX WHERE EX.EMPID = " << task.lngEmpId
+                       << " AND EX.EFFFROMDATE<= '"
+                       << FnStrSqlDate(monthEnd ? std::min(versionEnd, *monthEnd) : versionEnd)
+                       << "' ORDER BY EMPEXTID desc ");
     for (; !captions.IsEOF(); captions.MoveNext()) {
         const std::string number = captions.Fields("MASTERID").toText();
         vOther.push_back(
@@ -79,7 +80,7 @@ void clsEvalFormula::FillExtendedClassifications(const Task& task, KeywordTable&
 
 void clsEvalFormula::FillCustomColumns(const Task& task, KeywordTable& vOther) {
     Recordset rs(session_.gConn,
-                 "Select * From MAS_EMPLOYEECUSTOM EX WHERE EMPID = " + task.employee());
+                 Sql() << "Select * From MAS_EMPLOYEECUSTOM EX WHERE EMPID = " << task.lngEmpId);
     for (Recordset captions(session_.gConn,
                             "SELECT COLNAME,COLID FROM MAS_EMPCUSCAPTION WHERE expryn=1   Order "
                             "By COLID ");
@@ -119,8 +120,9 @@ void clsEvalFormula::FillEmployee(const Task& task, KeywordTable& vOther) {
     vOther.push_back({"Emp{SALCALCFROM}", dateCall(dates.SALCALCFROM)});
     vOther.push_back(
         {"Emp{SEX}",
-         quotedText(FirstValue("SELECT SEX FROM MAS_EMPLOYEE WHERE EMPID = " + task.employee(), "")
-                        .toText())});
+         quotedText(
+             FirstValue(Sql() << "SELECT SEX FROM MAS_EMPLOYEE WHERE EMPID = " << task.lngEmpId, "")
+                 .toText())});
 }
 
 void clsEvalFormula::FillFlagsAndUnits(const Task& task, KeywordTable& vOther) {
@@ -152,16 +154,15 @@ void clsEvalFormula::FillFlagsAndUnits(const Task& task, KeywordTable& vOther) {
 }
 
 std::string clsEvalFormula::ZeroPtFlag(const Task& task) {
-    return FirstValue(
-               "SELECT CASE WHEN PTZEROYN = 1 THEN 'Y' ELSE 'N' END AS PTZEROYN FROM (SELECT CASE "
-               "WHEN ISNULL((SELECT ISNULL(PTZEROEFFFROM, 0) FROM MAS_EMPLOYEEEXT WHERE EMPID = "
-               "EMP.EMPID AND PTZEROEFFFROM <= " +
-                   task.month() +
-                   "), 0) > 0 THEN (SELECT  ISNULL(PTZEROYN, 0) FROM MAS_EMPLOYEEEXT WHERE EMPID "
-                   "= EMP.EMPID) ELSE ISNULL(EMP.PTZEROYN, 0) END AS PTZEROYN FROM MAS_EMPLOYEE "
-                   "EMP WHERE EMPID = " +
-                   task.employee() + ") AS TMP",
-               "N")
+    return FirstValue(Sql() << "SELECT CASE WHEN PTZEROYN = 1 THEN 'Y' ELSE 'N' END AS PTZEROYN "
+                               "FROM (SELECT CASE WHEN ISNULL((SELECT ISNULL(PTZEROEFFFROM, 0) "
+                               "FROM MAS_EMPLOYEEEXT WHERE EMPID = EMP.EMPID AND PTZEROEFFFROM <= "
+                            << task.lngMonthYear
+                            << "), 0) > 0 THEN (SELECT  ISNULL(PTZEROYN, 0) FROM MAS_EMPLOYEEEXT "
+                               "WHERE EMPID = EMP.EMPID) ELSE ISNULL(EMP.PTZEROYN, 0) END AS "
+                               "PTZEROYN FROM MAS_EMPLOYEE EMP WHERE EMPID = "
+                            << task.lngEmpId << ") AS TMP",
+                      "N")
         .toText();
 }
 
@@ -169,16 +170,17 @@ std::string clsEvalFormula::ZeroPtFlag(const Task& task) {
 // else the company's rate row.
 std::string clsEvalFormula::EmployerRestrictFlag(const Task& task) {
     if (session_.gOptSet.PFCMPRESTEMPYN) {
-        const Value own = FirstValue(
-            "SELECT TOP 1 ISNULL(PFRESTRICTCMPYN, 0) FROM MAS_PFRESTRICTCMPEFFFROM "
-            "WHERE EMPID = " +
-                task.employee() + " AND PFRESTRICTCMPEFFFROM <= " + task.month() +
-                " ORDER BY PFRESTRICTCMPEFFFROM DESC",
-            Value());
+        const Value own = FirstValue(Sql() << "SELECT TOP 1 ISNULL(PFRESTRICTCMPYN, 0) FROM "
+                                              "MAS_PFRESTRICTCMPEFFFROM WHERE EMPID = "
+                                           << task.lngEmpId
+                                           << " AND PFRESTRICTCMPEFFFROM <= " << task.lngMonthYear
+                                           << " ORDER BY PFRESTRICTCMPEFFFROM DESC",
+                                     Value());
         if (!own.isNull()) return own.toInt() == 1 ? "Y" : "N";
     }
-    return FirstNumber("SELECT TOP 1 PFCMPRESTRICTYN FROM MAS_PFESIRATE WHERE MONTHYEAR <= " +
-                       task.month() + " ORDER BY MONTHYEAR DESC") == 1
+    return FirstNumber(
+               Sql() << "SELECT TOP 1 PFCMPRESTRICTYN FROM MAS_PFESIRATE WHERE MONTHYEAR <= "
+                     << task.lngMonthYear << " ORDER BY MONTHYEAR DESC") == 1
                ? "Y"
                : "N";
 }

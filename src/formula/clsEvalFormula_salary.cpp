@@ -1,4 +1,6 @@
 // Salary in formulas: rates, calculated values, units and arrears.
+#include "db/numbered_column.h"
+#include "db/sql_text.h"
 #include "formula/clsEvalFormula_task.h"
 
 namespace owb {
@@ -11,7 +13,7 @@ std::string headColumn(bool deduction, int64_t row) {
     if (!deduction && row == 100) return "OT1";
     if (!deduction && row == 101) return "OT2";
     if (!deduction && row == 102) return "GRATUITYPROV";
-    return (deduction ? "DCOMP" : "ECOMP") + std::string(row < 10 ? "0" : "") + std::to_string(row);
+    return numberedColumn(deduction ? "DCOMP" : "ECOMP", row);
 }
 
 std::string arrearsQuery(const std::string& column, bool deduction) {
@@ -30,23 +32,22 @@ std::string arrearsQuery(const std::string& column, bool deduction) {
 void clsEvalFormula::FillSalary(const Task& task, KeywordTable& vSalary) {
     const bool gross = task.uses("(GrossSalary)");
     if ((gross && task.strGrossSource.empty()) || task.uses("Component{")) {
-        Recordset rs(
-            session_.gConn,
-            "SELECT * FROM SLC_SALARYRATE_E E LEFT JOIN SLC_SALARYRATE_D AS D ON D.SalRateID = "
-            "E.SalRateID WHERE E.EMPID = " +
-                task.employee() + " AND E.EMPDETID = " + task.version() +
-                " And MONTHYEAR = (Select Max(MONTHYEAR) From SLC_SALARYRATE_E Where MONTHYEAR "
-                "<= " +
-                task.month() + " And EMPID = " + task.employee() +
-                " AND EMPDETID = " + task.version() + ")");
+        Recordset rs(session_.gConn,
+                     Sql() << "SELECT * FROM SLC_SALARYRATE_E E LEFT JOIN SLC_SALARYRATE_D AS D ON "
+                              "D.SalRateID = E.SalRateID WHERE E.EMPID = "
+                           << task.lngEmpId << " AND E.EMPDETID = " << task.lngEmpDetId
+                           << " And MONTHYEAR = (Select Max(MONTHYEAR) From SLC_SALARYRATE_E Where "
+                              "MONTHYEAR <= "
+                           << task.lngMonthYear << " And EMPID = " << task.lngEmpId
+                           << " AND EMPDETID = " << task.lngEmpDetId << ")");
         if (!rs.IsEOF()) FillSalaryComponents(vSalary, rs, false, false, "");
     }
     if ((gross && !task.strGrossSource.empty()) || task.uses("CV{")) {
         Recordset rs(session_.gConn,
-                     "Select SE.*,SD.* From SLC_SALARYCALC_E SE, SLC_SALARYCALC_D SD Where "
-                     "SE.SALID = SD.SALID And SE.EMPID = " +
-                         task.employee() + " And SE.EMPDETID = " + task.version() +
-                         " And SE.MONTHYEAR = " + task.month());
+                     Sql() << "Select SE.*,SD.* From SLC_SALARYCALC_E SE, SLC_SALARYCALC_D SD "
+                              "Where SE.SALID = SD.SALID And SE.EMPID = "
+                           << task.lngEmpId << " And SE.EMPDETID = " << task.lngEmpDetId
+                           << " And SE.MONTHYEAR = " << task.lngMonthYear);
         if (!rs.IsEOF()) FillSalaryComponents(vSalary, rs, true, task.blnArrears, task.strFormula);
     }
 }
@@ -56,19 +57,19 @@ void clsEvalFormula::FillSalaryComponents(KeywordTable& vSalary, Recordset& rsSa
                                           const std::string& strFormula) {
     const std::string family = blnCalculated ? "CV" : "Component";
     const std::string heads =
-        strFormula.empty()
-            ? "Select * From MAS_SALARYHEAD ORDER BY SALHEADING"
-            : "Select * From MAS_SALARYHEAD WHERE CHARINDEX('{'+SALHEADING+'}','" +
-                  session_.gSpChar.FnStrSpSQL(strFormula) + "')>0 ORDER BY SALHEADING ";
+        strFormula.empty() ? "Select * From MAS_SALARYHEAD ORDER BY SALHEADING"
+                           : "Select * From MAS_SALARYHEAD WHERE CHARINDEX('{'+SALHEADING+'}'," +
+                                 literal(strFormula) + ")>0 ORDER BY SALHEADING ";
     for (Recordset rs(session_.gConn, heads); !rs.IsEOF(); rs.MoveNext()) {
         const bool deduction = rs.Fields("PAYTYPEYN").toInt() != 0;
         const std::string column = headColumn(deduction, rs.Fields("SALHEADROWID").toInt());
         double amount = rsSalary.Fields(column).toDouble();
         if (blnArrears)
-            amount += FirstNumber(arrearsQuery(column, deduction) +
-                                  " EMPID = " + rsSalary.Fields("EMPID").toText() +
-                                  " AND EMPDETID = " + rsSalary.Fields("EMPDETID").toText() +
-                                  " AND PAIDFOR = " + rsSalary.Fields("MONTHYEAR").toText());
+            amount +=
+                FirstNumber(Sql() << arrearsQuery(column, deduction)
+                                  << " EMPID = " << rsSalary.Fields("EMPID").toText()
+                                  << " AND EMPDETID = " << rsSalary.Fields("EMPDETID").toText()
+                                  << " AND PAIDFOR = " << rsSalary.Fields("MONTHYEAR").toText());
         vSalary.push_back({family + "{" + upperCase(rs.Fields("SALHEADING").toText()) + "}",
                            exprPlainText(amount)});
     }
@@ -89,22 +90,23 @@ void clsEvalFormula::FillUnits(const Task& task, KeywordTable& vOther) {
     for (Recordset rs(session_.gConn, "SELECT * FROM MAS_SALARYHEAD WHERE CALCFLDTYPE='C'");
          !rs.IsEOF(); rs.MoveNext()) {
         const double units = FirstNumber(
-            "SELECT UNIT FROM SLC_COMPCALCDET WHERE PAYTYPEYN= " + rs.Fields("PAYTYPEYN").toText() +
-            " AND SALHEADROWID=" + rs.Fields("SALHEADROWID").toText() +
-            " AND STRUCTID=(SELECT structid FROM MAS_EMPLOYEEDET WHERE empid= " + task.employee() +
-            " AND empdetid= " + task.version() + ") AND EMPID= " + task.employee() +
-            " AND MONTHYEAR=" + task.month());
+            Sql() << "SELECT UNIT FROM SLC_COMPCALCDET WHERE PAYTYPEYN= "
+                  << rs.Fields("PAYTYPEYN").toText()
+                  << " AND SALHEADROWID=" << rs.Fields("SALHEADROWID").toText()
+                  << " AND STRUCTID=(SELECT structid FROM MAS_EMPLOYEEDET WHERE empid= "
+                  << task.lngEmpId << " AND empdetid= " << task.lngEmpDetId
+                  << ") AND EMPID= " << task.lngEmpId << " AND MONTHYEAR=" << task.lngMonthYear);
         vOther.push_back({"UNIT{" + rs.Fields("SALHEADING").toText() + "}", exprPlainText(units)});
     }
 }
 
 std::string clsEvalFormula::ArrearEarning(const Task& task) {
-    return fieldText(
-        FirstValue("SELECT SUM(ISNULL(NETAMOUNT,0)) FROM MAS_ARREARS M,SLC_ARREARS_E E WHERE "
-                   "M.ARREARID=E.ARREARID AND EMPID = " +
-                       task.employee() + " AND EMPDETID = " + task.version() +
-                       " AND MONTHYEAR = " + task.month(),
-                   ""));
+    return fieldText(FirstValue(Sql()
+                                    << "SELECT SUM(ISNULL(NETAMOUNT,0)) FROM MAS_ARREARS "
+                                       "M,SLC_ARREARS_E E WHERE M.ARREARID=E.ARREARID AND EMPID = "
+                                    << task.lngEmpId << " AND EMPDETID = " << task.lngEmpDetId
+                                    << " AND MONTHYEAR = " << task.lngMonthYear,
+                                ""));
 }
 
 }  // namespace owb
