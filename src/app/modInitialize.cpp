@@ -6,6 +6,7 @@
 #include "app/ThisApp.h"
 #include "app/modMenu.h"
 #include "base/number_text.h"
+#include "db/sql_text.h"
 #include "leave/screens/frmConfiguring.h"
 #include "leave/screens/modLeaveProcess.h"
 #include "schema/modSQLFunction.h"
@@ -90,8 +91,8 @@ void recalculatePending(Session& session, FrontEnd& frontEnd) {
     int64_t marked = 0;
     for (const char* table : {"LEV_ALLOTMENT", "LEV_MONTHDET", "ATT_DAYTODAY"})
         marked += FnVarValueOrThrow(session,
-                                    std::string("SELECT COUNT(EMPID) FROM ") + table +
-                                        " LEV WHERE EDITMODEYN = 1" + condition,
+                                    Sql() << "SELECT COUNT(EMPID) FROM " << table
+                                          << " LEV WHERE EDITMODEYN = 1" << condition,
                                     0)
                       .toInt();
     if (marked == 0) return;
@@ -104,8 +105,8 @@ void recalculatePending(Session& session, FrontEnd& frontEnd) {
 void readPeriod(Session& session) {
     session.gFirstLeaveMonth = static_cast<int32_t>(
         FnVarValueOrThrow(session,
-                          "SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR WHERE MONTHYEAR >= " +
-                              std::to_string(session.gFeature.LVSTARTMNYEAR),
+                          Sql() << "SELECT MIN(MONTHYEAR) FROM MAS_MONTHYEAR WHERE MONTHYEAR >= "
+                                << session.gFeature.LVSTARTMNYEAR,
                           0)
             .toInt());
     session.gLastMonth = static_cast<int32_t>(
@@ -144,8 +145,8 @@ void StartOnConnection(Session& session, FrontEnd& frontEnd) {
     CreateFilterObjects(session);
     session.gReadOnly = FnVarValueOrThrow(session,
                                           "SELECT ISNULL(READONLYYN, 0) FROM SEC_USERLIST WHERE "
-                                          "USERNAME = '" +
-                                              session.gSpChar.FnStrSpSQL(session.gUser) + "'",
+                                          "USERNAME = " +
+                                              literal(session.gUser),
                                           0)
                             .toBool();
     OpenMenuScreen(session, frontEnd);

@@ -4,6 +4,7 @@
 
 #include "base/utf8.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "schema/embedded_sql.h"
 #include "session/Session.h"
 #include "session/modEmployeeViews.h"
@@ -89,9 +90,8 @@ void recreateView(Session& session, const std::string& file) {
     text.replace(text.find(placeholder), placeholder.size(), session.gHostPrefix);
     const std::string name = session.gHostPrefix + "_" + file;
     OwnTransaction transaction(session);
-    if (FnBlnExistsOrThrow(session, "SELECT * FROM SYS.VIEWS WHERE NAME = '" +
-                                        session.gSpChar.FnStrSpSQL(name) + "'"))
-        session.gConn.Execute("DROP VIEW [dbo].[" + name + "]");
+    if (FnBlnExistsOrThrow(session, "SELECT * FROM SYS.VIEWS WHERE NAME = " + literal(name)))
+        session.gConn.Execute("DROP VIEW [dbo]." + sqlName(name));
     session.gConn.Execute(text);
     transaction.commit();
 }
@@ -106,7 +106,7 @@ std::string_view FnStrSchemaText(std::string_view name) {
 
 bool FnBlnPrepareObject(Session& session, const std::string& name, ServerObjectKind kind,
                         bool replace) {
-    if (!FnBlnExistsOrThrow(session, "Select * From Sys.Objects Where Name = '" + name + "'"))
+    if (!FnBlnExistsOrThrow(session, "Select * From Sys.Objects Where Name = " + literal(name)))
         return true;
     if (!replace) return false;
     constexpr std::array drops = {"Drop Function [dbo].", "Drop Procedure [dbo].",
@@ -141,23 +141,22 @@ void CreateLeaveSummaryView(Session& session) {
 }
 
 void TidyAttendanceRows(Session& session) {
-    std::string batch;
+    Sql batch;
     for (Recordset rs(session.gConn,
                       "SELECT  MAX(ATTTRANNO) FROM DBO.ATT_DAYTODAY GROUP BY EMPID, EMPDETID, "
                       "MONTHYEAR HAVING   COUNT(*) > 1");
          !rs.IsEOF(); rs.MoveNext()) {
         const std::string key = rs.Fields(0).toText();
-        batch += " DELETE FROM ATT_OVERTIME WHERE ATTTRANNO = " + key +
-                 " DELETE FROM ATT_DAYTODAY WHERE ATTTRANNO = " + key;
+        batch << " DELETE FROM ATT_OVERTIME WHERE ATTTRANNO = " << key
+              << " DELETE FROM ATT_DAYTODAY WHERE ATTTRANNO = " << key;
     }
     if (FnBlnExistsOrThrow(session,
                            "SELECT att.EMPID FROM ATT_DAYTODAY att,dbo.MAS_EMPLOYEEDET det WHERE "
                            "att.empid=det.empid AND att.empdetid=det.empdetid AND "
                            "att.ATTHEADID<>det.ATTHEADID"))
-        batch +=
-            " UPDATE DBO.ATT_DAYTODAY SET ATTHEADID = DBO.UDF_OWB_FNINTATTHEADID(EMPID, "
-            "EMPDETID)";
-    if (!batch.empty()) session.gConn.ExecuteAtomic(batch);
+        batch << " UPDATE DBO.ATT_DAYTODAY SET ATTHEADID = DBO.UDF_OWB_FNINTATTHEADID(EMPID, "
+                 "EMPDETID)";
+    if (!batch.text().empty()) session.gConn.ExecuteAtomic(batch);
 }
 
 void FreeLeaveTables(Session& session) {

@@ -12,8 +12,8 @@ namespace {
 // True when the employee is held in the first month or in another month of the payroll's. The
 // family's function is asked month by month.
 std::string employeeHeld(int32_t lngFrom, int32_t lngTo, int64_t lngEmpId) {
-    const std::string employee = "[dbo].udf_getEmpLock(" + std::to_string(lngEmpId) + ",";
-    const std::string first = employee + std::to_string(lngFrom) + ",DEFAULT) = 1";
+    const std::string employee = Sql() << "[dbo].udf_getEmpLock(" << lngEmpId << ",";
+    const std::string first = Sql() << employee << lngFrom << ",DEFAULT) = 1";
     if (lngFrom == lngTo) return first;
     return Sql() << "(" << first
                  << " OR EXISTS (SELECT * FROM MAS_MONTHYEAR WHERE MONTHYEAR BETWEEN " << lngFrom
@@ -74,10 +74,9 @@ std::string FnStrSettingLocked(const std::string& setting) {
 }
 
 bool FnBlnMonthLocked(Session& session, int32_t lngMonthYear) {
-    return FnVarValueOrThrow(session,
-                             "Select LOCKEDYN From MAS_MONTHYEAR Where MONTHYEAR = " +
-                                 std::to_string(lngMonthYear),
-                             0)
+    return FnVarValueOrThrow(
+               session,
+               Sql() << "Select LOCKEDYN From MAS_MONTHYEAR Where MONTHYEAR = " << lngMonthYear, 0)
         .toBool();
 }
 

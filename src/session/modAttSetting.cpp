@@ -1,5 +1,6 @@
 #include "session/modAttSetting.h"
 
+#include "db/sql_text.h"
 #include "session/modSave.h"
 #include "session/queries.h"
 #include "session/record_columns.h"
@@ -103,7 +104,7 @@ constexpr RecordColumn<AttHeadRecord, double> kHeadHours[] = {
 };
 
 std::string leaveKey(int32_t intLevId, int32_t intAttHeadId) {
-    return "ATTHEADID=" + std::to_string(intAttHeadId) + " AND LEVID=" + std::to_string(intLevId);
+    return Sql() << "ATTHEADID=" << intAttHeadId << " AND LEVID=" << intLevId;
 }
 
 }  // namespace
@@ -116,15 +117,16 @@ void LoadAttHead(Session& session, int32_t intAttHeadId) {
     SetAttHeadDefaults(session);
     Recordset rs(
         session.gConn,
-        "SELECT ATTHEADNAME, ISNULL(ATTMENUNAME, SubString(ATTHEADNAME,1,10)) AS MENUNAME, ATTDESC "
-        "AS DESCR, ATTNTIGHTYN AS TIGHTYN, ATTNTYPE, NODFORCALC, CASE ATTNTYPE WHEN 1 THEN 'Leave "
-        "Register' WHEN 2 THEN 'Attendance - Daily' WHEN 3 THEN 'Attendance - Hourly' ELSE "
-        "'Attendance - Monthly' END AS ATTCAP, ATTNDTODYN, ATTNHOURLYYN, OT1YN, OT2YN, OTHOURLYYN, "
-        "MINHALFDAY, MAXHALFDAY, MINFULLDAY, MAXFULLDAY, CUTOFFFullDAY, CUTOFFHALFDAY, OTHOURMIN, "
-        "ATTUPPERLIMIT, NOATTSALAFFYN AS NOSAL, HALFATTSALAFFYN AS HALFSAL, FULLATTSALAFFYN AS "
-        "FULLSAL, NOATTOTYN, HALFDAYOTYN, FULLDAYOTYN, HALFDAYDEDYN, FullDAYDEDYN, MORETHANNODYN, "
-        "INACTIVEYN FROM MAS_ATTHEAD WHERE ATTHEADID = " +
-            std::to_string(intAttHeadId));
+        Sql() << "SELECT ATTHEADNAME, ISNULL(ATTMENUNAME, SubString(ATTHEADNAME,1,10)) AS "
+                 "MENUNAME, ATTDESC AS DESCR, ATTNTIGHTYN AS TIGHTYN, ATTNTYPE, NODFORCALC, CASE "
+                 "ATTNTYPE WHEN 1 THEN 'Leave Register' WHEN 2 THEN 'Attendance - Daily' WHEN 3 "
+                 "THEN 'Attendance - Hourly' ELSE 'Attendance - Monthly' END AS ATTCAP, "
+                 "ATTNDTODYN, ATTNHOURLYYN, OT1YN, OT2YN, OTHOURLYYN, MINHALFDAY, MAXHALFDAY, "
+                 "MINFULLDAY, MAXFULLDAY, CUTOFFFullDAY, CUTOFFHALFDAY, OTHOURMIN, ATTUPPERLIMIT, "
+                 "NOATTSALAFFYN AS NOSAL, HALFATTSALAFFYN AS HALFSAL, FULLATTSALAFFYN AS FULLSAL, "
+                 "NOATTOTYN, HALFDAYOTYN, FULLDAYOTYN, HALFDAYDEDYN, FullDAYDEDYN, MORETHANNODYN, "
+                 "INACTIVEYN FROM MAS_ATTHEAD WHERE ATTHEADID = "
+              << intAttHeadId);
     if (rs.IsEOF()) return;
     AttHeadRecord& head = session.gAtt;
     head.ATTHEADID = intAttHeadId;
@@ -149,7 +151,7 @@ int32_t FnIntOptionHead(Session& session, int32_t intAttHeadId) {
 AttOptionsRecord FnReadAttOptions(Session& session, int32_t intAttHeadId) {
     AttOptionsRecord options;
     Recordset rs(session.gConn,
-                 "SELECT * FROM ATT_OPTSETTINGS WHERE ATTHEADID=" + std::to_string(intAttHeadId));
+                 Sql() << "SELECT * FROM ATT_OPTSETTINGS WHERE ATTHEADID=" << intAttHeadId);
     if (rs.IsEOF()) return options;
     readFlags(rs, options, kOptionFlags);
     options.DEFVAL = numberField(rs, "DEFVAL", options.DEFVAL);
@@ -167,9 +169,9 @@ LeaveSettingsRecord FnReadLeaveSettings(Session& session, int32_t intLevId, int3
             FnVarValueOrThrow(session, "SELECT MAX(MONTHYEAR) FROM MAS_MONTHYEAR", 0).toInt());
     const std::string key = leaveKey(intLevId, intAttHeadId);
     Recordset rs(session.gConn,
-                 "SELECT * FROM LEV_SETTINGS WHERE " + key +
-                     " AND MONTHYEAR = (Select Max(MONTHYEAR) From LEV_SETTINGS Where " + key +
-                     " And MONTHYEAR <= " + std::to_string(lngMonthYear) + ")");
+                 Sql() << "SELECT * FROM LEV_SETTINGS WHERE " << key
+                       << " AND MONTHYEAR = (Select Max(MONTHYEAR) From LEV_SETTINGS Where " << key
+                       << " And MONTHYEAR <= " << lngMonthYear << ")");
     LeaveSettingsRecord settings;
     found = !rs.IsEOF();
     if (!found) return settings;

@@ -1,5 +1,6 @@
 #include "session/modAuditTrail.h"
 
+#include "db/sql_text.h"
 #include "session/Session.h"
 #include "session/lenient_queries.h"
 #include "session/queries.h"
@@ -19,17 +20,17 @@ bool FnBlnAuditTrailOn(Session& session) {
 
 void UpdateAuditTrail(Session& session, int32_t module, int64_t lngEmpId, const std::string& action,
                       const std::string& detail, const std::string& extra) {
-    auto quoted = [&](const std::string& text) {
-        return "'" + session.gSpChar.FnStrClearAllSp(text) + "'";
+    const auto cleared = [&](const std::string& text) {
+        return literal(session.gSpChar.FnStrClearAllSp(text));
     };
     std::string windowsUser = session.windowsUser;
     std::erase(windowsUser, ' ');
     FnBlnExecute(session,
-                 "UpdateAuditTrail " +
-                     quoted(session.settings.GetSetting("Settings", "User", session.gUser)) + ", " +
-                     std::to_string(module) + ", " + std::to_string(lngEmpId) + ", " +
-                     quoted(action) + ", " + quoted(detail) + ", " + quoted(extra) + " , " +
-                     quoted(windowsUser));
+                 Sql() << "UpdateAuditTrail "
+                       << cleared(session.settings.GetSetting("Settings", "User", session.gUser))
+                       << ", " << module << ", " << lngEmpId << ", " << cleared(action) << ", "
+                       << cleared(detail) << ", " << cleared(extra) << " , "
+                       << cleared(windowsUser));
 }
 
 AuditText& AuditText::add(const std::string& text) {

@@ -1,5 +1,7 @@
 #include "session/modEmployeeViews.h"
 
+#include "db/numbered_column.h"
+#include "db/sql_text.h"
 #include "session/Session.h"
 #include "session/lenient_queries.h"
 #include "session/queries.h"
@@ -36,27 +38,23 @@ void SetHostNames(Session& session) {
 void CreateFilterObjects(Session& session) {
     SetHostNames(session);
     const std::string table = session.gFilterTable, view = session.gEmployeeView;
-    auto literal = [&](const std::string& name) {
-        return "'" + session.gSpChar.FnStrSpSQL(withoutBrackets(name)) + "'";
-    };
     // CREATE VIEW must stand alone in its batch.
     session.gConn.Execute(
-        "IF EXISTS (SELECT * FROM SYS.TABLES WHERE NAME = " + literal(table) +
-        ") BEGIN INSERT INTO " + table +
-        " SELECT EMPID, 1 AS FILTERYN1, 1 AS REPTYN1 FROM MAS_EMPLOYEE WHERE EMPID NOT IN (SELECT "
-        "EMPID FROM " +
-        table + ") UPDATE " + table +
-        " SET FILTERYN1 = 1, REPTYN1 = 1 END ELSE BEGIN SELECT EMPID, 1 AS FILTERYN1, 1 AS REPTYN1 "
-        "INTO " +
-        table + " FROM MAS_EMPLOYEE ALTER TABLE " + table + " ADD CONSTRAINT [PK_" +
-        withoutBrackets(table) + "] PRIMARY KEY (EMPID) END");
-    session.gConn.Execute("IF EXISTS (SELECT * FROM SYS.VIEWS WHERE NAME = " + literal(view) +
-                          ") DROP VIEW " + view);
-    session.gConn.Execute(
-        "CREATE VIEW " + view +
-        " AS SELECT E.*, ISNULL(T.FILTERYN1, 1) AS FILTERYN1, ISNULL(T.REPTYN1, 1) AS REPTYN1 FROM "
-        "MAS_EMPLOYEE E LEFT JOIN " +
-        table + " T ON E.EMPID =T.EMPID");
+        Sql() << "IF EXISTS (SELECT * FROM SYS.TABLES WHERE NAME = "
+              << literal(withoutBrackets(table)) << ") BEGIN INSERT INTO " << table
+              << " SELECT EMPID, 1 AS FILTERYN1, 1 AS REPTYN1 FROM MAS_EMPLOYEE WHERE EMPID NOT IN "
+                 "(SELECT EMPID FROM "
+              << table << ") UPDATE " << table
+              << " SET FILTERYN1 = 1, REPTYN1 = 1 END ELSE BEGIN SELECT EMPID, 1 AS FILTERYN1, 1 "
+                 "AS REPTYN1 INTO "
+              << table << " FROM MAS_EMPLOYEE ALTER TABLE " << table << " ADD CONSTRAINT [PK_"
+              << withoutBrackets(table) << "] PRIMARY KEY (EMPID) END");
+    session.gConn.Execute(Sql() << "IF EXISTS (SELECT * FROM SYS.VIEWS WHERE NAME = "
+                                << literal(withoutBrackets(view)) << ") DROP VIEW " << view);
+    session.gConn.Execute(Sql() << "CREATE VIEW " << view
+                                << " AS SELECT E.*, ISNULL(T.FILTERYN1, 1) AS FILTERYN1, "
+                                   "ISNULL(T.REPTYN1, 1) AS REPTYN1 FROM MAS_EMPLOYEE E LEFT JOIN "
+                                << table << " T ON E.EMPID =T.EMPID");
 }
 
 void ClearEmployeeFilter(Session& session) {
@@ -70,8 +68,8 @@ void ChooseEmployees(Session& session, const std::vector<std::string>& empIds) {
         std::string ids;
         for (size_t i = from; i < std::min(from + kAtOnce, empIds.size()); ++i)
             ids += (ids.empty() ? "" : ",") + empIds[i];
-        session.gConn.Execute("UPDATE " + session.gFilterTable +
-                              " SET REPTYN1 = 1 WHERE EMPID IN (" + ids + ")");
+        session.gConn.Execute(Sql() << "UPDATE " << session.gFilterTable
+                                    << " SET REPTYN1 = 1 WHERE EMPID IN (" << ids << ")");
     }
 }
 
@@ -80,8 +78,7 @@ void CreateEmployeeDetailView(Session& session, int64_t lngEmpId, const std::str
     std::string columns =
         "DET.EMPID, DET.EMPDETID, DET.EFFFROMDATE, DET.EFFTODATE, DET.BRANCHID, DET.STRUCTID, "
         "DET.ATTHEADID";
-    for (int n = 6; n <= 19; ++n)
-        columns += std::string(", EXT.EXTCLASS") + (n < 10 ? "0" : "") + std::to_string(n);
+    for (int n = 6; n <= 19; ++n) columns += ", EXT." + numberedColumn("EXTCLASS", n);
     columns += ", EXT.EMPEXTID";
     if (byMonth) columns += ", QRYMNT.MONTHYEAR";
     const std::string bank = session.gFeature.ADVBANKYN ? "EXT." : "DET.";

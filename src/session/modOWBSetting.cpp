@@ -3,6 +3,7 @@
 #include <array>
 
 #include "base/utf8.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "session/Session.h"
 #include "session/lenient_queries.h"
@@ -205,12 +206,13 @@ void LoadExtCaptionFlags(Session& session) {
 }
 
 EmployeeDisplay LoadEmployeeDisplay(Session& session, int64_t lngEmpId, int32_t lngEmpDetId) {
-    Recordset rs(session.gConn,
-                 "Select ED.*,BRANCHNAME, ATTHEADNAME, STRUCTDESC From MAS_EMPLOYEEDET ED INNER "
+    Recordset rs(
+        session.gConn,
+        Sql() << "Select ED.*,BRANCHNAME, ATTHEADNAME, STRUCTDESC From MAS_EMPLOYEEDET ED INNER "
                  "JOIN MAS_BRANCH MB ON ED.BRANCHID = MB.BRANCHID INNER JOIN MAS_ATTHEAD MA ON "
                  "MA.ATTHEADID = ED.ATTHEADID INNER JOIN MAS_SALSTRUCT MS ON MS.STRUCTID = "
-                 "ED.STRUCTID Where EMPID = " +
-                     std::to_string(lngEmpId) + " And EMPDETID = " + std::to_string(lngEmpDetId));
+                 "ED.STRUCTID Where EMPID = "
+              << lngEmpId << " And EMPDETID = " << lngEmpDetId);
     if (rs.IsEOF()) return {};
     return {textField(rs, "DESIGNATION"), textField(rs, "OCCUPATION"), textField(rs, "DEPARTMENT"),
             textField(rs, "DIVISION"),    textField(rs, "GRADE"),      textField(rs, "BRANCHNAME"),
@@ -219,9 +221,9 @@ EmployeeDisplay LoadEmployeeDisplay(Session& session, int64_t lngEmpId, int32_t 
 
 EmployeeDates LoadEmployeeDates(Session& session, int64_t lngEmpId) {
     Recordset rs(session.gConn,
-                 "Select DOJ, DOL, DOB, SALCALCFROM, RETIREMENTDATE, RESIGNATIONDATE, "
-                 "CONFIRMATIONDATE From MAS_EMPLOYEE Where EMPID = " +
-                     std::to_string(lngEmpId));
+                 Sql() << "Select DOJ, DOL, DOB, SALCALCFROM, RETIREMENTDATE, RESIGNATIONDATE, "
+                          "CONFIRMATIONDATE From MAS_EMPLOYEE Where EMPID = "
+                       << lngEmpId);
     if (rs.IsEOF()) return {};
     auto date = [&rs](const char* name) {
         return rs.Fields(name).isNull() ? "" : FnStrSqlDate(rs.Fields(name).toDate());

@@ -15,20 +15,19 @@ void ApplyScreenRights(Session& session, int32_t formId, std::vector<CommandRigh
         std::erase(caption, '&');
         // The stars stand in the stored names too; LIKE takes them as they are.
         const int64_t butId =
-            FnVarValueOrThrow(
-                session,
-                "SELECT BUTID FROM SEC_BUTDET WHERE FORMID = " + std::to_string(formId) +
-                    " AND UPPER(BUTNAME) LIKE '*" + session.gSpChar.FnStrSpLikeSQL(caption) + "*' ",
-                0)
+            FnVarValueOrThrow(session,
+                              Sql() << "SELECT BUTID FROM SEC_BUTDET WHERE FORMID = " << formId
+                                    << " AND UPPER(BUTNAME) LIKE '*"
+                                    << session.gSpChar.FnStrSpLikeSQL(caption) << "*' ",
+                              0)
                 .toInt();
         if (butId == 0) continue;
         const bool allowed =
             FnVarValueOrThrow(
                 session,
-                "SELECT BUTALLOWYN FROM SEC_BUTPER WHERE BUTID = " + std::to_string(butId) +
-                    " AND GROUPID = (SELECT GROUPID from SEC_USERLIST WHERE "
-                    "UPPER(USERNAME)= '" +
-                    session.gSpChar.FnStrSpSQL(user) + "') ",
+                Sql() << "SELECT BUTALLOWYN FROM SEC_BUTPER WHERE BUTID = " << butId
+                      << " AND GROUPID = (SELECT GROUPID from SEC_USERLIST WHERE UPPER(USERNAME)= "
+                      << literal(user) << ") ",
                 0)
                 .toBool();
         command.tag = allowed ? "" : "NA";

@@ -3,11 +3,10 @@
 #include <algorithm>
 
 #include "base/utf8.h"
-#include "session/Session.h"
-#include "session/locks.h"
-
 #include "db/recordset.h"
 #include "db/sql_text.h"
+#include "session/Session.h"
+#include "session/locks.h"
 
 namespace owb {
 
@@ -52,11 +51,11 @@ std::string RowText::insertInto(const std::string& table) const {
         columns += (columns.empty() ? "" : ", ") + column;
         values += (values.empty() ? "" : ", ") + expression;
     }
-    return " INSERT INTO " + table + " (" + columns + ") VALUES (" + values + ")";
+    return Sql() << " INSERT INTO " << table << " (" << columns << ") VALUES (" << values << ")";
 }
 
 std::string RowText::update(const std::string& table, const std::string& where) const {
-    return " UPDATE " + table + " SET " + list(", ", false) + " WHERE " + where;
+    return Sql() << " UPDATE " << table << " SET " << list(", ", false) << " WHERE " << where;
 }
 
 std::string RowText::updateOrInsert(const std::string& table, const RowText& key) const {
@@ -74,7 +73,8 @@ std::string RowText::condition() const {
 ShownRow::ShownRow(Session& session, const std::string& table, const std::string& columns,
                    const std::string& key)
     : table_(table), columns_(columns), key_(key) {
-    Recordset rs(session.gConn, "SELECT " + columns + " FROM " + table + " WHERE " + key);
+    Recordset rs(session.gConn,
+                 Sql() << "SELECT " << columns << " FROM " << table << " WHERE " << key);
     if (rs.IsEOF()) return;
     for (size_t i = 0; i < rs.FieldCount(); ++i)
         cells_.emplace_back(rs.Fields(i).name(), rs.Fields(i).value());
@@ -107,9 +107,8 @@ SaveBatch& SaveBatch::add(const std::string& statements) {
 SaveBatch& SaveBatch::refuseUnless(const std::string& condition, const std::string& text) {
     auto known = std::find(refusals_.begin(), refusals_.end(), text);
     if (known == refusals_.end()) known = refusals_.insert(known, text);
-    return add(" IF NOT (" + condition + ") BEGIN; THROW " + std::to_string(kRefused) +
-               ", 'The save was refused.', " + std::to_string(known - refusals_.begin() + 1) +
-               "; END");
+    return add(Sql() << " IF NOT (" << condition << ") BEGIN; THROW " << kRefused
+                     << ", 'The save was refused.', " << known - refusals_.begin() + 1 << "; END");
 }
 
 SaveBatch& SaveBatch::requireOpen(const Lock& lock) {
@@ -127,8 +126,8 @@ SaveBatch& SaveBatch::requireShown(const ShownRow& row, const std::string& what)
 
 std::string SaveBatch::newKey(const std::string& table, const std::string& column) {
     const std::string key = "@KEY" + std::to_string(++keys_);
-    add(" DECLARE " + key + " int SELECT " + key + " = ISNULL(MAX(" + column + "), 0) + 1 FROM " +
-        table + " WITH (TABLOCKX, HOLDLOCK)");
+    add(Sql() << " DECLARE " << key << " int SELECT " << key << " = ISNULL(MAX(" << column
+              << "), 0) + 1 FROM " << table << " WITH (TABLOCKX, HOLDLOCK)");
     return key;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "session/Session.h"
 #include "session/queries.h"
@@ -14,11 +15,10 @@ namespace {
 DateTime monthBound(Session& session, int32_t lngMonthYear, const char* column,
                     DateTime calendarDate) {
     if (!session.gFeature.CALCINMIDYN) return calendarDate;
-    return FnVarValueOrThrow(
-               session,
-               std::string("SELECT ") + column +
-                   " FROM MAS_MONTHYEAR WHERE MONTHYEAR = " + std::to_string(lngMonthYear),
-               calendarDate)
+    return FnVarValueOrThrow(session,
+                             Sql() << "SELECT " << column
+                                   << " FROM MAS_MONTHYEAR WHERE MONTHYEAR = " << lngMonthYear,
+                             calendarDate)
         .toDate();
 }
 
@@ -26,12 +26,10 @@ DateTime monthBound(Session& session, int32_t lngMonthYear, const char* column,
 
 void GetMonthOfDate(Session& session, const DateTime& date, int32_t& lngMonthYear,
                     std::string& monthName) {
-    const std::string day = FnStrIsoDate(date);
-    Recordset rs(
-        session.gConn,
-        "SELECT MONTHYEAR, [dbo].FnStrMonthName(MONTHYEAR) AS MONTHNAME FROM MAS_MONTHYEAR "
-        "WHERE CALCSTARTDATE <= '" +
-            day + "' AND CALCENDDATE >= '" + day + "'");
+    const std::string day = FnStrIsoLiteral(date);
+    Recordset rs(session.gConn, Sql() << "SELECT MONTHYEAR, [dbo].FnStrMonthName(MONTHYEAR) AS "
+                                         "MONTHNAME FROM MAS_MONTHYEAR WHERE CALCSTARTDATE <= "
+                                      << day << " AND CALCENDDATE >= " << day);
     if (rs.IsEOF()) return;
     lngMonthYear = static_cast<int32_t>(rs.Fields("MONTHYEAR").toInt());
     monthName = rs.Fields("MONTHNAME").toText();

@@ -2,6 +2,7 @@
 
 #include "base/utf8.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "session/Session.h"
 
 namespace owb {
@@ -18,10 +19,10 @@ bool FnBlnExistsOrThrow(Session& session, const std::string& sql) {
 
 bool FnBlnDuplicate(Session& session, const std::string& table, const std::string& keyColumn,
                     const std::string& idColumn, const std::string& value, int64_t ownId) {
-    const std::string text = upperCase(session.gSpChar.FnStrSpSQL(trim(value)));
-    return FnBlnExistsOrThrow(session, "Select " + idColumn + " From " + table + " Where UPPER(" +
-                                           keyColumn + ") ='" + text + "' And " + idColumn +
-                                           " <> " + std::to_string(ownId));
+    return FnBlnExistsOrThrow(session, Sql() << "Select " << idColumn << " From " << table
+                                             << " Where UPPER(" << keyColumn
+                                             << ") =" << literal(upperCase(trim(value))) << " And "
+                                             << idColumn << " <> " << ownId);
 }
 
 std::string FnStrHostPrefix(Session& session) {
