@@ -1,5 +1,6 @@
-// Escaping of texts that go into SQL. Every value that is put into a statement goes through
-// FnStrSpSQL, every LIKE pattern through FnStrSpLikeSQL.
+// Escaping of texts as the family's programs do it, by the dialect that their settings name. This
+// program puts values into a statement with literal() (db/sql_text.h), which knows one dialect; it
+// takes the pattern of a LIKE and the texts of the audit trail from here.
 #pragma once
 
 #include <string>
