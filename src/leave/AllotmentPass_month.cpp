@@ -123,9 +123,10 @@ void AllotmentPass::BuildWorkTable(int32_t lngMonthYear, const std::string& strI
 }
 
 void AllotmentPass::CompensatoryOff() {
-    session_.gConn.Execute(
-        "UPDATE LEV_ALLOTMENT SET ALLOTLEV = " + slice_sql::compensatoryWork("LEV_ALLOTMENT") +
-        " WHERE ALLOTID IN (SELECT ALLOTID FROM " + tmp_.name + " WHERE LEVID = 2)");
+    session_.gConn.Execute(Sql() << "UPDATE LEV_ALLOTMENT SET ALLOTLEV = "
+                                 << slice_sql::compensatoryWork("LEV_ALLOTMENT")
+                                 << " WHERE ALLOTID IN (SELECT ALLOTID FROM " << tmp_.name
+                                 << " WHERE LEVID = 2)");
 }
 
 // A row that fails leaves the month.
@@ -159,35 +160,35 @@ void AllotmentPass::Openings() {
     const std::string from = "'" + dateText(calc_.periods.LeaveStart(), "yyyy/MM/dd") + "'",
                       &tmp = tmp_.name;
     session_.gConn.Execute(
-        "UPDATE " + tmp + " SET TAKENADJ = " + slice_sql::openingTaken(tmp, from) +
-        ", AVAILED = " + slice_sql::openingAvailed(tmp, from) +
-        ", OPBAL = " + slice_sql::openingBalance(tmp) + " WHERE PREVALLOTID = 0 UPDATE " + tmp +
-        " SET COLEV = OPBAL - (AVAILED + TAKENADJ),LAPSE = 0  WHERE PREVALLOTID "
-        "= 0");
+        Sql() << "UPDATE " << tmp << " SET TAKENADJ = " << slice_sql::openingTaken(tmp, from)
+              << ", AVAILED = " << slice_sql::openingAvailed(tmp, from) << ", OPBAL = "
+              << slice_sql::openingBalance(tmp) << " WHERE PREVALLOTID = 0 UPDATE " << tmp
+              << " SET COLEV = OPBAL - (AVAILED + TAKENADJ),LAPSE = 0  WHERE PREVALLOTID = 0");
 }
 
 void AllotmentPass::Closings(int32_t lngMonthYear) {
     const std::string &tmp = tmp_.name, &prev = prev_.name;
     session_.gConn.Execute(prev_.drop);
-    session_.gConn.Execute("SELECT *,[DBO].FNLNGMONTHYEAR(ALLOTFROM, ALLOTTO) AS MONTHYEAR INTO " +
-                           prev + " FROM LEV_ALLOTMENT  WHERE ALLOTID IN(SELECT PREVALLOTID FROM " +
-                           tmp + ")");
+    session_.gConn.Execute(
+        Sql() << "SELECT *,[DBO].FNLNGMONTHYEAR(ALLOTFROM, ALLOTTO) AS MONTHYEAR INTO " << prev
+              << " FROM LEV_ALLOTMENT  WHERE ALLOTID IN(SELECT PREVALLOTID FROM " << tmp << ")");
     session_.gConn.Execute(prev_.key("ALLOTID"));
     // A predecessor that lies before the allot-from date closes at nothing.
     session_.gConn.Execute(
-        "UPDATE " + tmp + " SET OPBAL = -1000 FROM " + tmp + " TMPALLOT, " + prev +
-        " TMPPREV,ATT_DEFINITION AD,LEV_ALLOTFROM LA Where TMPALLOT.PREVALLOTID = TMPPREV.ALLOTID "
-        "And LA.LEVID = AD.LEVID And TMPPREV.EMPID = LA.EMPID AND TMPALLOT.LEVID = LA.LEVID AND "
-        "AD.ALLOTMENTYN = 1 AND LA.ALLOTFROM > TMPPREV.ALLOTTO AND PREVALLOTID <> 0");
+        Sql() << "UPDATE " << tmp << " SET OPBAL = -1000 FROM " << tmp << " TMPALLOT, " << prev
+              << " TMPPREV,ATT_DEFINITION AD,LEV_ALLOTFROM LA Where TMPALLOT.PREVALLOTID = "
+                 "TMPPREV.ALLOTID And LA.LEVID = AD.LEVID And TMPPREV.EMPID = LA.EMPID AND "
+                 "TMPALLOT.LEVID = LA.LEVID AND AD.ALLOTMENTYN = 1 AND LA.ALLOTFROM > "
+                 "TMPPREV.ALLOTTO AND PREVALLOTID <> 0");
     session_.gConn.Execute(
-        "UPDATE " + tmp +
-        " SET CLSBAL = [dbo].FnDblRndOff(ISNULL(TMPPREV.ALLOTLEV, 0) + ISNULL(TMPPREV.COLEV, 0) "
-        "+ " +
-        slice_sql::adjusted("TMPPREV", "TMPPREV.MONTHYEAR") + " - (" +
-        slice_sql::encashed("TMPPREV") + " + " + slice_sql::availed("TMPPREV") +
-        "), LSET.RNDTYPE) FROM " + tmp + " TMPALLOT, " + prev + " TMPPREV" +
-        settingsOf(lngMonthYear) +
-        " AND TMPALLOT.PREVALLOTID = TMPPREV.ALLOTID AND TMPALLOT.OPBAL <> -1000");
+        Sql() << "UPDATE " << tmp
+              << " SET CLSBAL = [dbo].FnDblRndOff(ISNULL(TMPPREV.ALLOTLEV, 0) + "
+                 "ISNULL(TMPPREV.COLEV, 0) + "
+              << slice_sql::adjusted("TMPPREV", "TMPPREV.MONTHYEAR") << " - ("
+              << slice_sql::encashed("TMPPREV") << " + " << slice_sql::availed("TMPPREV")
+              << "), LSET.RNDTYPE) FROM " << tmp << " TMPALLOT, " << prev << " TMPPREV"
+              << settingsOf(lngMonthYear)
+              << " AND TMPALLOT.PREVALLOTID = TMPPREV.ALLOTID AND TMPALLOT.OPBAL <> -1000");
 }
 
 void AllotmentPass::CarryOver(int32_t lngMonthYear) {
@@ -199,13 +200,15 @@ void AllotmentPass::CarryOver(int32_t lngMonthYear) {
     const std::string negative = "ISNULL(LAPSENEGATIVE,0) <> 0 AND " + kept + " < 0";
     const std::string above = "UPPERLIMITYN = 1 AND CLSBAL >= ISNULL(COLIMIT,0)";
     const std::string below = "LOWERLIMITYN = 1 AND CLSBAL < ISNULL(COLOWERLIMIT,0)";
-    session_.gConn.Execute(
-        "UPDATE " + tmp + " SET COLEV = CASE WHEN " + due + " THEN (CASE WHEN " + negative +
-        " THEN 0 ELSE " + kept + " END) WHEN " + above + " THEN ISNULL(COLIMIT,0) WHEN " + below +
-        " THEN 0 ELSE CLSBAL END, LAPSE = CASE WHEN " + due + " THEN (CASE WHEN " + negative +
-        " THEN " + kept + " ELSE CLSBAL - (" + kept + ") END) WHEN " + above +
-        " THEN CLSBAL - ISNULL(COLIMIT,0) WHEN " + below + " THEN CLSBAL ELSE 0 END FROM " + tmp +
-        " TMPALLOT" + settingsOf(lngMonthYear) + " AND COYN = 1");
+    session_.gConn.Execute(Sql() << "UPDATE " << tmp << " SET COLEV = CASE WHEN " << due
+                                 << " THEN (CASE WHEN " << negative << " THEN 0 ELSE " << kept
+                                 << " END) WHEN " << above << " THEN ISNULL(COLIMIT,0) WHEN "
+                                 << below << " THEN 0 ELSE CLSBAL END, LAPSE = CASE WHEN " << due
+                                 << " THEN (CASE WHEN " << negative << " THEN " << kept
+                                 << " ELSE CLSBAL - (" << kept << ") END) WHEN " << above
+                                 << " THEN CLSBAL - ISNULL(COLIMIT,0) WHEN " << below
+                                 << " THEN CLSBAL ELSE 0 END FROM " << tmp << " TMPALLOT"
+                                 << settingsOf(lngMonthYear) << " AND COYN = 1");
 }
 
 // A predecessor of this pass stands in the month before (who has two rows in a month is left out)
@@ -241,20 +244,20 @@ std::string AllotmentPass::WriteBackSql() const {
         " TMPPREV WHERE PV.ALLOTID = TMPALLOT.PREVALLOTID AND TMPPREV.ALLOTID = PV.ALLOTID AND "
         "ISNULL(PV.COLEV, 0) = ISNULL(TMPPREV.COLEV, 0) AND ISNULL(PV.ALLOTLEV, 0) = "
         "ISNULL(TMPPREV.ALLOTLEV, 0)))";
-    return "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 FROM " + tmp +
-           " TMPALLOT,LEV_ALLOTMENT LEVALLOT Where TMPALLOT.EMPID = LEVALLOT.EMPID And "
-           "TMPALLOT.LEVID = LEVALLOT.LEVID And LEVALLOT.ALLOTFROM >= "
-           "DATEADD(DD,1,TMPALLOT.ALLOTTO) AND LEVALLOT.EDITMODEYN <> 1 UPDATE LEV_ALLOTMENT SET "
-           "LAPSE = TMPALLOT.LAPSE FROM " +
-           tmp +
-           " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.PREVALLOTID AND "
-           "ISNULL(LEV.LAPSE, -1000) <> TMPALLOT.LAPSE UPDATE LEV_ALLOTMENT SET COLEV = "
-           "TMPALLOT.COLEV, LAPSE = 0, EDITMODEYN = 0  FROM " +
-           tmp +
-           " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.ALLOTID AND LEV.ALLOTFROM = "
-           "TMPALLOT.ALLOTFROM AND LEV.ALLOTTO = TMPALLOT.ALLOTTO AND LEV.EMPDETID = "
-           "TMPALLOT.EMPDETID AND LEV.ATTHEADID = TMPALLOT.ATTHEADID AND " +
-           same;
+    return Sql() << "UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 FROM " << tmp
+                 << " TMPALLOT,LEV_ALLOTMENT LEVALLOT Where TMPALLOT.EMPID = LEVALLOT.EMPID And "
+                    "TMPALLOT.LEVID = LEVALLOT.LEVID And LEVALLOT.ALLOTFROM >= "
+                    "DATEADD(DD,1,TMPALLOT.ALLOTTO) AND LEVALLOT.EDITMODEYN <> 1 UPDATE "
+                    "LEV_ALLOTMENT SET LAPSE = TMPALLOT.LAPSE FROM "
+                 << tmp
+                 << " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.PREVALLOTID AND "
+                    "ISNULL(LEV.LAPSE, -1000) <> TMPALLOT.LAPSE UPDATE LEV_ALLOTMENT SET COLEV = "
+                    "TMPALLOT.COLEV, LAPSE = 0, EDITMODEYN = 0  FROM "
+                 << tmp
+                 << " TMPALLOT,LEV_ALLOTMENT LEV WHERE LEV.ALLOTID = TMPALLOT.ALLOTID AND "
+                    "LEV.ALLOTFROM = TMPALLOT.ALLOTFROM AND LEV.ALLOTTO = TMPALLOT.ALLOTTO AND "
+                    "LEV.EMPDETID = TMPALLOT.EMPDETID AND LEV.ATTHEADID = TMPALLOT.ATTHEADID AND "
+                 << same;
 }
 
 }  // namespace owb
