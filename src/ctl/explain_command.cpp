@@ -5,6 +5,7 @@
 #include "ctl/json_text.h"
 #include "ctl/reading_session.h"
 #include "db/recordset.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "leave/ExplainAllotment.h"
 #include "session/queries.h"
@@ -61,8 +62,8 @@ class ExplainCommand final : public Command {
         ReadingSession reading(db_);
         Session& session = reading.session;
         const std::string leave =
-            FnVarValueOrThrow(session, "SELECT LEVID FROM ATT_DEFINITION WHERE LEVSHORT = '" +
-                                           session.gSpChar.FnStrSpSQL(leave_) + "'")
+            FnVarValueOrThrow(
+                session, "SELECT LEVID FROM ATT_DEFINITION WHERE LEVSHORT = " + literal(leave_))
                 .toText();
         if (leave.empty()) throw CommandError("there is no leave \"" + leave_ + "\"");
         Recordset rows(session.gConn,

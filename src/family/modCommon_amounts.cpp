@@ -1,3 +1,4 @@
+// Rounding of amounts and of days.
 #include <cmath>
 #include <cstdint>
 

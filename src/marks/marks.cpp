@@ -4,16 +4,13 @@
 #include <set>
 
 #include "base/number_text.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "session/Session.h"
 
 namespace owb {
 
 namespace {
-
-std::string text(int64_t number) {
-    return std::to_string(number);
-}
 
 // The list with leaves 2 and 3 brought in together, in ascending order.
 std::string leavesTogether(const std::string& strLevIds) {
@@ -27,17 +24,17 @@ std::string leavesTogether(const std::string& strLevIds) {
     }
     if (ids.count(2) || ids.count(3)) ids.insert({2, 3});
     std::string list;
-    for (const int id : ids) list += (list.empty() ? "" : ",") + text(id);
+    for (const int id : ids) list += (list.empty() ? "" : ",") + std::to_string(id);
     return list;
 }
 
 }  // namespace
 
 std::string MarkAllotmentDirtySql(int32_t intAttHeadId, int64_t lngEmpId) {
-    std::string sql = " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1";
-    if (intAttHeadId != 0) sql += " WHERE  ATTHEADID = " + text(intAttHeadId);
-    if (lngEmpId != 0)
-        sql += (intAttHeadId != 0 ? " AND EMPID = " : " WHERE EMPID = ") + text(lngEmpId);
+    Sql sql;
+    sql << " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1";
+    if (intAttHeadId != 0) sql << " WHERE  ATTHEADID = " << intAttHeadId;
+    if (lngEmpId != 0) sql << (intAttHeadId != 0 ? " AND" : " WHERE") << " EMPID = " << lngEmpId;
     return sql;
 }
 
@@ -48,14 +45,14 @@ void MarkAllotmentDirty(Session& session, int32_t intAttHeadId, int64_t lngEmpId
 std::string MarkAllotmentDirtyFromSql(DateTime dteFrom, int32_t intAttHeadId,
                                       const std::string& strEmpIds, const std::string& strLevIds) {
     const std::string date = FnStrIsoLiteral(dteFrom);
-    std::string sql =
-        " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE dbo.FnLngMonthYear(ALLOTFROM, ALLOTFROM) "
-        ">= dbo.FnLngMonthYear(" +
-        date + ", " + date + ")";
-    if (!strEmpIds.empty()) sql += " AND EMPID IN (" + strEmpIds + ")";
-    if (intAttHeadId != 0) sql += " AND ATTHEADID = " + text(intAttHeadId);
     const std::string leaves = leavesTogether(strLevIds);
-    if (!leaves.empty()) sql += " AND LEVID IN (" + leaves + ")";
+    Sql sql;
+    sql << " UPDATE LEV_ALLOTMENT SET EDITMODEYN = 1 WHERE dbo.FnLngMonthYear(ALLOTFROM, "
+           "ALLOTFROM) >= dbo.FnLngMonthYear("
+        << date << ", " << date << ")";
+    if (!strEmpIds.empty()) sql << " AND EMPID IN (" << strEmpIds << ")";
+    if (intAttHeadId != 0) sql << " AND ATTHEADID = " << intAttHeadId;
+    if (!leaves.empty()) sql << " AND LEVID IN (" << leaves << ")";
     return sql;
 }
 
@@ -65,10 +62,11 @@ void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHe
 }
 
 std::string MarkSalaryDirtySql(int32_t lngMonthYear, bool blnOnlyThisMonth, int64_t lngEmpId) {
-    std::string sql = " UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1 WHERE MONTHYEAR " +
-                      std::string(blnOnlyThisMonth ? "= " : ">= ") + text(lngMonthYear);
-    if (lngEmpId != 0) sql += " AND EMPID = " + text(lngEmpId);
-    return sql + " UPDATE RMB_MASTER SET EDITMODEYN =1";
+    Sql sql;
+    sql << " UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1 WHERE MONTHYEAR "
+        << (blnOnlyThisMonth ? "= " : ">= ") << lngMonthYear;
+    if (lngEmpId != 0) sql << " AND EMPID = " << lngEmpId;
+    return sql << " UPDATE RMB_MASTER SET EDITMODEYN =1";
 }
 
 void MarkSalaryDirty(Session& session, int32_t lngMonthYear, bool blnOnlyThisMonth,
