@@ -51,7 +51,7 @@ BoundPtr TypedExpressions::predicate(std::string pattern, Args args) {
     return p;
 }
 
-SqlType TypedExpressions::unify(std::vector<BoundPtr*> values) {
+SqlType TypedExpressions::unify(const std::vector<BoundPtr*>& values) {
     SqlType type;
     for (BoundPtr* v : values) type = commonType(type, (*v)->type);
     if (type.kind == SqlKind::Null) type = SqlType::of(SqlKind::Int);

@@ -35,7 +35,7 @@ class TypedExpressions {
     // + - * / % & | ^ (arithmetic.cpp)
     BoundPtr arithmetic(char op, BoundPtr a, BoundPtr b, int line);
     // Brings all to their common type.
-    SqlType unify(std::vector<BoundPtr*> values);
+    SqlType unify(const std::vector<BoundPtr*>& values);
 
     // --- conversions (conversion.cpp) ---
     // The silent one, and that of CAST and CONVERT. `checked`: a value that its new type cannot

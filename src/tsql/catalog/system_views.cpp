@@ -408,7 +408,7 @@ CatalogTablePtr findSystemView(const std::string& schema, const std::string& nam
     return nullptr;
 }
 
-void addSystemViews(Sqlite& sqlite, Catalog& catalog, std::function<bool()> inTransaction) {
+void addSystemViews(Sqlite& sqlite, Catalog& catalog, const std::function<bool()>& inTransaction) {
     for (const View& v : views()) {
         ComputedTable table;
         for (const CatalogColumn& c : v.columns) table.columns.push_back(c.name);

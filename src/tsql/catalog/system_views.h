@@ -11,6 +11,6 @@ namespace owb::tsql {
 CatalogTablePtr findSystemView(const std::string& schema, const std::string& name);
 
 // Makes the views readable on this connection. `inTransaction` tells whether one is open.
-void addSystemViews(Sqlite& sqlite, Catalog& catalog, std::function<bool()> inTransaction);
+void addSystemViews(Sqlite& sqlite, Catalog& catalog, const std::function<bool()>& inTransaction);
 
 }  // namespace owb::tsql
