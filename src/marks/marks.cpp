@@ -61,6 +61,10 @@ void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHe
     session.gConn.Execute(MarkAllotmentDirtyFromSql(dteFrom, intAttHeadId, strEmpIds, strLevIds));
 }
 
+std::string MarkChosenAllotmentSql(const std::string& rows) {
+    return " UPDATE lev_allotment SET EDITMODEYN=1" + rows;
+}
+
 std::string MarkSalaryDirtySql(int32_t lngMonthYear, bool blnOnlyThisMonth, int64_t lngEmpId) {
     Sql sql;
     sql << " UPDATE SLC_SALARYCALC_E SET EDITMODEYN = 1 WHERE MONTHYEAR "

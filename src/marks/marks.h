@@ -58,6 +58,8 @@ std::string MarkAllotmentDirtySql(int32_t intAttHeadId, int64_t lngEmpId);
 // and 3 are one for this: either brings in the other.
 std::string MarkAllotmentDirtyFromSql(DateTime dteFrom, int32_t intAttHeadId,
                                       const std::string& strEmpIds, const std::string& strLevIds);
+// Ledger rows that the user has chosen: `rows` is the FROM and WHERE of them, with a blank first.
+std::string MarkChosenAllotmentSql(const std::string& rows);
 // Salary rows of a month, or from the month on, for one employee (0 all), and the reimbursements.
 std::string MarkSalaryDirtySql(int32_t lngMonthYear, bool blnOnlyThisMonth, int64_t lngEmpId);
 // The same, run at once.

@@ -4,6 +4,7 @@
 #include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "leave/screens/modLeaveProcess.h"
+#include "marks/marks.h"
 #include "session/modEmployeeViews.h"
 #include "session/modRights.h"
 #include "session/months.h"
@@ -147,7 +148,7 @@ void frmLeaveRecalc::cmdRecalculate_Click() {
     ChooseEmployees(session_, employees);
     if (FnVarValueOrThrow(session_, "SELECT COUNT(ALLOTID)" + chosenRows()).toInt() == 0)
         return inform("No leaves to recalculate");
-    session_.gConn.Execute("UPDATE lev_allotment SET EDITMODEYN=1" + chosenRows());
+    if (!save(SaveBatch().add(MarkChosenAllotmentSql(chosenRows())), [] {})) return;
     modLeaveProcess process(session_, frontEnd());
     process.showModal();
     if (process.Succeeded()) inform("Recalculated Successfully");
