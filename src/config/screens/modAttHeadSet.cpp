@@ -89,20 +89,20 @@ void modAttHeadSet::load() {
     hours_.readKey(session_, attHeadId_);
 }
 
-std::optional<Refusal> modAttHeadSet::aboveLimit(const Limit& limit) const {
+std::optional<Refusal> modAttHeadSet::aboveLimit(const Limit& limit) {
     if (limit.box.number() <= limit.largest) return {};
     return Refusal{limit.text, &limit.box};
 }
 
 // The bands' own limits, the bands among each other, then the two limits.
-std::optional<Refusal> modAttHeadSet::check() const {
+std::optional<Refusal> modAttHeadSet::check() {
     const size_t bands = limits_.size() - 2;
     for (size_t i = 0; i < bands; ++i)
         if (auto refusal = aboveLimit(limits_[i])) return refusal;
     struct Rule {
         bool broken;
         const char* text;
-        const NumberBox& field;
+        NumberBox& field;
     };
     const auto outside = [](const NumberBox& cutoff, const NumberBox& min, const NumberBox& max) {
         return cutoff.number() < min.number() || cutoff.number() > max.number();
@@ -122,7 +122,7 @@ std::optional<Refusal> modAttHeadSet::check() const {
            "Full day Maximum can't be lesser than Minimum", txtFullMax},
           {outside(txtFullCutOff, txtFullMin, txtFullMax),
            "Full day cutoff has to be between Minimum and Maximum", txtFullCutOff}})
-        if (rule.broken) return Refusal{rule.text, const_cast<NumberBox*>(&rule.field)};
+        if (rule.broken) return Refusal{rule.text, &rule.field};
     for (size_t i = bands; i < limits_.size(); ++i)
         if (auto refusal = aboveLimit(limits_[i])) return refusal;
     return {};

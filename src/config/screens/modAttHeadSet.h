@@ -50,8 +50,8 @@ class modAttHeadSet final : public SessionScreen {
     Layout layout() override;
     void declareRow();
     void cmdSave_Click();
-    std::optional<Refusal> aboveLimit(const Limit& limit) const;
-    std::optional<Refusal> check() const;
+    static std::optional<Refusal> aboveLimit(const Limit& limit);
+    std::optional<Refusal> check();
     // Whether the save may go on; what it must still find so goes into the batch.
     bool changeAccepted(SaveBatch& batch);
 

@@ -48,7 +48,6 @@ class SessionScreen : public Screen {
     virtual void load() {}
     // The one switch for all that writes: the commands and boxes marked so, and what cells take.
     void setWritable(bool on);
-    bool writable() const { return writable_; }
 
     // Tells a refusal and gives true; false when there is none.
     bool refused(const std::optional<Refusal>& refusal);
