@@ -1,108 +1,139 @@
 #include "qt/grid_delegate.h"
 
-#include <QApplication>
-#include <QComboBox>
-#include <QLineEdit>
+#include <QAbstractItemView>
+#include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
 
-#include "qt/cell_colors.h"
 #include "qt/qt_text.h"
 
 namespace owb {
 
 namespace {
 
-constexpr int kPadding = 5;
-constexpr double kSelectionShare = 0.30;
-
-QColor mixed(const QColor& ground, const QColor& over, double share) {
-    const auto part = [&](int a, int b) { return static_cast<int>(a + (b - a) * share); };
-    return {part(ground.red(), over.red()), part(ground.green(), over.green()),
-            part(ground.blue(), over.blue())};
-}
+constexpr double kSelectionShare = 0.30, kRowShare = 0.07, kHitShare = 0.5;
+constexpr double kVisible = 3.0, kReadable = 4.5;
+constexpr int kBoxSide = 13;
+const QColor kHitColor(255, 214, 0);
 
 }  // namespace
+
+GridDelegate::Standing GridDelegate::standing(const QModelIndex& index, size_t r,
+                                              size_t c) const {
+    const auto block = grid_.cursor.block();
+    const bool chosen = block && (block->several() || grid_.singleRows) &&
+                        block->holds(static_cast<size_t>(index.row()),
+                                     static_cast<size_t>(index.column()));
+    if (grid_.find.isOpen() && grid_.find.isHit(r, c)) return chosen ? ChosenHit : Hit;
+    if (chosen) return Chosen;
+    return static_cast<int>(r) == grid_.currentRow() ? CurrentRow : Plain;
+}
+
+// A legend's colour shows through what is chosen, found, or in the current row.
+const CellColors& GridDelegate::colors(Color back, Color fore, Standing standing,
+                                       const QPalette& palette) const {
+    if (palette_ != palette.cacheKey()) {
+        colors_.clear();
+        palette_ = palette.cacheKey();
+        line_ = lineColor(palette);
+    }
+    const auto [at, made] = colors_.try_emplace({back, fore, standing});
+    if (!made) return at->second;
+    CellColors& colors = at->second;
+    colors = cellColors(back, fore, palette);
+    const QColor highlight = palette.color(QPalette::Highlight);
+    if (standing == Hit || standing == ChosenHit) colors.back = mixed(colors.back, kHitColor, kHitShare);
+    if (standing == Chosen || standing == ChosenHit)
+        colors.back = mixed(colors.back, highlight, kSelectionShare);
+    if (standing == CurrentRow) colors.back = mixed(colors.back, highlight, kRowShare);
+    colors.fore = standingOff(colors.fore, colors.back, kReadable);
+    return colors;
+}
+
+void GridDelegate::paintGround(QPainter& painter, const QStyleOptionViewItem& option, size_t r,
+                               size_t c, const QColor& back) const {
+    painter.fillRect(option.rect, back);
+    if (grid_.backColor(r, c) == kButtonFaceColor)
+        painter.fillRect(option.rect,
+                         QBrush(mixed(back, option.palette.color(QPalette::Text), 0.28),
+                                Qt::BDiagPattern));
+    painter.setPen(line_);
+    painter.drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+    painter.drawLine(option.rect.topRight(), option.rect.bottomRight());
+}
+
+void GridDelegate::paintCheck(QPainter& painter, const QStyleOptionViewItem& option, size_t r,
+                              size_t c, const QColor& back) const {
+    QRect box(0, 0, kBoxSide, kBoxSide);
+    box.moveCenter(option.rect.center());
+    const QColor ink = standingOff(option.palette.color(QPalette::Text), back, kVisible);
+    painter.setPen(grid_.locked(r, c) ? mixed(back, ink, 0.6) : ink);
+    painter.drawRect(box);
+    if (!grid_.checked(r, c)) return;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(ink, 2));
+    const QPoint corner = box.topLeft();
+    painter.drawPolyline(QPolygon({corner + QPoint(3, 6), corner + QPoint(6, 9),
+                                   corner + QPoint(10, 3)}));
+    painter.setRenderHint(QPainter::Antialiasing, false);
+}
 
 void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     const size_t r = model_.row(index), c = model_.column(index);
-    CellColors colors{option.palette.color(QPalette::Base), option.palette.color(QPalette::Text)};
     const Color back = grid_.backColor(r, c), fore = grid_.foreColor(r, c);
-    if (back != kDefaultColor || fore != kDefaultColor)
-        colors = cellColors(back, fore, option.palette);
-    // A legend's colour shows through the selection.
-    const bool selected = option.state & QStyle::State_Selected;
-    if (selected)
-        colors.back =
-            mixed(colors.back, option.palette.color(QPalette::Highlight), kSelectionShare);
-    painter->fillRect(option.rect, colors.back);
+    const CellColors& colors = this->colors(back, fore, standing(index, r, c), option.palette);
+    const bool current = static_cast<int>(r) == grid_.currentRow();
+    paintGround(*painter, option, r, c, colors.back);
 
     const CellType type = grid_.cellType(r, c);
-    const std::string& text = grid_.cell(r, c);
     if (type == CellType::Check) {
-        QStyleOptionButton box;
-        QStyle* style = QApplication::style();
-        box.rect = QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter,
-                                       QSize(style->pixelMetric(QStyle::PM_IndicatorWidth),
-                                             style->pixelMetric(QStyle::PM_IndicatorHeight)),
-                                       option.rect);
-        box.palette = option.palette;
-        box.state = grid_.checked(r, c) ? QStyle::State_On : QStyle::State_Off;
-        if (model_.editable(index)) box.state |= QStyle::State_Enabled;
-        style->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, painter);
-    } else if (!text.empty()) {
+        paintCheck(*painter, option, r, c, colors.back);
+    } else if (!grid_.cell(r, c).empty()) {
+        const bool bold = current && index.column() < model_.frozen();
+        if (bold) {
+            QFont font = option.font;
+            font.setBold(true);
+            painter->setFont(font);
+        }
         painter->setPen(colors.fore);
-        painter->drawText(option.rect.adjusted(kPadding, 0, -kPadding, 0),
-                          static_cast<int>(alignmentOf(grid_.column(c), type)) | Qt::TextSingleLine,
-                          toQt(text));
+        const QRect room = option.rect.adjusted(kPadding, 0, -kPadding, 0);
+        painter->drawText(
+            room, static_cast<int>(alignmentOf(grid_.column(c), type)) | Qt::TextSingleLine,
+            painter->fontMetrics().elidedText(shownText(grid_, r, c), Qt::ElideRight,
+                                              room.width()));
+        if (bold) painter->setFont(option.font);
     }
-    if (option.state & QStyle::State_HasFocus) {
-        painter->setPen(QPen(option.palette.color(QPalette::Highlight), 2));
-        painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
-    }
+    if (!current || static_cast<int>(c) != grid_.currentColumn() || grid_.singleRows) return;
+    // The current cell, thicker while the keys come here; of a list the table marks the whole row.
+    const QWidget* table = option.widget;
+    const bool focused = table->hasFocus() || (table->focusProxy() && table->focusProxy()->hasFocus());
+    painter->setPen(QPen(
+        standingOff(option.palette.color(QPalette::Highlight), colors.back, kVisible),
+        focused ? 2 : 1));
+    painter->drawRect(option.rect.adjusted(focused ? 1 : 0, focused ? 1 : 0, -2, -2));
 }
 
-QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&,
-                                    const QModelIndex& index) const {
-    const size_t r = model_.row(index), c = model_.column(index);
-    const CellType type = grid_.cellType(r, c);
-    if (type == CellType::Check || !route_.begin(index)) return nullptr;
-    if (type == CellType::Combo) {
-        auto* combo = new QComboBox(parent);
-        combo->setEditable(grid_.column(c).editable);
-        for (const std::string& choice : grid_.choices(r, c)) combo->addItem(toQt(choice));
-        combo->setAccessibleName(toQt(grid_.column(c).caption));
-        return combo;
+QSize GridDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    const QFontMetrics metrics(option.font);
+    const int text = metrics.horizontalAdvance(shownText(grid_, model_.row(index),
+                                                         model_.column(index)));
+    return {text + 2 * kPadding + 2, metrics.height()};
+}
+
+bool GridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                             const QStyleOptionViewItem& option, const QModelIndex& index) {
+    if (event->type() == QEvent::ToolTip && index.isValid()) {
+        QStyleOptionViewItem drawn = option;
+        initStyleOption(&drawn, index);
+        QString tip = index.data(Qt::ToolTipRole).toString();
+        if (tip.isEmpty() && sizeHint(drawn, index).width() > option.rect.width())
+            tip = index.data(Qt::DisplayRole).toString();
+        if (tip.isEmpty()) return false;
+        QToolTip::showText(event->globalPos(), tip, view);
+        return true;
     }
-    auto* line = new QLineEdit(parent);
-    line->setFrame(false);
-    line->setAlignment(alignmentOf(grid_.column(c), type));
-    line->setAccessibleName(toQt(grid_.column(c).caption));
-    return line;
-}
-
-void GridDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
-    const QString text = index.data(Qt::EditRole).toString();
-    if (auto* combo = dynamic_cast<QComboBox*>(editor)) {
-        combo->setCurrentIndex(combo->findText(text));
-        if (combo->isEditable()) combo->setEditText(text);
-    } else if (auto* line = dynamic_cast<QLineEdit*>(editor)) {
-        line->setText(text);
-        line->selectAll();
-    }
-}
-
-void GridDelegate::setModelData(QWidget* editor, QAbstractItemModel*,
-                                const QModelIndex& index) const {
-    if (auto* combo = dynamic_cast<QComboBox*>(editor))
-        route_.end(index, combo->currentText());
-    else if (auto* line = dynamic_cast<QLineEdit*>(editor))
-        route_.end(index, line->text());
-}
-
-void GridDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
-                                        const QModelIndex&) const {
-    editor->setGeometry(option.rect);
+    return QStyledItemDelegate::helpEvent(event, view, option, index);
 }
 
 }  // namespace owb

@@ -1,39 +1,47 @@
-// Draws the cells of a grid and makes their editors. Cells are many and a page must be drawn within
-// a frame, so a cell is a filled rectangle and a text and asks the style for nothing but check
-// boxes.
+// Draws the cells of a grid. Cells are many and a page must be drawn within a frame, so a cell is a
+// filled rectangle, two lines and a text, and asks the toolkit's style for nothing.
 #pragma once
 
 #include <QStyledItemDelegate>
-#include <functional>
+#include <map>
+#include <tuple>
 
+#include "qt/cell_colors.h"
 #include "qt/grid_model.h"
 
 namespace owb {
 
 class GridDelegate final : public QStyledItemDelegate {
   public:
-    // What the user's edit goes through: begins one (false: the cell takes none), ends it.
-    struct Route {
-        std::function<bool(const QModelIndex&)> begin;
-        std::function<void(const QModelIndex&, const QString&)> end;
-    };
-    GridDelegate(const Grid& grid, const GridModel& model, Route route, QObject* parent)
-        : QStyledItemDelegate(parent), grid_(grid), model_(model), route_(std::move(route)) {}
+    GridDelegate(const Grid& grid, const GridModel& model, QObject* parent)
+        : QStyledItemDelegate(parent), grid_(grid), model_(model) {}
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
-    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
-                          const QModelIndex& index) const override;
-    void setEditorData(QWidget* editor, const QModelIndex& index) const override;
-    void setModelData(QWidget* editor, QAbstractItemModel* model,
-                      const QModelIndex& index) const override;
-    void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
-                              const QModelIndex& index) const override;
+    // With the room around the text, so that a column fitted to it shows it whole.
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    // A tip of the screen's, or the whole text where it is cut.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
+
+    static constexpr int kPadding = 4;
 
   private:
+    enum Standing { Plain, CurrentRow, Chosen, Hit, ChosenHit };
+    const CellColors& colors(Color back, Color fore, Standing standing,
+                             const QPalette& palette) const;
+    Standing standing(const QModelIndex& index, size_t r, size_t c) const;
+    void paintGround(QPainter& painter, const QStyleOptionViewItem& option, size_t r, size_t c,
+                     const QColor& back) const;
+    void paintCheck(QPainter& painter, const QStyleOptionViewItem& option, size_t r, size_t c,
+                    const QColor& back) const;
+
     const Grid& grid_;
     const GridModel& model_;
-    Route route_;
+    // Contrast is dear to work out, and few kinds of cells make a page.
+    mutable std::map<std::tuple<Color, Color, Standing>, CellColors> colors_;
+    mutable QColor line_;
+    mutable qint64 palette_ = 0;
 };
 
 }  // namespace owb

@@ -1,7 +1,6 @@
 #include "qt/grid_model.h"
 
-#include "base/date_time.h"
-#include "base/utf8.h"
+#include "base/number_text.h"
 #include "qt/qt_text.h"
 
 namespace owb {
@@ -13,85 +12,45 @@ Qt::Alignment alignmentOf(const GridColumn& column, CellType type) {
     return Qt::AlignLeft | Qt::AlignVCenter;
 }
 
-void GridModel::collect() {
-    shape_ = grid_.shape();
-    content_ = grid_.content();
-    rows_.clear();
-    for (size_t r = 0; r < grid_.rowCount(); ++r)
-        if (!grid_.rowHidden(r)) rows_.push_back(r);
-    columns_.clear();
-    for (size_t c = 0; c < grid_.columnCount(); ++c)
-        if (!grid_.column(c).hidden) columns_.push_back(c);
-    if (sortColumn_ && *sortColumn_ >= grid_.columnCount()) sortColumn_.reset();
-    if (sortColumn_) sortRows();
+QString shownText(const Grid& grid, size_t row, size_t c) {
+    const std::string& text = grid.cell(row, c);
+    return toQt(grid.column(c).amount && !text.empty() ? groupIndian(text) : text);
 }
 
 bool GridModel::sync() {
-    if (shape_ != grid_.shape()) {
+    if (version_ != grid_.sight.version()) {
         beginResetModel();
-        collect();
+        version_ = grid_.sight.version();
         endResetModel();
         return true;
     }
     if (content_ != grid_.content()) {
         content_ = grid_.content();
-        if (!rows_.empty() && !columns_.empty())
+        if (rowCount() > 0 && columnCount() > 0)
             Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
     }
     return false;
 }
 
-void GridModel::order(std::optional<int> column, Qt::SortOrder direction) {
-    beginResetModel();
-    sortColumn_.reset();
-    if (column) sortColumn_ = gridColumn(*column);
-    direction_ = direction;
-    collect();
-    endResetModel();
-}
-
-void GridModel::sortRows() {
-    const size_t c = *sortColumn_;
-    const CellType type = grid_.column(c).type;
-    const auto dayOf = [&](size_t row) {
-        const auto date = parseTypedDate(grid_.cell(row, c));
-        return date ? date->day : 0;
-    };
-    const auto before = [&](size_t a, size_t b) {
-        if (type == CellType::Number) return grid_.number(a, c) < grid_.number(b, c);
-        if (type == CellType::Date) return dayOf(a) < dayOf(b);
-        return compareText(grid_.cell(a, c), grid_.cell(b, c)) < 0;
-    };
-    std::stable_sort(rows_.begin(), rows_.end(), [&](size_t a, size_t b) {
-        return direction_ == Qt::AscendingOrder ? before(a, b) : before(b, a);
-    });
-}
-
 QModelIndex GridModel::indexOf(int row, int column) const {
-    const auto r = std::find(rows_.begin(), rows_.end(), static_cast<size_t>(row));
-    const auto c = std::find(columns_.begin(), columns_.end(), static_cast<size_t>(column));
-    if (row < 0 || column < 0 || r == rows_.end()) return {};
-    // A current column that is hidden still has its row.
-    const auto shown = c == columns_.end() ? 0 : c - columns_.begin();
-    return index(static_cast<int>(r - rows_.begin()), static_cast<int>(shown));
+    if (row < 0 || column < 0) return {};
+    const auto r = grid_.sight.placeOfRow(static_cast<size_t>(row));
+    if (!r || columnCount() == 0) return {};
+    // A current column that is out of sight still has its row.
+    const size_t c = grid_.sight.placeOfColumn(static_cast<size_t>(column)).value_or(0);
+    return index(static_cast<int>(*r), static_cast<int>(c));
 }
 
 bool GridModel::editable(const QModelIndex& index) const {
     return index.isValid() && grid_.takesInput() && !grid_.locked(row(index), column(index));
 }
 
-int GridModel::frozen() const {
-    int count = 0;
-    for (const size_t c : columns_) count += c < grid_.frozenColumns;
-    return count;
-}
-
 int GridModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+    return parent.isValid() ? 0 : static_cast<int>(grid_.sight.rows().size());
 }
 
 int GridModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(columns_.size());
+    return parent.isValid() ? 0 : static_cast<int>(grid_.sight.columns().size());
 }
 
 QVariant GridModel::data(const QModelIndex& index, int role) const {
@@ -99,7 +58,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
     switch (role) {
         case Qt::DisplayRole:
         case Qt::EditRole:
-            return toQt(grid_.cell(r, c));
+            return shownText(grid_, r, c);
         case Qt::ToolTipRole:
             return grid_.cellToolTip ? toQt(grid_.cellToolTip(r, c)) : QString();
         default:
@@ -113,13 +72,13 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
     const GridColumn& column = grid_.column(c);
     switch (role) {
         case Qt::DisplayRole:
+            return toQt(column.heading.empty() ? column.caption : column.heading);
+        case Qt::AccessibleTextRole:
             return toQt(column.caption);
-        case Qt::TextAlignmentRole:
-            return QVariant::fromValue(alignmentOf(column, column.type));
         case Qt::ToolTipRole:
-            if (column.toolTip.empty() && grid_.cellToolTip)
-                return toQt(grid_.cellToolTip(Grid::kHeader, c));
-            return toQt(column.toolTip);
+            if (!column.toolTip.empty()) return toQt(column.toolTip);
+            if (grid_.cellToolTip) return toQt(grid_.cellToolTip(Grid::kHeader, c));
+            return column.heading.empty() ? QString() : toQt(column.caption);
         default:
             return {};
     }

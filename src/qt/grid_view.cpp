@@ -1,247 +1,293 @@
 #include "qt/grid_view.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
+#include <QApplication>
+#include <QBasicTimer>
 #include <QHeaderView>
 #include <QMenu>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QVBoxLayout>
 
-#include "base/number_text.h"
-#include "base/utf8.h"
+#include "qt/grid_bars.h"
 #include "qt/grid_delegate.h"
+#include "qt/grid_editor.h"
+#include "qt/grid_filter.h"
 #include "qt/grid_model.h"
 #include "qt/grid_table.h"
 #include "qt/qt_text.h"
 #include "qt/screen_window.h"
 #include "qt/window_memory.h"
+#include "screen/grid_menu.h"
 
 namespace owb {
 
 namespace {
 
-constexpr int kColumnRoom = 14;
+constexpr int kColumnRoom = 12;
 
-class GridView final : public ControlView, private GridTable::Owner {
+class GridView final : public ControlView, private GridTable::Owner, private GridEditor::Owner {
   public:
     GridView(ScreenWindow& window, Grid& grid)
-        : ControlView(window, grid),
-          grid_(grid),
-          model_(grid),
-          table_(new GridTable(model_, *this)) {
-        attach(table_);
-        for (GridTable* table : {table_, table_->frozen()}) {
-            // Each has a delegate of its own: one that is shared would tell both of every editor.
-            table->setItemDelegate(new GridDelegate(
-                grid, model_,
-                {[this](const QModelIndex& at) { return beginEdit(at); },
-                 [this](const QModelIndex& at, const QString& text) { endEdit(at, text); }},
-                table));
-            table->setSelectionBehavior(grid.singleRows ? QTableView::SelectRows
-                                                        : QTableView::SelectItems);
-            table->setContextMenuPolicy(Qt::CustomContextMenu);
-            connect(table, &QTableView::customContextMenuRequested, this,
-                    [this, table](const QPoint& at) { openMenu(*table, at); });
-            connect(table, &QTableView::clicked, this,
-                    [this](const QModelIndex& at) { clicked(at); });
-            connect(table, &QTableView::doubleClicked, this,
-                    [this](const QModelIndex& at) { doubleClicked(at); });
-        }
+        : ControlView(window, grid), grid_(grid), model_(grid), panel_(new QWidget) {
+        auto* column = new QVBoxLayout(panel_);
+        column->setContentsMargins(0, 0, 0, 0);
+        column->setSpacing(0);
+        const GridDeed act = [this](const std::function<void()>& deed) { return run(deed); };
+        table_ = new GridTable(grid_, model_, *this, nullptr);
+        chips_ = new GridChips(grid_, act);
+        totals_ = new GridTotals(grid_, *table_);
+        find_ = new GridFindBar(grid_, act, [this] { table_->setFocus(); });
+        for (QWidget* part : std::initializer_list<QWidget*>{chips_, table_, totals_, find_})
+            column->addWidget(part, part == table_ ? 1 : 0);
+        attach(panel_, table_);
+        // The table is what bears the control's name and takes its focus.
+        panel_->setFocusProxy(table_);
+        panel_->setObjectName(toQt(grid.name() + "Panel"));
+        table_->setObjectName(toQt(grid.name()));
+        table_->setAccessibleName(panel_->accessibleName());
+        for (GridTable* table : {table_, table_->frozen()}) listenTo(*table);
         connect(table_->selectionModel(), &QItemSelectionModel::currentChanged, this,
-                [this](const QModelIndex& at) { moved(at); });
-        connect(table_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-                [this] { sayTotals(); });
+                [this](const QModelIndex& at) {
+                    if (at.isValid()) run([&] { grid_.goTo(model_.row(at), model_.column(at)); });
+                });
         layColumns();
     }
-    ~GridView() override { rememberColumns(); }
+    ~GridView() override {
+        for (GridEditor* editor : {editor_, frozenEditor_})
+            if (editor != nullptr) editor->disconnect();
+        rememberColumns();
+    }
+    void commit() override {
+        if (grid_.entry.busy()) grid_.entry.commit();
+    }
 
   private:
-    // --- in step with the model ---
+    void listenTo(GridTable& table) {
+        table.setItemDelegate(new GridDelegate(grid_, model_, &table));
+        table.setSelectionBehavior(QTableView::SelectItems);
+        connect(&table, &QTableView::customContextMenuRequested, this,
+                [this, &table](const QPoint& at) { openMenu(table, at); });
+        QHeaderView* header = table.horizontalHeader();
+        connect(header, &QHeaderView::sectionClicked, this, [this](int section) {
+            run([&] { grid_.sight.sortNext(model_.gridColumn(section)); });
+            if (table_->currentIndex().isValid()) table_->scrollTo(table_->currentIndex());
+        });
+        connect(header, &QHeaderView::customContextMenuRequested, this,
+                [this, header](const QPoint& at) {
+                    openColumnMenu(header->logicalIndexAt(at), header->mapToGlobal(at));
+                });
+        connect(header, &QHeaderView::sectionMoved, this,
+                [this, header](int section, int from, int to) {
+                    const QSignalBlocker quiet(header);
+                    header->moveSection(to, from);  // the sight's order is the one that counts
+                    const size_t before = static_cast<size_t>(to > from ? to + 1 : to);
+                    const size_t c = model_.gridColumn(section);
+                    run([&] { grid_.sight.moveColumn(c, before); });
+                });
+    }
+
+    // --- in step with the grid ---
     void show() override {
         const QSignalBlocker quiet(table_->selectionModel());
         const int scrolled = table_->verticalScrollBar()->value();
-        if (model_.sync()) {
-            if (columnsShown_ != columnsOfModel()) layColumns();
-            table_->layFrozen();
+        table_->applyZoom();
+        const bool changed = model_.sync();
+        if (changed || columnsShown_ != grid_.sight.columns() || zoomShown_ != grid_.zoom) {
+            rememberColumns();
+            layColumns();
             table_->verticalScrollBar()->setValue(scrolled);
+        } else if (frozenShown_ != grid_.sight.frozen()) {
+            table_->layFrozen();
         }
+        frozenShown_ = grid_.sight.frozen();
         const QModelIndex now = model_.indexOf(grid_.currentRow(), grid_.currentColumn());
-        if (!now.isValid()) {
-            if (table_->currentIndex().isValid()) table_->selectionModel()->clear();
-        } else if (now != table_->currentIndex()) {
-            table_->setCurrentIndex(now);
+        if (now != table_->currentIndex() || changed) {
+            table_->selectionModel()->setCurrentIndex(now, QItemSelectionModel::NoUpdate);
+            if (now.isValid()) table_->scrollTo(now);
         }
-        table_->viewport()->update();
-        table_->frozen()->viewport()->update();
+        table_->updateAll();
+        chips_->sync();
+        totals_->sync();
+        find_->sync();
+        syncEditor();
+        tell();
     }
 
-    std::vector<size_t> columnsOfModel() const {
-        std::vector<size_t> columns;
-        for (int c = 0; c < model_.columnCount(); ++c) columns.push_back(model_.gridColumn(c));
-        return columns;
+    void tell() {
+        const Grid::Said& said = grid_.said();
+        const std::string summary = grid_.cursor.summary();
+        window().say(toQt(said.text.empty() ? summary : said.text), said.refusal);
     }
 
+    // The editor lies in the table that shows the column.
+    void syncEditor() {
+        const QModelIndex at = grid_.entry.busy()
+                                   ? model_.indexOf(static_cast<int>(grid_.entry.row()),
+                                                    static_cast<int>(grid_.entry.column()))
+                                   : QModelIndex();
+        const bool fixed = at.isValid() && at.column() < model_.frozen();
+        for (const bool inFrozen : {false, true}) {
+            GridEditor*& editor = inFrozen ? frozenEditor_ : editor_;
+            GridTable* table = inFrozen ? table_->frozen() : table_;
+            if (at.isValid() && inFrozen == fixed) {
+                if (editor == nullptr) editor = new GridEditor(grid_, *this, table->viewport());
+                editor->sync(table->visualRect(at));
+            } else if (editor != nullptr && editor->isVisibleTo(table)) {
+                const bool had = editor->hasFocus();
+                editor->away();
+                if (had) table_->setFocus(Qt::OtherFocusReason);
+            }
+        }
+    }
+
+    // --- columns ---
     void layColumns() {
-        columnsShown_ = columnsOfModel();
+        columnsShown_ = grid_.sight.columns();
+        zoomShown_ = grid_.zoom;
         const int digit = table_->fontMetrics().horizontalAdvance('0');
-        defaultWidths_.clear();
-        for (int c = 0; c < model_.columnCount(); ++c) {
-            const GridColumn& column = grid_.column(model_.gridColumn(c));
-            const int caption =
-                table_->fontMetrics().horizontalAdvance(toQt(column.caption)) + kColumnRoom;
-            defaultWidths_.push_back(std::max(column.width * digit + kColumnRoom, caption));
+        if (widths_.size() != grid_.columnCount()) {
+            widths_ = window().memory().columns(memoryName(), grid_.columnCount());
+            if (widths_.empty()) widths_.assign(grid_.columnCount(), 0);
+            for (size_t c = 0; c < widths_.size(); ++c)
+                if (widths_[c] < 0) grid_.sight.hideColumn(c, true);
+            model_.sync();
+            columnsShown_ = grid_.sight.columns();
         }
-        const std::vector<int> held =
-            window().memory().columns(memoryName(), defaultWidths_.size());
-        for (int c = 0; c < model_.columnCount(); ++c) {
-            const int width = held.empty() || held[static_cast<size_t>(c)] == 0
-                                  ? defaultWidths_[static_cast<size_t>(c)]
-                                  : held[static_cast<size_t>(c)];
-            table_->setColumnWidth(c, std::abs(width));
-            table_->setColumnHidden(c, width < 0);
+        ownWidths_.assign(grid_.columnCount(), 0);
+        for (int place = 0; place < model_.columnCount(); ++place) {
+            const size_t c = model_.gridColumn(place);
+            ownWidths_[c] = std::max(grid_.column(c).width * digit + kColumnRoom,
+                                     headerWidth(place));
+            const int held = std::abs(widths_[c]) * grid_.zoom / 100;
+            table_->setColumnWidth(place, held > 0 ? held : ownWidths_[c]);
         }
         table_->layFrozen();
     }
-
+    int headerWidth(int place) const {
+        return table_->horizontalHeader()->sectionSizeHint(place);
+    }
     std::string memoryName() { return window().screen().name() + "." + grid_.name(); }
 
-    // 0 for a column as the screen has it.
+    // 0 for a column as the screen has it, negative for one that the user has hidden.
     void rememberColumns() {
-        std::vector<int> widths;
+        if (widths_.size() != grid_.columnCount() || zoomShown_ != 100) return;
         bool changed = false;
-        for (size_t c = 0; c < defaultWidths_.size(); ++c) {
-            const int at = static_cast<int>(c);
-            // A hidden column is 0 wide.
-            const int width =
-                table_->isColumnHidden(at) ? -defaultWidths_[c] : table_->columnWidth(at);
-            // The last one takes the room that is left.
-            const bool last = c + 1 == defaultWidths_.size() && width > 0;
-            widths.push_back(last || width == defaultWidths_[c] ? 0 : width);
-            changed = changed || widths.back() != 0;
+        for (size_t c = 0; c < widths_.size(); ++c) {
+            if (grid_.sight.columnHidden(c)) {
+                widths_[c] = -std::max(std::abs(widths_[c]), 1);
+            } else {
+                const auto at = std::find(columnsShown_.begin(), columnsShown_.end(), c);
+                // The last one takes the room that is left.
+                if (at == columnsShown_.end() || at + 1 == columnsShown_.end()) continue;
+                const int width = table_->columnWidth(static_cast<int>(at - columnsShown_.begin()));
+                widths_[c] = width == ownWidths_[c] ? 0 : width;
+            }
+            changed = changed || widths_[c] != 0;
         }
-        if (changed || !window().memory().columns(memoryName(), widths.size()).empty())
-            window().memory().rememberColumns(memoryName(), widths);
+        if (changed || !window().memory().columns(memoryName(), widths_.size()).empty())
+            window().memory().rememberColumns(memoryName(), widths_);
     }
 
     // --- what the user does ---
-    void moved(const QModelIndex& at) {
-        if (!at.isValid()) return;
-        refused_ = false;
-        const size_t r = model_.row(at), c = model_.column(at);
-        if (!window().act(grid_, [&] { grid_.goTo(r, c); })) show();
+    bool run(const std::function<void()>& deed) {
+        const bool taken = window().act(grid_, deed);
+        if (!taken) show();
+        return taken;
     }
-    void clicked(const QModelIndex& at) {
-        const size_t r = model_.row(at), c = model_.column(at);
-        window().act(grid_, [&] { grid_.clickCell(r, c); });
-        toggled(table_->currentIndex());
-    }
-    void doubleClicked(const QModelIndex& at) {
-        const size_t r = model_.row(at), c = model_.column(at);
-        if (grid_.onCellDoubleClick) window().act(grid_, [&] { grid_.doubleClickCell(r, c); });
-    }
-    void pressed(const QModelIndex& at) override {
-        if (at.isValid()) doubleClicked(at);
-    }
-    bool toggled(const QModelIndex& at) override {
-        if (!at.isValid()) return false;
-        const size_t r = model_.row(at), c = model_.column(at);
-        if (grid_.cellType(r, c) != CellType::Check) return false;
-        told([&](std::string& reason) { return grid_.check(r, c, !grid_.checked(r, c), reason); });
-        return true;
-    }
-    bool beginEdit(const QModelIndex& at) {
-        const size_t r = model_.row(at), c = model_.column(at);
-        return told([&](std::string& reason) { return grid_.beginEdit(r, c, reason); });
-    }
-    void endEdit(const QModelIndex& at, const QString& text) {
-        const size_t r = model_.row(at), c = model_.column(at);
-        told([&](std::string& reason) { return grid_.endEdit(r, c, fromQt(text), reason); });
-    }
-    // Runs an entry and says why it was refused.
-    template <typename Entry>
-    bool told(Entry entry) {
-        std::string reason;
-        bool done = false;
-        if (!window().act(grid_, [&] { done = entry(reason); })) return false;
-        refused_ = !done;
-        window().say(toQt(reason), refused_);
-        return done;
-    }
-    bool refused() const override { return refused_; }
-
-    // --- blocks ---
-    std::vector<int> shownColumns(const QItemSelection& selection) const {
-        std::vector<int> columns;
-        for (int c = 0; c < model_.columnCount(); ++c)
-            if (!table_->isColumnHidden(c) &&
-                std::any_of(selection.begin(), selection.end(), [&](const auto& range) {
-                    return range.left() <= c && c <= range.right();
-                }))
-                columns.push_back(c);
-        return columns;
-    }
-    void copyCells() override {
-        const QItemSelection selection = table_->selectionModel()->selection();
-        if (selection.isEmpty()) return;
-        int top = model_.rowCount(), bottom = -1;
-        for (const QItemSelectionRange& range : selection) {
-            top = std::min(top, range.top());
-            bottom = std::max(bottom, range.bottom());
+    bool pressed(const std::string& key) override {
+        if (key == "Ctrl+Shift+L") {
+            const QRect cell = table_->visualRect(table_->currentIndex());
+            openColumnMenu(table_->currentIndex().column(),
+                           table_->viewport()->mapToGlobal(cell.bottomLeft()));
+            return true;
         }
-        const std::vector<int> columns = shownColumns(selection);
-        QString text;
-        for (int r = top; r <= bottom; ++r) {
-            QStringList line;
-            for (const int c : columns)
-                line << toQt(grid_.cell(model_.row(model_.index(r, c)), model_.gridColumn(c)));
-            text += line.join('\t') + '\n';
-        }
-        QGuiApplication::clipboard()->setText(text);
+        if (key == "Ctrl+Shift+F") return chooseFilter(table_->currentIndex().column()), true;
+        bool taken = false;
+        run([&] { taken = grid_.key(key); });
+        return taken;
     }
-    void pasteCells() override {
-        const QModelIndex from = table_->currentIndex();
-        if (!from.isValid()) return;
-        QString text = QGuiApplication::clipboard()->text().remove('\r');
-        if (text.endsWith('\n')) text.chop(1);
-        std::vector<int> columns;
-        for (int c = from.column(); c < model_.columnCount(); ++c)
-            if (!table_->isColumnHidden(c)) columns.push_back(c);
-        std::vector<Grid::CellText> targets;
-        const QStringList lines = text.split('\n');
-        for (int r = 0; r < lines.size(); ++r) {
-            const QStringList cells = lines[r].split('\t');
-            for (int c = 0; c < cells.size(); ++c) {
-                if (from.row() + r >= model_.rowCount() || c >= static_cast<int>(columns.size()))
-                    return window().say("The block is larger than what is left of the grid.", true);
-                const QModelIndex at =
-                    model_.index(from.row() + r, columns[static_cast<size_t>(c)]);
-                targets.push_back({model_.row(at), model_.column(at), fromQt(cells[c])});
-            }
-        }
-        told([&](std::string& reason) { return grid_.paste(targets, reason); });
+    void typed(const std::string& text) override {
+        run([&] { grid_.entry.type(text); });
+        typing_.start(kTypingPause, this);
     }
-    void sayTotals() {
-        size_t count = 0, numbers = 0;
-        double sum = 0;
-        for (const QItemSelectionRange& range : table_->selectionModel()->selection())
-            for (int c = range.left(); c <= range.right(); ++c) {
-                if (table_->isColumnHidden(c)) continue;
-                const size_t column = model_.gridColumn(c);
-                for (int r = range.top(); r <= range.bottom(); ++r) {
-                    const size_t row = model_.row(model_.index(r, c));
-                    if (grid_.cell(row, column).empty()) continue;
-                    ++count;
-                    if (grid_.cellType(row, column) != CellType::Number) continue;
-                    ++numbers;
-                    sum += grid_.number(row, column);
-                }
-            }
-        QString text;
-        const bool wholeRow =
-            grid_.singleRows && table_->selectionModel()->selectedRows().size() < 2;
-        if (count > 1 && !wholeRow) text = "Count " + QString::number(count);
-        if (!text.isEmpty() && numbers > 0) text += "     Sum " + toQt(formatNumber(sum, "0.00"));
-        window().say(text);
+    void timerEvent(QTimerEvent*) override {
+        typing_.stop();
+        grid_.find.endTyping();
+    }
+    void textEdited(const std::string& text) override {
+        run([&] { grid_.entry.setText(text); });
+    }
+    void candidateClicked(int candidate) override {
+        run([&] { grid_.entry.choose(static_cast<size_t>(candidate)); });
+    }
+    void editorLeft() override {
+        if (!grid_.entry.busy() || !window().waitsForInput()) return;
+        if (panel_->isAncestorOf(QApplication::focusWidget())) return;
+        run([&] {
+            if (!grid_.entry.commit()) window().screen().setFocus(grid_);
+        });
+    }
+    void focusLeaves(bool forward) override {
+        table_->setFocus(Qt::OtherFocusReason);
+        // From the last part of the panel on, so that no bar of the grid itself is next.
+        QWidget* next = table_;
+        do {
+            next = forward ? next->nextInFocusChain() : next->previousInFocusChain();
+        } while (next != table_ && (panel_->isAncestorOf(next) || next == panel_ ||
+                                    !(next->focusPolicy() & Qt::TabFocus) || !next->isVisible() ||
+                                    !next->isEnabled() || next->window() != &window()));
+        next->setFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    }
+    void mousePressed(const QModelIndex& at, bool extends) override {
+        const size_t r = model_.row(at), c = model_.column(at);
+        run([&] {
+            if (extends)
+                grid_.cursor.extendTo(static_cast<size_t>(at.row()),
+                                      static_cast<size_t>(at.column()));
+            else if (grid_.goTo(r, c))
+                grid_.cursor.collapse();
+        });
+        if (!grid_.entry.busy()) table_->setFocus(Qt::MouseFocusReason);
+    }
+    void mouseDragged(const QModelIndex& at) override {
+        run([&] {
+            grid_.cursor.extendTo(static_cast<size_t>(at.row()), static_cast<size_t>(at.column()));
+        });
+    }
+    void mouseClicked(const QModelIndex& at) override {
+        const size_t r = model_.row(at), c = model_.column(at);
+        if (grid_.entry.busy()) return;
+        run([&] {
+            grid_.clickCell(r, c);
+            if (r < grid_.rowCount() && grid_.cellType(r, c) == CellType::Check)
+                grid_.entry.type(" ");
+        });
+    }
+    void mouseClickedTwice(const QModelIndex& at) override {
+        const size_t r = model_.row(at), c = model_.column(at);
+        run([&] {
+            if (grid_.onCellDoubleClick)
+                grid_.doubleClickCell(r, c);
+            else if (grid_.cellType(r, c) == CellType::Check)
+                grid_.entry.type(" ");
+            else if (grid_.goTo(r, c) && !grid_.locked(r, c))
+                grid_.entry.edit();
+        });
+    }
+    void handleDropped(const QModelIndex& at) override {
+        run([&] {
+            grid_.blocks.fillTo(static_cast<size_t>(at.row()), static_cast<size_t>(at.column()));
+        });
+    }
+    void zoomed(bool in) override {
+        run([&] { grid_.entry.press(in ? "Ctrl++" : "Ctrl+-"); });
+    }
+    void viewMoved() override {
+        const int row = table_->verticalHeader()->defaultSectionSize();
+        grid_.cursor.pageRows =
+            static_cast<size_t>(std::max(1, table_->viewport()->height() / std::max(row, 1) - 1));
+        totals_->update();
+        if (editor_ != nullptr || frozenEditor_ != nullptr) syncEditor();
     }
 
     // --- menus ---
@@ -250,52 +296,68 @@ class GridView final : public ControlView, private GridTable::Owner {
         const QPoint place = table.viewport()->mapToGlobal(at);
         if (index.isValid()) {
             const size_t r = model_.row(index), c = model_.column(index);
-            window().act(grid_, [&] { grid_.rightClickCell(r, c); });
+            run([&] { grid_.rightClickCell(r, c); });
         }
         if (!window().openMenu(grid_, place)) openColumnMenu(index.column(), place);
     }
-
-    void openColumnMenu(int column, const QPoint& at) override {
+    void openColumnMenu(int place, const QPoint& at) {
+        std::optional<size_t> column;
+        if (place >= 0) column = model_.gridColumn(place);
         QMenu menu(table_);
-        if (column >= 0) {
-            menu.addAction("Sort &ascending", [=, this] { order(column, Qt::AscendingOrder); });
-            menu.addAction("Sort &descending", [=, this] { order(column, Qt::DescendingOrder); });
-        }
-        menu.addAction("&Order of the screen", [this] { order({}, Qt::AscendingOrder); });
-        menu.addSeparator();
-        menu.addAction("&Copy", QKeySequence::Copy, [this] { copyCells(); });
-        menu.addAction("&Paste", QKeySequence::Paste, [this] { pasteCells(); });
-        menu.addSeparator();
-        QMenu* columns = menu.addMenu("Co&lumns");
-        const int shown = model_.columnCount() - table_->horizontalHeader()->hiddenSectionCount();
-        for (int c = 0; c < model_.columnCount(); ++c) {
-            QAction* action =
-                columns->addAction(toQt(grid_.column(model_.gridColumn(c)).caption), [=, this] {
-                    table_->setColumnHidden(c, !table_->isColumnHidden(c));
-                    table_->layFrozen();
-                });
-            action->setCheckable(true);
-            action->setChecked(!table_->isColumnHidden(c));
-            action->setEnabled(table_->isColumnHidden(c) || shown > 1);
-        }
+        addOwnItems(menu, column);
         menu.exec(at);
     }
-
-    void order(std::optional<int> column, Qt::SortOrder direction) {
-        const QSignalBlocker quiet(table_->selectionModel());
-        model_.order(column, direction);
-        QHeaderView* header = table_->horizontalHeader();
-        header->setSortIndicatorShown(column.has_value());
-        if (column) header->setSortIndicator(*column, direction);
-        show();
+    void addOwnItems(QMenu& menu, std::optional<size_t> column) {
+        fill(menu, gridMenu(grid_, column));
+        if (!column) return;
+        menu.addAction("F&ilter...", QKeySequence("Ctrl+Shift+F"), this, [this, c = *column] {
+            if (const auto at = grid_.sight.placeOfColumn(c)) chooseFilter(static_cast<int>(*at));
+        });
     }
+    void fill(QMenu& menu, const std::vector<GridMenuItem>& items) {
+        for (const GridMenuItem& item : items) {
+            if (item.caption == "-") {
+                menu.addSeparator();
+            } else if (!item.below.empty()) {
+                fill(*menu.addMenu(toQt(item.caption)), item.below);
+            } else {
+                QAction* action = menu.addAction(toQt(item.caption), this,
+                                                 [this, act = item.act] { run(act); });
+                // Shown only: the table itself hears the key.
+                action->setShortcut(QKeySequence(toQt(item.key)));
+                action->setShortcutContext(Qt::WidgetShortcut);
+                action->setEnabled(item.enabled);
+                action->setCheckable(item.checkable);
+                action->setChecked(item.checked);
+            }
+        }
+    }
+    void chooseFilter(int place) {
+        if (place < 0 || !window().waitsForInput()) return;
+        const size_t c = model_.gridColumn(place);
+        GridFilter filter(grid_, c, table_);
+        if (filter.exec() == QDialog::Accepted)
+            run([&] { grid_.sight.filter(c, filter.chosen()); });
+        table_->setFocus();
+    }
+
+    static constexpr int kTypingPause = 1000;
 
     Grid& grid_;
     GridModel model_;
-    GridTable* table_;
+    QWidget* panel_;
+    GridTable* table_ = nullptr;
+    GridChips* chips_ = nullptr;
+    GridTotals* totals_ = nullptr;
+    GridFindBar* find_ = nullptr;
+    GridEditor* editor_ = nullptr;
+    GridEditor* frozenEditor_ = nullptr;
+    QBasicTimer typing_;
     std::vector<size_t> columnsShown_;
-    std::vector<int> defaultWidths_;
-    bool refused_ = false;
+    size_t frozenShown_ = 0;
+    int zoomShown_ = 100;
+    std::vector<int> widths_;     // that the user has given, by columns of the grid; 0: none
+    std::vector<int> ownWidths_;  // as the screen has them
 };
 
 }  // namespace

@@ -1,5 +1,5 @@
-// A grid on its screen: every move and edit goes through the model, the reason of a refusal and the
-// sum of the selection stand in the window's status line.
+// A grid on its screen: the table with its bars, every key, click and entry handed to the grid, and
+// what the grid tells of it shown in the window's status line.
 #pragma once
 
 #include <memory>

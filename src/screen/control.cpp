@@ -17,6 +17,10 @@ void Control::run(const std::function<void()>& handler) {
     if (handler) screen_.guard(handler);
 }
 
+FrontEnd& Control::frontEnd() const {
+    return screen_.frontEnd();
+}
+
 bool Control::mayWrite() const {
     return !writes || screen_.mayWrite(*this);
 }

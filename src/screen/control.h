@@ -10,6 +10,7 @@
 
 namespace owb {
 
+class FrontEnd;
 class Screen;
 
 class Control {
@@ -52,6 +53,7 @@ class Control {
     bool mayWrite() const;
     virtual bool takesPick() const { return takesInput(); }
     Screen& screen() const { return screen_; }
+    FrontEnd& frontEnd() const;
 
   private:
     Screen& screen_;

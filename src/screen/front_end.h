@@ -22,6 +22,9 @@ class FrontEnd : public MessageBoxes {
     virtual std::string askFile(const FileQuestion&) { return ""; }
     // Shows a file that was written in the desktop's program for it.
     virtual void openFile(const std::string&) {}
+    // What was copied last, on the desktop or, without one, here.
+    virtual std::string clipboard() { return clipboard_; }
+    virtual void setClipboard(const std::string& text) { clipboard_ = text; }
     // The screen has loaded: it is drawn before its activation runs.
     virtual void opened(Screen& screen) = 0;
     // Takes input for the screen and returns when it is no longer open.
@@ -30,6 +33,9 @@ class FrontEnd : public MessageBoxes {
     // Between the rows of a long pass: draws what has changed and takes input meanwhile.
     virtual void refresh(Screen& screen) = 0;
     virtual void pause(int milliseconds) = 0;
+
+  private:
+    std::string clipboard_;
 };
 
 }  // namespace owb

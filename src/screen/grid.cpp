@@ -17,8 +17,14 @@ std::string Grid::text() const {
 
 void Grid::setColumns(std::vector<GridColumn> columns) {
     setRowCount(0);
+    const bool same = std::equal(
+        columns.begin(), columns.end(), columns_.begin(), columns_.end(),
+        [](const GridColumn& a, const GridColumn& b) { return a.caption == b.caption; });
     columns_ = std::move(columns);
     ++shape_;
+    if (same) return;
+    sight.reset();
+    history.clear();
 }
 
 GridColumn& Grid::changeColumn(size_t c) {
@@ -40,6 +46,7 @@ void Grid::setRowCount(size_t rows) {
         const auto gone = [&](const auto& entry) { return entry.first >= cells_.size(); };
         std::erase_if(tags_, gone);
         std::erase_if(choices_, gone);
+        history.rowsGone();
     }
     if (rows == 0) styles_.assign(1, Style{});
     rows_ = rows;
@@ -76,6 +83,7 @@ void Grid::removeRow(size_t row) {
     };
     moveUp(tags_);
     moveUp(choices_);
+    history.rowsGone();
     --rows_;
     if (currentRow_ >= static_cast<int>(rows_)) setCurrent(-1, -1);
     ++shape_;
@@ -88,13 +96,21 @@ void Grid::setRowHidden(size_t row, bool hidden) {
 }
 
 size_t Grid::visibleRowCount() const {
-    return static_cast<size_t>(std::count(hiddenRows_.begin(), hiddenRows_.end(), false));
+    return sight.rows().size();
 }
 
 double Grid::number(size_t row, size_t c) const {
     std::string text = cell(row, c);
     std::erase(text, ',');
     return textToNumber(text);
+}
+
+std::string Grid::totalText(size_t c) const {
+    double sum = 0;
+    for (const size_t row : sight.rows()) sum += number(row, c);
+    const int decimals = columns_[c].decimals;
+    return groupIndian(
+        formatNumber(sum, decimals > 0 ? "0." + std::string(decimals, '0') : "0"));
 }
 
 void Grid::setCell(size_t row, size_t c, std::string text) {

@@ -1,179 +1,289 @@
-// What a user does in a grid: moving, clicking, editing, pasting, copying.
+#include "screen/grid_entry.h"
+
 #include <algorithm>
 
-#include "base/date_time.h"
-#include "base/number_text.h"
 #include "base/utf8.h"
+#include "screen/front_end.h"
 #include "screen/grid.h"
 
 namespace owb {
 
-bool Grid::goTo(size_t row, size_t c) {
-    if (!takesInput() || row >= rows_ || c >= columns_.size()) return false;
-    if (static_cast<int>(row) == currentRow_ && static_cast<int>(c) == currentColumn_) return true;
-    setCurrent(static_cast<int>(row), static_cast<int>(c));
-    if (onCurrentChange) run([&] { onCurrentChange(row, c); });
-    return true;
-}
+// --- one entry ---
 
-bool Grid::clickCell(size_t row, size_t c) {
-    if (!goTo(row, c)) return false;
-    if (onCellClick) run([&] { onCellClick(row, c); });
-    return true;
-}
-
-bool Grid::doubleClickCell(size_t row, size_t c) {
-    if (!goTo(row, c)) return false;
-    if (onCellDoubleClick) run([&] { onCellDoubleClick(row, c); });
-    return true;
-}
-
-bool Grid::rightClickCell(size_t row, size_t c) {
-    if (!goTo(row, c)) return false;
-    if (onRightClick) run([&] { onRightClick(row, c); });
-    return true;
-}
-
-std::string Grid::cellName(size_t row, size_t c) const {
-    size_t visible = 1;
-    for (size_t r = 0; r < row; ++r) visible += !hiddenRows_[r];
-    return "row " + std::to_string(visible) + ", \"" + columns_[c].caption + "\"";
-}
-
-bool Grid::takesEdit(size_t row, size_t c, std::string& reason) const {
-    if (!takesInput())
-        reason = name() + " takes no entry now.";
-    else if (row >= rows_ || c >= columns_.size())
-        reason = "There is no such cell.";
-    else if (locked(row, c))
-        reason = "The cell in " + cellName(row, c) + " is locked.";
-    else if (!mayWrite())
-        reason = "Permission denied.";
-    else
-        return true;
+bool GridEntry::refuse(const std::string& reason) {
+    refusal_ = reason;
+    grid_.say(reason, true);
     return false;
 }
 
-std::optional<std::string> Grid::fitted(size_t row, size_t c, const std::string& text,
-                                        std::string& reason) const {
-    const std::string trimmed = trim(text);
-    const auto refused = [&](const char* what) -> std::optional<std::string> {
-        reason = "\"" + trimmed + "\" is no " + what + ": " + cellName(row, c) + ".";
-        return std::nullopt;
-    };
-    switch (cellType(row, c)) {
-        case CellType::Text:
-            return text;
-        case CellType::Number: {
-            if (trimmed.empty()) return trimmed;
-            std::string plain = trimmed;
-            std::erase(plain, ',');
-            const size_t digits = plain.find_first_not_of("+-");
-            const bool good = digits != std::string::npos && digits <= 1 &&
-                              plain.find_first_not_of("0123456789.", digits) == std::string::npos &&
-                              plain.find_first_of("0123456789") != std::string::npos &&
-                              std::count(plain.begin(), plain.end(), '.') <= 1;
-            if (!good) return refused("number");
-            const int decimals = columns_[c].decimals;
-            return formatNumber(textToNumber(plain[0] == '+' ? plain.substr(1) : plain),
-                                decimals > 0 ? "0." + std::string(decimals, '0') : "0");
-        }
-        case CellType::Date: {
-            if (trimmed.empty()) return trimmed;
-            const auto date = parseTypedDate(trimmed);
-            if (!date) return refused("date");
-            return dateText(*date, "dd/mm/yyyy");
-        }
-        case CellType::Check:
-            if (equalsIgnoreCaseAscii(trimmed, "Yes") || trimmed == "1") return "1";
-            if (equalsIgnoreCaseAscii(trimmed, "No") || trimmed == "0" || trimmed.empty())
-                return "0";
-            return refused("Yes or No");
-        case CellType::Combo: {
-            for (const std::string& choice : choices(row, c))
-                if (compareText(choice, trimmed) == 0) return choice;
-            if (trimmed.empty() || columns_[c].editable) return trimmed;
-            return refused("entry of the list");
-        }
-    }
-    return std::nullopt;
-}
-
-bool Grid::beginEdit(size_t row, size_t c, std::string& reason) {
-    if (!takesEdit(row, c, reason)) return false;
-    goTo(row, c);
-    if (onEditBegin) run([&] { onEditBegin(row, c); });
-    return takesEdit(row, c, reason);  // the handler may have locked it
-}
-
-bool Grid::edit(size_t row, size_t c, const std::string& text, std::string& reason) {
-    return beginEdit(row, c, reason) && endEdit(row, c, text, reason);
-}
-
-bool Grid::endEdit(size_t row, size_t c, const std::string& text, std::string& reason) {
-    if (!takesEdit(row, c, reason)) return false;
-    const std::optional<std::string> fits = fitted(row, c, text, reason);
-    if (!fits) return false;
-    const std::string before = cell(row, c);
-    if (*fits == before) return true;
-    setCell(row, c, *fits);
-    if (onEditEnd) run([&] { onEditEnd(row, c, before); });
+bool GridEntry::begin(State state, const std::string& text) {
+    if (grid_.currentRow() < 0) return false;
+    const auto row = static_cast<size_t>(grid_.currentRow());
+    const auto column = static_cast<size_t>(grid_.currentColumn());
+    std::string reason;
+    if (!grid_.beginEdit(row, column, reason)) return grid_.say(reason, true), true;
+    state_ = state;
+    row_ = row;
+    column_ = column;
+    shape_ = grid_.shape();
+    listOpen_ = false;
+    text_.clear();
+    refusal_.clear();
+    setText(text);
     return true;
 }
 
-bool Grid::check(size_t row, size_t c, bool on, std::string& reason) {
-    if (row < rows_ && c < columns_.size() && cellType(row, c) != CellType::Check) {
-        reason = "There is no check box in " + cellName(row, c) + ".";
-        return false;
-    }
-    return edit(row, c, on ? "Yes" : "No", reason);
+bool GridEntry::edit() {
+    if (grid_.currentRow() < 0) return false;
+    return begin(State::Edit, grid_.text());
 }
 
-bool Grid::paste(size_t row, size_t c, const std::vector<std::vector<std::string>>& block,
-                 std::string& reason) {
-    std::vector<CellText> targets;
-    size_t r = row;
-    for (const std::vector<std::string>& line : block) {
-        while (r < rows_ && hiddenRows_[r]) ++r;
-        size_t at = c;
-        for (const std::string& text : line) {
-            while (at < columns_.size() && columns_[at].hidden) ++at;
-            if (r >= rows_ || at >= columns_.size()) {
-                reason = "The block is larger than what is left of the grid.";
-                return false;
-            }
-            targets.push_back({r, at, text});
-            ++at;
-        }
-        ++r;
-    }
-    return paste(targets, reason);
+// What passes the screen's filter of characters.
+std::string GridEntry::accepted(const std::string& text) const {
+    if (!grid_.cellFilter) return text;
+    std::string kept;
+    for (size_t at = 0; at < text.size();)
+        if (const char32_t c = grid_.cellFilter(row_, column_, nextCodePoint(text, at), kept))
+            appendCodePoint(kept, c);
+    return kept;
 }
 
-bool Grid::paste(const std::vector<CellText>& targets, std::string& reason) {
-    for (const CellText& t : targets)
-        if (!takesEdit(t.row, t.column, reason) || !fitted(t.row, t.column, t.text, reason))
-            return false;
-    for (const CellText& t : targets)
-        if (!edit(t.row, t.column, t.text, reason)) return false;
+bool GridEntry::codes() const {
+    return grid_.cellType(row_, column_) == CellType::Combo;
+}
+
+std::vector<std::string> GridEntry::startingWith(const std::string& text) const {
+    std::vector<std::string> codes;
+    const std::string wanted = foldText(trim(text));
+    for (const std::string& code : grid_.choices(row_, column_))
+        if (foldText(code).starts_with(wanted)) codes.push_back(code);
+    return codes;
+}
+
+std::vector<std::string> GridEntry::candidates() const {
+    return listAll_ ? grid_.choices(row_, column_) : startingWith(text_);
+}
+
+void GridEntry::setText(const std::string& text) {
+    if (!busy()) return;
+    text_ = accepted(text);
+    refusal_.clear();
+    listAll_ = false;
+    chosen_ = listOpen_ && !candidates().empty() ? 0 : -1;
+    grid_.say("");
+    if (codes() && !grid_.column(column_).editable && candidates().empty()) {
+        listOpen_ = false;
+        refuse("No code begins with \"" + text_ + "\".");
+    }
+}
+
+void GridEntry::cancel() {
+    state_ = State::Ready;
+    listOpen_ = false;
+    text_.clear();
+    refusal_.clear();
+    grid_.say("");
+}
+
+bool GridEntry::commit() {
+    if (!busy()) return true;
+    // The screen has read its rows anew meanwhile: the cell is another one.
+    if (shape_ != grid_.shape()) return cancel(), true;
+    const bool whole = codes() && !grid_.column(column_).editable;
+    const std::vector<std::string> possible = startingWith(text_);
+    const bool isCode = std::any_of(possible.begin(), possible.end(), [&](const auto& code) {
+        return compareText(code, trim(text_)) == 0;
+    });
+    if (whole && !isCode && !trim(text_).empty()) {
+        if (possible.empty()) return refuse("No code begins with \"" + text_ + "\".");
+        openList();
+        listAll_ = false;
+        chosen_ = 0;
+        return refuse("\"" + text_ + "\" is no whole code.");
+    }
+    std::string reason;
+    if (!grid_.takesEdit(row_, column_, reason) || !grid_.fitted(row_, column_, text_, reason))
+        return refuse(reason);
+    const std::string text = text_;
+    const size_t row = row_, column = column_;
+    cancel();  // the handlers find the grid ready
+    if (!grid_.endEdit(row, column, text, reason)) grid_.say(reason, true);
     return true;
 }
 
-std::string Grid::copy(size_t row, size_t c, size_t toRow, size_t toColumn) const {
-    std::string out;
-    for (size_t r = row; r <= toRow && r < rows_; ++r) {
-        if (hiddenRows_[r]) continue;
-        std::string line;
-        bool first = true;
-        for (size_t at = c; at <= toColumn && at < columns_.size(); ++at) {
-            if (columns_[at].hidden) continue;
-            if (!first) line += '\t';
-            first = false;
-            line += cell(r, at);
-        }
-        out += line + '\n';
+// --- keys ---
+
+bool GridEntry::press(const std::string& key) {
+    if (!grid_.takesInput()) return false;
+    if (busy() && shape_ != grid_.shape()) cancel();
+    grid_.find.endTyping();
+    if (listOpen_ && pressInList(key)) return true;
+    if (busy()) return pressBusy(key);
+    grid_.say("");
+    return grid_.cursor.press(key) || pressReady(key) || pressBlock(key) || pressOther(key);
+}
+
+// Enters what is typed and goes on as the key says.
+bool GridEntry::finish(const std::string& key) {
+    if (!commit()) return true;
+    if (key == "Tab" || key == "Shift+Tab") return grid_.cursor.tab(key == "Tab");
+    if (key == "Enter" || key == "Shift+Enter")
+        grid_.cursor.enter(key == "Enter");
+    else
+        grid_.cursor.press(key);
+    return true;
+}
+
+bool GridEntry::pressBusy(const std::string& key) {
+    if (key == "Esc") return cancel(), true;
+    if (key == "F2") {
+        state_ = state_ == State::Enter ? State::Edit : State::Enter;
+        return true;
     }
-    return out;
+    if (key == "F4" || key == "Alt+Down") {
+        if (codes())
+            openList();
+        else if (const std::string text = text_; grid_.cellType(row_, column_) == CellType::Date)
+            return cancel(), grid_.pick(row_, column_);
+        return true;
+    }
+    if (key == "Ctrl+Enter") {
+        std::string reason;
+        if (!grid_.fitted(row_, column_, text_, reason)) return refuse(reason), true;
+        const std::string text = text_;
+        cancel();
+        return grid_.blocks.typeIntoAll(text), true;
+    }
+    if (key == "Ctrl+Tab" || key == "Ctrl+Shift+Tab" || key == "F6" || key == "Shift+F6")
+        return !commit();
+    static constexpr const char* kGoOn[] = {"Enter", "Shift+Enter", "Tab",    "Shift+Tab",
+                                            "Up",    "Down",        "PgUp",   "PgDown"};
+    if (std::find(std::begin(kGoOn), std::end(kGoOn), key) != std::end(kGoOn)) return finish(key);
+    if (state_ == State::Enter && (key == "Left" || key == "Right")) return finish(key);
+    return false;
+}
+
+bool GridEntry::pressInList(const std::string& key) {
+    const int count = static_cast<int>(candidates().size());
+    if (key == "Esc" || key == "F4" || key == "Alt+Up") {
+        listOpen_ = false;
+        grid_.say("");
+        return true;
+    }
+    const int step = key == "Down" ? 1 : key == "Up" ? -1 : key == "PgDown" ? 8 : -8;
+    if (key == "Down" || key == "Up" || key == "PgDown" || key == "PgUp") {
+        chosen_ = std::clamp(chosen_ + step, 0, std::max(count - 1, 0));
+        grid_.say("");
+        return true;
+    }
+    if ((key != "Enter" && key != "Tab") || chosen_ < 0 || chosen_ >= count) return false;
+    return choose(static_cast<size_t>(chosen_)), true;
+}
+
+void GridEntry::openList() {
+    if (!busy() || !codes()) return;
+    listAll_ = true;
+    listOpen_ = true;
+    chosen_ = -1;
+    const std::vector<std::string> all = candidates();
+    for (size_t i = 0; i < all.size() && chosen_ < 0; ++i)
+        if (!text_.empty() && foldText(all[i]).starts_with(foldText(trim(text_))))
+            chosen_ = static_cast<int>(i);
+    if (chosen_ < 0 && !all.empty()) chosen_ = 0;
+    grid_.say("");
+}
+
+bool GridEntry::choose(size_t candidate) {
+    const std::vector<std::string> all = candidates();
+    if (!busy() || candidate >= all.size()) return false;
+    setText(all[candidate]);
+    return commit();
+}
+
+bool GridEntry::onEnter(bool forward) {
+    if (grid_.cursor.enter(forward)) return true;
+    if (grid_.currentRow() < 0) return false;
+    const auto row = static_cast<size_t>(grid_.currentRow());
+    const auto column = static_cast<size_t>(grid_.currentColumn());
+    // The last cell that can be edited: the user stays there.
+    if (!grid_.locked(row, column)) return true;
+    return grid_.onCellDoubleClick && grid_.doubleClickCell(row, column);
+}
+
+bool GridEntry::pressReady(const std::string& key) {
+    if (key == "Enter" || key == "Shift+Enter") return onEnter(key == "Enter");
+    if (key == "Tab" || key == "Shift+Tab") return grid_.cursor.tab(key == "Tab");
+    if (grid_.currentRow() < 0) return false;
+    if (key == "F2") return edit();
+    if (key == "Backspace") return begin(State::Enter, "");
+    if (key == "Space") return type(" ");
+    if (key != "F4" && key != "Alt+Down") return false;
+    const auto row = static_cast<size_t>(grid_.currentRow());
+    const auto column = static_cast<size_t>(grid_.currentColumn());
+    if (grid_.cellType(row, column) == CellType::Date) return grid_.pick(row, column);
+    if (grid_.cellType(row, column) != CellType::Combo || !edit()) return false;
+    openList();
+    return true;
+}
+
+bool GridEntry::pressBlock(const std::string& key) {
+    FrontEnd& frontEnd = grid_.frontEnd();
+    if (key == "Ctrl+C" || key == "Ctrl+Ins") return frontEnd.setClipboard(grid_.blocks.copy()), true;
+    if (key == "Ctrl+X" || key == "Shift+Del") {
+        const std::string cut = grid_.blocks.copy();
+        if (grid_.blocks.empty()) frontEnd.setClipboard(cut);
+        return true;
+    }
+    if (key == "Ctrl+V" || key == "Shift+Ins") return grid_.blocks.paste(frontEnd.clipboard()), true;
+    if (key == "Ctrl+D") return grid_.blocks.fillDown(), true;
+    if (key == "Ctrl+R") return grid_.blocks.fillRight(), true;
+    if (key == "Ctrl+Z") return grid_.history.undo(), true;
+    if (key == "Ctrl+Y" || key == "Ctrl+Shift+Z") return grid_.history.redo(), true;
+    if (key == "Del") return grid_.blocks.empty(), true;
+    return false;
+}
+
+bool GridEntry::pressOther(const std::string& key) {
+    if (key == "Ctrl+F") return grid_.find.open(), true;
+    if (key == "F3" || key == "Shift+F3") {
+        grid_.find.open();
+        return grid_.find.next(key == "F3"), true;
+    }
+    if (key == "Ctrl++" || key == "Ctrl+=" || key == "Ctrl+-" || key == "Ctrl+0") {
+        constexpr int kStep = 10, kLeast = 50, kMost = 300;
+        const int step = key == "Ctrl+-" ? -kStep : kStep;
+        grid_.zoom = key == "Ctrl+0" ? 100 : std::clamp(grid_.zoom + step, kLeast, kMost);
+        return grid_.say(std::to_string(grid_.zoom) + " %"), true;
+    }
+    if (key != "Esc") return false;
+    if (grid_.find.isOpen()) return grid_.find.close(), true;
+    return grid_.cursor.collapse();
+}
+
+// --- typing ---
+
+bool GridEntry::toggle() {
+    const auto row = static_cast<size_t>(grid_.currentRow());
+    const auto column = static_cast<size_t>(grid_.currentColumn());
+    std::string reason;
+    if (!grid_.check(row, column, !grid_.checked(row, column), reason)) grid_.say(reason, true);
+    return true;
+}
+
+bool GridEntry::type(const std::string& text) {
+    if (!grid_.takesInput() || text.empty()) return false;
+    if (busy()) return setText(text_ + text), true;
+    grid_.say("");
+    const int column = grid_.currentColumn();
+    if (grid_.currentRow() >= 0) {
+        const auto row = static_cast<size_t>(grid_.currentRow());
+        if (grid_.cellType(row, static_cast<size_t>(column)) == CellType::Check)
+            return text == " " && toggle();
+        if (!grid_.column(static_cast<size_t>(column)).locked ||
+            !grid_.locked(row, static_cast<size_t>(column)))
+            return begin(State::Enter, text);
+    }
+    return grid_.find.typeAhead(text);
 }
 
 }  // namespace owb

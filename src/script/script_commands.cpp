@@ -4,7 +4,7 @@
 #include "screen/grid.h"
 #include "screen/screen.h"
 #include "screen/text_box.h"
-#include "script/grid_keys.h"
+#include "script/grid_commands.h"
 #include "script/telling.h"
 
 namespace owb {
@@ -24,7 +24,6 @@ void pressKey(Screen& screen, const std::string& words) {
     std::string rest = words;
     Control& control = controlNamed(screen, takeWord(rest));
     if (control.key(rest)) return;
-    if (auto* grid = dynamic_cast<Grid*>(&control); grid && pressInGrid(*grid, rest)) return;
     refuseIf(!screen.popup || rest != "Esc", control, "key " + rest);
     screen.close();
 }
@@ -44,17 +43,6 @@ void editCell(Screen& screen, const std::string& words) {
         refuseIf(!grid.clickCell(at.row, at.column), grid, "click");
     else if (!grid.edit(at.row, at.column, text, reason))
         throw ScriptError{reason};
-}
-
-// As in the window: the column is selected, and the current cell is its first one. Where rows are
-// selected a header takes no click.
-void clickHeader(Screen& screen, const std::string& words) {
-    std::string rest = words;
-    Grid& grid = gridNamed(screen, takeWord(rest));
-    const size_t column = columnAt(grid, rest);
-    const std::vector<size_t> rows = shownRows(grid);
-    const bool taken = !grid.singleRows && !rows.empty() && grid.goTo(rows.front(), column);
-    refuseIf(!taken, grid, "click on a header");
 }
 
 void clickTwice(Screen& screen, const std::string& words) {
@@ -154,7 +142,18 @@ constexpr ScriptCommand kCommands[] = {
     {"check", 3, kAny, "NAME ENTRY|ROW COL Yes|No", "a tick in a list or grid", tick},
     {"dblclick", 1, kAny, "NAME [ROW COL]", "a double click", clickTwice},
     {"rightclick", 1, kAny, "NAME [ROW COL]", "a click with the other button", clickRight},
-    {"header", 2, kAny, "GRID COL", "clicks the header of a column", clickHeader},
+    {"type", 2, kAny, "GRID TEXT", "types into the current cell of a grid", typeInto},
+    {"select", 5, 5, "GRID ROW COL ROW COL", "chooses a block of cells", chooseCells},
+    {"paste", 2, kAny, "GRID TEXT", "pastes a block: \\t between cells, \\n between rows",
+     pasteCells},
+    {"fill", 3, 3, "GRID ROW COL", "drags the chosen cells' handle to a cell", fillCells},
+    {"header", 2, kAny, "GRID COL", "clicks the header of a column: sorts", clickHeader},
+    {"filter", 1, kAny, "GRID [COL [= TEXT;...]]", "shows rows with a text; all again", filterRows},
+    {"find", 2, kAny, "GRID TEXT", "goes to the first cell that holds a text", findText},
+    {"legend", 2, kAny, "GRID CAPTION", "goes to the next cell of a colour", clickLegend},
+    {"hide", 3, kAny, "GRID COL Yes|No", "takes a column out of sight", hideColumn},
+    {"move", 3, kAny, "GRID COL COL", "puts a column before another", moveColumn},
+    {"freeze", 2, kAny, "GRID COL|0", "keeps the columns up to this one in sight", freezeColumns},
     {"answer", 1, 1, "WORD", "queues Yes, No, Cancel or OK for a question"},
     {"file", 0, kAny, "[PATH]", "queues the answer to a question for a file"},
     {"close", 0, 0, "", "closes the current screen"},
@@ -203,7 +202,12 @@ std::optional<std::string> runControlCommand(Screen& screen, const std::string& 
     }
     const Control* acted = screen.find(rest.substr(0, rest.find(' ')));
     std::string name = acted ? acted->name() : "";  // the act may unmake it
+    const Grid* grid = dynamic_cast<const Grid*>(acted);
+    const std::string before = grid ? grid->said().text : "";
     command->act(screen, rest);
+    grid = dynamic_cast<const Grid*>(screen.find(name));
+    if (grid && !grid->said().text.empty() && grid->said().text != before)
+        out << "says: " << oneLine(grid->said().text) << std::endl;
     return name;
 }
 

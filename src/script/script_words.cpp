@@ -97,17 +97,11 @@ size_t entryNamed(const Control& list, const std::vector<ListItem>& items,
 }
 
 std::vector<size_t> shownRows(const Grid& grid) {
-    std::vector<size_t> rows;
-    for (size_t r = 0; r < grid.rowCount(); ++r)
-        if (!grid.rowHidden(r)) rows.push_back(r);
-    return rows;
+    return grid.sight.rows();
 }
 
 std::vector<size_t> shownColumns(const Grid& grid) {
-    std::vector<size_t> columns;
-    for (size_t c = 0; c < grid.columnCount(); ++c)
-        if (!grid.column(c).hidden) columns.push_back(c);
-    return columns;
+    return grid.sight.columns();
 }
 
 size_t rowAt(const Grid& grid, const std::string& word) {

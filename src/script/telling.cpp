@@ -96,6 +96,37 @@ void tellCell(const Grid& grid, CellPlace at, std::ostream& out) {
         << std::endl;
 }
 
+// Where the user is in a grid, what he has chosen and what he types.
+void tellHands(const Grid& grid, std::ostream& out) {
+    if (grid.currentRow() >= 0)
+        out << " | current="
+            << placeName(grid, static_cast<size_t>(grid.currentRow()),
+                         static_cast<size_t>(grid.currentColumn()));
+    if (const auto block = grid.cursor.block(); block && block->several() && !grid.singleRows) {
+        const auto corner = [&](size_t row, size_t column) {
+            return placeName(grid, grid.sight.rows()[row], grid.sight.columns()[column]);
+        };
+        out << " | chosen=" << corner(block->top, block->left) << " to "
+            << corner(block->bottom, block->right);
+    }
+    if (grid.entry.busy()) out << " | typing=" << oneLine(grid.entry.text());
+    if (grid.entry.listOpen()) {
+        std::string codes;
+        for (const std::string& code : grid.entry.candidates()) {
+            codes += (codes.empty() ? "" : ";") + code;
+            if (grid.choiceNote)
+                codes += " " + grid.choiceNote(grid.entry.row(), grid.entry.column(), code);
+        }
+        out << " | list=" << oneLine(codes);
+    }
+    if (!grid.entry.refusal().empty()) out << " | refusal=" << oneLine(grid.entry.refusal());
+    for (const size_t c : grid.sight.columns())
+        if (grid.column(c).total)
+            out << " | total " << oneLine(grid.column(c).caption) << "=" << grid.totalText(c);
+    if (const std::string status = grid.cursor.summary(); !status.empty())
+        out << " | status=" << status;
+}
+
 void tellCells(const Grid& grid, const std::vector<size_t>& columns, std::ostream& out) {
     const auto line = [&](auto textOf) {
         std::string text;
@@ -168,10 +199,7 @@ void tellState(const Screen& screen, const std::string& words, std::ostream& out
     if (const auto* box = as<TextBox>(control); box && box->locked) out << " | locked=Yes";
     if (const auto* item = as<MenuItem>(control); item && item->checkable)
         out << " | checked=" << yesNo(item->checked);
-    if (const auto* grid = as<Grid>(control); grid && grid->currentRow() >= 0)
-        out << " | current="
-            << placeName(*grid, static_cast<size_t>(grid->currentRow()),
-                         static_cast<size_t>(grid->currentColumn()));
+    if (const auto* grid = as<Grid>(control)) tellHands(*grid, out);
     out << std::endl;
 }
 

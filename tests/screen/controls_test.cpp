@@ -144,27 +144,6 @@ TEST_F(Controls, AGridCellTakesWhatItsTypeHolds) {
     }
 }
 
-TEST_F(Controls, ABlockIsPastedWholeOrNotAtAll) {
-    Grid& grid = sheet.fpgDays;
-    for (int i = 0; i < 4; ++i) grid.addRow({std::to_string(i), "N", "1.0", "", "CL"});
-    grid.setRowHidden(1, true);
-    std::string reason;
-    EXPECT_TRUE(grid.paste(0, 2, {{"2", "01/01/2014"}, {"3", ""}}, reason)) << reason;
-    EXPECT_EQ(grid.copy(0, 0, 3, 3), "N\t2.0\t01/01/2014\nN\t3.0\t\nN\t1.0\t\n")
-        << "hidden rows and columns are passed over";
-    EXPECT_EQ(grid.cell(1, 2), "1.0");
-    for (const std::vector<std::vector<std::string>>& block :
-         {std::vector<std::vector<std::string>>{{"7"}, {"x"}},
-          {{"7"}, {"7"}, {"7"}, {"7"}},
-          {{"7", "", "SL", ""}}}) {
-        EXPECT_FALSE(grid.paste(0, 2, block, reason));
-        EXPECT_EQ(grid.cell(0, 2), "2.0") << reason;
-    }
-    // The screen's own handler has the last word on each cell.
-    EXPECT_TRUE(grid.paste(3, 2, {{"13"}}, reason));
-    EXPECT_EQ(grid.cell(3, 2), "1.0");
-}
-
 TEST_F(Controls, WhatStandsApartFromTheCellsKeepsToItsRow) {
     Grid& grid = sheet.fpgDays;
     for (int i = 0; i < 3; ++i) grid.addRow({std::to_string(i)});
@@ -207,7 +186,7 @@ TEST_F(Controls, WhatWritesIsAskedOnEveryWayIn) {
         {&sheet.cmbHead, [&] { return sheet.cmbHead.edit("Nobody"); }},
         {&sheet.fpgDays, [&] { return sheet.fpgDays.key("Delete"); }},
         {&sheet.fpgDays, [&] { return sheet.fpgDays.edit(0, 2, "1", reason); }},
-        {&sheet.fpgDays, [&] { return sheet.fpgDays.paste(0, 2, {{"1"}}, reason); }}};
+        {&sheet.fpgDays, [&] { return sheet.fpgDays.blocks.write({{0, 2, "1"}}); }}};
     for (const auto& [control, way] : ways) control->writes = true;
     for (const auto& [control, way] : ways) {
         sheet.events.clear();

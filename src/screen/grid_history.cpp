@@ -1,0 +1,86 @@
+#include "screen/grid_history.h"
+
+#include <map>
+#include <optional>
+
+#include "base/number_text.h"
+#include "screen/grid.h"
+
+namespace owb {
+
+void GridHistory::clear() {
+    if (replaying_) return;  // a handler reads the rows again: the step stays until it is done
+    done_.clear();
+    undone_.clear();
+    now_.clear();
+}
+
+void GridHistory::rowsGone() {
+    if (!grid_.rowKey) clear();
+}
+
+void GridHistory::record(size_t row, size_t column, const std::string& before) {
+    if (replaying_ || row >= grid_.rowCount() || grid_.cell(row, column) == before) return;
+    const Step step(*this);
+    now_.push_back(
+        {grid_.rowKey ? grid_.rowKey(row) : "", row, column, before, grid_.cell(row, column)});
+}
+
+void GridHistory::closed() {
+    if (--open_ > 0 || now_.empty()) return;
+    undone_.clear();
+    done_.push_back(std::move(now_));
+    now_.clear();
+    if (done_.size() > kSteps) done_.pop_front();
+}
+
+bool GridHistory::undo() {
+    return replay(done_, undone_, true);
+}
+
+bool GridHistory::redo() {
+    return replay(undone_, done_, false);
+}
+
+bool GridHistory::replay(std::deque<Changes>& from, std::deque<Changes>& to, bool back) {
+    const std::string what = back ? "undo" : "redo";
+    if (from.empty()) return grid_.say("There is nothing to " + what + "."), false;
+    Changes& step = from.back();
+    std::map<std::string, size_t> rows;
+    if (grid_.rowKey)
+        for (size_t r = 0; r < grid_.rowCount(); ++r) rows[grid_.rowKey(r)] = r;
+    std::vector<CellText> entries;
+    const auto refuse = [&](const std::string& reason) {
+        grid_.say("Cannot " + what + ". " + reason, true);
+        return false;
+    };
+    // Backwards: where one cell was changed twice, its first text is the last to be entered.
+    for (size_t i = 0; i < step.size(); ++i) {
+        Change& change = back ? step[step.size() - 1 - i] : step[i];
+        if (grid_.rowKey) {
+            const auto found = rows.find(change.rowKey);
+            if (found == rows.end()) return refuse("The row has gone.");
+            change.row = found->second;
+        }
+        std::string reason;
+        if (!grid_.takesEdit(change.row, change.column, reason)) return refuse(reason);
+        if (grid_.cell(change.row, change.column) != (back ? change.after : change.before))
+            return refuse("The cell in " + grid_.cellName(change.row, change.column) +
+                          " holds something else by now.");
+        entries.push_back({change.row, change.column, back ? change.before : change.after});
+    }
+    replaying_ = true;
+    const bool entered = grid_.blocks.write(entries);
+    replaying_ = false;
+    if (!entered) return false;
+    const std::string told =
+        entries.size() == 1 ? grid_.cellName(entries[0].row, entries[0].column)
+                            : groupIndian(std::to_string(entries.size())) + " cells";
+    to.push_back(std::move(step));
+    from.pop_back();
+    grid_.goTo(entries.front().row, entries.front().column);
+    grid_.say((back ? "Undone: " : "Entered again: ") + told);
+    return true;
+}
+
+}  // namespace owb
