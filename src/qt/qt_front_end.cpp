@@ -1,6 +1,7 @@
 #include "qt/qt_front_end.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QMessageBox>
@@ -109,6 +110,14 @@ std::string QtFrontEnd::askFile(const FileQuestion& question) {
 
 void QtFrontEnd::openFile(const std::string& path) {
     QDesktopServices::openUrl(QUrl::fromLocalFile(toQt(path)));
+}
+
+std::string QtFrontEnd::clipboard() {
+    return fromQt(QGuiApplication::clipboard()->text());
+}
+
+void QtFrontEnd::setClipboard(const std::string& text) {
+    QGuiApplication::clipboard()->setText(toQt(text));
 }
 
 void QtFrontEnd::opened(Screen& screen) {

@@ -156,10 +156,17 @@ bool GridEntry::pressBusy(const std::string& key) {
     }
     if (key == "Ctrl+Tab" || key == "Ctrl+Shift+Tab" || key == "F6" || key == "Shift+F6")
         return !commit();
-    static constexpr const char* kGoOn[] = {"Enter", "Shift+Enter", "Tab",    "Shift+Tab",
-                                            "Up",    "Down",        "PgUp",   "PgDown"};
-    if (std::find(std::begin(kGoOn), std::end(kGoOn), key) != std::end(kGoOn)) return finish(key);
-    if (state_ == State::Enter && (key == "Left" || key == "Right")) return finish(key);
+    // In either state.
+    static constexpr const char* kGoOn[] = {"Enter", "Shift+Enter", "Tab",  "Shift+Tab",
+                                            "Up",    "Down",        "PgUp", "PgDown"};
+    // Only where typing began the entry; otherwise they are the caret's.
+    static constexpr const char* kCarets[] = {"Left",    "Right",     "Home",      "End",
+                                              "Ctrl+Up", "Ctrl+Down", "Ctrl+Left", "Ctrl+Right",
+                                              "Ctrl+Home", "Ctrl+End"};
+    const auto among = [&](const auto& keys) {
+        return std::find(std::begin(keys), std::end(keys), key) != std::end(keys);
+    };
+    if (among(kGoOn) || (state_ == State::Enter && among(kCarets))) return finish(key);
     return false;
 }
 

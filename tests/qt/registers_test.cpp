@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QTabWidget>
 #include <QTableView>
@@ -114,14 +115,19 @@ TEST_F(QtRegister, IdAndNameStayInSight) {
         EXPECT_EQ(frozen().columnWidth(1), 211);
         // Walking back to a column that lies under the fixed ones brings it out from there.
         table().setCurrentIndex(table().model()->index(0, 2));
-        EXPECT_GE(table().columnViewportPosition(2), frozen().width() - 1);
+        EXPECT_GE(table().columnViewportPosition(2), frozen().width() - 2);
     });
     screen.showModal();
 }
 
-TEST_F(QtRegister, SortingAndHidingLeaveTheGridItself) {
-    desk.then([&] { columnMenu(0, {"Sort &ascending"}); });
+TEST_F(QtRegister, HeadersSortMoveAndHide) {
+    const auto clickHeader = [&](int column) {
+        auto* header = table().horizontalHeader();
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          {header->sectionViewportPosition(column) + 8, 8});
+    };
     desk.then([&] {
+        Q_EMIT frozen().horizontalHeader()->sectionClicked(0);
         EXPECT_EQ(names(), "Arun Meena Bala Zoya ") << "numbers sort as numbers";
         columnMenu(1, {"Sort &descending"});
     });
@@ -132,8 +138,7 @@ TEST_F(QtRegister, SortingAndHidingLeaveTheGridItself) {
         table().setFocus();
         table().setCurrentIndex(table().model()->index(0, 2));
         QTest::keyClicks(&table(), "P");
-        // The platform gives no focus back after a menu, so the editor is asked for.
-        QTest::keyClick(table().viewport()->findChild<QLineEdit*>(), Qt::Key_Return);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     });
     desk.then([&] {
         EXPECT_EQ(screen.fpgDays.cell(2, 2), "P");
@@ -144,8 +149,65 @@ TEST_F(QtRegister, SortingAndHidingLeaveTheGridItself) {
         columnMenu(2, {"Co&lumns", "1"});
     });
     desk.then([&] {
-        EXPECT_TRUE(table().isColumnHidden(2));
-        EXPECT_FALSE(screen.fpgDays.column(2).hidden);
+        EXPECT_TRUE(screen.fpgDays.sight.columnHidden(2));
+        EXPECT_EQ(table().model()->headerData(2, Qt::Horizontal).toString(), "2");
+        clickHeader(2);
+        EXPECT_EQ(screen.fpgDays.sight.order()->column, 3U);
+        table().horizontalHeader()->moveSection(3, 2);
+        EXPECT_EQ(table().model()->headerData(2, Qt::Horizontal).toString(), "3");
+        EXPECT_EQ(table().horizontalHeader()->visualIndex(3), 3) << "the grid's order counts";
+    });
+    screen.showModal();
+}
+
+TEST_F(QtRegister, TheMouseChoosesDragsAndOpensTheEditor) {
+    const auto at = [&](int row, int column) {
+        return table().visualRect(table().model()->index(row, column)).center();
+    };
+    QWidget* cells = nullptr;
+    desk.then([&] {
+        cells = table().viewport();
+        QTest::mouseClick(cells, Qt::LeftButton, Qt::NoModifier, at(0, 2));
+        QTest::mouseClick(cells, Qt::LeftButton, Qt::ShiftModifier, at(1, 3));
+        const auto block = screen.fpgDays.cursor.block();
+        EXPECT_EQ(block->bottom, 1U);
+        EXPECT_EQ(block->right, 3U);
+        QTest::mouseDClick(cells, Qt::LeftButton, Qt::NoModifier, at(2, 2));
+        EXPECT_EQ(screen.fpgDays.entry.state(), GridEntry::State::Edit);
+        QTest::keyClicks(QApplication::focusWidget(), "CL");
+        // A click elsewhere enters what is typed.
+        QTest::mouseClick(cells, Qt::LeftButton, Qt::NoModifier, at(2, 3));
+        EXPECT_EQ(screen.fpgDays.cell(2, 2), "CL");
+        QTest::mouseClick(cells, Qt::LeftButton, Qt::NoModifier, at(2, 2));
+    });
+    desk.then([&] {
+        const QPoint corner =
+            table().visualRect(table().model()->index(2, 2)).bottomRight() - QPoint(2, 2);
+        QTest::mousePress(cells, Qt::LeftButton, Qt::NoModifier, corner);
+        QMouseEvent over(QEvent::MouseMove, at(3, 2), cells->mapToGlobal(at(3, 2)), Qt::LeftButton,
+                         Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(cells, &over);
+        QTest::mouseRelease(cells, Qt::LeftButton, Qt::NoModifier, at(3, 2));
+        EXPECT_EQ(screen.fpgDays.cell(3, 2), "CL");
+    });
+    screen.showModal();
+}
+
+TEST_F(QtRegister, KeysLeaveTheGridAndTheFindBar) {
+    desk.then([&] {
+        table().setFocus();
+        QTest::keyClick(&table(), Qt::Key_Right);
+        QTest::keyClick(&table(), Qt::Key_F6);
+        EXPECT_TRUE(desk.widget("lblExport")->hasFocus());
+        table().setFocus();
+        QTest::keyClick(&table(), Qt::Key_F, Qt::ControlModifier);
+        auto* find = desk.widget<QLineEdit>("findText");
+        EXPECT_TRUE(find->hasFocus());
+        QTest::keyClicks(find, "ar");
+        EXPECT_EQ(screen.fpgDays.currentRow(), 1);
+        QTest::keyClick(find, Qt::Key_Escape);
+        EXPECT_TRUE(table().hasFocus());
+        EXPECT_FALSE(find->isVisible());
     });
     screen.showModal();
 }
