@@ -371,6 +371,68 @@ std::optional<DateTime> parseTypedDate(std::string_view text) {
     return DateTime::fromCivil(fullyear, month.value, day.value);
 }
 
+namespace {
+
+// "+1", "-10": days from the reference day.
+std::optional<DateTime> steppedDate(std::string_view text, const DateTime& referenceDay) {
+    const std::string_view digits = text.substr(1);
+    if (digits.empty() || digits.size() > 4 || !std::all_of(digits.begin(), digits.end(), isDigit))
+        return std::nullopt;
+    int days = 0;
+    for (const char c : digits) days = days * 10 + (c - '0');
+    const int32_t day = referenceDay.day + (text[0] == '-' ? -days : days);
+    if (day < DateTime::kMinDay || day > DateTime::kMaxDay) return std::nullopt;
+    return DateTime{day, 0};
+}
+
+// The numbers and words of a short date; nothing when something else stands in it.
+std::optional<std::vector<std::string>> shortParts(std::string_view text) {
+    std::vector<std::string> parts;
+    char before = ' ';
+    for (const char c : text) {
+        const bool digit = isDigit(c), letter = isLetter(c);
+        if (!digit && !letter && kSeparators.find(c) == std::string_view::npos) return std::nullopt;
+        if (digit || letter) {
+            if (digit ? !isDigit(before) : !isLetter(before)) parts.emplace_back();
+            parts.back() += c;
+        }
+        before = c;
+    }
+    return parts;
+}
+
+int shortNumber(const std::string& part) {  // 0: none of a day or month
+    return isDigit(part[0]) && part.size() <= 2 ? std::stoi(part) : 0;
+}
+
+}  // namespace
+
+std::optional<DateTime> parseEntryDate(const std::string& text, const DateTime& referenceDay) {
+    if (const auto whole = parseTypedDate(text)) return whole;
+    const size_t first = text.find_first_not_of(' ');
+    if (first == std::string::npos) return std::nullopt;
+    const std::string_view typed =
+        std::string_view(text).substr(first, text.find_last_not_of(' ') - first + 1);
+    if (typed[0] == '+' || typed[0] == '-') return steppedDate(typed, referenceDay);
+    const auto parts = shortParts(typed);
+    if (!parts || parts->empty() || parts->size() > 2) return std::nullopt;
+    const CivilDate reference = referenceDay.civil();
+    int day = shortNumber(parts->front()), month = reference.month;
+    if (parts->size() == 2) {
+        const std::string& second = parts->back();
+        if (day == 0) {
+            day = shortNumber(second);
+            month = monthOfName(parts->front());
+        } else {
+            month = isDigit(second[0]) ? shortNumber(second) : monthOfName(second);
+            if (isDigit(second[0]) && month > 12 && day <= 12) std::swap(day, month);
+        }
+    }
+    if (month < 1 || month > 12 || day < 1 || day > daysInMonth(reference.year, month))
+        return std::nullopt;
+    return DateTime::fromCivil(reference.year, month, day);
+}
+
 std::string dateText(const DateTime& value, std::string_view pattern) {
     const CivilDate c = value.civil();
     const int ms = value.milliseconds();

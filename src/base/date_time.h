@@ -73,8 +73,13 @@ std::optional<DateTime> parseDate(std::string_view text, DateOrder order = DateO
 // A date as users write it, day first: "5/1/2014", "05-Jan-14", "5.1.14", "2014-01-05". Any of
 // / - . _ \ blank and comma separate, letters that name no month and other characters are dropped.
 // What cannot be day/month is taken as month/day ("2/13/2014"). Nothing when it is no date, as an
-// empty text is none. Every box, cell and sheet reads with it.
+// empty text is none. Whoever reads a whole date reads with it: sheets, stored texts.
 std::optional<DateTime> parseTypedDate(std::string_view text);
+
+// A date as users write it where a day of reference is known, in boxes and cells: a whole date as
+// above, and the short forms "5" (of the reference's month), "5/3", "5 Mar", "Mar 5" (of its year),
+// "+1" and "-10" (days from it). Nothing when it is no date, as an empty text is none.
+std::optional<DateTime> parseEntryDate(const std::string& text, const DateTime& referenceDay);
 
 // The date by a pattern of dd d MMM MM M yyyy yy HH mm ss; letters' case of "mmm" does not matter,
 // "MMM" gives "Jan". Everything else stands as it is.

@@ -65,6 +65,46 @@ TEST(DateTime, ReadsEveryFormThatIsSent) {
     EXPECT_EQ(isoText(*parseDate("02/01/1950", DateOrder::DayFirst)), "1950-01-02");
 }
 
+// The reference is Thursday, 2026-11-26.
+TEST(DateTime, ReadsWhatIsTypedIntoABox) {
+    const struct {
+        const char* text;
+        const char* iso;  // null: no date
+    } cases[] = {{"05-Mar-2026", "2026-03-05"},
+                 {"05/Mar/2026", "2026-03-05"},
+                 {"5.3.26", "2026-03-05"},
+                 {" 5 ", "2026-11-05"},
+                 {"05", "2026-11-05"},
+                 {"5/3", "2026-03-05"},
+                 {"5 mar", "2026-03-05"},
+                 {"5mar", "2026-03-05"},
+                 {"March 5", "2026-03-05"},
+                 {"2/13", "2026-02-13"},
+                 {"+1", "2026-11-27"},
+                 {"-26", "2026-10-31"},
+                 {"+0", "2026-11-26"},
+                 {"31", nullptr},
+                 {"0", nullptr},
+                 {"29/2", nullptr},
+                 {"32/3/26", nullptr},
+                 {"150326", nullptr},
+                 {"5/x", nullptr},
+                 {"5*3", nullptr},
+                 {"+", nullptr},
+                 {"+-1", nullptr},
+                 {"+99999", nullptr},
+                 {"mar", nullptr},
+                 {"  ", nullptr},
+                 {"", nullptr}};
+    for (const auto& c : cases) {
+        const auto read = parseEntryDate(c.text, *parseDate("2026-11-26 10:30"));
+        ASSERT_EQ(read.has_value(), c.iso != nullptr) << c.text;
+        if (read) {
+            EXPECT_EQ(isoText(*read), c.iso) << c.text;
+        }
+    }
+}
+
 TEST(DateTime, PatternsOfTheFamily) {
     const DateTime d = *parseDate("2014-01-05 13:07:09");
     const struct {
