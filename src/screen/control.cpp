@@ -1,8 +1,25 @@
 #include "screen/control.h"
 
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+
 #include "screen/screen.h"
 
 namespace owb {
+
+std::string plainCaption(const std::string& caption) {
+    std::string plain = caption;
+    std::erase(plain, '&');
+    return plain;
+}
+
+char mnemonicOf(const std::string& caption) {
+    for (size_t at = caption.find('&'); at != std::string::npos; at = caption.find('&', at + 2))
+        if (at + 1 < caption.size() && caption[at + 1] != '&')
+            return static_cast<char>(std::toupper(static_cast<unsigned char>(caption[at + 1])));
+    return 0;
+}
 
 Control::Control(Screen& screen, std::string name, std::string caption)
     : caption(std::move(caption)), screen_(screen), name_(std::move(name)) {
@@ -50,15 +67,70 @@ bool Control::key(const std::string& key) {
     return taken;
 }
 
+bool Control::takesKey(const std::string& key) const {
+    return onKey || (key == "F2" && onPick);
+}
+
 void Control::leave() {
     run(onLeave);
 }
 
+void Control::refuse(std::string reason) {
+    refusedText_ = text();
+    refusal_ = std::move(reason);
+}
+
+std::vector<KeyHelp> Control::keyHelp() const {
+    if (!onPick) return {};
+    return {{"F2", "opens the picker of a date or a month"}};
+}
+
+Command::Command(Screen& screen, std::string name, std::string caption, Kind kind,
+                 std::function<void()> handler)
+    : Control(screen, std::move(name), std::move(caption)) {
+    writes = kind == Writing;
+    onClick = std::move(handler);
+    struct Usual {
+        const char *name, *key;
+    };
+    for (const Usual& usual : {Usual{"cmdSave", "Ctrl+S"}, {"cmdNew", "Ctrl+N"}, {"cmdShow", "F5"}})
+        if (this->name() == usual.name) shortcut = usual.key;
+}
+
 CloseCommand::CloseCommand(Screen& screen)
-    : Command(screen, "cmdClose", "Cl&ose", [&screen] { screen.close(); }) {}
+    : Command(screen, "cmdClose", "Cl&ose", [&screen] {
+          if (screen.mayClose()) screen.close();
+      }) {}
 
 std::string ProgressBar::text() const {
     return maximum == 0 ? "" : std::to_string(value) + " / " + std::to_string(maximum);
+}
+
+void ProgressBar::step(size_t done, size_t total) {
+    if (total != maximum || done < value || begun_ == std::chrono::steady_clock::time_point{}) {
+        begun_ = std::chrono::steady_clock::now();
+        from_ = done;
+    }
+    value = done;
+    maximum = total;
+}
+
+std::string ProgressBar::progress() const {
+    if (maximum == 0) return "";
+    std::string told = "Step " + std::to_string(value) + " of " + std::to_string(maximum);
+    const std::chrono::duration<double> gone = std::chrono::steady_clock::now() - begun_;
+    constexpr double kTooEarly = 1;  // seconds
+    if (value <= from_ || value >= maximum || gone.count() < kTooEarly ||
+        begun_ == std::chrono::steady_clock::time_point{})
+        return told;
+    const double left =
+        gone.count() * static_cast<double>(maximum - value) / static_cast<double>(value - from_);
+    const auto seconds = static_cast<int64_t>(std::ceil(left));
+    constexpr int64_t kMinute = 60, kManySeconds = 90;
+    return told + ", " +
+           (seconds < kManySeconds ? std::to_string(seconds) + " s"
+                                   : std::to_string((seconds + kMinute / 2) / kMinute) + " min") +
+           " left";
 }
 
 bool CheckBox::set(bool on) {
@@ -95,6 +167,54 @@ bool OptionButton::click() {
     choose();
     run(onClick);
     return true;
+}
+
+const OptionButton* OptionGroup::tabStop() const {
+    const OptionButton* first = nullptr;
+    for (const OptionButton* button : buttons_) {
+        if (!button->takesInput()) continue;
+        if (button->value_) return button;
+        if (first == nullptr) first = button;
+    }
+    return first;
+}
+
+namespace {
+
+// Where an arrow goes in a group: 1 to the next button, -1 to the one before; 0 for other keys.
+int stepOf(const std::string& key) {
+    if (key == "Down" || key == "Right") return 1;
+    return key == "Up" || key == "Left" ? -1 : 0;
+}
+
+}  // namespace
+
+bool OptionButton::takesKey(const std::string& key) const {
+    return stepOf(key) != 0 || Control::takesKey(key);
+}
+
+bool OptionButton::key(const std::string& key) {
+    const int step = stepOf(key);
+    if (step == 0 || !takesInput()) return Control::key(key);
+    const std::vector<OptionButton*>& all = group_.buttons();
+    const auto count = static_cast<int>(all.size());
+    const auto here = static_cast<int>(std::find(all.begin(), all.end(), this) - all.begin());
+    for (int away = 1; away < count; ++away) {
+        OptionButton* next = all[static_cast<size_t>((here + step * away + count * away) % count)];
+        if (!next->takesInput()) continue;
+        next->click();
+        if (next->value_) screen().setFocus(*next);
+        break;
+    }
+    return true;
+}
+
+std::vector<KeyHelp> OptionButton::keyHelp() const {
+    return {{"Arrows", "choose another option of the group"}};
+}
+
+std::vector<KeyHelp> Tabs::keyHelp() const {
+    return {{"Ctrl+PgUp, Ctrl+PgDown", "turn to the page before or behind"}};
 }
 
 bool Tabs::select(size_t index) {

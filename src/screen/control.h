@@ -4,6 +4,7 @@
 // control takes input now, and run the screen's handlers under its guard.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,6 +13,16 @@ namespace owb {
 
 class FrontEnd;
 class Screen;
+
+// A line of the sheet of keys.
+struct KeyHelp {
+    std::string keys, what;
+};
+
+// The caption as it is read, without the mark of its mnemonic, and the mnemonic: the letter behind
+// the "&" as a capital, 0 for none.
+std::string plainCaption(const std::string& caption);
+char mnemonicOf(const std::string& caption);
 
 class Control {
   public:
@@ -31,13 +42,24 @@ class Control {
     bool doubleClick();
     // A key that is no text: "F2" opens the picker, others go to onKey ("F5", "Enter", "Ctrl+G").
     virtual bool key(const std::string& key);
+    // Whether the control has a use for the key, so that it goes nowhere else.
+    virtual bool takesKey(const std::string& key) const;
     // The focus goes elsewhere.
-    void leave();
+    virtual void leave();
+
+    // What stands here does not fit: the reason is shown beside it, what was typed stays. Both go
+    // when the content changes, or with an empty reason.
+    void refuse(std::string reason);
+    std::string refusal() const { return text() == refusedText_ ? refusal_ : ""; }
+
+    // What the keys do here, for the sheet of keys.
+    virtual std::vector<KeyHelp> keyHelp() const;
 
     std::string caption;
     std::string toolTip;
-    std::string tag;      // "NA" on a command that the user's rights deny
-    bool writes = false;  // what the user does here changes data: the screen is asked before
+    std::string tag;       // "NA" on a command that the user's rights deny
+    std::string shortcut;  // "Ctrl+S": clicks the control from anywhere on the screen
+    bool writes = false;   // what the user does here changes data: the screen is asked before
     bool visible = true;
     bool enabled = true;
     std::function<void()> onClick;
@@ -58,6 +80,7 @@ class Control {
   private:
     Screen& screen_;
     std::string name_;
+    std::string refusedText_, refusal_;
 };
 
 class Label : public Control {
@@ -70,17 +93,14 @@ class Command : public Control {
     // What a command does decides what is asked before its handler runs: whoever writes needs the
     // right to.
     enum Kind { Reading, Writing };
+    // Commands of a usual name have their usual key: cmdSave Ctrl+S, cmdNew Ctrl+N, cmdShow F5.
     Command(Screen& screen, std::string name, std::string caption, Kind kind = Reading,
-            std::function<void()> handler = {})
-        : Control(screen, std::move(name), std::move(caption)) {
-        writes = kind == Writing;
-        onClick = std::move(handler);
-    }
+            std::function<void()> handler = {});
     Command(Screen& screen, std::string name, std::string caption, std::function<void()> handler)
         : Command(screen, std::move(name), std::move(caption), Reading, std::move(handler)) {}
 };
 
-// "Close": ends the screen.
+// "Close": ends the screen, unless the user would rather keep what he has typed.
 class CloseCommand : public Command {
   public:
     explicit CloseCommand(Screen& screen);
@@ -91,9 +111,17 @@ class ProgressBar : public Control {
   public:
     using Control::Control;
     std::string text() const override;
+    // So many rows of all are done; the first step of a pass begins its time.
+    void step(size_t done, size_t total);
+    // "Step 120 of 2000, 8 s left"; the time once it can be told.
+    std::string progress() const;
 
     size_t value = 0;
     size_t maximum = 0;
+
+  private:
+    std::chrono::steady_clock::time_point begun_{};
+    size_t from_ = 0;  // the value when it began
 };
 
 class CheckBox : public Control {
@@ -101,6 +129,7 @@ class CheckBox : public Control {
     using Control::Control;
     std::string text() const override { return value ? "Yes" : "No"; }
     bool click() override { return set(!value); }
+    std::vector<KeyHelp> keyHelp() const override { return {{"Space", "turns the tick"}}; }
     // The user's tick; onClick runs when it changed something.
     bool set(bool on);
 
@@ -114,6 +143,8 @@ class OptionGroup {
   public:
     // Place among its buttons, in the order of their making; -1 when none is chosen.
     int chosen() const;
+    // The one that the Tab key comes to: the chosen one, else the first that takes input.
+    const OptionButton* tabStop() const;
     void choose(int index);
     const std::vector<OptionButton*>& buttons() const { return buttons_; }
 
@@ -127,9 +158,14 @@ class OptionButton : public Control {
     OptionButton(Screen& screen, OptionGroup& group, std::string name, std::string caption);
     std::string text() const override { return value_ ? "Yes" : "No"; }
     bool value() const { return value_; }
+    const OptionGroup& group() const { return group_; }
     // The others of the group are no longer chosen.
     void choose();
     bool click() override;
+    // The arrows choose the one before or behind it, round the group, and the focus goes with them.
+    bool key(const std::string& key) override;
+    bool takesKey(const std::string& key) const override;
+    std::vector<KeyHelp> keyHelp() const override;
 
   private:
     friend class OptionGroup;
@@ -144,6 +180,7 @@ class Tabs : public Control {
         : Control(screen, std::move(name)), pages(std::move(pages)) {}
     std::string text() const override { return page < pages.size() ? pages[page] : ""; }
     bool select(size_t index);
+    std::vector<KeyHelp> keyHelp() const override;
 
     std::vector<std::string> pages;
     size_t page = 0;

@@ -16,7 +16,8 @@ struct Layout {
     Control* control = nullptr;  // of an Item, and the Tabs
     std::string caption;         // of a Group; of an Item in a Form, its label
     std::vector<Layout> parts;
-    int stretch = 0;  // share of the room that is left over
+    int stretch = 0;        // share of the room that is left over
+    std::string unit = "";  // of an Item, behind its control: "hours"
 };
 
 inline Layout item(Control& control, int stretch = 0) {
@@ -25,6 +26,10 @@ inline Layout item(Control& control, int stretch = 0) {
 // A control with a caption before it; in a form the captions stand below each other.
 inline Layout item(std::string caption, Control& control) {
     return {Layout::Kind::Item, &control, std::move(caption), {}, 0};
+}
+// A figure in a form, with its unit behind it.
+inline Layout item(std::string caption, Control& control, std::string unit) {
+    return {Layout::Kind::Item, &control, std::move(caption), {}, 0, std::move(unit)};
 }
 inline Layout row(std::vector<Layout> parts, int stretch = 0) {
     return {Layout::Kind::Row, nullptr, "", std::move(parts), stretch};

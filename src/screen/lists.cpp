@@ -69,6 +69,17 @@ bool Combo::edit(const std::string& text) {
     return true;
 }
 
+std::vector<KeyHelp> Combo::keyHelp() const {
+    std::vector<KeyHelp> help = Control::keyHelp();
+    help.push_back({"Alt+Down, F4", "opens the list of a box; its letters find an entry"});
+    return help;
+}
+
+std::vector<KeyHelp> ListBox::keyHelp() const {
+    if (!checkable) return {};
+    return {{"Space", "turns the tick"}};
+}
+
 std::string ListBox::text() const {
     return current < 0 ? "" : items[static_cast<size_t>(current)].text;
 }

@@ -33,6 +33,7 @@ class Combo : public Control {
     bool choose(size_t index);
     // Free text, or the text of an entry in any letter case. False when neither may be.
     bool edit(const std::string& text);
+    std::vector<KeyHelp> keyHelp() const override;
 
     std::vector<ListItem> items;
     std::string value;
@@ -55,6 +56,7 @@ class ListBox : public Control {
 
     bool choose(size_t index);
     bool check(size_t index, bool on);
+    std::vector<KeyHelp> keyHelp() const override;
 
     std::vector<ListItem> items;
     int current = -1;

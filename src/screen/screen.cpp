@@ -20,6 +20,20 @@ void Screen::remove(Control& control) {
     if (focus_ == &control) focus_ = nullptr;
 }
 
+std::string Screen::title() const {
+    return trim(caption);
+}
+
+void Screen::closeByUser() {
+    Control* command = find("cmdClose");
+    if (command != nullptr && command->visible)
+        command->click();
+    else
+        guard([this] {
+            if (mayClose()) close();
+        });
+}
+
 Layout Screen::layout() {
     std::vector<Layout> parts;
     for (Control* control : controls_)

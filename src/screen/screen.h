@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/date_time.h"
 #include "screen/control.h"
 #include "screen/front_end.h"
 #include "screen/layout.h"
@@ -23,6 +24,9 @@ class Screen {
 
     const std::string& name() const { return name_; }
     std::string caption;
+    // What its window is named: the caption, and whose data it shows.
+    virtual std::string title() const;
+    std::string status;  // the line at the foot of the window: "Saved 14:02"
     bool popup = false;  // small and borderless; closes when the focus leaves it
     const std::vector<Control*>& controls() const { return controls_; }
     // By name, in any letter case; null when there is none.
@@ -41,6 +45,25 @@ class Screen {
     // Ends showModal once the running handler has returned.
     void close() { open_ = false; }
     bool isOpen() const { return open_; }
+    // What Close, Esc, the window's own button and a script's `close` do: the screen's command
+    // cmdClose where it has one. While that is disabled the screen stays.
+    void closeByUser();
+    // Asked before the user closes: false keeps the screen open.
+    virtual bool mayClose() { return true; }
+
+    // Whether a key means something on this screen, wherever the focus is, and what it does then:
+    // Esc closes, F1 shows the keys, Ctrl+PgUp and Ctrl+PgDown turn the pages, and the shortcuts of
+    // commands and menu items. The control with the focus is left first; when its handler holds the
+    // focus there, nothing more is done.
+    bool uses(const std::string& key) const;
+    bool press(const std::string& key, Control* focused = nullptr);
+    // The keys of this screen, its commands first.
+    std::vector<KeyHelp> keyHelp() const;
+
+    // The day that a short entry of a date ("5", "+1") counts from.
+    virtual DateTime entryDay() const { return {wallClock().day, 0}; }
+    // Whether the user has changed what stands there since it was shown.
+    virtual bool isChanged(const Control&) const { return false; }
 
     // A front end calls tick() while it waits for input, about every `timerInterval` milliseconds;
     // 0: never.
@@ -69,6 +92,8 @@ class Screen {
     friend class Control;
     void add(Control& control) { controls_.push_back(&control); }
     void remove(Control& control);
+    Control* commandOf(const std::string& key) const;
+    Tabs* pages() const;  // in front; null: none
 
     FrontEnd& frontEnd_;
     std::string name_;

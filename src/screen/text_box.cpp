@@ -22,9 +22,32 @@ bool TextBox::edit(const std::string& text) {
     if (!takesInput() || locked) return false;
     if (value == text) return true;
     if (!mayWrite()) return false;
+    if (!before_) before_ = value;
     value = text;
     run(onChange);
     return true;
+}
+
+bool TextBox::takesKey(const std::string& key) const {
+    return (key == "Esc" && before_ && *before_ != value) || Control::takesKey(key);
+}
+
+bool TextBox::key(const std::string& key) {
+    if (key != "Esc" || !before_ || *before_ == value) return Control::key(key);
+    edit(std::string(*before_));
+    before_.reset();
+    return true;
+}
+
+void TextBox::leave() {
+    before_.reset();
+    Control::leave();
+}
+
+std::vector<KeyHelp> TextBox::keyHelp() const {
+    std::vector<KeyHelp> help = Control::keyHelp();
+    help.push_back({"Esc", "puts back what stood in the box before it was typed into"});
+    return help;
 }
 
 }  // namespace owb

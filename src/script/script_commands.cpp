@@ -24,8 +24,22 @@ void pressKey(Screen& screen, const std::string& words) {
     std::string rest = words;
     Control& control = controlNamed(screen, takeWord(rest));
     if (control.key(rest)) return;
-    refuseIf(!screen.popup || rest != "Esc", control, "key " + rest);
-    screen.close();
+    refuseIf(!screen.press(rest, &control), control, "key " + rest);
+}
+
+// --- what the screen tells of itself ---
+
+void tellTitle(const Screen& screen, const std::string&, std::ostream& out) {
+    out << "title: " << oneLine(screen.title()) << std::endl;
+}
+
+void tellStatus(const Screen& screen, const std::string&, std::ostream& out) {
+    out << "status: " << oneLine(screen.status) << std::endl;
+}
+
+void tellKeys(const Screen& screen, const std::string&, std::ostream& out) {
+    for (const KeyHelp& line : screen.keyHelp()) out << line.keys << ": " << line.what << '\n';
+    out.flush();
 }
 
 // --- grids ---
@@ -91,7 +105,7 @@ void enterChoice(Combo& combo, const std::string& text) {
 
 void turnTo(Tabs& tabs, const std::string& page) {
     for (size_t i = 0; i < tabs.pages.size(); ++i)
-        if (equalsIgnoreCaseAscii(tabs.pages[i], page))
+        if (equalsIgnoreCaseAscii(plainCaption(tabs.pages[i]), plainCaption(page)))
             return refuseIf(!tabs.select(i), tabs, "click");
     throw ScriptError{tabs.name() + " has no page " + page + ": there are " + listed(tabs.pages)};
 }
@@ -137,7 +151,7 @@ constexpr ScriptCommand kCommands[] = {
     {"set", 1, kAny, "NAME [VALUE]", "text, entry, page; Yes or No; index of an option", setValue},
     {"click", 1, 1, "NAME", "a command, label, option or check box", clickControl},
     {"menu", 1, 1, "NAME", "a menu item, mnuAll(5) of an array", clickControl},
-    {"key", 2, 2, "NAME KEY", "F2, F5, Ctrl+G ...; Up, End, Enter ... in a grid", pressKey},
+    {"key", 2, 2, "NAME KEY", "F2, F5, Ctrl+S, Esc ...; Up, End ... in a grid", pressKey},
     {"cell", 3, kAny, "GRID ROW COL [= TEXT]", "clicks a cell, or edits it", editCell},
     {"check", 3, kAny, "NAME ENTRY|ROW COL Yes|No", "a tick in a list or grid", tick},
     {"dblclick", 1, kAny, "NAME [ROW COL]", "a double click", clickTwice},
@@ -156,14 +170,17 @@ constexpr ScriptCommand kCommands[] = {
     {"freeze", 2, kAny, "GRID COL|0", "keeps the columns up to this one in sight", freezeColumns},
     {"answer", 1, 1, "WORD", "queues Yes, No, Cancel or OK for a question"},
     {"file", 0, kAny, "[PATH]", "queues the answer to a question for a file"},
-    {"close", 0, 0, "", "closes the current screen"},
+    {"close", 0, 0, "", "closes the current screen as a user does"},
     {"show", 1, kAny, "NAME [ROW COL]", "tells the state of a control or cell", nullptr, tellState},
     {"tip", 1, kAny, "NAME [ROW COL]", "tells the tool tip; ROW 0: of a header", nullptr, tellTip},
     {"dump", 1, 3, "NAME [--colors] [--hidden]", "tells what a grid or list holds", nullptr,
      tellContent},
     {"menus", 1, 1, "NAME", "tells the menu over a control", nullptr, tellMenus},
     {"controls", 0, 0, "", "tells what stands on the screen", nullptr, tellControls},
-    {"caption", 0, 0, "", "tells the window's caption", nullptr, tellCaption},
+    {"caption", 0, 0, "", "tells the screen's caption", nullptr, tellCaption},
+    {"title", 0, 0, "", "tells what the window is named", nullptr, tellTitle},
+    {"status", 0, 0, "", "tells the line at the window's foot", nullptr, tellStatus},
+    {"keys", 0, 0, "", "tells what the keys do", nullptr, tellKeys},
     {"focus", 0, 0, "", "tells which control has the focus"},
 };
 

@@ -125,7 +125,7 @@ bool ScriptFrontEnd::ownCommand(Screen& screen, const std::string& line) {
     std::string rest = line;
     const std::string verb = takeWord(rest);
     if (verb == "close") {
-        screen.close();
+        screen.closeByUser();
     } else if (verb == "answer") {
         const auto answer = answerNamed(rest);
         if (!answer)

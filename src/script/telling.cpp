@@ -197,6 +197,8 @@ void tellState(const Screen& screen, const std::string& words, std::ostream& out
         << " | " << yesNo(control.enabled) << " | " << yesNo(control.visible);
     if (!control.toolTip.empty()) out << " | tip=" << oneLine(control.toolTip);
     if (const auto* box = as<TextBox>(control); box && box->locked) out << " | locked=Yes";
+    if (!control.refusal().empty()) out << " | refused=" << oneLine(control.refusal());
+    if (screen.isChanged(control)) out << " | changed=Yes";
     if (const auto* item = as<MenuItem>(control); item && item->checkable)
         out << " | checked=" << yesNo(item->checked);
     if (const auto* grid = as<Grid>(control)) tellHands(*grid, out);

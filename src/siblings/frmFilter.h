@@ -22,7 +22,7 @@ class frmFilter final : public SessionScreen {
     Combo cmbAttHead{*this, "cmbAttHead"};
     Grid fpgEmployee{*this, "fpgEmployee"};
     Label lblListedCount{*this, "lblListedCount"};
-    Command cmdSelectAll{*this, "cmdSelectAll", "Select &All"};
+    Command cmdSelectAll{*this, "cmdSelectAll", "&Select All"};
     Command cmdClear{*this, "cmdClear", "C&lear All"};
     Command cmdApply{*this, "cmdApply", "&Apply"};
     Command cmdClose{*this, "cmdClose", "Cl&ose"};

@@ -26,7 +26,7 @@ class frmShell final : public SessionScreen {
     ListBox lstHead{*this, "lstHead"};  // key: attendance head, 0 the whole company
     Grid fpgScreen{*this, "fpgScreen"};
     Command cmdOpen{*this, "cmdOpen", "&Open"};
-    Command cmdClose{*this, "cmdClose", "Cl&ose"};
+    Command cmdClose{*this, "cmdClose", "&Close"};
 
     void cmdOpen_Click();
 

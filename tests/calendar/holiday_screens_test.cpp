@@ -151,7 +151,8 @@ TEST(HolidayList, TakesACompanysHolidayFromOneHead) {
     h.holiday(1, "2024-06-17");
     h.run("UPDATE ATT_HOLIDAY SET HOLIDAYDESC = 'Eid', GENERALYN = 1");
     const std::string ask =
-        "box: question|Orvane Wagebook|Do you want to delete selected record?|YesNo|";
+        "box: question|Orvane Wagebook|Do you want to delete selected record?\\n\\nEid, "
+        "17/Jun/2024|YesNo|";
     EXPECT_EQ(
         h.drive<modHolidayList>("click cmdDelete\ncell fpgHDetail 1 1\nclick cmdDelete\n"
                                 "answer Yes\nclick cmdDelete\ndump fpgHDetail\n",
@@ -277,7 +278,8 @@ TEST(HolidayList, AHeadsViewLeavesTheCompanysHolidayToTheOthers) {
     EXPECT_EQ(h.drive<modHolidayList>("set chkBranchWise Yes\nset cmbAttHead Pune\n"
                                       "cell fpgHDetail 1 1\nanswer Yes\nclick cmdDelete\n" +
                                       kMove),
-              "box: question|Orvane Wagebook|Do you want to delete selected record?|YesNo|Yes\n" +
+              "box: question|Orvane Wagebook|Do you want to delete selected record?\\n\\nEid, "
+              "17/Jun/2024|YesNo|Yes\n" +
                   kept + kept);
 }
 

@@ -70,7 +70,7 @@ TEST(AttHead, ChecksInOrder) {
           {named + "click optLooseIntegrate\nclick OptAttMonthly\nclick cmdSave\n",
            "Invalid Allotment type option selected.\n"},
           {kHead10 + "click cmdDelete\n", "Employee assigned, cannot delete\n"},
-          {kHead11 + "click cmdDelete\n", "Do you want to delete ?|No\n"},
+          {kHead11 + "click cmdDelete\n", "Do you want to delete ?\\n\\nHead 11|No\n"},
           {"click cmdCreateCopy\n",
            "New Attendance Creation is not available in this version.\n"}}) {
         Heads h;
@@ -202,7 +202,7 @@ TEST(AttHead, ADeletedHeadTakesItsRowsAlong) {
         h.holiday(id, "2024-06-03", id);
     }
     EXPECT_EQ(drive<modAttHead>(h, kHead11 + "answer Yes\nclick cmdDelete\n").boxes,
-              "Do you want to delete ?|Yes\n");
+              "Do you want to delete ?\\n\\nHead 11|Yes\n");
     for (const char* table :
          {"ATT_WEEKLY", "LEV_WEEKLYHLD", "SLC_ATTHEADNOD", "MAS_ATTHEAD", "LEV_SETTINGS",
           "ATT_OPTSETTINGS", "ATT_HOLIDAY", "LEV_ALLOTCONFIG", "LEV_ALLOTMENT"})

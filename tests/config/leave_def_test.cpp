@@ -68,7 +68,8 @@ TEST(LeaveDef, ChecksInOrder) {
            "Selected Leave is not user created. Hence, deletion is not allowed\n"},
           {"click optNonLeave\ncell fpgMstDetail 1 1\nclick cmdDelete\n",
            "Selected Non-Leave is not user created. Hence, deletion is not allowed\n"},
-          {kChooseCl + "click cmdDelete\n", "Do you want to delete selected Leave?|No\n"},
+          {kChooseCl + "click cmdDelete\n",
+           "Do you want to delete selected Leave?\\n\\nCL, CL|No\n"},
           {"click cmdMasterSetting\n", "Leave Settings is not available in this version.\n"}}) {
         Leaves l;
         EXPECT_EQ(drive<modLeaveDef>(l, c.script).boxes, c.boxes) << c.script;

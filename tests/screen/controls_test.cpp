@@ -99,6 +99,59 @@ TEST_F(Controls, AComboIsOneOfItsEntriesOrFreeText) {
     EXPECT_EQ(combo.key(), 8);
 }
 
+TEST_F(Controls, ArrowsChooseInAGroup) {
+    sheet.writable = true;
+    OptionButton* all = sheet.optType;
+    const struct {
+        int at;
+        const char* key;
+        int chosen;
+    } cases[] = {{0, "Down", 1}, {1, "Right", 2}, {2, "Down", 0}, {0, "Up", 2}, {2, "Left", 1}};
+    EXPECT_EQ(sheet.groupType.tabStop(), &all[0]) << "none is chosen yet";
+    for (const auto& c : cases) {
+        EXPECT_TRUE(all[c.at].key(c.key));
+        EXPECT_EQ(sheet.groupType.chosen(), c.chosen) << c.at << c.key;
+        EXPECT_EQ(sheet.takeFocus(), &all[c.chosen]);
+        EXPECT_EQ(sheet.groupType.tabStop(), &all[c.chosen]);
+    }
+    all[2].enabled = false;
+    EXPECT_TRUE(all[1].key("Down"));
+    EXPECT_EQ(sheet.groupType.chosen(), 0) << "one that takes no input is passed over";
+    EXPECT_FALSE(all[0].key("F7"));
+}
+
+TEST_F(Controls, EscPutsBackWhatStoodThereUntilTheBoxIsLeft) {
+    TextBox& box = sheet.txtAmount;
+    box.value = "12";
+    EXPECT_FALSE(box.key("Esc"));
+    box.edit("123");
+    box.edit("1234");
+    EXPECT_TRUE(box.takesKey("Esc"));
+    EXPECT_TRUE(box.key("Esc"));
+    EXPECT_EQ(box.value, "12");
+    EXPECT_FALSE(box.key("Esc")) << "nothing has begun";
+    box.edit("5");
+    box.leave();
+    EXPECT_FALSE(box.takesKey("Esc"));
+}
+
+TEST_F(Controls, ARefusalStandsAsLongAsItsText) {
+    sheet.txtAmount.value = "x";
+    sheet.txtAmount.refuse("No number.");
+    EXPECT_EQ(sheet.txtAmount.refusal(), "No number.");
+    sheet.txtAmount.edit("1");
+    EXPECT_EQ(sheet.txtAmount.refusal(), "");
+}
+
+TEST_F(Controls, ABarTellsStepsAndTheTimeLeft) {
+    ProgressBar bar(sheet, "bar");
+    EXPECT_EQ(bar.progress(), "");
+    bar.step(0, 40);
+    EXPECT_EQ(bar.progress(), "Step 0 of 40");
+    bar.step(30, 40);
+    EXPECT_EQ(bar.progress(), "Step 30 of 40") << "too early to tell the time";
+}
+
 TEST_F(Controls, OneOptionOfAGroup) {
     EXPECT_EQ(sheet.groupType.chosen(), -1);
     EXPECT_TRUE(sheet.optType[2].click());

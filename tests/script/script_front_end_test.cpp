@@ -210,6 +210,51 @@ TEST(Script, TheFocusIsWhereTheUserOrTheScreenPutIt) {
     }
 }
 
+// Keys that mean something wherever the focus is.
+TEST(Script, PressesTheKeysOfTheScreen) {
+    class Keys final : public Showing {
+      public:
+        explicit Keys(FrontEnd& frontEnd) : Showing(frontEnd) {
+            txtName.onLeave = [this] {
+                log += "left ";
+                if (txtName.value == "held") setFocus(txtName);
+            };
+            cmdSave.onClick = [this] { log += "saved "; };
+            mnuDay.onClick = [this] { log += "day "; };
+            mnuDay.shortcut = "F5";
+            mnuLog.onClick = [this] { this->frontEnd().information(log); };
+        }
+        Command cmdSave{*this, "cmdSave", "&Save"};
+        Command mnuLog{*this, "cmdLog", "Log"};
+        std::string log;
+    };
+    struct Case {
+        const char* script;
+        const char* log;
+    };
+    for (const Case& c : {Case{"key txtName Ctrl+S", "left saved "},
+                          {"key txtName F5", "left day "},
+                          {"key fpgDays F5", ""},  // the grid has taken it
+                          {"set txtName held\nkey txtName Ctrl+S", "left left "}}) {
+        const Driven run = drive<Keys>(std::string(c.script) + "\nclick cmdLog\n");
+        EXPECT_NE(run.out.find(std::string("|Orvane Wagebook|") + c.log + "|OK"), std::string::npos)
+            << c.script << ": " << run.out << run.errors;
+    }
+    EXPECT_EQ(printed<Keys>("key txtName Ctrl+PgDown\nshow tabPages"),
+              "tabPages: Two |  | Yes | Yes\n");
+    EXPECT_EQ(printed<Keys>("key txtName Ctrl+PgDown\nkey txtName Ctrl+PgDown\nkey txtName "
+                            "Ctrl+PgDown\nset tabPages one\nshow tabPages"),
+              "tabPages: One |  | Yes | Yes\n");
+    EXPECT_EQ(printed<Keys>("key txtName Ctrl+N"),
+              "error: line 1: txtName takes no key Ctrl+N now\n");
+    const std::string sheet =
+        printed<Keys>("key txtName F1\ndump fpgKeys\nkey fpgKeys Esc\ncaption");
+    EXPECT_EQ(sheet.find("Key,Does\nAlt+G,Go\nF5,Day\n\"Ctrl+S, Alt+S\",Save\n"),
+              sheet.find("Key,Does"));
+    EXPECT_NE(sheet.find("Space,turns the tick\n"), std::string::npos) << sheet;
+    EXPECT_TRUE(sheet.ends_with("caption: All kinds\n")) << sheet;
+}
+
 TEST(Script, KeysAndHeadersMoveInAGrid) {
     const struct {
         const char* keys;     // one after the other, from no current cell
@@ -299,7 +344,7 @@ TEST(Script, NamesWhatThereIsInsteadOfWhatIsNot) {
                  {"set chkAll Maybe", "not Yes or No: Maybe"},
                  {"set lblCount 3", "lblCount holds no value"},
                  {"key fpgDays F9", "fpgDays takes no key F9 now"},
-                 {"key txtName Esc", "txtName takes no key Esc now"},
+                 {"key txtName F9", "txtName takes no key F9 now"},
                  {"menus txtName", "txtName has no menu"}};
     for (const auto& c : cases)
         EXPECT_EQ(printed(c.line), std::string("error: line 1: ") + c.error + "\n");

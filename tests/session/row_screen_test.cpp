@@ -63,7 +63,8 @@ class Contracts final : public RowScreen {
         if (row_.isNew()) return Refusal{"Select a contract."};
         return {};
     }
-    bool mayBeDeleted(SaveBatch&) override { return ask("Delete?"); }
+    bool mayBeDeleted(SaveBatch&) override { return askToDelete("Delete?"); }
+    std::string rowWords() const override { return row_.before("NAME").toText(); }
     void joinMarks(SaveBatch& batch, Change, const std::string& key) override {
         batch.add(" UPDATE CONTRACTS SET MARK = 1 WHERE ID = " + key);
     }
@@ -109,8 +110,8 @@ TEST(RowScreen, ShowsTakesComparesAndWrites) {
            kGuards + " " + kCanteen, ""},
           {"cell fpgContracts 1 1\nset txtName Guards \nclick cmdSave\n", "",
            "4,Guards,12.50,2024-02-29,1,2,0,1 " + kCanteen, "Saved,"},
-          {"cell fpgContracts 1 1\nanswer Yes\nset txtRate 99\nclick cmdDelete\n", "Delete?|Yes\n",
-           kCanteen,
+          {"cell fpgContracts 1 1\nanswer Yes\nset txtRate 99\nclick cmdDelete\n",
+           "Delete?\\n\\nGuards|Yes\n", kCanteen,
            "Gone,:Name = Guards:Rate = 12.5:Since = 29/02/2024:Active = Yes:Kind = Monthly:Head = "
            "ALL"}}) {
         WithContracts w;
@@ -119,6 +120,101 @@ TEST(RowScreen, ShowsTakesComparesAndWrites) {
         EXPECT_EQ(w.contracts(), c.contracts) << c.script;
         EXPECT_EQ(w.audit(), c.audit) << c.script;
     }
+}
+
+TEST(RowScreen, ADateBoxTakesShortEntriesAndKeepsWhatIsNone) {
+    struct Case {
+        const char* typed;
+        const char* shown;  // "<text> | <refusal>"
+        const char* boxes;  // of a save
+    };
+    for (const Case& c :
+         {Case{"05-Mar-2024", "05/03/2024", ""},
+          {"05/mar/24", "05/03/2024", ""},
+          {"", "", ""},
+          {"32/3/24", "32/3/24 | \"32/3/24\" is no date.", "\"32/3/24\" is no date.\n"},
+          {"150324", "150324 | \"150324\" is no date.", "\"150324\" is no date.\n"}}) {
+        WithContracts w;
+        const Scripted run =
+            drive<Contracts>(w, std::string("cell fpgContracts 1 1\nset txtSince ") + c.typed +
+                                    "\nshow txtSince\nclick cmdSave\n");
+        const std::string state = run.shown;
+        const std::string text = state.substr(state.find(": ") + 2);
+        std::string shown = text.substr(0, text.find(" | "));
+        if (const size_t at = state.find("refused="); at != std::string::npos)
+            shown += " | " + state.substr(at + 8, state.find(" | changed") - at - 8);
+        EXPECT_EQ(shown, c.shown) << c.typed;
+        EXPECT_EQ(run.boxes + run.errors, c.boxes) << c.typed;
+        const bool saved = *c.boxes == 0;
+        EXPECT_EQ(w.contracts() == kGuards + " " + kCanteen, !saved) << c.typed;
+    }
+}
+
+TEST(RowScreen, ShortDatesCountFromToday) {
+    WithContracts w;
+    const DateTime today{w.session.now().day, 0};
+    const CivilDate c = today.civil();
+    struct Case {
+        const char* typed;
+        DateTime date;
+    };
+    for (const Case& k : {Case{"+1", today.plusDays(1)},
+                          {"-3", today.plusDays(-3)},
+                          {"5", DateTime::fromCivil(c.year, c.month, 5)},
+                          {"5/3", DateTime::fromCivil(c.year, 3, 5)}}) {
+        test::TestFrontEnd frontEnd(w.boxes);
+        Contracts screen(w.session, frontEnd);
+        screen.txtSince.edit(k.typed);
+        screen.txtSince.leave();
+        EXPECT_EQ(screen.txtSince.value, dateText(k.date, "dd/mm/yyyy")) << k.typed;
+    }
+}
+
+TEST(RowScreen, AsksBeforeWhatIsTypedIsDropped) {
+    const std::string question =
+        "What has been typed is not saved.\\nDo you want to close without saving?|";
+    struct Case {
+        std::string script, boxes;
+        bool open;
+    };
+    for (const Case& c :
+         {Case{"close\n", "", false},
+          {"cell fpgContracts 1 1\nclose\n", "", false},
+          {"set txtName New\nclose\n", question + "No\n", true},
+          {"set txtName New\nanswer Yes\nclose\n", question + "Yes\n", false},
+          {"set txtName New\nclick cmdClose\n", question + "No\n", true},
+          {"set txtName New\nkey txtName Esc\n", question + "No\n", true},
+          {"cell fpgContracts 1 1\nset txtRate 13\nset txtRate 12.5\nkey fpgContracts Esc\n", "",
+           false},
+          {"cell fpgContracts 1 1\nset chkActive No\nkey txtName Ctrl+S\nclose\n", "", false}}) {
+        WithContracts w;
+        const Scripted run = drive<Contracts>(w, c.script + "title\n");
+        EXPECT_EQ(run.boxes + run.errors, c.boxes) << c.script;
+        EXPECT_EQ(run.shown.empty(), !c.open) << c.script;
+    }
+}
+
+TEST(RowScreen, TellsWhoseDataItShowsAndWhatWasDone) {
+    WithContracts w;
+    w.run("DELETE FROM MAS_COMPANY");
+    w.run("INSERT INTO MAS_COMPANY (CMPNAME) VALUES ('Sample Works')");
+    const std::string time = dateText(w.session.now(), "HH:mm");
+    const std::string script =
+        "title\ncell fpgContracts 1 1\nset txtRate 13\nshow txtRate\nkey txtRate Ctrl+S\nstatus\n"
+        "cell fpgContracts 2 1\nanswer Yes\nclick cmdDelete\nstatus\n";
+    EXPECT_EQ(drive<Contracts>(w, script).shown,
+              "title: Sample Works - Contracts\n"
+              "txtRate: 13 | Rate | Yes | Yes | changed=Yes\n"
+              "status: Saved " +
+                  time +
+                  "\n"
+                  "status: Deleted Canteen, " +
+                  time + "\n");
+    w.session.gAttHeadId = w.session.gAtt.ATTHEADID = 3;
+    w.session.gAtt.ATTHEADNAME = "Plant";
+    w.session.gReadOnly = true;
+    EXPECT_EQ(drive<Contracts>(w, "title\nstatus\n").shown,
+              "title: Plant - Contracts - Sample Works (Read only)\nstatus: Read only\n");
 }
 
 TEST(RowScreen, WhatSomebodyElseChangedIsNotWrittenOver) {
@@ -175,13 +271,17 @@ TEST(RowScreen, RightsAndTheReadOnlyUser) {
     w.session.gMenuId = 1500;
     const std::string all =
         "cell fpgContracts 1 1\nset txtRate 1\nclick cmdSave\nclick cmdDelete\n";
-    EXPECT_EQ(drive<Contracts>(w, all).boxes, "Delete?|No\n");
+    EXPECT_EQ(drive<Contracts>(w, "tip cmdSave\ntip cmdDelete\n").shown,
+              "tip: Permission denied.\ntip: \n");
+    EXPECT_EQ(drive<Contracts>(w, all).boxes, "Delete?\\n\\nGuards|No\n");
     ASSERT_EQ(w.boxes.shown.size(), 1U);
     EXPECT_EQ(w.boxes.shown[0].text, "Permission denied.");
     w.session.gReadOnly = true;
     const Scripted run = drive<Contracts>(w, all);
     EXPECT_EQ(run.boxes, "");
-    EXPECT_NE(run.errors, "");
+    for (const char* closed : {"txtRate", "cmdSave", "cmdDelete"})
+        EXPECT_NE(run.errors.find(closed), std::string::npos) << closed;
+    EXPECT_NE(drive<Contracts>(w, "click cmdNew\n").errors, "");
     EXPECT_EQ(w.contracts(), kGuards + " " + kCanteen);
 }
 

@@ -19,8 +19,8 @@ constexpr size_t kLongestDescription = 100;
 }  // namespace
 
 modHolidayList::modHolidayList(Session& session, FrontEnd& frontEnd)
-    : RowScreen(session, frontEnd,
-                {"modHolidayList", "Holiday List", kMenuId, "fpgHDetail", "&New"}, holiday_) {
+    : RowScreen(session, frontEnd, {"modHolidayList", "Holiday List", kMenuId, "fpgHDetail"},
+                holiday_) {
     holiday_.date("HOLIDAYDATE", txtHDate, "Holiday Date");
     holiday_.text("HOLIDAYDESC", txtHDesc, "Description");
     holiday_.check("HOLIDAYTYPE", chkNH, "National Holiday Applicability").addedLabel =
@@ -59,6 +59,10 @@ Layout modHolidayList::layout() {
                    item(list, 1),
                    form({item("Date", txtHDate), item("Description", txtHDesc), item("", chkNH)}),
                    commandRow({item(lblImport), item(lblExport)})});
+}
+
+std::string modHolidayList::titleHead() const {
+    return cmbAttHead.key() == 0 ? "" : cmbAttHead.value;
 }
 
 void modHolidayList::load() {

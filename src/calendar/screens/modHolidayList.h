@@ -25,8 +25,8 @@ class modHolidayList final : public RowScreen {
     DateBox txtHDate{*this, "txtHDate"};
     TextBox txtHDesc{*this, "txtHDesc"};
     CheckBox chkNH{*this, "chkNH", "National Holiday"};
-    Label lblImport{*this, "lblImport", "Import"};
-    Label lblExport{*this, "lblExport", "Export"};
+    Label lblImport{*this, "lblImport", "&Import"};
+    Label lblExport{*this, "lblExport", "&Export"};
 
     // One holiday as it is typed or imported.
     struct Holiday {
@@ -37,6 +37,7 @@ class modHolidayList final : public RowScreen {
 
   private:
     Layout layout() override;
+    std::string titleHead() const override;
     void load() override;
     void showAgain() override;
     void loadList() override;
@@ -45,6 +46,7 @@ class modHolidayList final : public RowScreen {
     std::string writeRow(SaveBatch& batch) override;
     std::optional<Refusal> checkDeletion() override;
     bool mayBeDeleted(SaveBatch& batch) override;
+    std::string rowWords() const override;
     void deleteRow(SaveBatch& batch) override;
     void joinMarks(SaveBatch& batch, Change change, const std::string& key) override;
     AuditLine auditLine(Change change) override;

@@ -189,8 +189,13 @@ std::optional<Refusal> modHolidayList::checkDeletion() {
 
 bool modHolidayList::mayBeDeleted(SaveBatch& batch) {
     return !refusedByLock(batch, lockOf(monthBefore())) &&
-           ask("Do you want to delete selected record?") &&
+           askToDelete("Do you want to delete selected record?") &&
            (!isCompanysInScope() || !keptInBranches());
+}
+
+std::string modHolidayList::rowWords() const {
+    return row_.before("HOLIDAYDESC").toText() + ", " +
+           dateText(row_.before("HOLIDAYDATE").toDate(), "dd/mmm/yyyy");
 }
 
 void modHolidayList::deleteRow(SaveBatch& batch) {

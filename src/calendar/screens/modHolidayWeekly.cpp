@@ -29,6 +29,7 @@ modHolidayWeekly::modHolidayWeekly(Session& session, FrontEnd& frontEnd)
                 {"modHolidayWeekly", "Weekly Holiday", kMenuId, "fpgWeeklyHoliday"}, rule_),
       attHeadId_(session.gAttHeadId) {
     cmdNew.visible = false;  // whoever types a month and a weekday has begun a rule
+    cmbWeekDay.writes = cmbMonthYear.writes = true;
     cmbWeekDay.toolTip = "Select Weekday";
     cmbWeekDay.editable = false;
     for (int day = 1; day <= 7; ++day) cmbWeekDay.add(weekdayName(day), day);
@@ -68,6 +69,7 @@ void modHolidayWeekly::showAgain() {
     loadList();
     list.setCurrent(-1, -1);
     row_.adopt(session_, "");
+    row_.remember();
 }
 
 void modHolidayWeekly::finish() {
@@ -200,12 +202,16 @@ std::optional<Refusal> modHolidayWeekly::checkDeletion() {
 
 bool modHolidayWeekly::mayBeDeleted(SaveBatch& batch) {
     if (refusedByLock(batch, lockFrom(cmbMonthYear.month()))) return false;
-    if (!ask("Do you want to delete selected record?")) return false;
+    if (!askToDelete("Do you want to delete selected record?")) return false;
     const bool paid =
         FnBlnExistsOrThrow(session_, Sql() << "Select EMPID From SLC_SALARYCALC_E Where MONTHYEAR "
                                               ">= "
                                            << cmbMonthYear.month());
     return !paid || ask("Salary will be re-calculated.  Do you want to continue?");
+}
+
+std::string modHolidayWeekly::rowWords() const {
+    return cmbWeekDay.value + ", " + cmbMonthYear.value;
 }
 
 void modHolidayWeekly::deleteRow(SaveBatch& batch) {

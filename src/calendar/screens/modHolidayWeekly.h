@@ -37,6 +37,7 @@ class modHolidayWeekly final : public RowScreen {
     std::string writeRow(SaveBatch& batch) override;
     std::optional<Refusal> checkDeletion() override;
     bool mayBeDeleted(SaveBatch& batch) override;
+    std::string rowWords() const override;
     void deleteRow(SaveBatch& batch) override;
     void joinMarks(SaveBatch& batch, Change change, const std::string& key) override;
     AuditLine auditLine(Change change) override;

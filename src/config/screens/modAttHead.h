@@ -53,6 +53,7 @@ class modAttHead final : public RowScreen {
 
   private:
     Layout layout() override;
+    std::string titleHead() const override { return ""; }  // of the company
     void declareRow();
     void load() override;
     void showAgain() override;
@@ -64,6 +65,7 @@ class modAttHead final : public RowScreen {
     std::string writeRow(SaveBatch& batch) override;
     std::optional<Refusal> checkDeletion() override;
     bool mayBeDeleted(SaveBatch& batch) override;
+    std::string rowWords() const override;
     void deleteRow(SaveBatch& batch) override;
     void joinMarks(SaveBatch& batch, Change change, const std::string& key) override;
     AuditLine auditLine(Change change) override;

@@ -2,8 +2,10 @@
 
 #include "base/number_text.h"
 #include "config/screens/paid_heads.h"
+#include "db/sql_text.h"
 #include "marks/marks.h"
 #include "session/modAttSetting.h"
+#include "session/queries.h"
 
 namespace owb {
 
@@ -86,6 +88,10 @@ Layout modAttHeadSet::layout() {
 }
 
 void modAttHeadSet::load() {
+    headName_ = FnVarValueOrThrow(session_, Sql() << "SELECT ATTHEADNAME FROM MAS_ATTHEAD WHERE "
+                                                     "ATTHEADID = "
+                                                  << attHeadId_)
+                    .toText();
     hours_.readKey(session_, attHeadId_);
 }
 

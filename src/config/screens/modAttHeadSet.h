@@ -38,6 +38,8 @@ class modAttHeadSet final : public SessionScreen {
     Command cmdSave{*this, "cmdSave", "&Save", Command::Writing, [this] { cmdSave_Click(); }};
     CloseCommand cmdClose{*this};
 
+    bool isChanged(const Control& control) const override { return hours_.touched(control); }
+
   private:
     // A figure has a largest value, and a text for one above it.
     struct Limit {
@@ -48,6 +50,8 @@ class modAttHeadSet final : public SessionScreen {
 
     void load() override;
     Layout layout() override;
+    std::string titleHead() const override { return headName_; }
+    bool unsaved() const override { return hours_.touched(); }
     void declareRow();
     void cmdSave_Click();
     static std::optional<Refusal> aboveLimit(const Limit& limit);
@@ -56,6 +60,7 @@ class modAttHeadSet final : public SessionScreen {
     bool changeAccepted(SaveBatch& batch);
 
     int32_t attHeadId_;
+    std::string headName_;
     EditedRow hours_{"MAS_ATTHEAD", "ATTHEADID", "The attendance head"};
     std::vector<Limit> limits_;  // the bands' figures, then the two limits
 };

@@ -124,7 +124,11 @@ bool modAttHead::mayBeDeleted(SaveBatch& batch) {
     batch.refuseUnless("NOT EXISTS (" + assigned + ")", isAssigned)
         .refuseUnless("1 < (SELECT COUNT(ATTHEADID) FROM MAS_ATTHEAD WITH (TABLOCKX, HOLDLOCK))",
                       kOnlyHead);
-    return ask("Do you want to delete ?");
+    return askToDelete("Do you want to delete ?");
+}
+
+std::string modAttHead::rowWords() const {
+    return row_.before("ATTHEADNAME").toText();
 }
 
 void modAttHead::deleteRow(SaveBatch& batch) {

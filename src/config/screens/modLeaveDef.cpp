@@ -210,7 +210,11 @@ bool modLeaveDef::mayBeDeleted(SaveBatch& batch) {
         }
         batch.refuseUnless("NOT EXISTS (" + use.sql + ")", use.text);
     }
-    return ask("Do you want to delete selected " + word() + "?");
+    return askToDelete("Do you want to delete selected " + word() + "?");
+}
+
+std::string modLeaveDef::rowWords() const {
+    return row_.before("LEVNAME").toText() + ", " + row_.before("LEVSHORT").toText();
 }
 
 void modLeaveDef::deleteRow(SaveBatch& batch) {

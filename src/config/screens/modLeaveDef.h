@@ -24,6 +24,7 @@ class modLeaveDef final : public RowScreen {
 
   private:
     Layout layout() override;
+    std::string titleHead() const override { return ""; }  // of the company
     void load() override;
     void repairRows();
     void loadList() override;
@@ -33,6 +34,7 @@ class modLeaveDef final : public RowScreen {
     std::string writeRow(SaveBatch& batch) override;
     std::optional<Refusal> checkDeletion() override;
     bool mayBeDeleted(SaveBatch& batch) override;
+    std::string rowWords() const override;
     void deleteRow(SaveBatch& batch) override;
     void joinMarks(SaveBatch& batch, Change change, const std::string& key) override;
     AuditLine auditLine(Change change) override;

@@ -103,6 +103,10 @@ std::optional<Refusal> frmFormulacustom::checkDeletion() {
     return {};
 }
 
+std::string frmFormulacustom::rowWords() const {
+    return row_.before("FNAME").toText();
+}
+
 bool frmFormulacustom::mayBeDeleted(SaveBatch& batch) {
     const std::string uses = Sql() << "SELECT * FROM LEV_ALLOTCONFIG WHERE FID = " << row_.key();
     const char* isUsed = "Query already assigned. Cannot be deleted.";

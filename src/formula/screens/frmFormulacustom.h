@@ -18,6 +18,7 @@ class frmFormulacustom final : public RowScreen {
 
   private:
     Layout layout() override;
+    std::string titleHead() const override { return ""; }  // of the company
     void loadList() override;
     bool readLine(size_t line) override;
     std::optional<Refusal> check() override;
@@ -25,6 +26,7 @@ class frmFormulacustom final : public RowScreen {
     std::string writeRow(SaveBatch& batch) override;
     std::optional<Refusal> checkDeletion() override;
     bool mayBeDeleted(SaveBatch& batch) override;
+    std::string rowWords() const override;
 
     void cmdverify_Click();
     void renameInFormulas(SaveBatch& batch) const;

@@ -31,6 +31,7 @@ class frmLeaveRecalc final : public SessionScreen {
   private:
     void load() override;
     Layout layout() override;
+    std::string titleHead() const override { return cmbAttHead.key() == 0 ? "" : cmbAttHead.value; }
     void chkAllLeaves_Click();
     void chkAllEmployees_Click();
     void cmdFilter_Click();

@@ -13,9 +13,15 @@ namespace owb {
 
 EditedRow::Field& EditedRow::add(Field field) {
     field.section = section_;
+    field.control->writes = true;
     fields_.push_back(std::move(field));
     before_.emplace_back();
+    begun_.emplace_back();
     return fields_.back();
+}
+
+void EditedRow::guardGroup(const OptionGroup& group) {
+    for (OptionButton* button : group.buttons()) button->writes = true;
 }
 
 EditedRow::Field& EditedRow::text(const std::string& column, TextBox& box,
@@ -54,6 +60,7 @@ EditedRow::Field& EditedRow::check(const std::string& column, CheckBox& box,
 
 EditedRow::Field& EditedRow::option(const std::string& column, OptionGroup& group,
                                     const std::string& label, int first, int otherwise) {
+    guardGroup(group);
     return add(
         {column, label, "", true, "", group.buttons().front(),
          [&group, first] { return group.chosen() < 0 ? Value() : Value(group.chosen() + first); },
@@ -70,6 +77,7 @@ EditedRow::Field& EditedRow::option(const std::string& column, OptionGroup& grou
 
 EditedRow::Field& EditedRow::flag(const std::string& column, OptionGroup& group,
                                   const std::string& label) {
+    guardGroup(group);
     return add({column, label, "", true, "", group.buttons().front(),
                 [&group] { return Value(group.chosen() == 0); },
                 [&group](const Value& v) { group.choose(v.toBool() ? 0 : 1); },
@@ -102,8 +110,35 @@ void EditedRow::show(const ShownRow& row) {
     shown_ = row;
     for (size_t i = 0; i < fields_.size(); ++i) {
         fields_[i].show(row.value(fields_[i].column));
+        fields_[i].control->refuse("");
         before_[i] = fields_[i].typed();
     }
+    remember();
+}
+
+void EditedRow::remember() {
+    for (size_t i = 0; i < fields_.size(); ++i) begun_[i] = fields_[i].typed();
+}
+
+bool EditedRow::touched() const {
+    for (size_t i = 0; i < fields_.size(); ++i)
+        if (touched(i)) return true;
+    return false;
+}
+
+// A group of options is one field, under its first button.
+bool EditedRow::touched(const Control& control) const {
+    const auto* option = dynamic_cast<const OptionButton*>(&control);
+    const Control* field = option == nullptr ? &control : option->group().buttons().front();
+    for (size_t i = 0; i < fields_.size(); ++i)
+        if (fields_[i].control == field) return touched(i);
+    return false;
+}
+
+Control* EditedRow::refused() const {
+    for (const Field& field : fields_)
+        if (!field.control->refusal().empty()) return field.control;
+    return nullptr;
 }
 
 void EditedRow::clear() {
@@ -122,13 +157,14 @@ bool EditedRow::readWhere(Session& session, const std::string& condition) {
 }
 
 void EditedRow::adopt(Session& session, const std::string& condition) {
-    std::vector<Value> typed;
+    std::vector<Value> typed, begun = begun_;
     for (const Field& field : fields_) typed.push_back(field.typed());
     if (condition.empty())
         clear();
     else
         readWhere(session, condition);
     for (size_t i = 0; i < fields_.size(); ++i) fields_[i].show(typed[i]);
+    begun_ = std::move(begun);
 }
 
 bool EditedRow::readKey(Session& session, int64_t key) {

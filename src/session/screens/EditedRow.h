@@ -73,6 +73,13 @@ class EditedRow {
     Value typed(const std::string& column) const { return fields_[place(column)].typed(); }
     bool changed(const std::string& column) const { return before(column) != typed(column); }
     bool changed() const;
+    // What stands on the screen now is what the user begins from: touched is what he has made
+    // different since. (A new row may begin with more than empty fields.)
+    void remember();
+    bool touched() const;
+    bool touched(const Control& control) const;
+    // The first field whose box refuses what was typed; null when there is none.
+    Control* refused() const;
     const std::string& what() const { return what_; }
     const std::deque<Field>& fields() const { return fields_; }
 
@@ -96,6 +103,8 @@ class EditedRow {
 
   private:
     Field& add(Field field);
+    static void guardGroup(const OptionGroup& group);
+    bool touched(size_t field) const { return fields_[field].typed() != begun_[field]; }
     size_t place(const std::string& column) const;
     void show(const ShownRow& row);
 
@@ -104,6 +113,7 @@ class EditedRow {
     std::deque<Field> fields_;  // a declared field stays where it is
     std::vector<std::string> kept_;
     std::vector<Value> before_;  // what the fields gave when the row was shown
+    std::vector<Value> begun_;   // and when the user began on it
     ShownRow shown_;
     int64_t key_ = 0;
 };

@@ -5,11 +5,14 @@ namespace owb {
 RowScreen::RowScreen(Session& session, FrontEnd& frontEnd, const Names& names, EditedRow& row)
     : SessionScreen(session, frontEnd, names.screen, names.caption, names.formId),
       list(*this, names.list),
-      cmdNew(*this, "cmdNew", names.newCaption, [this] { cmdNew_Click(); }),
+      cmdNew(*this, "cmdNew", "&New", [this] { cmdNew_Click(); }),
       cmdSave(*this, "cmdSave", "&Save", Command::Writing, [this] { cmdSave_Click(); }),
       cmdDelete(*this, "cmdDelete", "&Delete", Command::Writing, [this] { cmdDelete_Click(); }),
-      row_(row) {
+      row_(row),
+      mnuReload_(*this, list, "mnuReload", "Show Again") {
     list.singleRows = true;
+    mnuReload_.shortcut = "F5";
+    mnuReload_.onClick = [this] { reloadList(); };
     list.onCurrentChange = [this](size_t line, size_t) { list_Click(line); };
 }
 
@@ -27,7 +30,15 @@ void RowScreen::showAgain() {
 void RowScreen::showNew() {
     row_.clear();
     list.setCurrent(-1, -1);
+    rowStands();
+}
+
+// The user begins from what the screen has made of the row.
+void RowScreen::rowStands() {
     rowShown();
+    row_.remember();
+    keepClosed();
+    cmdNew.enabled = !session_.gReadOnly;
 }
 
 void RowScreen::reloadList() {
@@ -48,7 +59,7 @@ void RowScreen::showLine(size_t line) {
 }
 
 void RowScreen::list_Click(size_t line) {
-    if (readLine(line)) return rowShown();
+    if (readLine(line)) return rowStands();
     frontEnd().warning(FnStrChangedMeanwhile(row_.what()));
     showAgain();
 }
@@ -65,6 +76,7 @@ void RowScreen::finish() {
 }
 
 void RowScreen::cmdSave_Click() {
+    if (Control* field = row_.refused()) return refuse(field->refusal(), *field);
     if (!row_.isNew() && !stillAsShown(row_.shown(), row_.what(), [this] { showAgain(); })) return;
     if (refused(check())) return;
     SaveBatch batch;
@@ -97,6 +109,7 @@ bool RowScreen::run(SaveBatch& batch, Change change, const std::string& key) {
         batch.audit(std::move(line));
     }
     if (!save(batch, [this] { showAgain(); })) return false;
+    if (change == Change::Deleted) sayDone("Deleted " + rowWords() + ",");
     finish();
     return true;
 }

@@ -2,8 +2,9 @@
 // order that all such screens keep. A screen adds its columns (EditedRow) and its own rules, as the
 // functions that are called here in this order:
 //
-//   save:    the row is still as shown, check(), mayBeSaved() with its questions and conditions,
-//            writeRow(), joinMarks(); the batch runs; the audit line; finish()
+//   save:    no box refuses what was typed, the row is still as shown, check(), mayBeSaved() with
+//            its questions and conditions, writeRow(), joinMarks(); the batch runs; the audit line;
+//            finish()
 //   delete:  checkDeletion(), the row is still as shown, mayBeDeleted(), deleteRow(), joinMarks();
 //            the batch runs; the audit line; finish()
 #pragma once
@@ -24,12 +25,13 @@ class RowScreen : public SessionScreen {
     Command cmdNew, cmdSave, cmdDelete;
     CloseCommand cmdClose{*this};
 
+    bool isChanged(const Control& control) const override { return row_.touched(control); }
+
   protected:
     struct Names {
         std::string screen, caption;
         int32_t formId = 0;  // as SessionScreen's
         std::string list;
-        std::string newCaption = "Ne&w";
     };
     RowScreen(Session& session, FrontEnd& frontEnd, const Names& names, EditedRow& row);
 
@@ -56,6 +58,10 @@ class RowScreen : public SessionScreen {
     virtual std::string writeRow(SaveBatch& batch) { return row_.writeInto(batch); }
     virtual std::optional<Refusal> checkDeletion() = 0;
     virtual bool mayBeDeleted(SaveBatch& batch) = 0;
+    // What a deletion calls the row, in its question and when it is done: "Ram Navami,
+    // 06/Apr/2026".
+    virtual std::string rowWords() const = 0;
+    bool askToDelete(const std::string& text) { return askDeletion(text, rowWords()); }
     virtual void deleteRow(SaveBatch& batch) { row_.deleteIn(batch); }
     // `key` is the row's as T-SQL, a number or a variable of the batch.
     virtual void joinMarks(SaveBatch&, Change, const std::string& /*key*/) {}
@@ -69,14 +75,19 @@ class RowScreen : public SessionScreen {
     // The last line of a screen: New, Save, Delete, Close, and others to their left.
     Layout commandRow(std::vector<Layout> left);
 
+    bool unsaved() const override { return row_.touched(); }
+
     EditedRow& row_;
 
   private:
+    void rowStands();
     void list_Click(size_t line);
     void cmdNew_Click();
     void cmdSave_Click();
     void cmdDelete_Click();
     bool run(SaveBatch& batch, Change change, const std::string& key);
+
+    MenuItem mnuReload_;  // F5
 };
 
 }  // namespace owb

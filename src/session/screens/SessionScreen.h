@@ -31,6 +31,13 @@ class SessionScreen : public Screen {
     // is not writable, or where the user's rights deny it ("Permission denied.").
     bool mayWrite(const Control& control) override;
 
+    // "Plant - Mar/2026 - Attendance Detail - Sample Engineering Works": the head, or the company
+    // where the screen is for all, the month where it shows one, the caption, the company.
+    std::string title() const override;
+    DateTime entryDay() const override { return {session_.now().day, 0}; }
+    // Asks before what the user has typed is dropped.
+    bool mayClose() override;
+
     Session& session() { return session_; }
     using Screen::frontEnd;
 
@@ -48,8 +55,16 @@ class SessionScreen : public Screen {
     virtual void load() {}
     // The one switch for all that writes: the commands and boxes marked so, and what cells take.
     void setWritable(bool on);
+    // After a screen has enabled controls by what it shows: what writes stays closed all the same.
+    void keepClosed();
 
-    // Tells a refusal and gives true; false when there is none.
+    // For the title: the name of the head that the screen shows, "" for all, and its month.
+    virtual std::string titleHead() const;
+    virtual int32_t titleMonth() const { return 0; }
+    // Whether the user has typed what is not saved.
+    virtual bool unsaved() const { return false; }
+
+    // Tells a refusal, in a box and at the field, and gives true; false when there is none.
     bool refused(const std::optional<Refusal>& refusal);
     void refuse(const std::string& text, Control& field) { refused(Refusal{text, &field}); }
     // A lock that holds is told, and the result is true. Otherwise the batch asks it once more.
@@ -58,8 +73,11 @@ class SessionScreen : public Screen {
         return {lock.text, nullptr, BoxIcon::Warning, lock.title};
     }
 
-    // Runs a save or a deletion. When the database refused it, since somebody else was faster, the
-    // reason is told, `showAgain` shows what there is now, and the result is false.
+    // "Saved 14:02" in the status line.
+    void sayDone(const std::string& what);
+    // Runs a save or a deletion, and says so in the status line. When the database refused it,
+    // since somebody else was faster, the reason is told, `showAgain` shows what there is now, and
+    // the result is false.
     bool save(const SaveBatch& batch, const std::function<void()>& showAgain);
     // Whether what was shown still stands; otherwise as with save.
     bool stillAsShown(const ShownRow& row, const std::string& what,
@@ -67,6 +85,10 @@ class SessionScreen : public Screen {
 
     // A question with Yes and No, No being the default.
     bool ask(const std::string& text, const std::string& title = "Orvane Wagebook");
+    // The question before a deletion, with what is deleted on a line of its own.
+    bool askDeletion(const std::string& text, const std::string& what) {
+        return ask(text + "\n\n" + what);
+    }
     void inform(const std::string& text, const std::string& title = "Orvane Wagebook") {
         frontEnd().information(text, title);
     }
@@ -74,8 +96,13 @@ class SessionScreen : public Screen {
     Session& session_;
 
   private:
+    void readRights();
+    const std::string& companyName() const;
+
     int32_t formId_;
     bool writable_ = true;
+    Control* toldAt_ = nullptr;                         // the field that bears the last refusal
+    mutable std::optional<std::string> companyName_{};  // read when it is first asked
 };
 
 }  // namespace owb

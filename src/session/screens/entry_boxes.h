@@ -11,12 +11,18 @@ namespace owb {
 
 class SessionScreen;
 
-// "dd/mm/yyyy"; F2 and double click open the calendar.
+// "dd/mm/yyyy"; F2 and double click open the calendar. A short entry ("5", "5/3", "+1") becomes
+// the whole date when the focus leaves, and counts from the screen's entryDay(). What is no date
+// stays as it was typed, refused.
 class DateBox : public TextBox {
   public:
     DateBox(SessionScreen& screen, std::string name, std::string caption = "");
-    std::optional<DateTime> date() const;  // nothing: empty, or no date
+    std::optional<DateTime> date() const;  // nothing: empty, or no whole date
     void setDate(const DateTime& date);    // day 0 empties it
+    std::vector<KeyHelp> keyHelp() const override;
+
+  private:
+    void complete(const DateTime& entryDay);
 };
 
 // A number, rounded to its decimals; an empty box is 0.
