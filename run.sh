@@ -1,7 +1,7 @@
 #!/bin/sh
-# Builds the program, makes the sample company if there is none, runs the full recalculation on it
-# through the program's own start-up and prints the register of the current month. Where there is a
-# display it then opens the launcher, from which the screens are started.
+# Builds the program, makes the sample company if there is none, works it out and prints the register
+# of the current month. Where there is a display it then opens the launcher, from which the screens
+# are started.
 set -eu
 cd "$(dirname "$0")"
 . .ci/packages.sh
@@ -11,20 +11,27 @@ need_packages $build_packages
 [ -f build/release/build.ninja ] || cmake --preset release -DBUILD_TESTING=OFF >/dev/null
 cmake --build --preset release --target owbctl OWBLeaveMgmt OWBShell OWBFilter
 
+owbctl=build/release/src/owbctl
 data="${XDG_DATA_HOME:-$HOME/.local/share}/orvane-wagebook"
 company="$data/sample.owb"
 mkdir -p "$data"
 if [ ! -e "$company" ]; then
     echo "Making the sample company in $company"
     rm -f "$company.new"*
-    build/release/src/owbctl sample "$company.new"
+    $owbctl sample "$company.new"
     mv "$company.new" "$company"
 fi
+$owbctl process "$company"
+$owbctl register "$company"
 
-# <ignored>:<server>:<database>:<user>:<password>; without user and password.
-link="$data/sample.owblink"
-printf 'OWB:(embedded):%s::\n' "$company" >"$link"
-OWB_SCRIPT=1 build/release/src/OWBLeaveMgmt "1600#False#0#0#$link" </dev/null
+cat <<TRY
 
-build/release/src/owbctl register "$company"
+Three things to try:
+  build/release/src/OWBShell $company
+      the launcher: type "hol", Enter, and the holidays stand there
+  $owbctl explain $company 6 EL $(LC_ALL=C date +%b/%Y)
+      why employee 6 has the earned leave that he has
+  printf 'dump fpgGenHoliday\n' | $owbctl screen $company 1512 0
+      the same screen by script, where there is no display
+TRY
 [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || exec build/release/src/OWBShell "$company"

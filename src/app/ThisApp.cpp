@@ -8,6 +8,7 @@
 
 #include "base/number_text.h"
 #include "base/utf8.h"
+#include "db/recordset.h"
 #include "session/modFiles.h"
 #include "session/queries.h"
 
@@ -130,11 +131,22 @@ void OpenDatabase(Session& session, const std::string& connectionString) {
     session.gConn.Close();
     session.gConn.ConnectionTimeout = seconds(session, "CONNTIME");
     session.gConn.Open(connectionString);
+    RequireCompany(session.gConn);
     session.gConn.setCommandTimeout(seconds(session, "COMDTIME"));
     session.gMultiLogin =
         FnVarValueOrThrow(session,
                           "SELECT MULTILOGIN FROM SEC_USERLIST WHERE UPPER(USERNAME) = 'ADMIN'", 0)
             .toBool();
+}
+
+void RequireCompany(Connection& connection) {
+    Recordset tables(connection,
+                     "SELECT COUNT(*) FROM INFORMATION_SCHEMA.TABLES WHERE TABLE_NAME IN "
+                     "('MAS_COMPANY', 'MAS_ATTHEAD', 'MAS_EMPLOYEE', 'SEC_USERLIST')");
+    if (tables.Fields(0).toInt() == 4) return;
+    const std::string file = connectionEntry(connection.ConnectionString(), "Data Source");
+    throw std::runtime_error("The database " + (file.empty() ? "" : file + " ") +
+                             "holds no Orvane Wagebook company.");
 }
 
 void SetHelpFile(Session& session) {

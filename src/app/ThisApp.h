@@ -22,8 +22,11 @@ struct EndOfProgram {
 void InitCommandLine(Session& session, const std::string& commandLine);
 // Opens the database that the settings store names, as a launch without a connection file does.
 void OpenSettingsDatabase(Session& session);
-// Opens gConn (closing it first when it is open) with the time-outs of the settings store.
+// Opens gConn (closing it first when it is open) with the time-outs of the settings store. A
+// database without a company throws std::runtime_error with a sentence that the user can be shown.
 void OpenDatabase(Session& session, const std::string& connectionString);
+// Throws std::runtime_error when the open database holds none of a company's tables.
+void RequireCompany(Connection& connection);
 // gHelpFile, when the file that the shell names exists.
 void SetHelpFile(Session& session);
 // Tells the shell that the program has gone; unless `stayAlive` the process ends here.

@@ -3,6 +3,7 @@
 
 #include "base/number_text.h"
 #include "ctl/json_text.h"
+#include "ctl/known_keys.h"
 #include "ctl/reading_session.h"
 #include "leave/modLeaveFunctions.h"
 
@@ -16,16 +17,17 @@ class BalanceCommand final : public Command {
     const char* summary() const override { return "Print the balance of a leave on a date"; }
     const char* contract() const override {
         return "The balance of the month slice that holds the date, with all leave entered in the\n"
-               "slice, as the last recalculation left it. LEVID 0 is the sum of all leaves. With\n"
-               "HEAD only a slice under that attendance head counts.";
+               "slice, as the last recalculation left it. LEAVE is a short name or a\n"
+               "LEVID, 0 the sum of all leaves. With HEAD, a name or a number, only a slice under\n"
+               "that attendance head counts.";
     }
 
     void declare(CLI::App& app) override {
         app.add_option("DB", db_, "Database")->required();
         app.add_option("EMPID", employee_, "Employee")->required();
-        app.add_option("LEVID", leave_, "Leave")->required();
+        app.add_option("LEAVE", leave_, "Leave: short name or LEVID")->required();
         app.add_option("DATE", date_, "Date as YYYY-MM-DD")->required();
-        app.add_option("HEAD", head_, "Attendance head");
+        app.add_option("HEAD", head_, "Attendance head: name or number");
         app.add_flag("--json", json_, kJsonHelp);
     }
 
@@ -33,11 +35,15 @@ class BalanceCommand final : public Command {
         const auto date = parseDate(date_);
         if (!date) throw CommandError("\"" + date_ + "\" is no date (YYYY-MM-DD)");
         ReadingSession reading(db_);
-        const double balance =
-            GetClosingBalance(reading.session, employee_, leave_, *date, {}, head_);
+        Connection& connection = reading.session.gConn;
+        requireEmployee(connection, employee_);
+        requireMonthOfDay(connection, isoText(*date));
+        const int32_t leave = leave_ == "0" ? 0 : leaveNamed(connection, leave_).id;
+        const double balance = GetClosingBalance(reading.session, employee_, leave, *date, {},
+                                                 headNamed(connection, head_));
         if (json_)
             printJson(io.out, {{"employee", employee_},
-                               {"leave", leave_},
+                               {"leave", leave},
                                {"date", isoText(*date)},
                                {"balance", balance}});
         else
@@ -46,9 +52,8 @@ class BalanceCommand final : public Command {
     }
 
   private:
-    std::string db_, date_;
+    std::string db_, leave_, date_, head_ = "0";
     int64_t employee_ = 0;
-    int32_t leave_ = 0, head_ = 0;
     bool json_ = false;
 };
 

@@ -4,7 +4,7 @@
 
 #include "ctl/command.h"
 #include "ctl/database.h"
-#include "ctl/json_text.h"
+#include "ctl/output_form.h"
 #include "leave/ledger_checks.h"
 
 namespace owb::ctl {
@@ -78,21 +78,22 @@ constexpr TableCheck kChecks[] = {
      "SELECT COUNT(*) FROM LEV_ALLOTMENT WHERE EDITMODEYN = 1", true},
 };
 
-// What was found, told at once as text or held for the one JSON object at the end.
+// What was found, told at once as text or held for the JSON object or the CSV at the end.
 class Findings {
   public:
-    Findings(std::ostream& out, bool json) : out_(out), json_(json) {}
+    Findings(std::ostream& out, const OutputForm& form)
+        : out_(out), form_(form), held_(form.json || form.csv) {}
 
     void damaged(const std::string& what) {
         ++faults_;
-        if (json_)
+        if (held_)
             all_.push_back({{"what", what}, {"fault", true}});
         else
             out_ << what << '\n';
     }
     void rows(const char* table, int64_t count, const char* what, bool remark) {
         if (!remark) ++faults_;
-        if (json_)
+        if (held_)
             all_.push_back({{"table", table}, {"rows", count}, {"what", what}, {"fault", !remark}});
         else
             out_ << table << ": " << count << ' ' << what << '\n';
@@ -100,10 +101,10 @@ class Findings {
     // Whose rows those of the last finding are.
     void employees(const ResultSet& found) {
         constexpr size_t kNamed = 20;
-        if (json_)
+        if (held_)
             for (const Value& employee : found.cells)
                 all_.back()["employees"].push_back(jsonOf(employee));
-        if (json_ || found.rows == 0) return;
+        if (held_ || found.rows == 0) return;
         out_ << "  employees ";
         for (size_t row = 0; row < std::min(found.rows, kNamed); ++row)
             out_ << (row > 0 ? ", " : "") << found.at(row, 0).toText();
@@ -113,8 +114,10 @@ class Findings {
     // Whether there was no fault.
     bool end() {
         const bool sound = faults_ == 0;
-        if (json_)
+        if (form_.json)
             printJson(out_, {{"sound", sound}, {"findings", all_}});
+        else if (form_.csv)
+            printCsv(out_, {"fault", "table", "rows", "what", "employees"}, all_);
         else
             out_ << (sound ? "sound\n" : "not sound\n");
         return sound;
@@ -122,7 +125,8 @@ class Findings {
 
   private:
     std::ostream& out_;
-    const bool json_;
+    const OutputForm form_;
+    const bool held_;
     Json all_ = Json::array();
     size_t faults_ = 0;
 };
@@ -140,13 +144,13 @@ class CheckCommand final : public Command {
 
     void declare(CLI::App& app) override {
         app.add_option("DB", db_, "Database")->required();
-        app.add_flag("--json", json_, kJsonHelp);
+        form_.declare(app);
     }
 
     int run(Streams& io) override {
         Connection connection;
         openDatabase(connection, db_);
-        Findings findings(io.out, json_);
+        Findings findings(io.out, form_);
         for (const std::string& line : connection.CheckIntegrity()) findings.damaged(line);
         const auto count = [&](const char* table, const char* what, const std::string& query,
                                bool remark) {
@@ -167,7 +171,7 @@ class CheckCommand final : public Command {
 
   private:
     std::string db_;
-    bool json_ = false;
+    OutputForm form_;
 };
 
 }  // namespace

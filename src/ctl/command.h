@@ -51,6 +51,12 @@ std::unique_ptr<Command> makeEvalCommand();
 std::unique_ptr<Command> makeFormulaCommand();
 std::unique_ptr<Command> makeCheckCommand();
 std::unique_ptr<Command> makeBackupCommand();
+std::unique_ptr<Command> makeCompletionCommand();
+
+// All of them, in the order in which help lists them.
+std::vector<std::unique_ptr<Command>> allCommands();
+// "--json", "-f" ...: the options that a command has declared.
+std::vector<std::string> optionNames(const CLI::App& app);
 
 // Runs one command line (without the program's name) and gives its exit status: 0 done, 1 failed,
 // 2 wrong usage.

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "app/ThisApp.h"
 #include "base/utf8.h"
 #include "ctl/command.h"
 #include "db/embedded/embedded_driver.h"
@@ -23,6 +24,11 @@ std::string databaseFile(const std::string& db) {
 
 void openDatabase(Connection& connection, const std::string& db) {
     connection.Open(connectionString(db));
+}
+
+void openCompany(Connection& connection, const std::string& db) {
+    openDatabase(connection, db);
+    RequireCompany(connection);
 }
 
 void makeDatabase(const std::string& db, const std::function<void(Connection&)>& fill) {

@@ -13,6 +13,8 @@ std::string connectionString(const std::string& db);
 std::string databaseFile(const std::string& db);
 // Throws DbError.
 void openDatabase(Connection& connection, const std::string& db);
+// The same for commands that read a company; a database without one is a std::runtime_error.
+void openCompany(Connection& connection, const std::string& db);
 // Makes a new file and fills it; a filling that fails leaves no file behind.
 void makeDatabase(const std::string& db, const std::function<void(Connection&)>& fill);
 bool tableExists(Connection& connection, const std::string& name);

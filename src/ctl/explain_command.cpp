@@ -2,7 +2,8 @@
 #include <iomanip>
 #include <ostream>
 
-#include "ctl/json_text.h"
+#include "ctl/known_keys.h"
+#include "ctl/output_form.h"
 #include "ctl/reading_session.h"
 #include "db/recordset.h"
 #include "db/sql_text.h"
@@ -51,37 +52,36 @@ class ExplainCommand final : public Command {
     void declare(CLI::App& app) override {
         app.add_option("DB", db_, "Database")->required();
         app.add_option("EMPID", employee_, "Employee")->required();
-        app.add_option("LEVSHORT", leave_, "Leave's abbreviation")->required();
+        app.add_option("LEAVE", leave_, "Leave: short name or LEVID")->required();
         app.add_option("MONTH", month_, "Month as Mmm/YYYY")->required();
-        app.add_flag("--json", json_, kJsonHelp);
+        form_.declare(app);
     }
 
     int run(Streams& io) override {
-        const int32_t month = FnLngMonthYearOfText(month_);
-        if (month == 0) throw CommandError("\"" + month_ + "\" is no month (Mmm/YYYY)");
         ReadingSession reading(db_);
         Session& session = reading.session;
-        const std::string leave =
-            FnVarValueOrThrow(
-                session, "SELECT LEVID FROM ATT_DEFINITION WHERE LEVSHORT = " + literal(leave_))
-                .toText();
-        if (leave.empty()) throw CommandError("there is no leave \"" + leave_ + "\"");
-        Recordset rows(session.gConn,
-                       FnStrAllotRows("LEV_ALLOTMENT LA",
-                                      "WHERE LA.EMPID = " + std::to_string(employee_) +
-                                          " AND LA.LEVID = " + leave +
-                                          " AND [DBO].FNLNGMONTHYEAR(LA.ALLOTFROM, LA.ALLOTTO) = " +
-                                          std::to_string(month) + " ORDER BY LA.ALLOTFROM"));
+        requireEmployee(session.gConn, employee_);
+        const NamedLeave leave = leaveNamed(session.gConn, leave_);
+        leave_ = leave.shortName;
+        const int32_t month = monthNamed(session.gConn, month_);
+        Recordset rows(
+            session.gConn,
+            FnStrAllotRows(
+                "LEV_ALLOTMENT LA",
+                Sql() << "WHERE LA.EMPID = " << employee_ << " AND LA.LEVID = " << leave.id
+                      << " AND [DBO].FNLNGMONTHYEAR(LA.ALLOTFROM, LA.ALLOTTO) = " << month
+                      << " ORDER BY LA.ALLOTFROM"));
         if (rows.IsEOF()) throw CommandError("the ledger holds no such row");
         Json told = Json::array();
         for (; !rows.IsEOF(); rows.MoveNext()) {
             const AllotRow row = FnReadAllotRow(rows);
-            if (json_)
+            if (form_.json || form_.csv)
                 told.push_back(jsonOfRow(session, row));
             else
                 print(session, row, io.out);
         }
-        if (json_) printJson(io.out, told);
+        if (form_.json) printJson(io.out, told);
+        if (form_.csv) printCsv(io.out, {"from", "to", "head", "what", "finding"}, stepsOf(told));
         return 0;
     }
 
@@ -106,6 +106,17 @@ class ExplainCommand final : public Command {
                 {"ledger", jsonOf(session.gConn.Run(ledgerQuery(row)).sets.front()).at(0)}};
     }
 
+    // Every step of every row, with the span and the head of its row.
+    static Json stepsOf(const Json& rows) {
+        Json all = Json::array();
+        for (const Json& row : rows)
+            for (Json step : row.at("steps")) {
+                for (const char* key : {"from", "to", "head"}) step[key] = row.at(key);
+                all.push_back(std::move(step));
+            }
+        return all;
+    }
+
     void print(Session& session, const AllotRow& row, std::ostream& out) const {
         out << leave_ << " of employee " << employee_ << ", " << FnStrIsoDate(row.dteFrom) << " to "
             << FnStrIsoDate(row.dteTo) << ", head " << row.intAttHeadId << '\n';
@@ -122,7 +133,7 @@ class ExplainCommand final : public Command {
 
     std::string db_, leave_, month_;
     int64_t employee_ = 0;
-    bool json_ = false;
+    OutputForm form_;
 };
 
 }  // namespace

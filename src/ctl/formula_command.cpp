@@ -5,7 +5,9 @@
 #include "ctl/command.h"
 #include "ctl/database.h"
 #include "ctl/json_text.h"
+#include "ctl/known_keys.h"
 #include "ctl/text_table.h"
+#include "db/sql_text.h"
 #include "family/modCommon.h"
 #include "formula/clsEvalFormula.h"
 #include "session/MemorySettingsStore.h"
@@ -60,12 +62,13 @@ class FormulaCommand final : public Command {
         FailureBoxes boxes;
         MemorySettingsStore settings;
         Session session(settings, boxes, wallClock, ".");
-        openDatabase(session.gConn, db_);
+        openCompany(session.gConn, db_);
         session.gHostPrefix = FnStrHostPrefix(session);
         LoadOptSet(session);
         LoadCaptions(session);
 
-        const int32_t month = monthKey();
+        requireKnown(session);
+        const int32_t month = monthNamed(session.gConn, month_);
         FormulaTrace trace;
         double value = 0;
         if (version_ == 0) {
@@ -90,12 +93,21 @@ class FormulaCommand final : public Command {
     }
 
   private:
-    int32_t monthKey() const {
-        const bool key = month_.find_first_not_of("0123456789") == std::string::npos;
-        const int32_t month =
-            key ? static_cast<int32_t>(textToNumber(month_)) : FnLngMonthYearOfText(month_);
-        if (month <= 0) throw CommandError("\"" + month_ + "\" is no month (Mmm/YYYY or its key)");
-        return month;
+    void requireKnown(Session& session) const {
+        if (!FnBlnExistsOrThrow(
+                session,
+                Sql() << "SELECT FORMULAID FROM MAS_FORMULA WHERE FORMULAID = " << formula_))
+            throw CommandError("there is no formula " + std::to_string(formula_) +
+                               "; MAS_FORMULA lists them");
+        requireEmployee(session.gConn, employee_);
+        const int64_t last =
+            FnVarValueOrThrow(
+                session,
+                Sql() << "SELECT MAX(EMPDETID) FROM MAS_EMPLOYEEDET WHERE EMPID = " << employee_, 0)
+                .toInt();
+        if (version_ < 0 || version_ > last)
+            throw CommandError("there is no version " + std::to_string(version_) + " of employee " +
+                               std::to_string(employee_) + "; the last is " + std::to_string(last));
     }
 
     static DateTime dateOr(const std::string& text, DateTime otherwise) {

@@ -3,6 +3,8 @@
 #include <histedit.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <clocale>
 #include <cstdio>
@@ -12,10 +14,30 @@ namespace owb::ctl {
 
 namespace {
 constexpr int kLinesKept = 2000;
+
+bool inWord(char c) {
+    return isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '@' || c == '#';
 }
 
-LineEditor::LineEditor(const char* program, std::string historyFile)
-    : editor_(nullptr), history_(history_init()), historyFile_(std::move(historyFile)) {
+// How many letters all words have in common at their beginnings.
+size_t commonLength(const std::vector<std::string>& words) {
+    size_t length = words.front().size();
+    for (const std::string& word : words) {
+        size_t n = 0;
+        while (n < std::min(length, word.size()) && tolower(word[n]) == tolower(words.front()[n]))
+            ++n;
+        length = n;
+    }
+    return length;
+}
+
+}  // namespace
+
+LineEditor::LineEditor(const char* program, std::string historyFile, Complete complete)
+    : editor_(nullptr),
+      history_(history_init()),
+      historyFile_(std::move(historyFile)),
+      complete_(std::move(complete)) {
     // Text is UTF-8 everywhere, whatever a bare environment says.
     const char* locale = std::setlocale(LC_CTYPE, "");
     if (!locale || !std::string_view(locale).ends_with("UTF-8"))
@@ -30,6 +52,8 @@ LineEditor::LineEditor(const char* program, std::string historyFile)
     el_set(editor_, EL_EDITOR, "emacs");
     el_set(editor_, EL_HIST, ::history, history_);
     el_set(editor_, EL_BIND, "^R", "em-inc-search-prev", nullptr);
+    el_set(editor_, EL_ADDFN, "owb-complete", "Completes a name", onTab);
+    el_set(editor_, EL_BIND, "^I", "owb-complete", nullptr);
     el_source(editor_, nullptr);
 }
 
@@ -46,6 +70,32 @@ char* LineEditor::promptOf(editline* editor) {
     void* self = nullptr;
     el_get(editor, EL_CLIENTDATA, &self);
     return static_cast<LineEditor*>(self)->prompt_.data();
+}
+
+unsigned char LineEditor::onTab(editline* editor, int) {
+    void* self = nullptr;
+    el_get(editor, EL_CLIENTDATA, &self);
+    return static_cast<LineEditor*>(self)->completeWord();
+}
+
+unsigned char LineEditor::completeWord() {
+    const LineInfo* line = el_line(editor_);
+    const char* from = line->cursor;
+    while (from > line->buffer && inWord(from[-1])) --from;
+    const std::string word(from, line->cursor);
+    const std::vector<std::string> words = complete_(word);
+    if (words.empty()) return CC_ERROR;
+    const size_t common = commonLength(words);
+    if (words.size() > 1 && common <= word.size()) {
+        std::string list = "\n";
+        for (const std::string& each : words) list += each + "  ";
+        fputs((list + "\n").c_str(), stdout);
+        return CC_REDISPLAY;
+    }
+    el_deletestr(editor_, static_cast<int>(word.size()));
+    el_insertstr(editor_,
+                 (words.front().substr(0, common) + (words.size() == 1 ? " " : "")).c_str());
+    return CC_REFRESH;
 }
 
 LineEditor::Got LineEditor::read(const std::string& prompt, std::string& line) {

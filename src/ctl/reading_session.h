@@ -13,7 +13,7 @@ namespace owb::ctl {
 class ReadingSession {
   public:
     explicit ReadingSession(const std::string& db) : session(settings_, boxes_, wallClock, ".") {
-        openDatabase(session.gConn, db);
+        openCompany(session.gConn, db);
         SetHostNames(session);
         LoadOptSet(session);
     }

@@ -1,9 +1,11 @@
 #include <CLI/CLI.hpp>
 #include <ostream>
 
+#include "base/csv.h"
 #include "ctl/command.h"
 #include "ctl/database.h"
-#include "ctl/json_text.h"
+#include "ctl/known_keys.h"
+#include "ctl/output_form.h"
 #include "ctl/text_table.h"
 #include "db/recordset.h"
 #include "db/sql_text.h"
@@ -27,12 +29,12 @@ class RegisterCommand final : public Command {
     void declare(CLI::App& app) override {
         app.add_option("DB", db_, "Database")->required();
         app.add_option("--month", month_, "Month as Mmm/YYYY");
-        app.add_flag("--json", json_, kJsonHelp);
+        form_.declare(app);
     }
 
     int run(Streams& io) override {
         Connection connection;
-        openDatabase(connection, db_);
+        openCompany(connection, db_);
         const int64_t month = chosenMonth(connection);
         const std::string monthText = FnStrMonthYearText(static_cast<int32_t>(month));
         const BatchResult result = connection.Run(
@@ -46,8 +48,10 @@ class RegisterCommand final : public Command {
             "MA.ATTHEADID = MD.ATTHEADID AND LM.MONTHYEAR = " +
             std::to_string(month) + " ORDER BY ME.EMPID, LM.EMPDETID");
         const ResultSet& rows = result.sets.front();
-        if (json_)
+        if (form_.json)
             printJson(io.out, jsonOf(rows));
+        else if (form_.csv)
+            io.out << csvText(rows);
         else
             io.out << "Register of " << monthText << "\n\n" << textTable(linesOf(rows));
         return 0;
@@ -55,11 +59,7 @@ class RegisterCommand final : public Command {
 
   private:
     int64_t chosenMonth(Connection& connection) const {
-        if (!month_.empty()) {
-            const int64_t month = FnLngMonthYearOfText(month_);
-            if (month == 0) throw CommandError("\"" + month_ + "\" is no month (Mmm/YYYY)");
-            return month;
-        }
+        if (!month_.empty()) return monthNamed(connection, month_);
         Recordset last(connection,
                        "SELECT MAX(MONTHYEAR) FROM MAS_MONTHYEAR WHERE ISNULL(LOCKEDYN, 0) = 0 "
                        "AND CALCSTARTDATE <= GETDATE()");
@@ -81,7 +81,7 @@ class RegisterCommand final : public Command {
     }
 
     std::string db_, month_;
-    bool json_ = false;
+    OutputForm form_;
 };
 
 }  // namespace

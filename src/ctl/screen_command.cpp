@@ -7,6 +7,7 @@
 #include "app/frmMain.h"
 #include "ctl/command.h"
 #include "ctl/database.h"
+#include "ctl/known_keys.h"
 #include "script/script_commands.h"
 #include "script/script_front_end.h"
 #include "session/MemorySettingsStore.h"
@@ -34,7 +35,7 @@ class ScreenCommand final : public Command {
     void declare(CLI::App& app) override {
         app.add_option("DB", db_, "Database")->required();
         app.add_option("MENU", menu_, "Menu identifier")->required();
-        app.add_option("HEAD", head_, "Attendance head, 0 none")->required();
+        app.add_option("HEAD", head_, "Attendance head: name or number, 0 none")->required();
         app.add_option("-f,--file", file_, "Script; otherwise it is read from stdin");
         app.add_option("--user", user_, "User whose rights hold")->capture_default_str();
         app.add_option("--clock", clock_, "Today, as YYYY-MM-DD or dd/mm/yyyy");
@@ -55,11 +56,18 @@ class ScreenCommand final : public Command {
         settings.SaveSetting("Settings", "User", user_);
         for (const std::string& setting : settings_) writeSetting(settings, setting);
         Session session(settings, frontEnd, clock(), programFolder());
-        const int status = frmMain(session, frontEnd).RunOn(connectionString(db_), menu_, head_);
+        const int status =
+            frmMain(session, frontEnd).RunOn(connectionString(db_), menu_, headNumber());
         return frontEnd.failed() ? 1 : status;
     }
 
   private:
+    int32_t headNumber() const {
+        Connection connection;
+        openCompany(connection, db_);
+        return headNamed(connection, head_);
+    }
+
     // The section ends at the first point: keys may hold one.
     static void writeSetting(SettingsStore& settings, const std::string& setting) {
         const size_t equals = setting.find('='), point = setting.find('.');
@@ -85,9 +93,9 @@ class ScreenCommand final : public Command {
         return folder_;
     }
 
-    std::string db_, file_, user_ = "ADMIN", clock_, folder_;
+    std::string db_, file_, user_ = "ADMIN", clock_, folder_, head_;
     std::vector<std::string> settings_;
-    int32_t menu_ = 0, head_ = 0;
+    int32_t menu_ = 0;
 };
 
 }  // namespace

@@ -61,15 +61,21 @@ class SqlCommand final : public Command {
         app.add_option("-f,--file", file_, "A file of batches")->excludes(text);
         auto* table = app.add_flag("--table", table_, "Aligned columns instead of CSV");
         app.add_flag("--json", json_, "JSON instead of CSV")->excludes(table);
+        app.add_flag("--vertical", vertical_, "A line for each column of a row instead of CSV");
         app.add_flag("--time", time_, "Tell how long each batch took");
     }
 
     int run(Streams& io) override {
+        if (vertical_ && (table_ || json_))
+            throw CommandError("--vertical goes with neither --table nor --json");
         Connection connection;
         openDatabase(connection, db_);
         const bool asks = text_.empty() && file_.empty() && io.interactive;
         using Rows = SqlOutput::Rows;
-        const Rows rows = json_ ? Rows::Json : table_ || asks ? Rows::Tables : Rows::Csv;
+        const Rows rows = json_            ? Rows::Json
+                          : vertical_      ? Rows::Vertical
+                          : table_ || asks ? Rows::Tables
+                                           : Rows::Csv;
         SqlOutput output(io.out, io.err, rows, time_);
         if (asks) {
             runSqlPrompt(connection, output);
@@ -90,7 +96,7 @@ class SqlCommand final : public Command {
     }
 
     std::string db_, text_, file_;
-    bool table_ = false, json_ = false, time_ = false;
+    bool table_ = false, json_ = false, vertical_ = false, time_ = false;
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "base/csv.h"
 #include "base/number_text.h"
+#include "base/utf8.h"
 #include "ctl/json_text.h"
 #include "ctl/text_table.h"
 #include "db/connection.h"
@@ -25,11 +26,31 @@ std::string tableCell(const Value& value) {
     return text;
 }
 
+std::string titleOf(const Column& column) {
+    return column.name.empty() ? "(No column name)" : column.name;
+}
+
+// Rows that are wider than the terminal: each as a block, a line for each column.
+std::string verticalText(const ResultSet& set) {
+    size_t width = 0;
+    for (const Column& c : set.columns) width = std::max(width, utf8Length(titleOf(c)));
+    std::string text;
+    for (size_t r = 0; r < set.rows; ++r) {
+        text += "-- row " + std::to_string(r + 1) + "\n";
+        for (size_t c = 0; c < set.columns.size(); ++c) {
+            const std::string title = titleOf(set.columns[c]);
+            text += title + std::string(width - utf8Length(title) + 2, ' ') +
+                    tableCell(set.at(r, c)) + "\n";
+        }
+    }
+    return text;
+}
+
 std::string tableText(const ResultSet& set) {
     std::vector<std::vector<std::string>> rows(1);
     std::vector<bool> numbers;
     for (const Column& c : set.columns) {
-        rows[0].push_back(c.name.empty() ? "(No column name)" : c.name);
+        rows[0].push_back(titleOf(c));
         numbers.push_back(c.type.isNumber());
     }
     for (size_t r = 0; r < set.rows; ++r) {
@@ -93,7 +114,7 @@ bool SqlOutput::run(Connection& connection, const std::string& batch) {
 
 void SqlOutput::show(const BatchResult& result) {
     for (const ResultSet& set : result.sets) showSet(set);
-    if (rows_ == Rows::Tables) {
+    if (forPeople()) {
         for (int64_t count : result.counts) out << countText(count) << '\n';
         if (result.sets.empty() && result.counts.empty() && result.messages.empty() &&
             result.errors.empty())
@@ -106,7 +127,7 @@ void SqlOutput::show(const BatchResult& result) {
 void SqlOutput::showSet(const ResultSet& set) {
     if (!first_) out << '\n';
     first_ = false;
-    switch (rows_) {
+    switch (rows) {
         case Rows::Csv:
             out << csvText(set);
             break;
@@ -114,7 +135,9 @@ void SqlOutput::showSet(const ResultSet& set) {
             printJson(out, jsonOf(set));
             break;
         case Rows::Tables:
-            out << tableText(set) << '\n' << countText(static_cast<int64_t>(set.rows)) << '\n';
+        case Rows::Vertical:
+            out << (rows == Rows::Tables ? tableText(set) : verticalText(set)) << '\n'
+                << countText(static_cast<int64_t>(set.rows)) << '\n';
     }
 }
 
@@ -128,7 +151,7 @@ void SqlOutput::showError(const std::string& batch, const DbError& error) {
         if (error.line > 0) head += ", Line " + std::to_string(error.line);
         head += "\n";
     }
-    if (rows_ == Rows::Tables && !head.empty())
+    if (forPeople() && !head.empty())
         err << head << error.what() << '\n';
     else
         err << "error: " << error.what() << '\n' << head;

@@ -15,10 +15,10 @@ namespace owb::ctl {
 
 class SqlOutput {
   public:
-    enum class Rows { Csv, Json, Tables };
+    enum class Rows { Csv, Json, Tables, Vertical };  // Vertical: a line for each column
 
     SqlOutput(std::ostream& out, std::ostream& err, Rows rows, bool time)
-        : out(out), err(err), time(time), rows_(rows) {}
+        : out(out), err(err), time(time), rows(rows) {}
 
     // Runs a batch and shows what it gave. Whether it went without an error.
     bool run(Connection& connection, const std::string& batch);
@@ -26,13 +26,14 @@ class SqlOutput {
     std::ostream& out;
     std::ostream& err;
     bool time;
+    Rows rows;
 
   private:
     void show(const BatchResult& result);
     void showSet(const ResultSet& set);
+    bool forPeople() const { return rows == Rows::Tables || rows == Rows::Vertical; }
     void showError(const std::string& batch, const DbError& error);
 
-    const Rows rows_;
     bool first_ = true;
 };
 

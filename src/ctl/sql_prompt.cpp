@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <ostream>
+#include <set>
+#include <sstream>
 #include <vector>
 
 #include "base/utf8.h"
@@ -23,6 +25,8 @@ constexpr const char* kHelp =
     "  sp_help NAME           columns, keys and constraints of a table, parameters of a routine\n"
     "  sp_helptext NAME       the text of a view, routine or trigger\n"
     "  sp_helptrigger TABLE   the triggers of a table\n"
+    "  \\x                     a line for each column, for wide rows, or tables again\n"
+    "  Tab                    completes the name of a table, column or routine\n"
     "  time                   tells after each batch how long it took, or no longer\n"
     "  help                   this text\n"
     "  exit, quit, Ctrl-D     leaves; an open transaction is rolled back\n";
@@ -62,6 +66,15 @@ std::string commandOf(const std::string& line) {
 }
 
 }  // namespace
+
+bool runsAtOnce(const std::string& line) {
+    std::istringstream words(lowerCase(line));
+    std::string first, more;
+    words >> first;
+    while (first.ends_with(';')) first.pop_back();
+    const bool takesName = first == "sp_helptext" || first == "sp_helptrigger";
+    return (takesName && words >> more) || first == "sp_help";
+}
 
 bool endsBatch(const std::string& text) {
     std::vector<std::string> words;
@@ -105,9 +118,60 @@ bool endsBatch(const std::string& text) {
     return !kind.starts_with("proc") && kind != "function" && kind != "trigger";
 }
 
+std::vector<std::string> sqlWordsFrom(Connection& connection, const std::string& beginning) {
+    static constexpr const char* kWords[] = {
+        "ALTER",    "BEGIN",  "CREATE",  "COMMIT",      "DECLARE",        "DELETE", "DROP",
+        "EXEC",     "EXISTS", "FROM",    "GROUP",       "HAVING",         "INNER",  "INSERT",
+        "INTO",     "JOIN",   "LEFT",    "ORDER",       "PROCEDURE",      "SELECT", "TABLE",
+        "TOP",      "UPDATE", "VALUES",  "WHERE",       "TRANSACTION",    "VIEW",   "ROLLBACK",
+        "FUNCTION", "PRINT",  "sp_help", "sp_helptext", "sp_helptrigger", "help",   "exit"};
+    if (beginning.empty()) return {};
+    const std::string lower = lowerCase(beginning);
+    std::set<std::string> words;
+    for (const char* word : kWords)
+        if (lowerCase(word).starts_with(lower)) words.insert(word);
+    const BatchResult found = connection.RunCollecting(
+        "SELECT NAME FROM SYS.OBJECTS UNION SELECT COLUMN_NAME FROM INFORMATION_SCHEMA.COLUMNS");
+    if (!found.sets.empty())
+        for (const Value& name : found.sets.front().cells)
+            if (lowerCase(name.toText()).starts_with(lower)) words.insert(name.toText());
+    return {words.begin(), words.end()};
+}
+
+namespace {
+
+// What stands open when the user leaves is lost: he is told.
+void tellOpenTransaction(Connection& connection, std::ostream& out) {
+    const BatchResult open = connection.RunCollecting("SELECT @@TRANCOUNT");
+    if (!open.sets.empty() && open.sets.front().at(0, 0).toInt() > 0)
+        out << "The open transaction is rolled back.\n" << std::flush;
+}
+
+// A line that is a command of the prompt itself; false: it belongs to a batch.
+bool promptCommand(const std::string& command, SqlOutput& output) {
+    using Rows = SqlOutput::Rows;
+    if (command == "help") {
+        output.out << kHelp;
+    } else if (command == "time") {
+        output.time = !output.time;
+        output.out << "Timing is " << (output.time ? "on" : "off") << ".\n";
+    } else if (command == "\\x") {
+        output.rows = output.rows == Rows::Vertical ? Rows::Tables : Rows::Vertical;
+        output.out << (output.rows == Rows::Vertical ? "A line for each column.\n" : "Tables.\n");
+    } else {
+        return command.empty() || command == "go";
+    }
+    output.out << std::flush;
+    return true;
+}
+
+}  // namespace
+
 void runSqlPrompt(Connection& connection, SqlOutput& output) {
     output.out << "help tells how to go on, exit leaves.\n" << std::flush;
-    LineEditor editor("owbctl", historyFile());
+    LineEditor editor("owbctl", historyFile(), [&](const std::string& beginning) {
+        return sqlWordsFrom(connection, beginning);
+    });
     const InterruptHandler handler;
     std::string batch, line;
     int number = 1;
@@ -122,7 +186,10 @@ void runSqlPrompt(Connection& connection, SqlOutput& output) {
     while (true) {
         // The number of the line, as errors tell it.
         const LineEditor::Got got = editor.read(std::to_string(number) + "> ", line);
-        if (got == LineEditor::Got::End) break;
+        if (got == LineEditor::Got::End) {
+            output.out << '\n';
+            break;
+        }
         if (got == LineEditor::Got::Interrupted) {
             output.out << "^C\n" << std::flush;
             batch.clear();
@@ -131,27 +198,19 @@ void runSqlPrompt(Connection& connection, SqlOutput& output) {
         }
         const std::string command = commandOf(line);
         if (batch.empty()) {
-            if (command.empty() || command == "go") continue;
-            if (command == "exit" || command == "quit") return;
-            if (command == "help") {
-                output.out << kHelp << std::flush;
-                continue;
-            }
-            if (command == "time") {
-                output.time = !output.time;
-                output.out << "Timing is " << (output.time ? "on" : "off") << ".\n" << std::flush;
-                continue;
-            }
+            if (command == "exit" || command == "quit") break;
+            if (promptCommand(command, output)) continue;
         }
         if (command == "go") {
             give();
             continue;
         }
+        const bool atOnce = batch.empty() && runsAtOnce(line);
         batch += line + "\n";
         ++number;
-        if (endsBatch(batch)) give();
+        if (atOnce || endsBatch(batch)) give();
     }
-    output.out << '\n';
+    tellOpenTransaction(connection, output.out);
 }
 
 }  // namespace owb::ctl
