@@ -7,6 +7,7 @@
 #include "app/modMenu.h"
 #include "base/number_text.h"
 #include "db/sql_text.h"
+#include "leave/AwaitingRows.h"
 #include "leave/screens/frmConfiguring.h"
 #include "leave/screens/modLeaveProcess.h"
 #include "schema/modSQLFunction.h"
@@ -88,14 +89,7 @@ void recalculatePending(Session& session, FrontEnd& frontEnd) {
         FillClassSecurity(session, 0, 0);
         condition = FnStrClassSecurityFilter(session, "LEV.EMPID");
     }
-    int64_t marked = 0;
-    for (const char* table : {"LEV_ALLOTMENT", "LEV_MONTHDET", "ATT_DAYTODAY"})
-        marked += FnVarValueOrThrow(session,
-                                    Sql() << "SELECT COUNT(EMPID) FROM " << table
-                                          << " LEV WHERE EDITMODEYN = 1" << condition,
-                                    0)
-                      .toInt();
-    if (marked == 0) return;
+    if (FnLngAwaitingRows(session, condition) == 0) return;
     frontEnd.pause(1000);
     session.gRecalcPending = true;
     modLeaveProcess screen(session, frontEnd);

@@ -92,6 +92,67 @@ TEST(ProcessLeave, ClosesByItselfWhereNobodyWaits) {
     }
 }
 
+// What the user reads below the bar, by the pass that runs and the time that it has taken.
+TEST(ProcessLeave, TellsStepsTimeLeftAndTheEnd) {
+    struct Case {
+        const char* what;
+        int32_t menu;
+        int secondsARow;
+        bool marked;
+        std::vector<std::string> told;  // without repetitions, the end last
+    };
+    for (const Case& c :
+         {Case{"fast",
+               1600,
+               0,
+               true,
+               {"Step 1 of 3", "Step 1 of 3: 1 of 3", "Step 1 of 3: 2 of 3", "Step 2 of 3",
+                "Step 2 of 3: 1 of 3", "Step 2 of 3: 2 of 3", "Process Completed"}},
+          {"slow",
+           1601,
+           7,
+           true,
+           {"Step 1 of 2", "Step 1 of 2: 1 of 3, about 14 s left",
+            "Step 1 of 2: 2 of 3, about 7 s left", "Step 2 of 2",
+            "Step 2 of 2: 1 of 3, about 14 s left", "Step 2 of 2: 2 of 3, about 7 s left",
+            "Process Completed"}},
+          {"for minutes",
+           1601,
+           300,
+           true,
+           {"Step 1 of 2", "Step 1 of 2: 1 of 3, about 10 min left",
+            "Step 1 of 2: 2 of 3, about 5 min left", "Step 2 of 2",
+            "Step 2 of 2: 1 of 3, about 10 min left", "Step 2 of 2: 2 of 3, about 5 min left",
+            "Process Completed"}},
+          {"nothing to do", 1508, 0, false, {"Step 1 of 3", "Nothing waits to be worked out."}}}) {
+        Marked m;
+        if (!c.marked)
+            m.run("UPDATE LEV_MONTHDET SET EDITMODEYN = 0 UPDATE ATT_DAYTODAY SET EDITMODEYN = 0");
+        m.session.gMenuId = c.menu;
+        m.session.gOpenedFromMenu = true;
+        int rows = 0;
+        m.session.now = [&] {
+            DateTime now = DateTime::fromCivil(2024, 8, 15);
+            now.tick = rows * c.secondsARow * 300;
+            return now;
+        };
+        modLeaveProcess screen(m.session, m.frontEnd);
+        std::vector<std::string> told;
+        m.frontEnd.atRefresh = [&](Screen&) {
+            const std::string& text = screen.lblStatus.caption;
+            if (told.empty() || told.back() != text) told.push_back(text);
+            if (screen.lblProgress.caption.starts_with("Updating")) ++rows;
+        };
+        m.frontEnd.atInput = [&](Screen&) {
+            EXPECT_EQ(screen.lblProgress.caption, "Process Completed") << c.what;
+            EXPECT_EQ(screen.barProgress.value, screen.barProgress.maximum) << c.what;
+            EXPECT_GT(screen.barProgress.maximum, 0U) << c.what;
+        };
+        screen.showModal();
+        EXPECT_EQ(told, c.told) << c.what;
+    }
+}
+
 // The ledger comes last, and not at all from the menu that leaves it out or after a cancel.
 TEST(ProcessLeave, WorksTheLedgerOutBehindTheDays) {
     struct Case {

@@ -1,11 +1,30 @@
 #include "leave/screens/modLeaveProcess.h"
 
+#include <cmath>
+
 #include "base/db_error.h"
+#include "base/number_text.h"
+#include "leave/AwaitingRows.h"
 #include "leave/RecalculationLock.h"
 #include "leave/modLeaveFunctions.h"
 #include "session/Session.h"
 
 namespace owb {
+
+namespace {
+
+// "about 40 s left" of what has taken `seconds` so far; "" as long as nobody can tell.
+std::string timeLeft(double seconds, size_t done, size_t total) {
+    constexpr double kFirstGuess = 2;
+    if (seconds < kFirstGuess || done == 0 || done >= total) return "";
+    const double left =
+        std::ceil(seconds * static_cast<double>(total - done) / static_cast<double>(done));
+    const bool minutes = left >= 100;
+    return ", about " + formatNumber(minutes ? std::ceil(left / 60) : left, "0") +
+           (minutes ? " min left" : " s left");
+}
+
+}  // namespace
 
 modLeaveProcess::modLeaveProcess(Session& session, FrontEnd& frontEnd, bool endsTransaction)
     : Screen(frontEnd, "modLeaveProcess", " Process Leave"),
@@ -56,14 +75,40 @@ void modLeaveProcess::onActivate() {
 
 void modLeaveProcess::runPasses() {
     const RecalculationLock lock(session_, *this);
+    const bool ledger = session_.gMenuId != 1601;
+    const bool anything = FnLngAwaitingRows(session_, "", ledger) > 0;
+    steps_ = ledger ? 3 : 2;
+    beginStep();
     bool done = UpdateDayDetails(session_, *this, true, 0);
+    beginStep();
     done &= UpdateMonthDays(session_, *this);
-    if (session_.gMenuId != 1601 && !session_.gLeaveCalcFlag)
+    if (ledger && !session_.gLeaveCalcFlag) {
+        beginStep();
         done &= ProcessAllotmentsOld(session_, *this, "");
+    }
     succeeded_ = done;
     if (!done && !session_.gLeaveCalcFlag) return;  // what failed has been told
+    tellCompleted(anything);
+}
+
+void modLeaveProcess::beginStep() {
+    ++step_;
+    stepBegan_ = session_.now();
+    lblStatus.caption = stepText();
+}
+
+std::string modLeaveProcess::stepText() const {
+    return "Step " + std::to_string(step_) + " of " + std::to_string(steps_);
+}
+
+// A pass that was cancelled leaves the bar where it stands.
+void modLeaveProcess::tellCompleted(bool anything) {
+    if (!session_.gLeaveCalcFlag) {
+        barProgress.maximum = std::max<size_t>(barProgress.maximum, 1);
+        barProgress.value = barProgress.maximum;
+    }
+    lblStatus.caption = anything ? "Process Completed" : "Nothing waits to be worked out.";
     status("Process Completed");
-    lblStatus.caption = "Process Completed";
 }
 
 void modLeaveProcess::onUnload() {
@@ -78,7 +123,13 @@ void modLeaveProcess::status(const std::string& text) {
 void modLeaveProcess::step(size_t done, size_t total) {
     barProgress.value = done;
     barProgress.maximum = total;
-    lblStatus.caption = barProgress.text();
+    lblStatus.caption = stepText();
+    if (total < done || total == 0) return;
+    const DateTime now = session_.now();
+    const auto ticks =
+        int64_t{now.day - stepBegan_.day} * DateTime::kTicksPerDay + now.tick - stepBegan_.tick;
+    lblStatus.caption += ": " + std::to_string(done) + " of " + std::to_string(total) +
+                         timeLeft(static_cast<double>(ticks) / 300, done, total);
 }
 
 bool modLeaveProcess::cancelled() const {

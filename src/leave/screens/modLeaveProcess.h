@@ -1,7 +1,9 @@
-// " Process Leave": runs the passes over marked rows in their fixed order and shows where they are.
-// The user may cancel between rows; what is not yet done keeps its marks.
+// " Process Leave": runs the passes over marked rows in their fixed order and shows where they are:
+// which step of how many, rows of how many, and about how long the step still takes. The user may
+// cancel between rows; what is not yet done keeps its marks.
 #pragma once
 
+#include "base/date_time.h"
 #include "screen/progress.h"
 #include "screen/screen.h"
 
@@ -32,6 +34,10 @@ class modLeaveProcess final : public Screen, private Progress {
     void onActivate() override;
     void onUnload() override;
     void runPasses();
+    void beginStep();
+    std::string stepText() const;  // "Step 2 of 3"
+    // The steps are done; `anything`: there was something to do.
+    void tellCompleted(bool anything);
 
     void status(const std::string& text) override;
     void step(size_t done, size_t total) override;
@@ -40,6 +46,8 @@ class modLeaveProcess final : public Screen, private Progress {
     Session& session_;
     bool endsTransaction_;
     bool succeeded_ = false;
+    size_t step_ = 0, steps_ = 0;  // from 1
+    DateTime stepBegan_;
 };
 
 }  // namespace owb
