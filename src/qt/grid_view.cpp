@@ -103,7 +103,11 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
         const QModelIndex now = model_.indexOf(grid_.currentRow(), grid_.currentColumn());
         if (now != table_->currentIndex() || changed) {
             table_->selectionModel()->setCurrentIndex(now, QItemSelectionModel::NoUpdate);
-            if (now.isValid()) table_->scrollTo(now);
+        }
+        if (const auto moved = grid_.cursor.moved(); moved && (moved != moved_ || changed)) {
+            moved_ = moved;
+            table_->scrollTo(model_.index(static_cast<int>(moved->first),
+                                          static_cast<int>(moved->second)));
         }
         table_->updateAll();
         chips_->sync();
@@ -355,6 +359,7 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
     QBasicTimer typing_;
     std::vector<size_t> columnsShown_;
     size_t frozenShown_ = 0;
+    std::optional<std::pair<size_t, size_t>> moved_;
     int zoomShown_ = 100;
     std::vector<int> widths_;     // that the user has given, by columns of the grid; 0: none
     std::vector<int> ownWidths_;  // as the screen has them

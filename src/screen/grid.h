@@ -100,6 +100,9 @@ class Grid : public Control {
     bool rightClickCell(size_t row, size_t c);
     // A key that is no text: the screen's handler, then what a grid does with it.
     bool key(const std::string& key) override;
+    // What is typed is entered first; while it does not fit, the focus stays here.
+    void leave() override;
+    std::vector<KeyHelp> keyHelp() const override;
     // Begins an edit: what stands in the cell may change by it. False, with the reason, when the
     // cell takes none.
     bool beginEdit(size_t row, size_t c, std::string& reason);

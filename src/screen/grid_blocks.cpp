@@ -194,6 +194,7 @@ bool GridBlocks::write(const std::vector<CellText>& entries) {
 
 bool GridBlocks::enter(const std::vector<CellText>& open, size_t skipped) {
     const GridHistory::Step step(grid_.history);
+    const int row = grid_.currentRow(), column = grid_.currentColumn();
     size_t set = open.size();
     if (grid_.onBlock && open.size() > 1) {
         std::vector<std::string> before;
@@ -211,6 +212,9 @@ bool GridBlocks::enter(const std::vector<CellText>& open, size_t skipped) {
                 ++set;
         skipped += open.size() - set;
     }
+    // Each edit was at its own cell; the user is where he was.
+    if (row >= 0 && static_cast<size_t>(row) < grid_.rowCount())
+        grid_.goTo(static_cast<size_t>(row), static_cast<size_t>(column));
     if (open.size() + skipped == 1 && set == 1) return grid_.say(""), true;
     std::string told = groupIndian(std::to_string(set)) + " set";
     if (skipped > 0) told += ", " + groupIndian(std::to_string(skipped)) + " skipped (locked)";

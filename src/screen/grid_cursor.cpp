@@ -88,13 +88,16 @@ bool GridCursor::press(const std::string& key) {
     const Place at = current.value_or(Place{});
     if (!grid_.singleRows) {
         if (key == "Ctrl+A") return choose({0, 0, lastRow, lastColumn}), true;
+        const Block chosen = block().value_or(Block{});
         if (current && key == "Ctrl+Space")
-            return choose({0, at.column, lastRow, at.column}), true;
-        if (current && key == "Shift+Space") return choose({at.row, 0, at.row, lastColumn}), true;
+            return choose({0, chosen.left, lastRow, chosen.right}), true;
+        if (current && key == "Shift+Space")
+            return choose({chosen.top, 0, chosen.bottom, lastColumn}), true;
     }
     const bool extends = key.starts_with("Shift+") || key.starts_with("Ctrl+Shift+");
     // What is extended goes on from the corner that moved last.
-    const Place from = extends ? placeOf(end_).value_or(at) : at;
+    const bool several = current && block()->several();
+    const Place from = extends && several ? placeOf(end_).value_or(at) : at;
     const size_t up = from.row == 0 ? 0 : from.row - 1;
     const size_t left = from.column == 0 ? 0 : from.column - 1;
     const size_t pageUp = from.row - std::min(from.row, pageRows);
@@ -212,13 +215,17 @@ std::optional<GridCursor::Block> GridCursor::block() const {
 void GridCursor::extendTo(size_t row, size_t column) {
     const std::optional<Place> at = now();
     if (!at || grid_.singleRows) return void(goTo({row, column}));
-    const std::optional<Block> chosen = block();
-    const Cell anchor = chosen->several() ? anchor_ : cellAt(*at);
-    const Cell end = cellAt({row, column});
-    grid_.goTo(static_cast<size_t>(end.row), static_cast<size_t>(end.column));
-    anchor_ = anchor;
-    end_ = end;
+    if (!block()->several()) anchor_ = cellAt(*at);
+    end_ = cellAt({row, column});
     grid_.say("");
+}
+
+std::optional<std::pair<size_t, size_t>> GridCursor::moved() const {
+    const std::optional<Block> chosen = block();
+    const std::optional<Place> at = chosen && chosen->several() && !grid_.singleRows ? placeOf(end_)
+                                                                                      : now();
+    if (!at) return std::nullopt;
+    return std::pair(at->row, at->column);
 }
 
 // The current cell stays where it is when the block holds it.

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace owb {
 
@@ -40,8 +41,11 @@ class GridCursor {
     // The chosen cells: the current one alone where no block is chosen, its row in a list; nothing
     // while there is no current cell in sight.
     std::optional<Block> block() const;
-    // From the block's first corner (or the current cell) to this place.
+    // From the block's first corner (or the current cell) to this place. The current cell stays: what
+    // is typed goes there.
     void extendTo(size_t row, size_t column);
+    // What a user must be able to see: the corner that he has moved, or the current cell.
+    std::optional<std::pair<size_t, size_t>> moved() const;
     void choose(const Block& block);
     // To the next cell of this back colour, row by row, around; false when there is none.
     bool nextOfColor(uint32_t color);

@@ -5,6 +5,7 @@
 #include "base/number_text.h"
 #include "base/utf8.h"
 #include "screen/grid.h"
+#include "screen/screen.h"
 
 namespace owb {
 
@@ -82,7 +83,7 @@ std::optional<std::string> Grid::fitted(size_t row, size_t c, const std::string&
         }
         case CellType::Date: {
             if (trimmed.empty()) return trimmed;
-            const auto date = parseTypedDate(trimmed);
+            const auto date = parseEntryDate(trimmed, screen().entryDay());
             if (!date) return refused("date");
             return dateText(*date, "dd/mm/yyyy");
         }
@@ -143,6 +144,13 @@ bool Grid::pick(size_t row, size_t c) {
 
 bool Grid::key(const std::string& key) {
     return Control::key(key) || entry.press(key);
+}
+
+void Grid::leave() {
+    if (entry.busy() && !entry.commit())
+        screen().setFocus(*this);
+    else
+        Control::leave();
 }
 
 void Grid::say(std::string text, bool refusal) {

@@ -1,5 +1,6 @@
 #include "screen/grid_history.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 
@@ -78,9 +79,26 @@ bool GridHistory::replay(std::deque<Changes>& from, std::deque<Changes>& to, boo
                             : groupIndian(std::to_string(entries.size())) + " cells";
     to.push_back(std::move(step));
     from.pop_back();
-    grid_.goTo(entries.front().row, entries.front().column);
+    show(entries);
     grid_.say((back ? "Undone: " : "Entered again: ") + told);
     return true;
+}
+
+// The cells that have changed are chosen, those that are in sight.
+void GridHistory::show(const std::vector<CellText>& entries) {
+    std::optional<GridCursor::Block> block;
+    for (const CellText& entry : entries) {
+        const auto row = grid_.sight.placeOfRow(entry.row);
+        const auto column = grid_.sight.placeOfColumn(entry.column);
+        if (!row || !column) continue;
+        if (!block) block = GridCursor::Block{*row, *column, *row, *column};
+        block = GridCursor::Block{std::min(block->top, *row), std::min(block->left, *column),
+                                  std::max(block->bottom, *row), std::max(block->right, *column)};
+    }
+    if (!block) return;
+    grid_.cursor.collapse();
+    grid_.goTo(grid_.sight.rows()[block->top], grid_.sight.columns()[block->left]);
+    if (block->several()) grid_.cursor.choose(*block);
 }
 
 }  // namespace owb

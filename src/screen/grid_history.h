@@ -11,6 +11,7 @@
 namespace owb {
 
 class Grid;
+struct CellText;
 
 class GridHistory {
   public:
@@ -51,6 +52,7 @@ class GridHistory {
     };
     using Changes = std::vector<Change>;
     bool replay(std::deque<Changes>& from, std::deque<Changes>& to, bool back);
+    void show(const std::vector<CellText>& entries);
     void closed();
 
     Grid& grid_;

@@ -345,7 +345,7 @@ TEST(GridEntry, AListKnowsOneRow) {
 TEST(GridEntry, TheLineBelowTellsSumsAndRows) {
     Hands one;
     one.from(0, 2, "Shift+Down Shift+Down Shift+Right");
-    EXPECT_EQ(one.grid.cursor.summary(), "Row 3/3   Count 4   Sum 3.00   Avg 1.50");
+    EXPECT_EQ(one.grid.cursor.summary(), "Row 1/3   Count 4   Sum 3.00   Avg 1.50");
     one.grid.setCell(0, 3, "1234567.5");
     EXPECT_EQ(one.grid.totalText(3), "12,34,569.5");
 }
