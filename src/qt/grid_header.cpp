@@ -12,6 +12,8 @@ namespace owb {
 namespace {
 
 constexpr int kRoom = 8;  // above and below the lines
+constexpr double kSmall = 0.85;  // letters of a caption of two lines
+constexpr int kSmallPadding = 1;
 constexpr int kSign = 9;  // width of the sign for the order, or for a filter
 constexpr double kTint = 0.16, kCurrentTint = 0.25, kReadable = 4.5;
 
@@ -37,6 +39,13 @@ GridHeader::GridHeader(const Grid& grid, const GridModel& model, QWidget* parent
     setMinimumSectionSize(12);
 }
 
+// Captions of two lines stand close, so that a month's days fit.
+QFont GridHeader::fontOf(bool small) const {
+    QFont letters = font();
+    if (small) letters.setPointSizeF(letters.pointSizeF() * kSmall);
+    return letters;
+}
+
 QSize GridHeader::sizeHint() const {
     int lines = 1;
     for (size_t c = 0; c < grid_.columnCount(); ++c)
@@ -52,10 +61,13 @@ int GridHeader::signsWidth(int section) const {
 
 QSize GridHeader::sectionSizeFromContents(int section) const {
     const QString caption = model_.headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
+    const QStringList lines = caption.split('\n');
+    const bool small = lines.size() > 1;
+    const QFontMetrics metrics(fontOf(small));
     int width = 0;
-    for (const QString& line : caption.split('\n'))
-        width = std::max(width, fontMetrics().horizontalAdvance(line));
-    return {width + 2 * GridDelegate::kPadding + 2 + signsWidth(section), sizeHint().height()};
+    for (const QString& line : lines) width = std::max(width, metrics.horizontalAdvance(line));
+    const int padding = small ? kSmallPadding : GridDelegate::kPadding;
+    return {width + 2 * padding + 2 + signsWidth(section), sizeHint().height()};
 }
 
 void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section) const {
@@ -88,14 +100,16 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     }
     painter->setBrush(Qt::NoBrush);
     painter->setPen(ink);
-    QRect room = rect.adjusted(GridDelegate::kPadding, 0, 0, 0);
-    room.setRight(signsWidth(section) > 0 ? right : rect.right() - GridDelegate::kPadding);
     const QStringList lines =
         model_.headerData(section, Qt::Horizontal, Qt::DisplayRole).toString().split('\n');
+    const bool two = lines.size() > 1;
+    const int padding = two ? kSmallPadding : GridDelegate::kPadding;
+    QRect room = rect.adjusted(padding, 0, 0, 0);
+    room.setRight(signsWidth(section) > 0 ? right : rect.right() - padding);
+    painter->setFont(fontOf(two));
     const int height = painter->fontMetrics().height();
     room.setTop(rect.center().y() - static_cast<int>(lines.size()) * height / 2);
     room.setHeight(height);
-    const bool two = lines.size() > 1;
     const Qt::Alignment align = two ? Qt::AlignCenter : alignmentOf(column, column.type);
     for (const QString& line : lines) {
         painter->drawText(

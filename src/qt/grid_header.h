@@ -20,6 +20,7 @@ class GridHeader final : public QHeaderView {
     QSize sectionSizeFromContents(int section) const override;
 
   private:
+    QFont fontOf(bool small) const;
     int signsWidth(int section) const;
 
     const Grid& grid_;

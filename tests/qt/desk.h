@@ -44,6 +44,7 @@ class Desk {
     }
     void next() {
         wait();
+        if (inStep_) return;  // a step waits for something itself
         const ScreenWindow* window = frontEnd.top();
         if (fromInput && (window == nullptr || !window->waitsForInput())) return;
         fromInput = false;
@@ -53,10 +54,13 @@ class Desk {
         }
         const auto step = std::move(steps_.front());
         steps_.pop_front();
+        inStep_ = true;
         step();
+        inStep_ = false;
     }
 
     std::deque<std::function<void()>> steps_;
+    bool inStep_ = false;
     QObject life_;
 };
 
