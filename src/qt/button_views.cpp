@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -17,7 +18,23 @@ namespace {
 
 constexpr int kCommandWidth = 92;
 
-// Enter presses the button that has the focus, as the space bar does.
+// A small padlock in the palette's own colour: the user's rights deny the command.
+QIcon padlock(const QWidget& widget) {
+    constexpr int kSide = 16;
+    QPixmap picture(QSize(kSide, kSide) * widget.devicePixelRatioF());
+    picture.setDevicePixelRatio(widget.devicePixelRatioF());
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    const QColor ink = widget.palette().color(QPalette::ButtonText);
+    constexpr int kLine = 2;
+    painter.setPen(QPen(ink, kLine));
+    painter.drawArc(QRect(5, 2, 6, 9), 0, 180 * kSide);
+    painter.fillRect(QRect(3, 7, 10, 7), ink);
+    return picture;
+}
+
+// Enter presses a command that has the focus, as the space bar does; from what is ticked or chosen
+// it goes on.
 class ButtonView : public ControlView {
   public:
     ButtonView(ScreenWindow& window, Control& control, QAbstractButton* button)
@@ -28,12 +45,15 @@ class ButtonView : public ControlView {
 
   protected:
     void show() override {
-        const QString caption = toQt(control().caption);
+        const QString caption = signedCaption();
         if (button_->text() != caption) button_->setText(caption);
+        const bool denied = control().tag == "NA";
+        if (denied == button_->icon().isNull())
+            button_->setIcon(denied ? padlock(*button_) : QIcon());
     }
     bool eventFilter(QObject* object, QEvent* event) override {
         if (ControlView::eventFilter(object, event)) return true;
-        if (event->type() != QEvent::KeyPress) return false;
+        if (event->type() != QEvent::KeyPress || enterGoesOn()) return false;
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key != Qt::Key_Return && key != Qt::Key_Enter) return false;
         button_->click();
@@ -63,6 +83,7 @@ class CheckView final : public ButtonView {
         ButtonView::show();
         button_->setChecked(box_.value);
     }
+    bool enterGoesOn() const override { return true; }
     CheckBox& box_;
 };
 
@@ -77,7 +98,10 @@ class OptionView final : public ButtonView {
     void show() override {
         ButtonView::show();
         button_->setChecked(option_.value());
+        const bool stops = option_.group().tabStop() == &option_;
+        button_->setFocusPolicy(stops ? Qt::StrongFocus : Qt::ClickFocus);
     }
+    bool enterGoesOn() const override { return true; }
     OptionButton& option_;
 };
 
@@ -109,6 +133,7 @@ class ProgressView final : public ControlView {
   private:
     // Far more rows than an int's worth never come, but a percentage is all that can be seen.
     void show() override {
+        widget_->setFormat(toQt(bar_.progress()));
         widget_->setRange(0, 100);
         widget_->setValue(bar_.maximum == 0 ? 0
                                             : static_cast<int>(bar_.value * 100 / bar_.maximum));
@@ -130,7 +155,7 @@ std::unique_ptr<ControlView> makeLabelView(ScreenWindow& window, Label& label) {
     if (!label.onClick && !window.hasMenu(label))
         return std::make_unique<TextLabelView>(window, label);
     auto* button = new QToolButton;
-    button->setAutoRaise(true);
+    button->setAutoRaise(window.screen().popup);
     button->setFocusPolicy(Qt::StrongFocus);
     button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     button->setMinimumWidth(button->fontMetrics().horizontalAdvance("00000"));

@@ -21,6 +21,7 @@ void ControlView::attach(QWidget* widget, QWidget* part) {
 
 void ControlView::setCompanion(QLabel* label) {
     companion_ = label;
+    companionText_ = label->text();
     label->setBuddy(widget_);
     if (control_.caption.empty()) widget_->setAccessibleName(label->text().remove('&'));
 }
@@ -30,13 +31,40 @@ void ControlView::sync() {
         widget_->setVisible(control_.visible);
     if (widget_->isEnabledTo(widget_->parentWidget()) != control_.enabled)
         widget_->setEnabled(control_.enabled);
-    const QString tip = toQt(control_.toolTip);
+    QString tip = toQt(control_.toolTip);
+    if (!control_.shortcut.empty())
+        tip += (tip.isEmpty() ? "" : "  ") + ("(" + toQt(control_.shortcut) + ")");
     if (widget_->toolTip() != tip) widget_->setToolTip(tip);
     if (companion_) {
         companion_->setVisible(control_.visible);
         companion_->setEnabled(control_.enabled);
+        const bool changed = window_.screen().isChanged(control_);
+        const QString text = changed ? companionText_ + kChangedSign : companionText_;
+        if (companion_->text() != text) companion_->setText(text);
     }
     show();
+    showRefusal();
+}
+
+QString ControlView::signedCaption() const {
+    const bool unsigned_ = companion_ || !window_.screen().isChanged(control_);
+    return toQt(control_.caption) + (unsigned_ ? QString() : kChangedSign);
+}
+
+void ControlView::showRefusal() {
+    const QString reason = toQt(control_.refusal());
+    if (reason.isEmpty()) {
+        delete refused_;
+        return;
+    }
+    if (!refused_) refused_ = new FieldFrame(FieldFrame::Says::Refused);
+    refused_->surround(widget_);
+    refused_->setReason(reason);
+    widget_->setAccessibleDescription(reason);
+}
+
+QRect ControlView::anchor() const {
+    return {widget_->mapToGlobal(QPoint(0, 0)), widget_->size()};
 }
 
 bool ControlView::editorHasFocus() const {
@@ -44,8 +72,20 @@ bool ControlView::editorHasFocus() const {
     return focus != widget_ && widget_->isAncestorOf(focus);
 }
 
-bool ControlView::keyPressed(const std::string& name) {
-    if (!control_.onKey && !(name == "F2" && control_.onPick)) return false;
+// The control first, then the screen; Esc ends what has begun here before it closes anything.
+bool ControlView::keyPressed(const QKeyEvent& event) {
+    const std::string name = keyName(event);
+    if (name.empty()) return false;
+    if (name == "Esc" && abandon()) return true;
+    if (offered(name) || (name != "Esc" && window_.press(name))) return true;
+    if (name == "Shift+F10" || name == "Menu") return openMenu(anchor().bottomLeft());
+    if (!enterGoesOn() || (name != "Enter" && name != "Shift+Enter")) return false;
+    window_.goOn(name == "Enter");
+    return true;
+}
+
+bool ControlView::offered(const std::string& name) {
+    if (!control_.takesKey(name)) return false;
     bool taken = false;
     window_.act(control_, [&] {
         commit();
@@ -54,17 +94,22 @@ bool ControlView::keyPressed(const std::string& name) {
     return taken;
 }
 
+// What a label offers a click it offers the other button too.
+bool ControlView::openMenu(const QPoint& at) {
+    if (window_.openMenu(control_, at)) return true;
+    if (dynamic_cast<Label*>(&control_) == nullptr || !control_.onClick) return false;
+    window_.act(control_, [&] { control_.click(); });
+    return true;
+}
+
 bool ControlView::eventFilter(QObject*, QEvent* event) {
     switch (event->type()) {
-        case QEvent::KeyPress: {
-            if (editorHasFocus()) return false;
-            const std::string name = keyName(*static_cast<QKeyEvent*>(event));
-            if (name.empty()) return false;
-            if (keyPressed(name)) return true;
-            if (name != "Enter" || !enterGoesOn()) return false;
-            window_.focusNext();
+        case QEvent::KeyPress:
+            return !editorHasFocus() && keyPressed(*static_cast<QKeyEvent*>(event));
+        case QEvent::Wheel:
+            if (!wheelChanges() || widget_->hasFocus()) return false;
+            event->ignore();  // for the page that scrolls
             return true;
-        }
         case QEvent::FocusOut: {
             const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
             // Another window or a menu over this one takes the focus only for a while.
@@ -73,7 +118,7 @@ bool ControlView::eventFilter(QObject*, QEvent* event) {
             // An editor within the widget keeps it busy.
             if (editorHasFocus()) return false;
             commit();
-            if (control_.onLeave) window_.act(control_, [&] { control_.leave(); });
+            window_.act(control_, [&] { control_.leave(); });
             return false;
         }
         case QEvent::MouseButtonDblClick:
@@ -81,12 +126,7 @@ bool ControlView::eventFilter(QObject*, QEvent* event) {
             window_.act(control_, [&] { control_.doubleClick(); });
             return true;
         case QEvent::ContextMenu:
-            if (window_.openMenu(control_, static_cast<QContextMenuEvent*>(event)->globalPos()))
-                return true;
-            // What a label offers a click it offers the other button too.
-            if (dynamic_cast<Label*>(&control_) == nullptr || !control_.onClick) return false;
-            window_.act(control_, [&] { control_.click(); });
-            return true;
+            return openMenu(static_cast<QContextMenuEvent*>(event)->globalPos());
         default:
             return false;
     }

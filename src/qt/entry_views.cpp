@@ -65,10 +65,11 @@ class FilteredLine final : public QLineEdit {
     }
     void focusInEvent(QFocusEvent* event) override {
         QLineEdit::focusInEvent(event);
-        if (!box_.focusSelects && event->reason() != Qt::MouseFocusReason) {
+        const Qt::FocusReason reason = event->reason();
+        if (!box_.focusSelects && reason != Qt::MouseFocusReason) {
             deselect();
             end(false);
-        } else if (box_.focusSelects && event->reason() == Qt::OtherFocusReason) {
+        } else if (box_.focusSelects && reason == Qt::OtherFocusReason) {
             selectAll();
         }
     }
@@ -82,6 +83,7 @@ class LineView final : public ControlView {
     LineView(ScreenWindow& window, TextBox& box)
         : ControlView(window, box), box_(box), line_(new FilteredLine(box)) {
         attach(line_);
+        if (box.alignRight) line_->setAlignment(Qt::AlignRight);
         const bool grows = box.maxLength >= kLongLength;
         const int chars = box.onPick           ? kPickedChars
                           : box.maxLength == 0 ? kUsualChars
@@ -163,6 +165,7 @@ class ComboView final : public ControlView {
         box_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
         box_->setMinimumWidth(widthOf(*box_, kPickedChars));
         box_->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+        box_->setFocusPolicy(Qt::StrongFocus);  // the wheel does not bring the focus
         attach(box_, box_->lineEdit());
         connect(box_, &QComboBox::activated, this, [this](int index) {
             if (index < 0) return;
@@ -204,6 +207,12 @@ class ComboView final : public ControlView {
             [](const ListItem& item, const std::string& text) { return item.text == text; });
     }
     bool enterGoesOn() const override { return true; }
+    bool wheelChanges() const override { return true; }
+    bool abandon() override {
+        if (!box_->isEditable() || box_->currentText() == shown_) return false;
+        box_->setEditText(shown_);
+        return true;
+    }
 
     Combo& combo_;
     QComboBox* box_;
@@ -251,6 +260,8 @@ class ListView final : public ControlView {
         }
         if (widget_->currentRow() != list_.current) widget_->setCurrentRow(list_.current);
     }
+
+    bool enterGoesOn() const override { return true; }
 
     ListBox& list_;
     QListWidget* widget_;

@@ -9,6 +9,7 @@
 #include <QUrl>
 #include <clocale>
 
+#include "qt/legible_style.h"
 #include "qt/qt_text.h"
 #include "qt/screen_window.h"
 
@@ -72,6 +73,7 @@ BoxAnswer answerOf(int button, BoxAnswer otherwise) {
 // a point all the same.
 QtFrontEnd::QtFrontEnd(SettingsStore& settings) : memory_(settings) {
     std::setlocale(LC_NUMERIC, "C");
+    LegibleStyle::install();
 }
 
 QtFrontEnd::~QtFrontEnd() = default;
@@ -109,7 +111,8 @@ std::string QtFrontEnd::askFile(const FileQuestion& question) {
 }
 
 void QtFrontEnd::openFile(const std::string& path) {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(toQt(path)));
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(toQt(path))))
+        information("No program is set up to show " + path + ".\nThe file has been saved there.");
 }
 
 std::string QtFrontEnd::clipboard() {

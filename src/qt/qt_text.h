@@ -12,6 +12,9 @@ inline QString toQt(const std::string& text) {
 inline std::string fromQt(const QString& text) {
     return text.toStdString();
 }
+// Stands behind the caption of what the user has changed and not yet saved.
+inline const QString kChangedSign = QStringLiteral(" \u2022");
+
 // A caption as it is read aloud: without the mark of its mnemonic.
 inline QString withoutMnemonic(const std::string& caption) {
     return toQt(caption).remove('&');

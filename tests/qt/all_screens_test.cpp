@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QPalette>
+#include <QScreen>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -74,7 +75,11 @@ class Photographer {
         const bool works = !top->waitsForInput() && taken_[top->screen().name()] < 4;
         if (first || works) {
             take(*top);
-            if (first) checkReach(*top);
+            if (first) {
+                checkReach(*top);
+                checkMnemonics(top->screen());
+                checkSize(*top);
+            }
             return;
         }
         if (!top->waitsForInput()) return;  // works by itself
@@ -101,8 +106,55 @@ class Photographer {
             EXPECT_FALSE(widget->accessibleName().isEmpty()) << where;
             const bool read = dynamic_cast<const Label*>(control) && !control->onClick;
             const bool shown = dynamic_cast<const ProgressBar*>(control) != nullptr;
-            EXPECT_TRUE(read || shown || widget->focusPolicy() & Qt::TabFocus) << where;
+            // Of a group of options the Tab key comes to one.
+            const auto* option = dynamic_cast<const OptionButton*>(control);
+            const bool passed = option && option->group().tabStop() != option;
+            EXPECT_EQ(!(read || shown || passed), bool(widget->focusPolicy() & Qt::TabFocus))
+                << where;
         }
+    }
+    // No two controls of a screen are pressed by one letter.
+    static void checkMnemonics(const Screen& screen) {
+        std::map<char, std::string> held;
+        const auto take = [&](const std::string& caption) {
+            const char letter = mnemonicOf(caption);
+            if (letter == 0) return;
+            EXPECT_TRUE(held.emplace(letter, caption).second)
+                << screen.name() << ": " << held[letter] << " and " << caption;
+        };
+        for (const Control* control : screen.controls()) {
+            if (dynamic_cast<const MenuItem*>(control)) continue;
+            take(control->caption);
+            if (const auto* tabs = dynamic_cast<const Tabs*>(control))
+                for (const std::string& page : tabs->pages) take(page);
+        }
+    }
+    // On the desktop as a whole; on one of half its size everything is reached by scrolling.
+    static void checkSize(ScreenWindow& window) {
+        constexpr int kTitle = 30;  // pixels
+        const QSize desktop = window.QWidget::screen()->size();
+        EXPECT_EQ(desktop, QSize(1366, 768));
+        const std::string screen = window.screen().name();
+        EXPECT_LE(window.width(), desktop.width()) << screen;
+        EXPECT_LE(window.height() + kTitle, desktop.height()) << screen;
+        if (window.screen().popup || !window.waitsForInput()) return;
+        const QSize before = window.size();
+        window.resize(desktop.width() / 2, desktop.height() / 2 - kTitle);
+        QApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+        EXPECT_LE(window.height() + kTitle, desktop.height() / 2) << screen;
+        for (const Control* control : window.screen().controls()) {
+            auto* widget = window.findChild<QWidget*>(toQt(control->name()));
+            if (widget == nullptr || !widget->isVisible() || !widget->isEnabled()) continue;
+            if (!(widget->focusPolicy() & Qt::TabFocus)) continue;
+            widget->setFocus(Qt::TabFocusReason);
+            const QRect seen = widget->visibleRegion().boundingRect();
+            const bool isGrid = dynamic_cast<const Grid*>(control) != nullptr;
+            const int least = isGrid ? 6 * widget->fontMetrics().height() : widget->height();
+            EXPECT_GE(seen.height(), std::min(least, widget->height()))
+                << screen << "." << control->name();
+            EXPECT_GT(seen.width(), 0) << screen << "." << control->name();
+        }
+        window.resize(before);
     }
 
     Company& company_;

@@ -14,7 +14,7 @@ class modLeaveDef final : public RowScreen {
 
     OptionGroup optKind;
     OptionButton optLeave{*this, optKind, "optLeave", "&Leave"};
-    OptionButton optNonLeave{*this, optKind, "optNonLeave", "&Non-Leave"};
+    OptionButton optNonLeave{*this, optKind, "optNonLeave", "Non-Lea&ve"};
     TextBox txtLeaveName{*this, "txtLeaveName", "Name"};
     TextBox txtAttShort{*this, "txtAttShort", "Abbreviation"};
     CheckBox chkAffectSalary{*this, "chkAffectSalary", "Affects Salary"};
