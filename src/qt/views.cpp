@@ -1,7 +1,9 @@
 // Which view a kind of control gets.
+#include "qt/board_view.h"
 #include "qt/button_views.h"
 #include "qt/entry_views.h"
 #include "qt/grid_view.h"
+#include "screen/cell_board.h"
 #include "screen/grid.h"
 #include "screen/lists.h"
 #include "screen/text_box.h"
@@ -13,6 +15,7 @@ std::unique_ptr<ControlView> makeView(ScreenWindow& window, Control& control) {
     if (auto* combo = dynamic_cast<Combo*>(&control)) return makeComboView(window, *combo);
     if (auto* list = dynamic_cast<ListBox*>(&control)) return makeListView(window, *list);
     if (auto* grid = dynamic_cast<Grid*>(&control)) return makeGridView(window, *grid);
+    if (auto* board = dynamic_cast<CellBoard*>(&control)) return makeBoardView(window, *board);
     if (auto* check = dynamic_cast<CheckBox*>(&control)) return makeCheckView(window, *check);
     if (auto* option = dynamic_cast<OptionButton*>(&control))
         return makeOptionView(window, *option);

@@ -428,7 +428,8 @@ TEST(Pickers, OfferWhatTheFieldTakes) {
     for (const char* typed : {"2-13-2024", "13-Feb-2024", "13.2.24"})
         EXPECT_EQ(
             h.drive<modHolidayList>(std::string("set txtHDate ") + typed + "\nshow txtHDate\n"),
-            "txtHDate: 13/02/2024 |  | Yes | Yes | tip=dd/mm/yyyy,Press F2 or Double click\n");
+            "txtHDate: 13/02/2024 |  | Yes | Yes | tip=dd/mm/yyyy,Press F2 or Double click | "
+            "changed=Yes\n");
     TextBox date(screen, "txtDate");
     date.value = "05/Jan/2014";
     frmOwbCalender calendar(h.session, frontEnd);
@@ -444,7 +445,7 @@ TEST(Pickers, FillTheFieldTheyWereOpenedFrom) {
                                       "show txtHDate\n"),
               "open: frmOwbCalender|Calendar\ncmbMonth: February |  | Yes | Yes\nlblDate(4): 1 | 1 "
               "| Yes | Yes\nclose: frmOwbCalender\nfocus: txtHDate\ntxtHDate: 28/02/2024 |  | Yes "
-              "| Yes | tip=dd/mm/yyyy,Press F2 or Double click\n");
+              "| Yes | tip=dd/mm/yyyy,Press F2 or Double click | changed=Yes\n");
     EXPECT_EQ(h.drive<modHolidayWeekly>("dblclick cmbMonthYear\nclick lblMonth(5)\n"
                                         "set lstYear 2024\nclick lblMonth(0)\nclick lblMonth(5)\n"
                                         "show cmbMonthYear\n"),
@@ -453,6 +454,62 @@ TEST(Pickers, FillTheFieldTheyWereOpenedFrom) {
               "frmSelMonth\ncmbMonthYear: Jun/2024 |  | Yes | Yes | tip=Select effective "
               "Month/Year,Press "
               "F2 or Double click  to quick select\n");
+}
+
+// Today is 2024-08-15, a holiday of the company; a head's own holiday is none of the calendar's.
+TEST(Pickers, TheCalendarIsWalkedByKeysAndShowsHolidays) {
+    struct Case {
+        const char* from;
+        std::vector<const char*> keys;
+        const char* picked;
+    };
+    for (const Case& c : {Case{"31/01/2024", {"Left", "Up", "Enter"}, "23/01/2024"},
+                          {"31/01/2024", {"Right", "Enter"}, "01/02/2024"},
+                          {"31/01/2024", {"PgDown", "Enter"}, "29/02/2024"},
+                          {"31/01/2024", {"PgDown", "Home", "Up", "Enter"}, "25/01/2024"},
+                          {"05/03/2024", {"End", "Down", "PgUp", "Enter"}, "07/03/2024"},
+                          {"05/03/2024", {"T", "Enter"}, "15/08/2024"},
+                          {"", {"Enter"}, "15/08/2024"},
+                          {"5/3", {"Enter"}, "05/03/2024"},
+                          {"05/03/2024", {"PgUp", "Esc"}, "05/03/2024"}}) {
+        Holidays h;
+        test::TestFrontEnd frontEnd(h.boxes);
+        frmOwbCalender calendar(h.session, frontEnd);
+        std::string picked = c.from;
+        calendar.SetTarget(c.from, [&](const std::string& date) { picked = date; });
+        frontEnd.atInput = [&](Screen& shown) {
+            EXPECT_EQ(shown.takeFocus(), &calendar.monDays);
+            for (const char* key : c.keys)
+                EXPECT_TRUE(calendar.monDays.key(key) || shown.press(key)) << key;
+        };
+        calendar.showModal();
+        EXPECT_EQ(picked, c.picked) << c.from << " " << c.keys.front();
+    }
+    Holidays h;
+    h.holiday(1, "2024-08-15");
+    h.holiday(2, "2024-08-16", 10);
+    h.run("UPDATE ATT_HOLIDAY SET HOLIDAYDESC = 'Independence Day'");
+    test::TestFrontEnd frontEnd(h.boxes);
+    const auto shown = [&] {
+        frmOwbCalender calendar(h.session, frontEnd);
+        calendar.SetTarget("20/08/2024", [](const std::string&) {});
+        std::string marks;
+        frontEnd.atInput = [&](Screen&) {
+            for (int day = 1; day <= 31; ++day) {
+                const BoardCell& cell = calendar.monDays.cellOf(day);
+                if (cell.holiday) marks += cell.text + " " + cell.tip + ";";
+                if (cell.ringed) marks += "today " + cell.text + ";";
+                if (cell.chosen) marks += "chosen " + cell.text + ";";
+                EXPECT_EQ(cell.offDay, day % 7 == 4) << day;
+            }
+        };
+        calendar.showModal();
+        return marks;
+    };
+    EXPECT_EQ(shown(), "15 Independence Day;today 15;chosen 20;");
+    h.run("DROP TABLE ATT_HOLIDAY");
+    EXPECT_EQ(shown(), "today 15;chosen 20;") << "holidays that cannot be read cost their tint";
+    EXPECT_TRUE(h.boxes.shown.empty());
 }
 
 }  // namespace

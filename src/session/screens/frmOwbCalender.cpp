@@ -1,5 +1,8 @@
 #include "session/screens/frmOwbCalender.h"
 
+#include "db/recordset.h"
+#include "db/sql_text.h"
+
 namespace owb {
 
 namespace {
@@ -20,6 +23,12 @@ frmOwbCalender::frmOwbCalender(Session& session, FrontEnd& frontEnd)
     popup = true;
     cmbMonth.editable = cmbYear.editable = false;
     cmbMonth.onChange = cmbYear.onChange = [this] { loadCalender(); };
+    for (const Label* head : {&lblsunday, &lblMonday, &lblTuesday, &lblWednesday, &lblThrusday,
+                              &lblFriday, &lblSaturday})
+        monDays.heads.push_back(head->caption);
+    monDays.caption = "Days";
+    monDays.onPickCell = [this](size_t place) { lblDate_Click(place); };
+    monDays.onTurn = [this](int year, int month, int day) { return turnTo(year, month, day); };
     for (size_t i = 0; i < lblDate.size(); ++i)
         lblDate[i].onClick = [this, i] { lblDate_Click(i); };
     lbltoady.onClick = [this] { lbltoady_Click(); };
@@ -27,27 +36,35 @@ frmOwbCalender::frmOwbCalender(Session& session, FrontEnd& frontEnd)
 }
 
 Layout frmOwbCalender::layout() {
-    std::vector<Layout> weeks;
-    weeks.push_back(
-        row({item(lblsunday, 1), item(lblMonday, 1), item(lblTuesday, 1), item(lblWednesday, 1),
-             item(lblThrusday, 1), item(lblFriday, 1), item(lblSaturday, 1)}));
-    for (size_t week = 0; week < 6; ++week) {
-        std::vector<Layout> days;
-        for (size_t day = 0; day < 7; ++day) days.push_back(item(lblDate[week * 7 + day], 1));
-        weeks.push_back(row(std::move(days)));
-    }
-    return column({row({item(cmbMonth, 1), item(cmbYear, 1)}), column(std::move(weeks), 1),
+    return column({row({item(cmbMonth, 1), item(cmbYear, 1)}), item(monDays, 1),
                    row({item(lbltoady), space(), item(lblclose)})});
+}
+
+void frmOwbCalender::SetTarget(TextBox& target) {
+    SetTarget(target.value, [&target](const std::string& date) {
+        target.value = date;
+        if (target.onChange) target.onChange();
+    });
+}
+
+void frmOwbCalender::SetTarget(const std::string& text,
+                               std::function<void(const std::string&)> picked) {
+    text_ = text;
+    picked_ = std::move(picked);
 }
 
 void frmOwbCalender::onLoad() {
     LoadMonthYear();
     loadCalender();
+    setFocus(monDays);
 }
 
 void frmOwbCalender::LoadMonthYear() {
     const DateTime today = session_.now();
-    const CivilDate shown = parseTypedDate(target_ ? target_->value : "").value_or(today).civil();
+    monDays.today = {today.day, 0};
+    monDays.chosen = parseEntryDate(text_, entryDay());
+    const CivilDate shown = monDays.chosen.value_or(today).civil();
+    day_ = shown.day;
     cmbMonth.clear();
     for (int month = 1; month <= 12; ++month) cmbMonth.add(monthFullName(month), month);
     cmbYear.clear();
@@ -62,11 +79,43 @@ void frmOwbCalender::LoadMonthYear() {
 void frmOwbCalender::loadCalender() {
     ClearAll();
     FillDatesNew();
+    monDays.show(static_cast<int>(cmbYear.key()), static_cast<int>(cmbMonth.key()), day_);
+    tintHolidays();
+}
+
+// Within the years that can be chosen.
+bool frmOwbCalender::turnTo(int year, int month, int day) {
+    if (!cmbYear.selectKey(year) || !cmbMonth.selectKey(month)) return false;
+    day_ = day;
+    loadCalender();
+    return true;
+}
+
+// The company's holidays; where they cannot be read, the days are without a tint, that is all.
+void frmOwbCalender::tintHolidays() {
+    const DateTime first =
+        DateTime::fromCivil(static_cast<int>(cmbYear.key()), static_cast<int>(cmbMonth.key()), 1);
+    try {
+        Recordset rs(session_.gConn,
+                     Sql() << "SELECT HOLIDAYDATE, HOLIDAYDESC FROM ATT_HOLIDAY WHERE "
+                              "ISNULL(ATTHEADID,0) = 0 AND ISNULL(BRANCHID,0) = 0 AND HOLIDAYDATE "
+                              ">= "
+                           << first << " AND HOLIDAYDATE < " << first.plusMonths(1));
+        for (; !rs.IsEOF(); rs.MoveNext()) {
+            const int day = rs.Fields("HOLIDAYDATE").toDate().civil().day;
+            BoardCell& cell = monDays.cellOf(day);
+            cell.holiday = true;
+            cell.tip = rs.Fields("HOLIDAYDESC").toText();
+            lblDate[monDays.placeOf(day)].toolTip = cell.tip;
+        }
+    } catch (const std::exception&) {
+    }
 }
 
 void frmOwbCalender::ClearAll() {
     for (Label& label : lblDate) {
         label.caption.clear();
+        label.toolTip.clear();
         label.enabled = false;
     }
 }
@@ -84,9 +133,8 @@ void frmOwbCalender::FillDatesNew() {
 }
 
 void frmOwbCalender::filldates(const DateTime& date) {
-    target_->value = dateText(date, "dd/mm/yyyy");
     close();
-    if (target_->onChange) target_->onChange();
+    picked_(dateText(date, "dd/mm/yyyy"));
 }
 
 void frmOwbCalender::lblDate_Click(size_t index) {

@@ -1,9 +1,10 @@
-// A month of days; the one that is clicked fills a text box as "dd/mm/yyyy". Closing it leaves the
-// box as it was.
+// A month of days; the one that is picked goes to a text box, or to whoever asked for it, as
+// "dd/mm/yyyy". Sundays and the company's holidays are tinted. Closing it changes nothing.
 #pragma once
 
 #include <array>
 
+#include "screen/cell_board.h"
 #include "screen/lists.h"
 #include "screen/screen.h"
 #include "screen/text_box.h"
@@ -15,8 +16,10 @@ class frmOwbCalender final : public Screen {
   public:
     frmOwbCalender(Session& session, FrontEnd& frontEnd);
 
-    // The box that the day goes to; before showing.
-    void SetTarget(TextBox& target) { target_ = &target; }
+    // Where the day goes, before showing: a box, or a function that gets the day's text; the
+    // calendar opens at the date of `text`, or at today.
+    void SetTarget(TextBox& target);
+    void SetTarget(const std::string& text, std::function<void(const std::string& date)> picked);
     // The lists of months and years, and the month of the date in the box, or of today.
     void LoadMonthYear();
     void loadCalender();
@@ -33,7 +36,8 @@ class frmOwbCalender final : public Screen {
     Label lblThrusday{*this, "lblThrusday", "Thu"};
     Label lblFriday{*this, "lblFriday", "Fri"};
     Label lblSaturday{*this, "lblSaturday", "Sat"};
-    std::array<Label, 42> lblDate;  // six weeks, Sunday first
+    std::array<Label, 42> lblDate;  // six weeks, Sunday first; shown by monDays
+    MonthView monDays{*this, "monDays"};
     Label lbltoady{*this, "lbltoady", "Today Date"};
     Label lblclose{*this, "lblclose", "Close"};
 
@@ -43,9 +47,14 @@ class frmOwbCalender final : public Screen {
   private:
     void onLoad() override;
     Layout layout() override;
+    DateTime entryDay() const override { return {session_.now().day, 0}; }
+    bool turnTo(int year, int month, int day);
+    void tintHolidays();
 
     Session& session_;
-    TextBox* target_ = nullptr;
+    std::string text_;
+    std::function<void(const std::string&)> picked_;
+    int day_ = 1;  // of the month that loadCalender shows
 };
 
 }  // namespace owb

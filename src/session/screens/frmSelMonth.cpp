@@ -29,14 +29,14 @@ frmSelMonth::frmSelMonth(Session& session, FrontEnd& frontEnd)
     for (int i = 0; i < 12; ++i)
         lblMonth[static_cast<size_t>(i)].onClick = [this, i] { lblMonth_Click(i); };
     lblClose.onClick = [this] { close(); };
+    lstYear.caption = "Years";
+    monMonths.caption = "Months";
+    monMonths.onPickCell = [this](size_t place) { lblMonth_Click(static_cast<int>(place)); };
+    monMonths.onPage = [this](int step) { stepYear(step); };
 }
 
 Layout frmSelMonth::layout() {
-    std::vector<Layout> rows;
-    for (size_t r = 0; r < 4; ++r)
-        rows.push_back(
-            row({item(lblMonth[3 * r]), item(lblMonth[3 * r + 1]), item(lblMonth[3 * r + 2])}));
-    return column({row({item(lstYear, 1), column(std::move(rows), 2)}, 1), item(lblClose)});
+    return column({row({item(lstYear, 1), item(monMonths, 2)}, 1), row({space(), item(lblClose)})});
 }
 
 void frmSelMonth::onLoad() {
@@ -47,6 +47,12 @@ void frmSelMonth::onLoad() {
     for (size_t i = 0; i < lstYear.items.size(); ++i)
         if (held.ends_with(lstYear.items[i].text)) lstYear.current = static_cast<int>(i);
     LoadMonths();
+    if (lstYear.current >= 0) setFocus(monMonths);
+}
+
+void frmSelMonth::stepYear(int step) {
+    const int to = lstYear.current + step;
+    if (to >= 0) lstYear.choose(static_cast<size_t>(to));
 }
 
 void frmSelMonth::ClearAll() {
@@ -78,7 +84,18 @@ void frmSelMonth::LoadMonths() {
 
 // Without a year every month may be clicked: the click then asks for the year.
 void frmSelMonth::Monthdisable() {
-    for (size_t i = 0; i < 12; ++i) lblMonth[i].enabled = lstYear.current < 0 || months_[i] != 0;
+    const int32_t held = target_ == nullptr ? 0 : static_cast<int32_t>(target_->key());
+    int current = -1;
+    for (size_t i = 0; i < 12; ++i) {
+        lblMonth[i].enabled = lstYear.current < 0 || months_[i] != 0;
+        BoardCell& cell = monMonths.cells[i];
+        cell = {.text = lblMonth[i].caption, .enabled = lblMonth[i].enabled};
+        cell.ringed = months_[i] != 0 && months_[i] == FnLngMonthYearOfDate(session_.now());
+        cell.chosen = months_[i] != 0 && months_[i] == held;
+        const bool kept = monMonths.current == static_cast<int>(i);
+        if (cell.enabled && (current < 0 || kept || cell.chosen)) current = static_cast<int>(i);
+    }
+    monMonths.current = current;
 }
 
 void frmSelMonth::lstYear_Click() {

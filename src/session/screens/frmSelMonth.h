@@ -5,6 +5,7 @@
 
 #include <array>
 
+#include "screen/cell_board.h"
 #include "screen/lists.h"
 #include "screen/screen.h"
 #include "session/Session.h"
@@ -23,7 +24,8 @@ class frmSelMonth final : public Screen {
     void ClearAll();
 
     ListBox lstYear{*this, "lstYear"};
-    std::array<Label, 12> lblMonth;
+    std::array<Label, 12> lblMonth;  // shown by monMonths
+    CellBoard monMonths{*this, "monMonths", 3, 4};
     Label lblClose{*this, "lblClose", "Close"};
 
     void lstYear_Click();
@@ -33,6 +35,7 @@ class frmSelMonth final : public Screen {
     void onLoad() override;
     Layout layout() override;
     bool offered(int32_t lngMonthYear) const;  // by the combo
+    void stepYear(int step);
     std::string fetchmonthname(int index) const;
     int32_t fetchmonthyear(int index) const;
 
