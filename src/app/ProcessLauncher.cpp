@@ -1,5 +1,6 @@
 #include "app/ProcessLauncher.h"
 
+#include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -18,7 +19,8 @@ namespace owb {
 
 namespace {
 
-// An empty folder is our own. The arguments begin with the file that is run.
+// An empty folder is our own. The arguments begin with the file that is run. A program that we
+// start leaves what we read and write alone: a script may drive us by it.
 pid_t spawn(const std::vector<std::string>& arguments, const std::string& folder, int& error) {
     std::vector<char*> argv;
     for (const std::string& argument : arguments)
@@ -27,6 +29,8 @@ pid_t spawn(const std::vector<std::string>& arguments, const std::string& folder
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     if (!folder.empty()) posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     pid_t process = 0;
     error = posix_spawnp(&process, argv[0], &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);

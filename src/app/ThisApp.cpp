@@ -110,7 +110,7 @@ void InitCommandLine(Session& session, const std::string& commandLine) {
     if (fields.size() < 3)
         throw std::runtime_error(
             "Command line: expected <menu id>#<flag>#<option>#<attendance head>[#<connection "
-            "file>]");
+            "file>]. This program is started by the family's shell, or by OWBShell.");
     session.gFileLaunch = fields.size() != 4 && session.exeName == "OWBLeaveMgmt";
     session.gMenuId = wholeNumber<int32_t>(fields[0], "menu identifier");
     session.gLaunchFlag = flag(fields[1]);

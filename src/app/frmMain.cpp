@@ -7,7 +7,14 @@
 namespace owb {
 
 int frmMain::Run(const std::string& commandLine) {
-    return runUntilEnd([&] { StartApplication(session_, frontEnd_, commandLine); });
+    return runUntilEnd([&] {
+        SetHelpFile(session_);
+        InitCommandLine(session_, commandLine);
+        if (isOpenElsewhere && isOpenElsewhere())
+            ExitToShell(session_, true);
+        else
+            StartOnConnection(session_, frontEnd_);
+    });
 }
 
 int frmMain::RunOn(const std::string& connectionString, int32_t menuId, int32_t attHeadId) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "screen/front_end.h"
@@ -13,6 +14,11 @@ namespace owb {
 class frmMain {
   public:
     frmMain(Session& session, FrontEnd& frontEnd) : session_(session), frontEnd_(frontEnd) {}
+
+    // Asked once the command line is read and the company open: whether the screen is open already,
+    // and has been brought forward. The program then ends. Nobody is asked where there are no
+    // windows.
+    std::function<bool()> isOpenElsewhere;
 
     // Runs the program on a command line and gives its exit status. A launch that fails without a
     // message of its own leaves as an exception.

@@ -31,6 +31,18 @@ void showInTransaction(Session& session, Screen& screen) {
     if (session.gExtendedYN) session.gConn.CommitTrans();
 }
 
+// Head 0 is the whole company; a number that no head has must not be taken for it.
+void requireHead(Session& session) {
+    if (session.gAttHeadId == 0 ||
+        FnBlnExistsOrThrow(session, Sql() << "SELECT ATTHEADID FROM MAS_ATTHEAD WHERE ATTHEADID = "
+                                          << session.gAttHeadId))
+        return;
+    session.boxes.critical("There is no attendance head " + std::to_string(session.gAttHeadId) +
+                           " in this company.");
+    ExitToShell(session, true);
+    throw EndOfProgram{1};
+}
+
 void repairOlderTables(Session& session) {
     if (!FnBlnExistsOrThrow(session,
                             "SELECT * FROM INFORMATION_SCHEMA.COLUMNS WHERE COLUMN_NAME = "
@@ -120,13 +132,17 @@ void ReadLaunchSettings(Session& session) {
     session.gProductPath = store.GetSetting("Settings", "Path", session.programFolder);
 }
 
-void StartApplication(Session& session, FrontEnd& frontEnd, const std::string& commandLine) {
-    SetHelpFile(session);
-    InitCommandLine(session, commandLine);
-    StartOnConnection(session, frontEnd);
+bool FnBlnReadOnlyUser(Session& session) {
+    return FnVarValueOrThrow(session,
+                             Sql() << "SELECT ISNULL(READONLYYN, 0) FROM SEC_USERLIST WHERE "
+                                      "USERNAME = "
+                                   << literal(session.gUser),
+                             0)
+        .toBool();
 }
 
 void StartOnConnection(Session& session, FrontEnd& frontEnd) {
+    requireHead(session);
     ReadLaunchSettings(session);
     SetHostNames(session);
     repairOlderTables(session);
@@ -137,12 +153,7 @@ void StartOnConnection(Session& session, FrontEnd& frontEnd) {
     LoadAttOptions(session, 0);
     LoadAttHead(session, session.gAttHeadId);
     CreateFilterObjects(session);
-    session.gReadOnly = FnVarValueOrThrow(session,
-                                          "SELECT ISNULL(READONLYYN, 0) FROM SEC_USERLIST WHERE "
-                                          "USERNAME = " +
-                                              literal(session.gUser),
-                                          0)
-                            .toBool();
+    session.gReadOnly = FnBlnReadOnlyUser(session);
     OpenMenuScreen(session, frontEnd);
 }
 

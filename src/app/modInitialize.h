@@ -1,4 +1,4 @@
-// Start-up, from the command line to the one screen of the launch.
+// Start-up, from the connection to the one screen of the launch.
 #pragma once
 
 #include <string>
@@ -8,12 +8,12 @@
 
 namespace owb {
 
-// All of start-up. Returns when the screen of the menu identifier has closed; EndOfProgram leaves
-// through it.
-void StartApplication(Session& session, FrontEnd& frontEnd, const std::string& commandLine);
-// The same from an open connection on, with gMenuId and gAttHeadId set by the caller.
+// Start-up from an open connection on, with gMenuId and gAttHeadId set. Returns when the screen of
+// the menu identifier has closed; EndOfProgram leaves through it.
 void StartOnConnection(Session& session, FrontEnd& frontEnd);
 
+// Whether the user may only look.
+bool FnBlnReadOnlyUser(Session& session);
 // Of the settings store: the extended session, the users, the product's folder. The family's small
 // programs read them as this one does.
 void ReadLaunchSettings(Session& session);

@@ -12,8 +12,11 @@ namespace owb {
 struct MenuEntry {
     int32_t menuId;
     std::string screen, title;
+    std::string section;  // "Holidays": what belongs together
+    std::string what;     // what it is for, in a few words
+    bool available;       // this version has the screen
 };
-// The identifiers that open a screen of this version, in their order.
+// All identifiers, sections together.
 std::vector<MenuEntry> MenuEntries();
 
 // Opens the screen of gMenuId modally and tells the shell about it. An identifier without a screen

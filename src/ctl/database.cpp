@@ -1,11 +1,9 @@
 #include "ctl/database.h"
 
-#include <filesystem>
-
 #include "app/ThisApp.h"
 #include "base/utf8.h"
 #include "ctl/command.h"
-#include "db/embedded/embedded_driver.h"
+#include "db/new_database.h"
 #include "db/sql_text.h"
 
 namespace owb::ctl {
@@ -32,17 +30,7 @@ void openCompany(Connection& connection, const std::string& db) {
 }
 
 void makeDatabase(const std::string& db, const std::function<void(Connection&)>& fill) {
-    const std::string file = databaseFile(db);
-    createEmbedded(file);
-    try {
-        Connection connection;
-        openDatabase(connection, file);
-        fill(connection);
-    } catch (...) {
-        std::error_code ignored;
-        for (const char* part : {"", "-wal", "-shm"}) std::filesystem::remove(file + part, ignored);
-        throw;
-    }
+    makeDatabaseFile(databaseFile(db), fill);
 }
 
 bool tableExists(Connection& connection, const std::string& name) {

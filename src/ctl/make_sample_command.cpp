@@ -5,7 +5,6 @@
 #include "ctl/progress_line.h"
 #include "family/modCommon.h"
 #include "sample/sample.h"
-#include "schema/modSQLFunction.h"
 
 namespace owb::ctl {
 
@@ -37,10 +36,7 @@ class SampleCommand final : public Command {
         options_.fromMonth = FnLngMonthYearOfText(from_);
         if (options_.fromMonth == 0) throw CommandError("\"" + from_ + "\" is no month (Mmm/YYYY)");
         ProgressLine line(io);
-        makeDatabase(db_, [&](Connection& connection) {
-            createFamilyDatabase(connection);
-            sample::makeSample(connection, options_, line);
-        });
+        sample::makeSampleFile(databaseFile(db_), options_, line);
         return 0;
     }
 

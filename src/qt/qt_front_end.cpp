@@ -102,8 +102,9 @@ BoxAnswer QtFrontEnd::show(const Box& box) {
 
 std::string QtFrontEnd::askFile(const FileQuestion& question) {
     const QString title = toQt(question.title), suggested = toQt(question.suggested);
-    const QString sheets = question.save ? QStringLiteral("Spreadsheets (*.xlsx)")
-                                         : QStringLiteral("Spreadsheets (*.xlsx *.xls)");
+    const QString sheets = !question.kind.empty() ? toQt(question.kind)
+                           : question.save        ? QStringLiteral("Spreadsheets (*.xlsx)")
+                                                  : QStringLiteral("Spreadsheets (*.xlsx *.xls)");
     const QString path = question.save
                              ? QFileDialog::getSaveFileName(top(), title, suggested, sheets)
                              : QFileDialog::getOpenFileName(top(), title, suggested, sheets);

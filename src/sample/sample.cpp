@@ -1,8 +1,10 @@
 #include "sample/sample.h"
 
+#include "db/new_database.h"
 #include "db/recordset.h"
 #include "sample/attendance.h"
 #include "sample/rules.h"
+#include "schema/modSQLFunction.h"
 
 namespace owb::sample {
 
@@ -42,6 +44,13 @@ void makeSample(Connection& connection, const SampleOptions& options, Progress& 
         connection.RollbackTrans();
         throw;
     }
+}
+
+void makeSampleFile(const std::string& file, const SampleOptions& options, Progress& progress) {
+    makeDatabaseFile(file, [&](Connection& connection) {
+        createFamilyDatabase(connection);
+        makeSample(connection, options, progress);
+    });
 }
 
 }  // namespace owb::sample

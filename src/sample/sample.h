@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "screen/progress.h"
 
@@ -25,6 +26,8 @@ struct SampleOptions {
 // Fills a family database that has no employees yet, in one transaction; what the delivered rows
 // say is replaced. Cancelling leaves the database as it was. Throws DbError.
 void makeSample(Connection& connection, const SampleOptions& options, Progress& progress);
+// The same in a new database file; a failure leaves none behind, and an existing one is refused.
+void makeSampleFile(const std::string& file, const SampleOptions& options, Progress& progress);
 
 }  // namespace sample
 }  // namespace owb

@@ -9,11 +9,12 @@ namespace owb {
 
 class Screen;
 
-// Where a spreadsheet goes to, or comes from.
+// Where a spreadsheet, or a file of another kind, goes to or comes from.
 struct FileQuestion {
     std::string title;
     std::string suggested;  // path or name that stands there at first
     bool save = false;      // otherwise a file to open
+    std::string kind = "";  // "Companies (*.owb)"; "": spreadsheets
 };
 
 class FrontEnd : public MessageBoxes {

@@ -1,6 +1,7 @@
-// A small launcher for machines where the family's shell is not installed: the company's attendance
-// heads, the screens of the menu by group, and which of them are open now. It starts the program
-// with the line of a launch and listens on a local socket for what opens and ends.
+// The launcher, for machines where the family's shell is not installed: what there is to know of
+// the company before work begins, its attendance heads, and the screens of the menu, found by a few
+// letters. It starts the program with the line of a launch and listens on a local socket for what
+// opens and ends.
 #pragma once
 
 #include <map>
@@ -8,8 +9,10 @@
 #include <string>
 
 #include "app/LocalTalk.h"
+#include "app/modMenu.h"
 #include "screen/grid.h"
 #include "session/screens/SessionScreen.h"
+#include "siblings/Companies.h"
 
 namespace owb {
 
@@ -23,28 +26,67 @@ class frmShell final : public SessionScreen {
              HasEnded hasEnded);
 
     Label lblCompany{*this, "lblCompany"};
-    ListBox lstHead{*this, "lstHead"};  // key: attendance head, 0 the whole company
+    Label lblUser{*this, "lblUser"};
+    Label lblMonths{*this, "lblMonths"};
+    Label lblAwaiting{*this, "lblAwaiting"};
+    TextBox txtSearch{*this, "txtSearch"};
+    Grid fpgHead{*this, "fpgHead"};
     Grid fpgScreen{*this, "fpgScreen"};
+    Command cmdRecalc{*this, "cmdRecalc", "&Recalculate (F9)"};
+    Command cmdCompany{*this, "cmdCompany", "Other Compan&y..."};
+    Command cmdAbout{*this, "cmdAbout", "&About"};
     Command cmdOpen{*this, "cmdOpen", "&Open"};
     Command cmdClose{*this, "cmdClose", "&Close"};
 
     void cmdOpen_Click();
 
+    // The user wants to work on another company.
+    bool wantsOtherCompany() const { return otherCompany_; }
+
   private:
+    struct Running {
+        int32_t menuId = 0, head = 0;
+        bool open = false;  // its screen has told that it opened
+    };
+
     void load() override;
     void onTimer() override;
     void onUnload() override;
     Layout layout() override;
+
+    // --- what the company is like (frmShell_company.cpp) ---
+    void readCompany();
+    void readAwaiting();
+    void fillHeads();
+    std::string headName(int32_t head) const;
+
+    // --- the list of screens ---
+    void fillScreens();
+    void addScreen(const MenuEntry& entry, const std::string& section);
+    std::vector<int32_t> recentScreens() const;
+    void rememberScreen(int32_t menuId);
+    void search();
+    bool searchKey(const std::string& key);
+    void moveCurrent(int step);
     void showState();
 
-    struct Running {
-        int32_t menuId = 0;
-        bool open = false;  // its screen has told that it opened
-    };
+    void open(int32_t menuId);
+    bool functionKey(const std::string& key);
+    void cmdCompany_Click();
+    void cmdAbout_Click();
+    void cmdClose_Click();
+    // Whether the launcher may go while screens that it started are still open.
+    bool mayLeaveOpen();
+
+    int32_t chosenHead() const;
+
     LocalListener listener_;
     Start start_;
     HasEnded hasEnded_;
+    Companies companies_;
+    std::vector<MenuEntry> entries_;
     std::map<int, Running> running_;  // by process
+    bool otherCompany_ = false;
 };
 
 }  // namespace owb

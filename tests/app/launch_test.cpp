@@ -10,6 +10,7 @@
 #include "app/ThisApp.h"
 #include "app/frmMain.h"
 #include "app/modInitialize.h"
+#include "db/embedded/embedded_driver.h"
 #include "db/recordset.h"
 #include "script/script_front_end.h"
 #include "support/driver_layer.h"
@@ -124,7 +125,7 @@ TEST(Launch, TakesTheFormThatTheFieldsAndTheExecutableSay) {
                           {"five fields of another executable: the head is the path",
                            "1502#0#0#10#<file>", "owbleavemgmt", false, 0},
                           {"numbers stop at the first bad character, halves go to the even",
-                           "1502x#-1#2.5#-1#<file>", "OWBLeaveMgmt", true, -1}}) {
+                           "1502x#-1#2.5#9.5x#<file>", "OWBLeaveMgmt", true, 10}}) {
         Launch launch;
         launch.session.exeName = c.exeName;
         launch.settings.SaveSetting("Settings", "DefLnk",
@@ -191,6 +192,44 @@ TEST(Launch, WithBadInputStopsAndWritesNothing) {
         EXPECT_EQ(std::filesystem::last_write_time(launch.database), before) << c.what;
         EXPECT_FALSE(std::filesystem::exists("/no/such/file.db"));
         EXPECT_TRUE(launch.frontEnd.events.empty()) << c.what;
+    }
+}
+
+// Head 0 is the whole company: a head that there is not must never be taken for it.
+TEST(Launch, RefusesAHeadThatDoesNotExist) {
+    for (const int head : {99, -1}) {
+        Launch launch;
+        const std::string path = launch.file("x:(embedded):" + launch.database);
+        EXPECT_EQ(launch.run("1512#0#0#" + std::to_string(head) + "#" + path), "1");
+        EXPECT_EQ(launch.boxText(),
+                  "There is no attendance head " + std::to_string(head) + " in this company.");
+        EXPECT_TRUE(launch.frontEnd.events.empty());
+    }
+}
+
+TEST(Launch, ADatabaseWithoutACompanyIsToldInASentence) {
+    Launch launch;
+    const std::string empty = launch.payroll.folder.file("empty.owb");
+    createEmbedded(empty);
+    EXPECT_EQ(launch.run("1512#0#0#0#" + launch.file("x:(embedded):" + empty)),
+              "error: The database " + empty + " holds no Orvane Wagebook company.");
+}
+
+TEST(Launch, EndsWhereTheScreenIsOpenAlready) {
+    for (const bool open : {false, true}) {
+        Launch launch;
+        launch.settings.SaveSetting("ExeTalk", "Orvane WagebookStatusHWND", "77");
+        frmMain program(launch.session, launch.frontEnd);
+        program.isOpenElsewhere = [&] {
+            EXPECT_EQ(launch.session.gMenuId, 1600);
+            EXPECT_EQ(launch.session.gAttHeadId, 10);
+            EXPECT_EQ(launch.session.gConn.State(), 1);
+            return open;
+        };
+        EXPECT_EQ(program.Run("1600#0#0#10#" + launch.file("x:(embedded):" + launch.database)), 0);
+        EXPECT_EQ(launch.frontEnd.events.empty(), open);
+        EXPECT_NE(launch.settings.GetSetting("ExeTalk", "Orvane WagebookStatus"), "")
+            << "the shell learns of the end";
     }
 }
 

@@ -24,6 +24,7 @@
 #include "session/modEmployeeViews.h"
 #include "session/modOWBSetting.h"
 #include "session/screens/modExternal.h"
+#include "siblings/frmCompany.h"
 #include "siblings/frmFilter.h"
 #include "siblings/frmShell.h"
 #include "support/company.h"
@@ -192,9 +193,14 @@ TEST(Qt, EveryScreenIsReachedByKeysAndNamed) {
         company.session, frontEnd, company.folder.file("shell"),
         [](const std::string&) { return 1; }, [](int) { return false; });
     photographer.show(shell, {[](ScreenWindow& top) {
-                          dynamic_cast<Grid*>(top.screen().find("fpgScreen"))->goTo(3, 1);
+                          dynamic_cast<Grid*>(top.screen().find("fpgScreen"))->goTo(3, 0);
                           top.screen().find("cmdOpen")->click();
                       }});
+    company.settings.SaveSetting(
+        "OWBShell", "Recent1",
+        company.session.gGenCmn.FnStrEncryptWord(company.session.gConn.ConnectionString()));
+    frmCompany chooser(company.session, frontEnd);
+    photographer.show(chooser);
     frmFilter filter(company.session, frontEnd);
     photographer.show(filter);
     frmLeaveRecalc recalc(company.session, frontEnd);
@@ -227,7 +233,7 @@ TEST(Qt, EveryScreenIsReachedByKeysAndNamed) {
                       }});
     photographer.open(1511, {f2("cmbMonthYear")});
     photographer.open(1512, {f2("txtHDate")});
-    EXPECT_EQ(photographer.screens(), 15U);
+    EXPECT_EQ(photographer.screens(), 16U);
 }
 
 }  // namespace

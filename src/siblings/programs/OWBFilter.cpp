@@ -2,20 +2,36 @@
 // family's programs tell theirs.
 #include "app/SettingsShellTalk.h"
 #include "app/modInitialize.h"
+#include "session/modEmployeeViews.h"
+#include "session/modOWBSetting.h"
 #include "siblings/frmFilter.h"
 #include "siblings/programs/sibling_program.h"
 
+namespace {
+
+constexpr const char* kUsage =
+    "Usage: OWBFilter 1500,True\n"
+    "\n"
+    "The employee filter of the company that the settings name. Screens that list employees start\n"
+    "it. Without a display, or with OWB_SCRIPT set, script commands on standard input drive it.\n"
+    "\n"
+    "  --help     this text\n"
+    "  --version  the program's version";
+
+}  // namespace
+
 int main(int argc, char** argv) {
     using namespace owb;
-    return runSibling(
-        argc, argv, "OWBFilter", [](Session&) {},
-        [](Session& session, FrontEnd& frontEnd) {
-            SettingsShellTalk shell(session.settings, session.exeName);
-            ReadLaunchSettings(session);  // an extended session has a filter table of its own
-            SetHostNames(session);
-            shell.screenOpened("frmFilter");
-            frmFilter(session, frontEnd).showModal();
-            shell.screenClosed();
-            shell.programEnded();
-        });
+    return runSibling(argc, argv, "OWBFilter", kUsage, [](Session& session, FrontEnd& frontEnd) {
+        OpenSettingsDatabase(session);
+        LoadOptSet(session);
+        SettingsShellTalk shell(session.settings, session.exeName);
+        ReadLaunchSettings(session);  // an extended session has a filter table of its own
+        SetHostNames(session);
+        shell.screenOpened("frmFilter");
+        frmFilter(session, frontEnd).showModal();
+        shell.screenClosed();
+        shell.programEnded();
+        return 0;
+    });
 }
