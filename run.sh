@@ -23,15 +23,16 @@ if [ ! -e "$company" ]; then
 fi
 $owbctl process "$company"
 $owbctl register "$company"
+month=$($owbctl register "$company" | sed -n 's/^Register of //p')
 
 cat <<TRY
 
 Three things to try:
   build/release/src/OWBShell $company
       the launcher: type "hol", Enter, and the holidays stand there
-  $owbctl explain $company 6 EL $(LC_ALL=C date +%b/%Y)
+  $owbctl explain $company 6 EL $month
       why employee 6 has the earned leave that he has
-  printf 'dump fpgGenHoliday\n' | $owbctl screen $company 1512 0
+  printf 'dump fpgHDetail\n' | $owbctl screen $company 1512 0
       the same screen by script, where there is no display
 TRY
 [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || exec build/release/src/OWBShell "$company"

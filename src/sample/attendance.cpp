@@ -45,7 +45,7 @@ SampleAttendance::SampleAttendance(Connection& connection, const SampleOptions& 
     : options_(options),
       calendar_(calendar),
       start_(firstDayOf(options.fromMonth)),
-      end_(lastDayOf(options.fromMonth + options.months - 1)),
+      end_(lastDayOf(options.lastMonth())),
       employees_(
           connection, "MAS_EMPLOYEE",
           "EMPID, EMPNAME, REFNO, DOJ, DOL, DOB, SALCALCFROM, RETIREMENTDATE, "

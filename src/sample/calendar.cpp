@@ -8,13 +8,7 @@ namespace owb::sample {
 
 namespace {
 
-struct Holiday {
-    int year, month, day;
-    const char* name;
-    bool national = false;
-};
-
-constexpr Holiday kGazetted[] = {
+constexpr SampleHoliday kGazetted[] = {
     {2024, 1, 26, "Republic Day", true},
     {2024, 3, 8, "Maha Shivaratri"},
     {2024, 3, 25, "Holi"},
@@ -68,7 +62,18 @@ constexpr Holiday kGazetted[] = {
     {2026, 12, 25, "Christmas"},
 };
 
-constexpr Holiday kRestricted[] = {
+constexpr int kFirstListed = 2024, kLastListed = 2026;
+
+// Those of a fixed date, for the years of which the others are not known.
+constexpr SampleHoliday kEveryYear[] = {{0, 1, 26, "Republic Day", true},
+                                        {0, 8, 15, "Independence Day", true},
+                                        {0, 10, 2, "Mahatma Gandhi's Birthday", true},
+                                        {0, 12, 25, "Christmas"}};
+
+constexpr SampleHoliday kRestrictedEveryYear[] = {{0, 1, 1, "New Year's Day"},
+                                                  {0, 12, 24, "Christmas Eve"}};
+
+constexpr SampleHoliday kRestricted[] = {
     {2024, 1, 1, "New Year's Day"},    {2024, 1, 15, "Makar Sankranti"},
     {2024, 2, 14, "Basant Panchami"},  {2024, 4, 13, "Vaisakhi"},
     {2024, 8, 19, "Raksha Bandhan"},   {2024, 9, 7, "Ganesh Chaturthi"},
@@ -86,16 +91,16 @@ constexpr Holiday kRestricted[] = {
 };
 
 // New year of the calendar: restricted, under the name of each branch's region.
-constexpr Holiday kRegionalNewYear[] = {{2024, 4, 9, ""}, {2025, 3, 30, ""}, {2026, 3, 19, ""}};
+constexpr SampleHoliday kRegionalNewYear[] = {
+    {2024, 4, 9, ""}, {2025, 3, 30, ""}, {2026, 3, 19, ""}};
 
-DateTime dateOf(const Holiday& h) {
+DateTime dateOf(const SampleHoliday& h) {
     return DateTime::fromCivil(h.year, h.month, h.day);
 }
 
-template <size_t N>
-bool listed(const Holiday (&list)[N], const DateTime& day) {
-    return std::any_of(std::begin(list), std::end(list),
-                       [&](const Holiday& h) { return dateOf(h) == day; });
+bool listed(const std::vector<SampleHoliday>& list, const DateTime& day) {
+    return std::any_of(list.begin(), list.end(),
+                       [&](const SampleHoliday& h) { return dateOf(h) == day; });
 }
 
 // Holidays of one branch and of one head, each year.
@@ -104,6 +109,24 @@ constexpr struct {
     const char* name;
 } kOfBranch[] = {{kPune, 5, 1, "Maharashtra Day"}, {kBengaluru, 11, 1, "Kannada Rajyotsava"}};
 constexpr int kWorkshopMonth = 9, kWorkshopDay = 17;  // Vishwakarma Puja
+
+int yearOf(int32_t monthKey) {
+    return (monthKey - 1) / 12;
+}
+
+// The list, and of the options' other years what is the same each year.
+template <size_t N, size_t M>
+std::vector<SampleHoliday> listOf(const SampleHoliday (&list)[N],
+                                  const SampleHoliday (&everyYear)[M],
+                                  const SampleOptions& options) {
+    std::vector<SampleHoliday> all(std::begin(list), std::end(list));
+    for (int year = yearOf(options.fromMonth); year <= yearOf(options.lastMonth()); ++year)
+        for (SampleHoliday holiday : everyYear) {
+            holiday.year = year;
+            if (year < kFirstListed || year > kLastListed) all.push_back(holiday);
+        }
+    return all;
+}
 
 constexpr int kSunday = 1, kSaturday = 7;
 
@@ -126,7 +149,10 @@ OffHalves rotatingOff(int group, const DateTime& day) {
 
 }  // namespace
 
-SampleCalendar::SampleCalendar(const SampleOptions& options) : options_(options) {}
+SampleCalendar::SampleCalendar(const SampleOptions& options)
+    : options_(options),
+      gazetted_(listOf(kGazetted, kEveryYear, options)),
+      restricted_(listOf(kRestricted, kRestrictedEveryYear, options)) {}
 
 bool SampleCalendar::ownRotation(const SampleEmployee& employee) {
     return employee.id % 3 != 0 &&
@@ -143,14 +169,17 @@ OffHalves SampleCalendar::weeklyOff(int employee, int head, const DateTime& day)
 
 bool SampleCalendar::holiday(int head, int branch, const DateTime& day) const {
     const CivilDate c = day.civil();
-    if (head == kWorkshop && c.month == kWorkshopMonth && c.day == kWorkshopDay) return true;
+    if (!options_.branchHolidays && head == kWorkshop && c.month == kWorkshopMonth &&
+        c.day == kWorkshopDay && day < firstDayOf(options_.firstOpenMonth()))
+        return true;
     for (const auto& h : kOfBranch)
-        if (h.branch == branch && h.month == c.month && h.day == c.day) return true;
-    return listed(kGazetted, day);
+        if (options_.branchHolidays && h.branch == branch && h.month == c.month && h.day == c.day)
+            return true;
+    return listed(gazetted_, day);
 }
 
 bool SampleCalendar::restricted(const DateTime& day) const {
-    return listed(kRestricted, day);
+    return listed(restricted_, day);
 }
 
 void SampleCalendar::writeRules(Connection& connection) const {
@@ -168,18 +197,24 @@ void SampleCalendar::writeHolidays(Connection& connection) const {
                    std::optional<int> branch) {
         holidays.add(++id, day, name, national, !head && !branch, head, branch);
     };
-    for (const Holiday& h : kGazetted) {
+    for (const SampleHoliday& h : gazetted_) {
         add(dateOf(h), h.name, h.national, std::nullopt, std::nullopt);
         // The gates stand open on Good Friday, and the south works on Holi.
         if (std::string_view(h.name) == "Good Friday")
             exceptions.add(id, int{kSecurity}, std::nullopt);
         if (std::string_view(h.name) == "Holi") exceptions.add(id, std::nullopt, int{kBengaluru});
     }
-    for (int year = 2024; year <= 2026; ++year) {
+    // A head's holiday refuses those of branches before it, and a branch's those of heads behind
+    // it: the open months and the next year stay free for both.
+    const int first = yearOf(options_.fromMonth), last = yearOf(options_.lastMonth());
+    const DateTime firstOpen = firstDayOf(options_.firstOpenMonth());
+    for (int year = first; year <= last + 2; ++year) {
         for (const auto& h : kOfBranch)
-            add(DateTime::fromCivil(year, h.month, h.day), h.name, false, std::nullopt, h.branch);
-        add(DateTime::fromCivil(year, kWorkshopMonth, kWorkshopDay), "Vishwakarma Puja", false,
-            int{kWorkshop}, std::nullopt);
+            if (options_.branchHolidays || year == last + 2)
+                add(DateTime::fromCivil(year, h.month, h.day), h.name, false, std::nullopt,
+                    h.branch);
+        const DateTime puja = DateTime::fromCivil(year, kWorkshopMonth, kWorkshopDay);
+        if (puja < firstOpen) add(puja, "Vishwakarma Puja", false, int{kWorkshop}, std::nullopt);
     }
     holidays.flush();
     exceptions.flush();
@@ -191,8 +226,8 @@ void SampleCalendar::writeHolidays(Connection& connection) const {
     auto addRestricted = [&](const DateTime& day, const char* name, std::optional<int> branch) {
         restricted.add(++id, day, name, false, std::nullopt, branch, true);
     };
-    for (const Holiday& h : kRestricted) addRestricted(dateOf(h), h.name, std::nullopt);
-    for (const Holiday& h : kRegionalNewYear) {
+    for (const SampleHoliday& h : restricted_) addRestricted(dateOf(h), h.name, std::nullopt);
+    for (const SampleHoliday& h : kRegionalNewYear) {
         addRestricted(dateOf(h), "Gudi Padwa", int{kPune});
         addRestricted(dateOf(h), "Ugadi", int{kBengaluru});
     }
@@ -240,7 +275,7 @@ void SampleCalendar::writeWeeklyOffs(Connection& connection) const {
     RowWriter rotation(connection, "ATT_WKLYROT",
                        "ATTHEADID, EMPID, WEEKDATE, FIRSTHALFYN, SECONDHALFYN");
     RowWriter special(connection, "ATT_EXTRAOT", "ATTHEADID, WEEKDATE");
-    const DateTime end = lastDayOf(options_.fromMonth + options_.months - 1);
+    const DateTime end = lastDayOf(options_.lastMonth());
     for (DateTime day = firstDayOf(options_.fromMonth); day <= end; day = day.plusDays(1)) {
         const OffHalves off = rotatingOff(0, day);
         if (off.any()) rotation.add(int{kSecurity}, 0, day, off.first, off.second);

@@ -1,5 +1,6 @@
-// The sample company's calendar: India's gazetted holidays of 2024 to 2026, holidays of a branch
-// and of a head, a restricted list, weekly offs with half Saturdays, and a rotating group.
+// The sample company's calendar: India's gazetted holidays of 2024 to 2026 (of other years those of
+// a fixed date), holidays of a head and of branches, a restricted list, weekly offs with half
+// Saturdays, and a rotating group.
 #pragma once
 
 #include <map>
@@ -13,6 +14,12 @@ struct OffHalves {
     bool first = false, second = false;
     bool full() const { return first && second; }
     bool any() const { return first || second; }
+};
+
+struct SampleHoliday {
+    int year, month, day;
+    const char* name;
+    bool national = false;
 };
 
 class SampleCalendar {
@@ -33,6 +40,7 @@ class SampleCalendar {
     void writeWeeklyOffs(Connection& connection) const;
 
     SampleOptions options_;
+    std::vector<SampleHoliday> gazetted_, restricted_;
 };
 
 }  // namespace owb::sample

@@ -58,7 +58,7 @@ DateTime lastDayOf(int32_t monthKey) {
 SampleEmployee makeEmployee(int id, const SampleOptions& options) {
     Chance chance(options.seed, static_cast<uint64_t>(id));
     const DateTime start = firstDayOf(options.fromMonth);
-    const DateTime end = lastDayOf(options.fromMonth + options.months - 1);
+    const DateTime end = lastDayOf(options.lastMonth());
 
     SampleEmployee e;
     e.id = id;

@@ -70,15 +70,6 @@ INSERT INTO MAS_FORMULA (FORMULAID, FORMULANAME, FORMULA, FORMULAFLDREP) VALUES
 (1, 'Day rate', 'Component{BASIC} / 26', ''),
 (2, 'EL by presence', 'Days{PRESENT DAYS} / 20', '')
 
-INSERT INTO ITSETTING (ASSYEAR, SLIMIT1, SLIMIT2, SLIMIT3, SADD1, SADD2, MLIMIT1, MLIMIT2, MLIMIT3,
-    MADD1, MADD2, FLIMIT1, FLIMIT2, FLIMIT3, FADD1, FADD2, CESS) VALUES
-(2025, 300000, 500000, 1000000, 10000, 110000, 250000, 500000, 1000000, 12500, 112500, 250000,
-    500000, 1000000, 12500, 112500, 4),
-(2026, 300000, 500000, 1000000, 10000, 110000, 250000, 500000, 1000000, 12500, 112500, 250000,
-    500000, 1000000, 12500, 112500, 4),
-(2027, 300000, 500000, 1000000, 10000, 110000, 250000, 500000, 1000000, 12500, 112500, 250000,
-    500000, 1000000, 12500, 112500, 4)
-
 INSERT INTO SEC_USERLIST (USERID, USERNAME, GROUPID, READONLYYN, MULTILOGIN) VALUES
 (1, 'ADMIN', 1, 0, 1), (2, 'CLERK', 2, 0, 1), (3, 'AUDITOR', 3, 1, 1)
 
@@ -177,7 +168,7 @@ void writeMonths(Connection& connection, const SampleOptions& options) {
     months.flush();
     editedDays.flush();
     const std::string first = std::to_string(options.fromMonth),
-                      last = std::to_string(options.fromMonth + options.months - 1);
+                      last = std::to_string(options.lastMonth());
     connection.Execute("UPDATE MAS_OPTSET SET STARTMONTHYEAR = " + first +
                        ", ENDMONTHYEAR = " + last + ", DEFMONTHYEAR = " + last);
     connection.Execute("UPDATE MAS_OPTSETFEATURE SET AUDITTRAILYN = 1, LVSTARTMNYEAR = " + first);
@@ -219,6 +210,18 @@ void writeLeaveRules(Connection& connection, const SampleOptions& options) {
     figures.flush();
 }
 
+// Assessment years, each a year behind the financial year that it taxes.
+void writeTaxYears(Connection& connection, const SampleOptions& options) {
+    RowWriter years(connection, "ITSETTING",
+                    "ASSYEAR, SLIMIT1, SLIMIT2, SLIMIT3, SADD1, SADD2, MLIMIT1, MLIMIT2, MLIMIT3, "
+                    "MADD1, MADD2, FLIMIT1, FLIMIT2, FLIMIT3, FADD1, FADD2, CESS");
+    const int first = (options.fromMonth - 1) / 12, last = (options.lastMonth() - 1) / 12;
+    for (int year = first + 1; year <= last + 1; ++year)
+        years.add(year, 300000, 500000, 1000000, 10000, 110000, 250000, 500000, 1000000, 12500,
+                  112500, 250000, 500000, 1000000, 12500, 112500, 4);
+    years.flush();
+}
+
 void writeRights(Connection& connection) {
     RowWriter commands(connection, "SEC_BUTDET", "BUTID, FORMID, BUTNAME");
     RowWriter grants(connection, "SEC_BUTPER", "BUTID, GROUPID, BUTALLOWYN");
@@ -244,6 +247,7 @@ void writeSampleRules(Connection& connection, const SampleOptions& options) {
     connection.Execute(kMasters);
     writeMonths(connection, options);
     writeLeaveRules(connection, options);
+    writeTaxYears(connection, options);
     writeRights(connection);
 }
 

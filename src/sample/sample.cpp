@@ -30,6 +30,15 @@ bool fillDatabase(Connection& connection, const SampleOptions& options, Progress
 
 }  // namespace
 
+SampleOptions optionsUpTo(int32_t lastMonth) {
+    constexpr int kTwoYears = 24, kApril = 4, kYear = 12;
+    SampleOptions options;
+    const int32_t latestStart = lastMonth - kTwoYears + 1;
+    options.fromMonth = latestStart - (latestStart - kApril) % kYear;
+    options.months = lastMonth - options.fromMonth + 1;
+    return options;
+}
+
 void makeSample(Connection& connection, const SampleOptions& options, Progress& progress) {
     Recordset employees(connection, "SELECT COUNT(*) FROM MAS_EMPLOYEE");
     if (employees.Fields(0).toInt() > 0)

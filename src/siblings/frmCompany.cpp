@@ -1,5 +1,6 @@
 #include "siblings/frmCompany.h"
 
+#include "family/modCommon.h"
 #include "sample/sample.h"
 
 namespace owb {
@@ -11,7 +12,9 @@ constexpr const char* kCompanyFiles = "Companies (*.owb);;All files (*)";
 }  // namespace
 
 frmCompany::frmCompany(Session& session, FrontEnd& frontEnd)
-    : Screen(frontEnd, "frmCompany", "Orvane Wagebook - Open Company"), companies_(session) {
+    : Screen(frontEnd, "frmCompany", "Orvane Wagebook - Open Company"),
+      session_(session),
+      companies_(session) {
     lstRecent.onDoubleClick = [this] { cmdOpen_Click(); };
     lstRecent.onKey = [this](const std::string& key) {
         if (key == "Enter") cmdOpen_Click();
@@ -67,7 +70,8 @@ void frmCompany::cmdSample_Click() {
     lblHint.caption = "Making the sample company ...";
     frontEnd().refresh(*this);
     NoProgress quiet;
-    sample::makeSampleFile(file, {}, quiet);
+    const sample::SampleOptions options = sample::optionsUpTo(FnLngMonthYearOfDate(session_.now()));
+    sample::makeSampleFile(file, options, quiet);
     choose(Companies::connectionOf(file));
 }
 

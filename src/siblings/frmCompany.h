@@ -32,6 +32,7 @@ class frmCompany final : public Screen {
     void cmdSample_Click();
     void choose(const std::string& connection);
 
+    Session& session_;
     Companies companies_;
     std::vector<std::string> recent_;
     std::string chosen_;

@@ -324,7 +324,8 @@ TEST_F(OwbctlFile, JsonHasTheFiguresWithTheirTypes) {
 }
 
 TEST_F(OwbctlFile, ASmallCompanyFromMakingToRegister) {
-    ASSERT_EQ(owbctl({"sample", db, "--employees", "6", "--months", "2"}).err, "");
+    ASSERT_EQ(owbctl({"sample", db, "--employees", "6", "--from", "Apr/2024", "--months", "2"}).err,
+              "");
     const Outcome processed = owbctl({"process", db});
     EXPECT_EQ(processed.status, 0) << processed.err;
     const Outcome again = owbctl({"process", db, "--menu", "1601"});
@@ -345,7 +346,8 @@ TEST_F(OwbctlFile, ASmallCompanyFromMakingToRegister) {
 
 // What explain tells must be what the passes wrote, for every row of a small company.
 TEST_F(OwbctlFile, ExplainTellsWhatTheLedgerHolds) {
-    ASSERT_EQ(owbctl({"sample", db, "--employees", "8", "--months", "14"}).err, "");
+    ASSERT_EQ(
+        owbctl({"sample", db, "--employees", "8", "--from", "Apr/2024", "--months", "14"}).err, "");
     ASSERT_EQ(owbctl({"process", db}).status, 0);
     const std::string everything = "SELECT * FROM LEV_ALLOTMENT ORDER BY ALLOTID";
     const std::string before = owbctl({"sql", db, "-c", everything}).out;
@@ -408,7 +410,8 @@ TEST_F(OwbctlFile, ExplainTellsWhatTheLedgerHolds) {
 }
 
 TEST_F(OwbctlFile, CheckFollowsTheLedgersLinks) {
-    ASSERT_EQ(owbctl({"sample", db, "--employees", "4", "--months", "3"}).err, "");
+    ASSERT_EQ(owbctl({"sample", db, "--employees", "4", "--from", "Apr/2024", "--months", "3"}).err,
+              "");
     ASSERT_EQ(owbctl({"process", db}).status, 0);
     EXPECT_EQ(owbctl({"check", db}).out, "sound\n");
     owbctl(

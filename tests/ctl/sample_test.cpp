@@ -1,6 +1,11 @@
 // The sample company: repeatable, whole, and with a case of everything.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <sstream>
+
+#include "family/modCommon.h"
+#include "run_owbctl.h"
 #include "sample/sample.h"
 #include "schema/modSQLFunction.h"
 #include "session/locks.h"
@@ -78,6 +83,124 @@ TEST_F(Sample, FortyEmployeesShowEveryCase) {
         "24314 24315");  // Feb and Mar/2026
     EXPECT_FALSE(FnBlnMonthRangeLocked(company.session, 24314, 99999, true, 0))
         << "a company's holiday can be added";
+}
+
+TEST(SampleSpan, BeginsInAnAprilAtLeastTwoYearsBefore) {
+    const struct {
+        int32_t last, first, months;
+    } cases[] = {{2026 * 12 + 3, 2024 * 12 + 4, 24},
+                 {2026 * 12 + 4, 2024 * 12 + 4, 25},
+                 {2026 * 12 + 11, 2024 * 12 + 4, 32},
+                 {2027 * 12 + 2, 2024 * 12 + 4, 35},
+                 {2026 * 12 + 12, 2024 * 12 + 4, 33}};
+    for (const auto& c : cases) {
+        const sample::SampleOptions options = sample::optionsUpTo(c.last);
+        EXPECT_EQ(options.fromMonth, c.first);
+        EXPECT_EQ(options.months, c.months);
+        EXPECT_EQ(options.lastMonth(), c.last);
+    }
+}
+
+TEST_F(Sample, YearsBeyondTheListsHaveTheirFixedDays) {
+    test::Company company;
+    sample::SampleOptions options = sample::optionsUpTo(2031 * 12 + 2);
+    options.employees = 3;
+    NoProgress progress;
+    sample::makeSample(company.session.gConn, options, progress);
+    EXPECT_EQ(
+        company.rows("SELECT YEAR(HOLIDAYDATE), COUNT(*) FROM ATT_HOLIDAY WHERE HOLIDAYTYPE = "
+                     "1 AND YEAR(HOLIDAYDATE) > 2026 GROUP BY YEAR(HOLIDAYDATE) ORDER BY 1"),
+        "2028,3 2029,3 2030,3 2031,3");
+    EXPECT_EQ(count(company, "ATT_RESTRICTHOLIDAY WHERE YEAR(HOLIDAYDATE) = 2030"), "2");
+    EXPECT_EQ(company.rows("SELECT MIN(ASSYEAR), MAX(ASSYEAR), COUNT(*) FROM ITSETTING"),
+              "2029,2032,4");
+    EXPECT_EQ(company.rows("SELECT MONTHYEAR FROM MAS_MONTHYEAR WHERE LOCKEDYN = 0 AND ATTLOCKYN = "
+                           "0 ORDER BY MONTHYEAR"),
+              "24373 24374");
+}
+
+// What a newcomer tries first: a holiday for all, for a head, for a branch, in the open months, and
+// the list of the next year.
+TEST(SampleWork, NothingKeepsFromEnteringHolidays) {
+    test::TempDir dir;
+    const struct {
+        const char *to, *open, *month;
+    } cases[] = {{"Mar/2026", "02/2026", "Mar/2026"}, {"Oct/2027", "09/2027", "Oct/2027"}};
+    for (const auto& c : cases) {
+        const std::string db = dir.file(std::string(c.open).substr(0, 2) + ".owb");
+        ASSERT_EQ(ctl::owbctl({"sample", db, "--to", c.to}).err, "");
+        EXPECT_EQ(ctl::owbctl({"register", db, "--month", c.month}).status, 0);
+        const std::string date = std::string("/") + c.open + "\nset txtHDesc Shut\nclick cmdSave\n";
+        const std::string next = "/11/" + std::to_string(std::atoi(c.open + 3) + 1) +
+                                 "\nset txtHDesc Next\nclick cmdSave\n";
+        const ctl::Outcome o = ctl::owbctl(
+            {"screen", db, "1512", "0"},
+            "click cmdNew\nset txtHDate 10" + date + "click cmdNew\nset txtHDate 10" + next +
+                "set cmbAttHead Workshop\nclick cmdNew\nset txtHDate 11" + date +
+                "set chkBranchWise Yes\nset cmbAttHead Pune\nclick cmdNew\nset txtHDate 12" + date);
+        std::string boxes;
+        std::istringstream lines(o.out);
+        for (std::string line; std::getline(lines, line);)
+            if (line.starts_with("box: ")) boxes += line + "\n";
+        const std::string saved = "box: information|Saving Information|Updated|OK|OK\n";
+        EXPECT_EQ(boxes, saved + saved + saved + saved) << c.to << o.err;
+    }
+}
+
+TEST(SampleWork, TheSpanIsToldByTwoOfFromToAndMonths) {
+    test::TempDir dir;
+    const int32_t now = FnLngMonthYearOfDate(wallClock());
+    const auto text = [](int32_t month) { return FnStrMonthYearText(month); };
+    const struct {
+        std::vector<std::string> options;
+        std::string span;  // "" refused
+    } cases[] = {
+        {{"--to", "Mar/2026"}, "Apr/2024 Mar/2026"},
+        {{"--to", "Mar/2026", "--months", "3"}, "Jan/2026 Mar/2026"},
+        {{"--from", "Apr/2024", "--months", "3"}, "Apr/2024 Jun/2024"},
+        {{"--from", "Apr/2024", "--to", "May/2024"}, "Apr/2024 May/2024"},
+        {{"--months", "2"}, text(now - 1) + " " + text(now)},
+        {{"--from", text(now)}, text(now) + " " + text(now)},
+        {{}, text(sample::optionsUpTo(now).fromMonth) + " " + text(now)},
+        {{"--from", "Jun/2024", "--to", "May/2024"}, ""},
+        {{"--from", "Apr/2024", "--to", "May/2024", "--months", "2"}, ""},
+        {{"--to", "Foo/2024"}, ""},
+        {{"--from", "Apr/1990", "--to", "May/2024"}, ""},
+    };
+    int n = 0;
+    for (const auto& c : cases) {
+        const std::string db = dir.file(std::to_string(++n) + ".owb");
+        std::vector<std::string> arguments = {"sample", db, "--employees", "1"};
+        arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+        const ctl::Outcome o = ctl::owbctl(arguments);
+        EXPECT_EQ(o.status, c.span.empty() ? 1 : 0) << testing::PrintToString(c.options) << o.err;
+        EXPECT_EQ(std::filesystem::exists(db), !c.span.empty());
+        if (c.span.empty()) continue;
+        const std::string span =
+            ctl::owbctl({"sql", db, "-c",
+                         "SELECT dbo.FnStrMonthName(MIN(MONTHYEAR)) + ' ' + "
+                         "dbo.FnStrMonthName(MAX(MONTHYEAR)) AS s FROM MAS_MONTHYEAR"})
+                .out;
+        EXPECT_EQ(span, "s\n" + c.span + "\n");
+    }
+}
+
+TEST_F(Sample, BranchHolidaysInEveryYearAreAnOption) {
+    for (const bool every : {false, true}) {
+        test::Company company;
+        sample::SampleOptions options;
+        options.employees = 3;
+        options.branchHolidays = every;
+        NoProgress progress;
+        sample::makeSample(company.session.gConn, options, progress);
+        EXPECT_EQ(company.rows("SELECT MIN(HOLIDAYDATE), MAX(HOLIDAYDATE) FROM ATT_HOLIDAY WHERE "
+                               "BRANCHID > 0"),
+                  every ? "2024-05-01,2028-11-01" : "2028-05-01,2028-11-01");
+        EXPECT_EQ(
+            company.rows("SELECT HOLIDAYDATE FROM ATT_HOLIDAY WHERE ATTHEADID = 3 ORDER BY 1"),
+            "2024-09-17 2025-09-17")
+            << "before the open months alone";
+    }
 }
 
 TEST_F(Sample, RowsFitTogether) {
