@@ -8,6 +8,7 @@
 #include "ctl/command.h"
 #include "ctl/database.h"
 #include "ctl/known_keys.h"
+#include "qt/print/pdf_file.h"
 #include "script/script_commands.h"
 #include "script/script_front_end.h"
 #include "session/MemorySettingsStore.h"
@@ -51,6 +52,7 @@ class ScreenCommand final : public Command {
             if (!file) throw CommandError("cannot read \"" + file_ + "\"");
         }
         ScriptFrontEnd frontEnd(file_.empty() ? io.in : file, io.out, io.err);
+        frontEnd.printToPdf = printToPdf;
         MemorySettingsStore settings;
         settings.SaveSetting("Settings", "DBType", "SQL");
         settings.SaveSetting("Settings", "User", user_);

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "base/utf8.h"
+#include "screen/print_pages.h"
 
 namespace owb {
 
@@ -39,6 +40,10 @@ Layout Screen::layout() {
     for (Control* control : controls_)
         if (!dynamic_cast<MenuItem*>(control)) parts.push_back(item(*control));
     return column(std::move(parts));
+}
+
+PrintHeading Screen::printHeading(const Grid&) {
+    return {.title = caption};
 }
 
 Layout tabs(Tabs& control, std::vector<Layout> pages, int stretch) {

@@ -15,6 +15,9 @@
 
 namespace owb {
 
+class Grid;
+struct PrintHeading;
+
 class Screen {
   public:
     Screen(FrontEnd& frontEnd, std::string name, std::string caption);
@@ -38,6 +41,9 @@ class Screen {
     // it from here.
     void setFocus(Control& control) { focus_ = &control; }
     Control* takeFocus() { return std::exchange(focus_, nullptr); }
+
+    // What stands above a grid of the screen on paper.
+    virtual PrintHeading printHeading(const Grid& grid);
 
     // Load, draw, activate, take input, unload; returns when the screen has closed. A load that
     // fails or closes the screen keeps it from being drawn.

@@ -170,6 +170,7 @@ constexpr ScriptCommand kCommands[] = {
     {"freeze", 2, kAny, "GRID COL|0", "keeps the columns up to this one in sight", freezeColumns},
     {"answer", 1, 1, "WORD", "queues Yes, No, Cancel or OK for a question"},
     {"file", 0, kAny, "[PATH]", "queues the answer to a question for a file"},
+    {"print", 2, kAny, "GRID FILE [A4|A3]", "writes a grid into a PDF file as it would be printed"},
     {"close", 0, 0, "", "closes the current screen as a user does"},
     {"show", 1, kAny, "NAME [ROW COL]", "tells the state of a control or cell", nullptr, tellState},
     {"tip", 1, kAny, "NAME [ROW COL]", "tells the tool tip; ROW 0: of a header", nullptr, tellTip},

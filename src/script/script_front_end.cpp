@@ -133,6 +133,8 @@ bool ScriptFrontEnd::ownCommand(Screen& screen, const std::string& line) {
         answers_.push_back(*answer);
     } else if (verb == "file") {
         files_.push_back(rest);
+    } else if (verb == "print") {
+        print(screen, rest);
     } else if (verb == "focus") {
         moveFocus(screen, "");
         const std::string& name = focus_[&screen];
@@ -141,6 +143,24 @@ bool ScriptFrontEnd::ownCommand(Screen& screen, const std::string& line) {
         return false;
     }
     return true;
+}
+
+void ScriptFrontEnd::print(Screen& screen, const std::string& words) {
+    std::string rest = words;
+    const Grid& grid = gridNamed(screen, takeWord(rest));
+    const auto isFile = [](const std::string& text) { return text.ends_with(".pdf"); };
+    std::optional<PaperSize> paper = PaperSize::A4;
+    if (!isFile(rest)) paper = paperNamed(takeLastWord(rest));
+    const std::string& path = rest;
+    if (!isFile(path) || !paper)
+        throw ScriptError{"print wants a file whose name ends in .pdf, and A4 or A3 behind it"};
+    if (!printToPdf) throw ScriptError{"this program does not print"};
+    try {
+        const size_t pages = printToPdf(grid, screen.printHeading(grid), *paper, path);
+        out_ << "print: " << path << '|' << pages << (pages == 1 ? " page" : " pages") << std::endl;
+    } catch (const std::exception& e) {
+        throw ScriptError{e.what()};
+    }
 }
 
 // The focus stands where the user was last, or where the screen has put it since.

@@ -9,11 +9,13 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <istream>
 #include <map>
 #include <ostream>
 #include <string>
 
+#include "screen/print_pages.h"
 #include "screen/screen.h"
 
 namespace owb {
@@ -25,6 +27,11 @@ class ScriptFrontEnd final : public FrontEnd {
         : in_(in), out_(out), errors_(errors) {}
 
     bool failed() const { return failed_; }
+
+    // Writes a PDF file and gives its number of pages; throws std::exception. A program that can
+    // draw sets it; without it "print" is refused.
+    std::function<size_t(const Grid&, const PrintHeading&, PaperSize, const std::string& path)>
+        printToPdf;
 
     BoxAnswer show(const Box& box) override;
     std::string askFile(const FileQuestion& question) override;
@@ -38,6 +45,7 @@ class ScriptFrontEnd final : public FrontEnd {
   private:
     void command(Screen& screen, const std::string& line);
     bool ownCommand(Screen& screen, const std::string& line);
+    void print(Screen& screen, const std::string& words);
     void moveFocus(Screen& screen, const std::string& acted);
     void fail(const std::string& reason);
 

@@ -351,5 +351,40 @@ TEST(Script, NamesWhatThereIsInsteadOfWhatIsNot) {
     EXPECT_EQ(printed<Popup>("key txtName Esc\nbut it has closed"), "");
 }
 
+TEST(Script, PrintsAGridWhereTheProgramCan) {
+    class Lists final : public Screen {
+      public:
+        explicit Lists(FrontEnd& frontEnd) : Screen(frontEnd, "Lists", "Lists") {}
+        Grid fpgList{*this, "fpgList", {{.caption = "Name"}}};
+    };
+    struct Case {
+        const char *line, *out, *errors;
+    };
+    for (const Case& c : {Case{"print fpgList a b.pdf", "print: a b.pdf|2 pages\n", ""},
+                          {"print fpgList a.pdf a3", "print: a.pdf|1 page\n", ""},
+                          {"print fpgList a.pdf B5", "",
+                           "error: line 1: print wants a file whose name ends in .pdf, and A4 or "
+                           "A3 behind it\n"},
+                          {"print fpgList a3", "",
+                           "error: line 1: print wants a file whose name ends in .pdf, and A4 or "
+                           "A3 behind it\n"},
+                          {"print fpgList full.pdf", "", "error: line 1: no room\n"}}) {
+        std::istringstream in(c.line);
+        std::ostringstream out, errors;
+        ScriptFrontEnd frontEnd(in, out, errors);
+        frontEnd.printToPdf = [](const Grid&, const PrintHeading& heading, PaperSize paper,
+                                 const std::string& path) -> size_t {
+            EXPECT_EQ(heading.title, "Lists");
+            if (path == "full.pdf") throw std::runtime_error("no room");
+            return paper == PaperSize::A3 ? 1 : 2;
+        };
+        Lists(frontEnd).showModal();
+        EXPECT_EQ(out.str(), std::string("open: Lists|Lists\n") + c.out + "close: Lists\n");
+        EXPECT_EQ(errors.str(), c.errors) << c.line;
+    }
+    EXPECT_EQ(drive<Lists>("print fpgList a.pdf").errors,
+              "error: line 1: this program does not print\n");
+}
+
 }  // namespace
 }  // namespace owb

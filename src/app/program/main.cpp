@@ -13,6 +13,7 @@
 #include "app/SettingsShellTalk.h"
 #include "app/frmMain.h"
 #include "qt/program_desktop.h"
+#include "qt/print/pdf_file.h"
 #include "qt/qt_front_end.h"
 #include "qt/screen_window.h"
 #include "script/script_front_end.h"
@@ -98,6 +99,7 @@ int runOnDesktop(SettingsStore& settings, const std::string& commandLine, int ar
 
 int runScript(SettingsStore& settings, const std::string& commandLine) {
     ScriptFrontEnd frontEnd(std::cin, std::cout, std::cerr);
+    frontEnd.printToPdf = printToPdf;
     const int status = runProgram(settings, frontEnd, commandLine);
     return frontEnd.failed() ? 1 : status;
 }

@@ -2,6 +2,7 @@
 
 #include "base/utf8.h"
 #include "family/modCommon.h"
+#include "session/lenient_queries.h"
 #include "session/modRights.h"
 #include "session/queries.h"
 
@@ -88,6 +89,16 @@ bool SessionScreen::mayClose() {
 
 bool SessionScreen::mayWrite(const Control& control) {
     return writable_ && !FnBlnCommandDenied(session_, control.tag);
+}
+
+PrintHeading SessionScreen::printHeading(const Grid&) {
+    std::string title;
+    for (const std::string& part : {session_.gAttHeadId > 0 ? session_.gAtt.ATTHEADNAME : "",
+                                    FnStrMonthYearText(session_.gMonthYear), trim(caption)})
+        if (!part.empty()) title += (title.empty() ? "" : " - ") + part;
+    return {.company = FnVarGetValue(session_, "SELECT CMPNAME FROM MAS_COMPANY").toText(),
+            .title = title,
+            .printed = session_.gUser + ", " + dateText(session_.now(), "dd/MMM/yyyy HH:mm")};
 }
 
 bool SessionScreen::refused(const std::optional<Refusal>& refusal) {

@@ -9,6 +9,7 @@
 #include "screen/control_array.h"
 #include "screen/grid.h"
 #include "screen/lists.h"
+#include "screen/print_pages.h"
 #include "screen/screen.h"
 #include "screen/text_box.h"
 #include "session/Session.h"
@@ -37,6 +38,8 @@ class SessionScreen : public Screen {
     DateTime entryDay() const override { return {session_.now().day, 0}; }
     // Asks before what the user has typed is dropped.
     bool mayClose() override;
+    // With company, head, month, user and time.
+    PrintHeading printHeading(const Grid& grid) override;
 
     Session& session() { return session_; }
     using Screen::frontEnd;

@@ -1,0 +1,97 @@
+#include "qt/print_preview.h"
+
+#include <QActionGroup>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
+#include <QPrinter>
+#include <QToolBar>
+#include <stdexcept>
+
+#include "qt/print/grid_painter.h"
+#include "qt/print/pdf_file.h"
+#include "qt/qt_text.h"
+
+namespace owb {
+
+namespace {
+
+constexpr double kPointsPerInch = 72;
+
+// On whatever paper the user has set up.
+void paintPages(QPrinter& printer, const Grid& grid, const PrintHeading& heading) {
+    const QRectF room = printer.pageLayout().paintRect(QPageLayout::Point);
+    const GridPainter pages(grid, heading, {room.width(), room.height()});
+    QPainter painter(&printer);
+    painter.scale(printer.resolution() / kPointsPerInch, printer.resolution() / kPointsPerInch);
+    for (size_t page = 0; page < pages.pageCount(); ++page) {
+        if (page > 0) printer.newPage();
+        pages.paint(painter, page);
+    }
+}
+
+class Preview final {
+  public:
+    Preview(QWidget& above, const Grid& grid, const PrintHeading& heading)
+        : grid_(grid), heading_(heading), printer_(QPrinter::HighResolution) {
+        printer_.setPageLayout(pageLayout(paper_));
+        printer_.setDocName(toQt(heading.title));
+        dialog_ = std::make_unique<QPrintPreviewDialog>(&printer_, &above);
+        dialog_->setWindowTitle("Print");
+        dialog_->setObjectName("printPreview");
+        QObject::connect(dialog_.get(), &QPrintPreviewDialog::paintRequested, dialog_.get(),
+                         [this](QPrinter* printer) { paintPages(*printer, grid_, heading_); });
+        auto* bar = dialog_->findChild<QToolBar*>();
+        bar->addSeparator();
+        auto* papers = new QActionGroup(dialog_.get());
+        addPaper(*bar, *papers, "A4", PaperSize::A4);
+        addPaper(*bar, *papers, "A3", PaperSize::A3);
+        bar->addSeparator();
+        bar->addAction("Save as PDF", [this] { savePdf(); });
+    }
+
+    void show() { dialog_->exec(); }
+
+  private:
+    void addPaper(QToolBar& bar, QActionGroup& papers, const char* caption, PaperSize size) {
+        QAction* action = bar.addAction(caption, [this, size] {
+            paper_ = size;
+            printer_.setPageLayout(pageLayout(size));
+            dialog_->findChild<QPrintPreviewWidget*>()->updatePreview();
+        });
+        action->setCheckable(true);
+        action->setChecked(size == paper_);
+        papers.addAction(action);
+    }
+
+    void savePdf() {
+        const QString path = QFileDialog::getSaveFileName(
+            dialog_.get(), "Save as PDF", toQt(heading_.title) + ".pdf", "PDF files (*.pdf)");
+        if (path.isEmpty()) return;
+        try {
+            printToPdf(grid_, heading_, paper_, fromQt(path));
+        } catch (const std::runtime_error& e) {
+            QMessageBox::critical(dialog_.get(), "Print", e.what());
+        }
+    }
+
+    const Grid& grid_;
+    const PrintHeading& heading_;
+    PaperSize paper_ = PaperSize::A4;
+    QPrinter printer_;
+    std::unique_ptr<QPrintPreviewDialog> dialog_;
+};
+
+}  // namespace
+
+void previewPrint(QWidget& above, const Grid& grid, const PrintHeading& heading) {
+    if (grid.visibleRowCount() == 0) {
+        QMessageBox::information(&above, "Print", "There is nothing to print.");
+        return;
+    }
+    Preview(above, grid, heading).show();
+}
+
+}  // namespace owb

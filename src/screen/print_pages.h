@@ -1,0 +1,98 @@
+// A grid on paper: what stands above it, how wide its columns are, how much smaller than life it is
+// printed, and which columns and rows fall on which page. Nothing here paints.
+//
+// Lengths are points (1/72 inch), measured from the upper left corner of what can be printed on.
+// The table is printed at `scale`, what stands above and below it at full size. A table that would
+// become too small to read is cut into strips of columns, which lie on pages of their own; the
+// header, and the columns that stay in sight on the screen, stand on each of them.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "screen/grid.h"
+
+namespace owb {
+
+struct LegendText {
+    Color color = kDefaultColor;
+    std::string text;
+};
+
+// What is told above the table, on every page; what is empty takes no room.
+struct PrintHeading {
+    std::string company;
+    std::string title;                 // "Plant - Mar/2026 - Attendance Detail"
+    std::string printed;               // by whom and when: "ADMIN, 05/Mar/2026 14:02"
+    std::vector<std::string> filters;  // "Department: Stores"
+    std::vector<LegendText> legend;
+};
+
+enum class PaperSize { A4, A3 };
+// In any letter case; nothing when there is no such paper.
+std::optional<PaperSize> paperNamed(const std::string& name);
+
+// What can be printed on.
+struct PrintPaper {
+    double width = 0, height = 0;
+};
+constexpr double kPrintMargin = 28;  // on each side of the paper
+PrintPaper landscape(PaperSize size);
+
+// Of the font that is printed with.
+struct PrintFont {
+    double line = 0;  // from one line to the next
+    std::function<double(const std::string&)> width;
+};
+
+struct PrintedText {
+    enum Kind {
+        Plain,
+        Bold,
+        Chip
+    } kind = Plain;  // Chip: a square of `color` with a text behind it
+    double left = 0, top = 0, width = 0;
+    std::string text;
+    bool atRight = false;  // ends at the right edge of its width
+    Color color = kDefaultColor;
+};
+
+struct PrintedColumn {
+    size_t column;
+    double left, width;  // before scaling
+};
+
+struct PrintedPage {
+    std::vector<PrintedColumn> columns;
+    size_t frozen = 0;  // of them, at the left, are repeated on the pages beside it
+    std::vector<size_t> rows;
+};
+
+struct PrintPages {
+    std::vector<PrintedText> head;
+    double headHeight = 0;
+    double scale = 1;
+    double headerHeight = 0, rowHeight = 0;  // of the table, before scaling
+    std::vector<PrintedPage> pages;          // none when no row or no column is in sight
+};
+
+// Strips that lie beside each other follow each other, then come the next rows.
+PrintPages layPages(const Grid& grid, const PrintHeading& heading, const PrintPaper& paper,
+                    const PrintFont& font);
+
+// The header of a column, wrapped between words so that it fits into a width.
+std::vector<std::string> headerLines(const GridColumn& column, double width, const PrintFont& font);
+// The text of a cell as it is printed.
+std::string printedText(const Grid& grid, size_t row, size_t c);
+// Whether no entry is taken there although its column takes some: such a cell is hatched.
+bool printedLocked(const Grid& grid, size_t row, size_t c);
+// How far the text of a chip stands from its left edge; the chip is a line high and wide.
+double chipRoom(const PrintFont& font);
+// "Page 1 of 7", below the table.
+std::string pageNumber(size_t page, size_t pages);
+
+constexpr double kPrintPadding = 3;  // of a text in its cell, left and right
+
+}  // namespace owb
