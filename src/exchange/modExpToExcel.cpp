@@ -5,6 +5,7 @@
 #include "base/number_text.h"
 #include "exchange/clsEXLFunc.h"
 #include "screen/front_end.h"
+#include "screen/print_pages.h"
 #include "session/Session.h"
 #include "session/lenient_queries.h"
 
@@ -24,6 +25,13 @@ std::string askFile(Session& session, FrontEnd& frontEnd, FileQuestion question)
         session.settings.SaveSetting(kSection, kFolder,
                                      std::filesystem::absolute(path).parent_path().string());
     return path;
+}
+
+SheetColumn sheetColumn(const GridColumn& column) {
+    return {column.type == CellType::Number ? SheetColumn::Number
+            : column.type == CellType::Date ? SheetColumn::Date
+                                            : SheetColumn::Text,
+            column.decimals};
 }
 
 void ShowExportProgress(Progress& progress, size_t done, size_t all) {
@@ -47,17 +55,18 @@ bool ExportGridToExcel(Session& session, FrontEnd& frontEnd, const Grid& grid,
         if (column.hidden) continue;
         columns.push_back(c);
         if (showHeader) table.header.push_back(column.caption);
-        table.columns.push_back(
-            {column.type == CellType::Number ? SheetColumn::Number : SheetColumn::Text,
-             column.decimals});
+        table.columns.push_back(sheetColumn(column));
+        if (c < grid.frozenColumns) ++table.frozenColumns;
     }
     for (size_t r = rowsToSkip; r < grid.rowCount(); ++r) {
         if (grid.rowHidden(r)) continue;
         std::vector<std::string> cells;
-        for (const size_t c : columns)
-            cells.push_back(grid.cellType(r, c) == CellType::Check
-                                ? (grid.checked(r, c) ? "Yes" : "No")
-                                : grid.cell(r, c));
+        for (const size_t c : columns) {
+            const SheetLook look{paperColor(grid.backColor(r, c)),
+                                 paperColor(grid.foreColor(r, c))};
+            if (look != SheetLook{}) table.looks[{table.rows.size(), cells.size()}] = look;
+            cells.push_back(printedText(grid, r, c));
+        }
         table.rows.push_back(std::move(cells));
         if (table.rows.size() % 200 == 0) {
             ShowExportProgress(progress, r, grid.rowCount());

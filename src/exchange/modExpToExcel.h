@@ -1,5 +1,6 @@
 // A grid as a spreadsheet file in the one layout of the family: company and address, title, header,
-// the visible columns. The user says where it goes; it then opens in the desktop's own program.
+// the visible columns with the colours of their cells; header and frozen columns stay in sight. The
+// user says where it goes; it then opens in the desktop's own program.
 #pragma once
 
 #include <string>

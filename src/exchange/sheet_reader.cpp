@@ -19,8 +19,6 @@ namespace {
 
 namespace os = orcus::spreadsheet;
 
-constexpr int32_t kDayOfZero = -2;  // 1899-12-30, from which sheets count, in our day numbers
-
 void put(std::vector<SheetRow>& rows, size_t row, size_t column, SheetCell cell) {
     if (rows.size() <= row) rows.resize(row + 1);
     if (rows[row].size() <= column) rows[row].resize(column + 1);
@@ -120,7 +118,8 @@ class Sheet final : public os::iface::import_sheet {
     }
     void set_date_time(os::row_t row, os::col_t column, int year, int month, int day, int, int,
                        double) override {
-        set(row, column, static_cast<double>(DateTime::dayNumber(year, month, day) - kDayOfZero));
+        set(row, column,
+            static_cast<double>(DateTime::dayNumber(year, month, day) - kSheetDayZero));
     }
     void set_format(os::row_t, os::col_t, size_t) override {}
     void set_format(os::row_t, os::col_t, os::row_t, os::col_t, size_t) override {}
@@ -203,7 +202,7 @@ class XlsFile {
         const std::string text = value.value.text_value;
         if (value.type != FREEXL_CELL_DATE && value.type != FREEXL_CELL_DATETIME) return text;
         const auto date = parseDate(text);
-        return date ? SheetCell(static_cast<double>(date->day - kDayOfZero)) : SheetCell(text);
+        return date ? SheetCell(static_cast<double>(date->day - kSheetDayZero)) : SheetCell(text);
     }
 
     const void* handle_ = nullptr;
@@ -246,8 +245,8 @@ std::string sheetText(const SheetCell& cell) {
 std::string sheetDateText(const SheetCell& cell) {
     const auto* number = std::get_if<double>(&cell);
     if (!number) return sheetText(cell);
-    if (*number < 1 || *number > DateTime::kMaxDay - kDayOfZero) return numberText(*number);
-    return dateText({static_cast<int32_t>(*number) + kDayOfZero, 0}, "dd/mm/yyyy");
+    if (*number < 1 || *number > DateTime::kMaxDay - kSheetDayZero) return numberText(*number);
+    return dateText({static_cast<int32_t>(*number) + kSheetDayZero, 0}, "dd/mm/yyyy");
 }
 
 }  // namespace owb

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "base/date_time.h"
 #include "base/number_text.h"
 #include "base/utf8.h"
 #include "exchange/numeric_locale.h"
@@ -46,12 +47,14 @@ class Writer {
             ++row_;
         }
         if (!table_.header.empty()) writeHeader();
-        std::vector<lxw_format*> formats;
-        for (const SheetColumn& column : table_.columns) formats.push_back(cellFormat(column));
-        for (const std::vector<std::string>& cells : table_.rows) {
-            for (size_t c = 0; c < width(); ++c) writeCell(c, cells[c], formats[c]);
+        worksheet_freeze_panes(sheet_, table_.header.empty() ? 0 : row_,
+                               static_cast<lxw_col_t>(table_.frozenColumns));
+        for (size_t r = 0; r < table_.rows.size(); ++r) {
+            for (size_t c = 0; c < width(); ++c)
+                writeCell(c, table_.rows[r][c], cellFormat(c, lookOf(r, c)));
             ++row_;
         }
+        writeLegend();
         fitColumns();
         if (const lxw_error error = workbook_close(book_); error != LXW_NO_ERROR)
             throw std::runtime_error(lxw_strerror(error));
@@ -68,14 +71,44 @@ class Writer {
         return f;
     }
 
-    lxw_format* cellFormat(const SheetColumn& column) {
-        lxw_format* const f = format();
+    SheetLook lookOf(size_t row, size_t c) const {
+        const auto found = table_.looks.find({row, c});
+        return found == table_.looks.end() ? SheetLook{} : found->second;
+    }
+
+    // Cells that look alike share a format: a file may hold few of them.
+    lxw_format* cellFormat(size_t c, const SheetLook& look) {
+        const char* const numbers = numberFormat(table_.columns[c]);
+        lxw_format*& f = formats_[{numbers, look}];
+        if (f != nullptr) return f;
+        f = format();
         format_set_border(f, LXW_BORDER_THIN);
-        if (column.kind == SheetColumn::Text)
-            format_set_num_format(f, "@");
-        else
-            format_set_num_format(f, column.decimals > 0 ? "0.00" : "0");
+        format_set_num_format(f, numbers);
+        if (look.back) format_set_bg_color(f, colorOf(*look.back));
+        if (look.fore) format_set_font_color(f, colorOf(*look.fore));
         return f;
+    }
+
+    static const char* numberFormat(const SheetColumn& column) {
+        if (column.kind == SheetColumn::Text) return "@";
+        if (column.kind == SheetColumn::Date) return "dd/mm/yyyy";
+        return column.decimals > 0 ? "0.00" : "0";
+    }
+
+    // Its library takes 0 for no colour.
+    static lxw_color_t colorOf(SheetColor color) {
+        return color == 0 ? lxw_color_t{LXW_COLOR_BLACK} : color;
+    }
+
+    void writeLegend() {
+        if (table_.legend.empty()) return;
+        ++row_;
+        for (const SheetLegend& entry : table_.legend) {
+            lxw_format* const f = format();
+            format_set_border(f, LXW_BORDER_THIN);
+            format_set_bg_color(f, colorOf(entry.color));
+            worksheet_write_string(sheet_, row_++, 0, entry.text.c_str(), f);
+        }
     }
 
     void writeHeader() {
@@ -85,7 +118,7 @@ class Writer {
         for (size_t c = 0; c < width(); ++c)
             worksheet_write_string(sheet_, row_, static_cast<lxw_col_t>(c),
                                    table_.header[c].c_str(), f);
-        worksheet_freeze_panes(sheet_, ++row_, 0);
+        ++row_;
     }
 
     // A text is always a string cell: what begins with "=" is never a formula.
@@ -97,9 +130,16 @@ class Writer {
             std::string plain = text;
             std::erase(plain, ',');
             worksheet_write_number(sheet_, row_, column, textToNumber(plain), f);
+        } else if (const auto date = dateIn(c, text)) {
+            worksheet_write_number(sheet_, row_, column, date->day - kSheetDayZero, f);
         } else {
             worksheet_write_string(sheet_, row_, column, text.c_str(), f);
         }
+    }
+
+    std::optional<DateTime> dateIn(size_t c, const std::string& text) const {
+        if (table_.columns[c].kind != SheetColumn::Date) return std::nullopt;
+        return parseTypedDate(text);
     }
 
     static bool isNumber(const std::string& text) {
@@ -128,6 +168,7 @@ class Writer {
     lxw_workbook* book_;
     lxw_worksheet* sheet_;
     lxw_row_t row_ = 0;
+    std::map<std::pair<std::string, SheetLook>, lxw_format*> formats_;
 };
 
 }  // namespace

@@ -233,6 +233,19 @@ bool printedLocked(const Grid& grid, size_t row, size_t c) {
            (grid.locked(row, c) && !grid.column(c).locked);
 }
 
+std::optional<uint32_t> paperColor(Color color) {
+    switch (color) {
+        case kDefaultColor:
+            return std::nullopt;
+        case kButtonFaceColor:
+            return 0xF0F0F0;
+        case kToolTipColor:
+            return 0xFFFFE1;
+        default:
+            return (color & 0xFF) << 16 | (color & 0xFF00) | (color >> 16 & 0xFF);
+    }
+}
+
 double chipRoom(const PrintFont& font) {
     return font.line + kPrintPadding;
 }

@@ -88,6 +88,9 @@ std::vector<std::string> headerLines(const GridColumn& column, double width, con
 std::string printedText(const Grid& grid, size_t row, size_t c);
 // Whether no entry is taken there although its column takes some: such a cell is hatched.
 bool printedLocked(const Grid& grid, size_t row, size_t c);
+// A cell's colour on white paper, as red-green-blue: the desktop's own are those of a light one;
+// nothing for the paper's own.
+std::optional<uint32_t> paperColor(Color color);
 // How far the text of a chip stands from its left edge; the chip is a line high and wide.
 double chipRoom(const PrintFont& font);
 // "Page 1 of 7", below the table.

@@ -7,7 +7,12 @@
 #include <fstream>
 
 #include "exchange/clsEXLFunc.h"
+#include "exchange/modExpToExcel.h"
+#include "screen/screen.h"
+#include "support/company.h"
+#include "support/screens.h"
 #include "support/temp_dir.h"
+#include "support/xlsx_parts.h"
 
 namespace owb {
 namespace {
@@ -40,6 +45,53 @@ TEST(SheetFile, ComesBackAsItWasWritten) {
                                         "|+91 \"₹\" @x -y|", "26/01/2025|Republic\nDay|n/a|"}))
         << "texts stay texts, whatever they begin with";
     EXPECT_FALSE(std::filesystem::exists(path + ".part"));
+}
+
+// What a spreadsheet program would show of a cell: type, value, number format, colours.
+TEST(SheetFile, OfAGridKeepsColoursDatesNumbersAndWhatStaysInSight) {
+    test::Company company;
+    test::TestFrontEnd frontEnd(company.boxes);
+    Screen screen(frontEnd, "modDayToDay", "Attendance Detail");
+    Grid grid(screen, "fpgDayToDay",
+              {{.caption = "Id", .hidden = true},
+               {.caption = "Name"},
+               {.caption = "Pay Days", .type = CellType::Number, .decimals = 1},
+               {.caption = "From", .type = CellType::Date},
+               {.caption = "05/Mar/2026"},
+               {.caption = "Select", .type = CellType::Check}});
+    grid.frozenColumns = 2;
+    grid.addRow({"1", "Asha", "31.0", "01/03/2026", "CL", "1"});
+    grid.addRow({"2", "Ravi", "", "later", "", "0"});
+    grid.setBackColor(0, 4, 0x80C0FF);
+    grid.setForeColor(0, 4, 0xFF0000);
+    grid.setBackColor(1, 4, kButtonFaceColor);
+    const std::string path = company.folder.file("month.xlsx");
+    frontEnd.file = path;
+    NoProgress progress;
+    ASSERT_TRUE(ExportGridToExcel(company.session, frontEnd, grid, "Month", progress));
+
+    const test::XlsxParts parts(path);
+    EXPECT_EQ(parts.cell("A5"), "text Asha @");
+    EXPECT_EQ(parts.cell("B5"), "number 31 0.00");
+    EXPECT_EQ(parts.cell("C5"), "number 46082 dd/mm/yyyy");
+    EXPECT_EQ(parts.cell("C6"), "text later dd/mm/yyyy") << "nothing is lost";
+    EXPECT_EQ(parts.cell("D5"), "text CL @ back FFFFC080 fore FF0000FF");
+    EXPECT_EQ(parts.cell("D6"), "empty @ back FFF0F0F0");
+    EXPECT_EQ(parts.cell("E5"), "text Yes @");
+    EXPECT_EQ(parts.frozen(), "1 column 4 rows");
+    EXPECT_EQ(sheetDateText(readSheet(path)[4][2]), "01/03/2026") << "and it can be read back";
+}
+
+TEST(SheetFile, TellsTheLegendBelowTheTable) {
+    test::TempDir folder;
+    SheetTable legended = table();
+    legended.legend = {{0xFFC080, "Full Day WH"}, {0, "Black"}};
+    writeSheet(folder.file("list.xlsx"), legended);
+    const test::XlsxParts parts(folder.file("list.xlsx"));
+    EXPECT_EQ(parts.cell("A8"), "none");
+    EXPECT_EQ(parts.cell("A9"), "text Full Day WH General back FFFFC080");
+    EXPECT_EQ(parts.cell("A10"), "text Black General back FF000000");
+    EXPECT_EQ(parts.frozen(), "0 columns 4 rows");
 }
 
 TEST(SheetFile, ThatCannotBeWrittenLeavesNothing) {

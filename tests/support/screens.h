@@ -16,6 +16,7 @@ class TestFrontEnd final : public FrontEnd {
     explicit TestFrontEnd(RecordedBoxes& boxes) : boxes_(boxes) {}
 
     BoxAnswer show(const Box& box) override { return boxes_.show(box); }
+    std::string askFile(const FileQuestion&) override { return file; }
     void opened(Screen& screen) override { events.push_back("open " + screen.name()); }
     void run(Screen& screen) override {
         if (atInput) atInput(screen);
@@ -30,6 +31,7 @@ class TestFrontEnd final : public FrontEnd {
     }
 
     std::vector<std::string> events;
+    std::string file;  // what is answered to a question for one
     std::function<void(Screen&)> atInput, atRefresh;
 
   private:

@@ -15,18 +15,9 @@ QString toQt(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-// Screens know light desktops' colours by number.
 QColor onPaper(Color color, const QColor& otherwise) {
-    switch (color) {
-        case kDefaultColor:
-            return otherwise;
-        case kButtonFaceColor:
-            return {0xF0, 0xF0, 0xF0};
-        case kToolTipColor:
-            return {0xFF, 0xFF, 0xE1};
-        default:
-            return QColor(color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF);
-    }
+    const auto rgb = paperColor(color);
+    return rgb ? QColor(QRgb(*rgb)) : otherwise;
 }
 
 // Fonts have whole pixels: texts are measured and drawn at this size and scaled from there.
