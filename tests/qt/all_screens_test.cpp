@@ -3,7 +3,6 @@
 // with OWB_DARK set, on a dark palette.
 #include <gtest/gtest.h>
 
-#include <QPalette>
 #include <QScreen>
 #include <filesystem>
 #include <fstream>
@@ -16,6 +15,7 @@
 #include "leave/screens/frmConfiguring.h"
 #include "leave/screens/frmLeaveRecalc.h"
 #include "leave/screens/modLeaveProcess.h"
+#include "qt/contrast.h"
 #include "qt/desk.h"
 #include "qt/qt_text.h"
 #include "sample/sample.h"
@@ -31,13 +31,6 @@
 
 namespace owb::test {
 namespace {
-
-QPalette darkPalette() {
-    QPalette dark(QColor(53, 53, 53), QColor(42, 42, 42));
-    dark.setColor(QPalette::Base, QColor(36, 36, 36));
-    dark.setColor(QPalette::Highlight, QColor(61, 125, 200));
-    return dark;
-}
 
 // Takes a picture of each screen that opens; a screen that waits for input gets the next deed.
 class Photographer {
