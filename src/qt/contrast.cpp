@@ -15,14 +15,14 @@ double luminance(const QColor& color) {
            0.0722 * linear(color.blueF());
 }
 
+}  // namespace
+
 QColor mixed(const QColor& from, const QColor& to, double share) {
     const auto part = [share](double a, double b) { return a + (b - a) * share; };
     return QColor::fromRgbF(static_cast<float>(part(from.redF(), to.redF())),
                             static_cast<float>(part(from.greenF(), to.greenF())),
                             static_cast<float>(part(from.blueF(), to.blueF())));
 }
-
-}  // namespace
 
 double contrast(const QColor& one, const QColor& other) {
     const double a = luminance(one), b = luminance(other);
@@ -38,7 +38,8 @@ QColor standingOut(const QColor& ink, std::initializer_list<QColor> grounds, dou
     const QColor end = worst(Qt::black) > worst(Qt::white) ? Qt::black : Qt::white;
     constexpr int kSteps = 20;
     for (int step = 0; step < kSteps; ++step) {
-        const QColor color = mixed(ink, end, static_cast<double>(step) / kSteps);
+        // As it will be drawn, in bytes.
+        const QColor color(mixed(ink, end, static_cast<double>(step) / kSteps).rgb());
         if (worst(color) >= least) return color;
     }
     return end;

@@ -10,6 +10,8 @@ namespace owb {
 constexpr double kTextContrast = 4.5, kMarkContrast = 3;
 
 double contrast(const QColor& one, const QColor& other);
+// The share of `to`, 0 to 1, in the mixture.
+QColor mixed(const QColor& from, const QColor& to, double share);
 // The colour, moved towards black or white until it stands out so much from each of the grounds.
 QColor standingOut(const QColor& ink, std::initializer_list<QColor> grounds, double least);
 

@@ -49,26 +49,24 @@ void GridChips::addLegend() {
     for (const LegendEntry& entry : grid_.legend) {
         const CellColors colors = cellColors(entry.color, kDefaultColor, palette());
         QToolButton* button = chip(toQt(entry.caption), "legendChip");
-        button->setStyleSheet(QString("QToolButton { background: %1; color: %2; border: 1px solid "
-                                      "%3; padding: 2px 6px; }")
-                                  .arg(colors.back.name(), colors.fore.name(),
-                                       lineColor(palette()).name()));
+        button->setStyleSheet(
+            QString("QToolButton { background: %1; color: %2; border: 1px solid "
+                    "%3; padding: 2px 6px; }")
+                .arg(colors.back.name(), colors.fore.name(), lineColor(palette()).name()));
         button->setToolTip("To the next such cell");
-        connect(button, &QToolButton::clicked, this, [this, color = entry.color] {
-            act_([&] { grid_.cursor.nextOfColor(color); });
-        });
+        connect(button, &QToolButton::clicked, this,
+                [this, color = entry.color] { act_([&] { grid_.cursor.nextOfColor(color); }); });
         line_->addWidget(button);
     }
 }
 
 void GridChips::addFilters() {
     for (const auto& [column, texts] : grid_.sight.filters()) {
-        const std::string what = texts.size() == 1 ? *texts.begin()
-                                                   : std::to_string(texts.size()) + " texts";
-        QToolButton* button =
-            chip(toQt(grid_.column(column).caption + ": " + (what.empty() ? "(empty)" : what) +
-                      "  \u00d7"),
-                 "filterChip");
+        const std::string what =
+            texts.size() == 1 ? *texts.begin() : std::to_string(texts.size()) + " texts";
+        QToolButton* button = chip(toQt(grid_.column(column).caption + ": " +
+                                        (what.empty() ? "(empty)" : what) + "  \u00d7"),
+                                   "filterChip");
         button->setToolTip("Takes this filter away");
         connect(button, &QToolButton::clicked, this,
                 [this, c = column] { act_([&] { grid_.sight.clearFilter(c); }); });
@@ -117,9 +115,8 @@ GridFindBar::GridFindBar(Grid& grid, GridDeed act, std::function<void()> done)
     line->addWidget(text_);
     line->addWidget(count_);
     line->addStretch(1);
-    connect(text_, &QLineEdit::textEdited, this, [this](const QString& text) {
-        act_([&] { grid_.find.setText(fromQt(text)); });
-    });
+    connect(text_, &QLineEdit::textEdited, this,
+            [this](const QString& text) { act_([&] { grid_.find.setText(fromQt(text)); }); });
     hide();
 }
 

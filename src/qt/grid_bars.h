@@ -1,5 +1,5 @@
-// The bars above and below the table of a grid: legend, filters, find, totals. Each shows itself only
-// while it has something to show.
+// The bars above and below the table of a grid: legend, filters, find, totals. Each shows itself
+// only while it has something to show.
 #pragma once
 
 #include <QWidget>

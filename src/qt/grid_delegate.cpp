@@ -12,18 +12,16 @@ namespace owb {
 namespace {
 
 constexpr double kSelectionShare = 0.30, kRowShare = 0.07, kHitShare = 0.5;
-constexpr double kVisible = 3.0, kReadable = 4.5;
 constexpr int kBoxSide = 13;
 const QColor kHitColor(255, 214, 0);
 
 }  // namespace
 
-GridDelegate::Standing GridDelegate::standing(const QModelIndex& index, size_t r,
-                                              size_t c) const {
+GridDelegate::Standing GridDelegate::standing(const QModelIndex& index, size_t r, size_t c) const {
     const auto block = grid_.cursor.block();
-    const bool chosen = block && (block->several() || grid_.singleRows) &&
-                        block->holds(static_cast<size_t>(index.row()),
-                                     static_cast<size_t>(index.column()));
+    const bool chosen =
+        block && (block->several() || grid_.singleRows) &&
+        block->holds(static_cast<size_t>(index.row()), static_cast<size_t>(index.column()));
     if (grid_.find.isOpen() && grid_.find.isHit(r, c)) return chosen ? ChosenHit : Hit;
     if (chosen) return Chosen;
     return static_cast<int>(r) == grid_.currentRow() ? CurrentRow : Plain;
@@ -42,11 +40,12 @@ const CellColors& GridDelegate::colors(Color back, Color fore, Standing standing
     CellColors& colors = at->second;
     colors = cellColors(back, fore, palette);
     const QColor highlight = palette.color(QPalette::Highlight);
-    if (standing == Hit || standing == ChosenHit) colors.back = mixed(colors.back, kHitColor, kHitShare);
+    if (standing == Hit || standing == ChosenHit)
+        colors.back = mixed(colors.back, kHitColor, kHitShare);
     if (standing == Chosen || standing == ChosenHit)
         colors.back = mixed(colors.back, highlight, kSelectionShare);
     if (standing == CurrentRow) colors.back = mixed(colors.back, highlight, kRowShare);
-    colors.fore = standingOff(colors.fore, colors.back, kReadable);
+    colors.fore = standingOut(colors.fore, {colors.back}, kTextContrast);
     return colors;
 }
 
@@ -54,9 +53,9 @@ void GridDelegate::paintGround(QPainter& painter, const QStyleOptionViewItem& op
                                size_t c, const QColor& back) const {
     painter.fillRect(option.rect, back);
     if (grid_.backColor(r, c) == kButtonFaceColor)
-        painter.fillRect(option.rect,
-                         QBrush(mixed(back, option.palette.color(QPalette::Text), 0.28),
-                                Qt::BDiagPattern));
+        painter.fillRect(
+            option.rect,
+            QBrush(mixed(back, option.palette.color(QPalette::Text), 0.28), Qt::BDiagPattern));
     painter.setPen(line_);
     painter.drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
     painter.drawLine(option.rect.topRight(), option.rect.bottomRight());
@@ -66,15 +65,15 @@ void GridDelegate::paintCheck(QPainter& painter, const QStyleOptionViewItem& opt
                               size_t c, const QColor& back) const {
     QRect box(0, 0, kBoxSide, kBoxSide);
     box.moveCenter(option.rect.center());
-    const QColor ink = standingOff(option.palette.color(QPalette::Text), back, kVisible);
+    const QColor ink = standingOut(option.palette.color(QPalette::Text), {back}, kMarkContrast);
     painter.setPen(grid_.locked(r, c) ? mixed(back, ink, 0.6) : ink);
     painter.drawRect(box);
     if (!grid_.checked(r, c)) return;
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(ink, 2));
     const QPoint corner = box.topLeft();
-    painter.drawPolyline(QPolygon({corner + QPoint(3, 6), corner + QPoint(6, 9),
-                                   corner + QPoint(10, 3)}));
+    painter.drawPolyline(
+        QPolygon({corner + QPoint(3, 6), corner + QPoint(6, 9), corner + QPoint(10, 3)}));
     painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
@@ -98,26 +97,27 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         }
         painter->setPen(colors.fore);
         const QRect room = option.rect.adjusted(kPadding, 0, -kPadding, 0);
-        painter->drawText(
-            room, static_cast<int>(alignmentOf(grid_.column(c), type)) | Qt::TextSingleLine,
-            painter->fontMetrics().elidedText(shownText(grid_, r, c), Qt::ElideRight,
-                                              room.width()));
+        painter->drawText(room,
+                          static_cast<int>(alignmentOf(grid_.column(c), type)) | Qt::TextSingleLine,
+                          painter->fontMetrics().elidedText(shownText(grid_, r, c), Qt::ElideRight,
+                                                            room.width()));
         if (bold) painter->setFont(option.font);
     }
     if (!current || static_cast<int>(c) != grid_.currentColumn() || grid_.singleRows) return;
     // The current cell, thicker while the keys come here; of a list the table marks the whole row.
     const QWidget* table = option.widget;
-    const bool focused = table->hasFocus() || (table->focusProxy() && table->focusProxy()->hasFocus());
-    painter->setPen(QPen(
-        standingOff(option.palette.color(QPalette::Highlight), colors.back, kVisible),
-        focused ? 2 : 1));
+    const bool focused =
+        table->hasFocus() || (table->focusProxy() && table->focusProxy()->hasFocus());
+    painter->setPen(
+        QPen(standingOut(option.palette.color(QPalette::Highlight), {colors.back}, kMarkContrast),
+             focused ? 2 : 1));
     painter->drawRect(option.rect.adjusted(focused ? 1 : 0, focused ? 1 : 0, -2, -2));
 }
 
 QSize GridDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const QFontMetrics metrics(option.font);
-    const int text = metrics.horizontalAdvance(shownText(grid_, model_.row(index),
-                                                         model_.column(index)));
+    const int text =
+        metrics.horizontalAdvance(shownText(grid_, model_.row(index), model_.column(index)));
     return {text + 2 * kPadding + 2, metrics.height()};
 }
 

@@ -46,8 +46,8 @@ void GridEditor::sync(const QRect& cell) {
     const bool refused = !entry.refusal().empty();
     if (refused != refused_ || styleSheet().isEmpty()) {
         refused_ = refused;
-        const QColor frame = standingOff(refused ? kRefusal : palette().color(QPalette::Highlight),
-                                         palette().color(QPalette::Base), 3.0);
+        const QColor frame = standingOut(refused ? kRefusal : palette().color(QPalette::Highlight),
+                                         {palette().color(QPalette::Base)}, kMarkContrast);
         setStyleSheet("QLineEdit { border: 2px solid " + frame.name() + "; padding: 0px 1px; }");
     }
     show();
@@ -86,9 +86,8 @@ void GridEditor::syncList() {
         list_ = new QListWidget(window());
         list_->setObjectName("cellChoices");
         list_->setFocusPolicy(Qt::NoFocus);
-        connect(list_, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
-            owner_.candidateClicked(list_->row(item));
-        });
+        connect(list_, &QListWidget::itemClicked, this,
+                [this](QListWidgetItem* item) { owner_.candidateClicked(list_->row(item)); });
     }
     list_->clear();
     for (const std::string& code : entry.candidates()) {

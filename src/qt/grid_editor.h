@@ -1,6 +1,6 @@
-// What is typed into a cell, shown over it: the text with its caret, the list of codes below, and the
-// reason of a refusal in a bubble. The grid's entry is the truth; keys go there first, and what the
-// caret does to the text is told to it.
+// What is typed into a cell, shown over it: the text with its caret, the list of codes below, and
+// the reason of a refusal in a bubble. The grid's entry is the truth; keys go there first, and what
+// the caret does to the text is told to it.
 #pragma once
 
 #include <QLineEdit>

@@ -11,11 +11,11 @@ namespace owb {
 
 namespace {
 
-constexpr int kRoom = 8;  // above and below the lines
+constexpr int kRoom = 8;         // above and below the lines
 constexpr double kSmall = 0.85;  // letters of a caption of two lines
 constexpr int kSmallPadding = 1;
 constexpr int kSign = 9;  // width of the sign for the order, or for a filter
-constexpr double kTint = 0.16, kCurrentTint = 0.25, kReadable = 4.5;
+constexpr double kCurrentTint = 0.25;
 
 // A small triangle, up or down.
 QPolygon arrow(const QPoint& center, bool down) {
@@ -86,7 +86,7 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     painter->drawLine(rect.bottomLeft(), rect.bottomRight());
     painter->drawLine(rect.topRight(), rect.bottomRight());
 
-    const QColor ink = standingOff(text, back, kReadable);
+    const QColor ink = standingOut(text, {back}, kTextContrast);
     int right = rect.right() - 2;
     painter->setBrush(ink);
     painter->setPen(Qt::NoPen);
@@ -112,9 +112,8 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     room.setHeight(height);
     const Qt::Alignment align = two ? Qt::AlignCenter : alignmentOf(column, column.type);
     for (const QString& line : lines) {
-        painter->drawText(
-            room, static_cast<int>(align) | Qt::TextSingleLine,
-            painter->fontMetrics().elidedText(line, Qt::ElideRight, room.width()));
+        painter->drawText(room, static_cast<int>(align) | Qt::TextSingleLine,
+                          painter->fontMetrics().elidedText(line, Qt::ElideRight, room.width()));
         room.translate(0, height);
     }
 }

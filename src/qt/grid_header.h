@@ -1,5 +1,5 @@
-// The header of a grid: captions of up to two lines ("05" over "Thu"), the column of the current cell
-// and the days off tinted, signs for the order and for filters.
+// The header of a grid: captions of up to two lines ("05" over "Thu"), the column of the current
+// cell and the days off tinted, signs for the order and for filters.
 #pragma once
 
 #include <QHeaderView>

@@ -188,8 +188,7 @@ void GridTable::mousePressEvent(QMouseEvent* event) {
     draggingHandle_ = handle().contains(event->pos());
     pressedAt_ = at;
     handleOver_ = at;
-    if (!draggingHandle_)
-        owner_.mousePressed(at, event->modifiers() & Qt::ShiftModifier);
+    if (!draggingHandle_) owner_.mousePressed(at, event->modifiers() & Qt::ShiftModifier);
 }
 
 void GridTable::mouseMoveEvent(QMouseEvent* event) {
@@ -241,31 +240,30 @@ void GridTable::paintEvent(QPaintEvent* event) {
     QTableView::paintEvent(event);
     QPainter painter(viewport());
     const QColor base = palette().color(QPalette::Base);
-    const QColor mark = standingOff(palette().color(QPalette::Highlight), base, 3.0);
+    const QColor mark = standingOut(palette().color(QPalette::Highlight), {base}, kMarkContrast);
     if (const QRect corner = handle(); corner.isValid()) {
         painter.fillRect(corner, base);
         painter.fillRect(corner.adjusted(1, 1, 0, 0), mark);
     }
     const auto block = grid_.cursor.block();
     if (draggingHandle_ && handleOver_.isValid() && block) {
-        const QModelIndex first = model_.index(static_cast<int>(block->top),
-                                               static_cast<int>(block->left));
+        const QModelIndex first =
+            model_.index(static_cast<int>(block->top), static_cast<int>(block->left));
         painter.setPen(QPen(mark, 2, Qt::DashLine));
         painter.drawRect(visualRect(first).united(visualRect(handleOver_)));
     }
     if (under_ != nullptr)
         painter.fillRect(viewport()->width() - 2, 0, 2, viewport()->height(),
-                         standingOff(palette().color(QPalette::Mid), base, 4.5));
+                         standingOut(palette().color(QPalette::Mid), {base}, kTextContrast));
     if (!hasFocus() && (under_ == nullptr || !under_->hasFocus())) return;
     // Where no cell shows that the keys come here, the row of a list does, or the whole table.
     painter.setPen(QPen(mark, 2));
     if (!block)
         painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
     else if (grid_.singleRows)
-        painter.drawRect(
-            QRect(0, rowViewportPosition(static_cast<int>(block->top)), viewport()->width(),
-                  rowHeight(static_cast<int>(block->top)))
-                .adjusted(1, 1, -1, -2));
+        painter.drawRect(QRect(0, rowViewportPosition(static_cast<int>(block->top)),
+                               viewport()->width(), rowHeight(static_cast<int>(block->top)))
+                             .adjusted(1, 1, -1, -2));
 }
 
 }  // namespace owb

@@ -106,8 +106,8 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
         }
         if (const auto moved = grid_.cursor.moved(); moved && (moved != moved_ || changed)) {
             moved_ = moved;
-            table_->scrollTo(model_.index(static_cast<int>(moved->first),
-                                          static_cast<int>(moved->second)));
+            table_->scrollTo(
+                model_.index(static_cast<int>(moved->first), static_cast<int>(moved->second)));
         }
         table_->updateAll();
         chips_->sync();
@@ -160,16 +160,14 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
         ownWidths_.assign(grid_.columnCount(), 0);
         for (int place = 0; place < model_.columnCount(); ++place) {
             const size_t c = model_.gridColumn(place);
-            ownWidths_[c] = std::max(grid_.column(c).width * digit + kColumnRoom,
-                                     headerWidth(place));
+            ownWidths_[c] =
+                std::max(grid_.column(c).width * digit + kColumnRoom, headerWidth(place));
             const int held = std::abs(widths_[c]) * grid_.zoom / 100;
             table_->setColumnWidth(place, held > 0 ? held : ownWidths_[c]);
         }
         table_->layFrozen();
     }
-    int headerWidth(int place) const {
-        return table_->horizontalHeader()->sectionSizeHint(place);
-    }
+    int headerWidth(int place) const { return table_->horizontalHeader()->sectionSizeHint(place); }
     std::string memoryName() { return window().screen().name() + "." + grid_.name(); }
 
     // 0 for a column as the screen has it, negative for one that the user has hidden.
@@ -325,8 +323,8 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
             } else if (!item.below.empty()) {
                 fill(*menu.addMenu(toQt(item.caption)), item.below);
             } else {
-                QAction* action = menu.addAction(toQt(item.caption), this,
-                                                 [this, act = item.act] { run(act); });
+                QAction* action =
+                    menu.addAction(toQt(item.caption), this, [this, act = item.act] { run(act); });
                 // Shown only: the table itself hears the key.
                 action->setShortcut(QKeySequence(toQt(item.key)));
                 action->setShortcutContext(Qt::WidgetShortcut);

@@ -17,9 +17,9 @@ std::string Grid::text() const {
 
 void Grid::setColumns(std::vector<GridColumn> columns) {
     setRowCount(0);
-    const bool same = std::equal(
-        columns.begin(), columns.end(), columns_.begin(), columns_.end(),
-        [](const GridColumn& a, const GridColumn& b) { return a.caption == b.caption; });
+    const bool same =
+        std::equal(columns.begin(), columns.end(), columns_.begin(), columns_.end(),
+                   [](const GridColumn& a, const GridColumn& b) { return a.caption == b.caption; });
     columns_ = std::move(columns);
     ++shape_;
     if (same) return;
@@ -109,8 +109,7 @@ std::string Grid::totalText(size_t c) const {
     double sum = 0;
     for (const size_t row : sight.rows()) sum += number(row, c);
     const int decimals = columns_[c].decimals;
-    return groupIndian(
-        formatNumber(sum, decimals > 0 ? "0." + std::string(decimals, '0') : "0"));
+    return groupIndian(formatNumber(sum, decimals > 0 ? "0." + std::string(decimals, '0') : "0"));
 }
 
 void Grid::setCell(size_t row, size_t c, std::string text) {

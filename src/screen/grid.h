@@ -3,9 +3,9 @@
 // Rows and columns count from 0, hidden ones included. Styles are few and cells many, so a cell
 // holds the number of its style; tags and lists of single cells are rare and stand apart. The
 // counters tell a front end what to draw anew: `shape` grows when rows, columns or their hiding
-// change, `content` when anything in a cell does. What the user makes of the grid stands in parts of
-// its own: which rows and columns he sees (sight), where he is and what he has chosen (cursor), what
-// he types (entry), blocks, undo (history), find.
+// change, `content` when anything in a cell does. What the user makes of the grid stands in parts
+// of its own: which rows and columns he sees (sight), where he is and what he has chosen (cursor),
+// what he types (entry), blocks, undo (history), find.
 #pragma once
 
 #include <cstdint>
@@ -133,8 +133,8 @@ class Grid : public Control {
     std::function<void(size_t row, size_t c)> onEditBegin;
     // After the edit; the cell holds the new text, `before` is what stood there.
     std::function<void(size_t row, size_t c, const std::string& before)> onEditEnd;
-    // A screen that can take a block of entries at once (set by set instead of cell by cell) does so
-    // here and puts what the cells then hold. Without it each cell is edited by itself.
+    // A screen that can take a block of entries at once (set by set instead of cell by cell) does
+    // so here and puts what the cells then hold. Without it each cell is edited by itself.
     std::function<void(const std::vector<CellText>& entries)> onBlock;
     std::function<void(size_t row, size_t c)> onPickCell;  // F4 on a date cell
     std::function<std::string(size_t row, size_t c)> cellToolTip;

@@ -83,15 +83,13 @@ bool GridBlocks::paste(const std::string& text) {
         grid_.say("The block is larger than what is left of the grid.", true);
         return false;
     }
-    const bool repeats =
-        several && block->rows() % height == 0 && block->columns() % width == 0;
-    const size_t rows = repeats ? block->rows() : height;
-    const size_t columns = repeats ? block->columns() : width;
+    const size_t rows = several ? block->rows() : height;
+    const size_t columns = several ? block->columns() : width;
     if (!put(texts, block->top, block->left, rows, columns)) return false;
     const std::string told = grid_.said().text;
     if (rows * columns > 1 && !grid_.singleRows)
-        grid_.cursor.choose({block->top, block->left, block->top + rows - 1,
-                             block->left + columns - 1});
+        grid_.cursor.choose(
+            {block->top, block->left, block->top + rows - 1, block->left + columns - 1});
     grid_.say(told);
     return true;
 }
@@ -115,8 +113,8 @@ bool GridBlocks::fillDown() {
     }
     if (block->top == 0) return false;
     for (size_t c = 0; c < block->columns(); ++c)
-        texts[0][c] = grid_.cell(grid_.sight.rows()[block->top - 1],
-                                 grid_.sight.columns()[block->left + c]);
+        texts[0][c] =
+            grid_.cell(grid_.sight.rows()[block->top - 1], grid_.sight.columns()[block->left + c]);
     return put(texts, block->top, block->left, 1, block->columns());
 }
 
@@ -130,8 +128,8 @@ bool GridBlocks::fillRight() {
     }
     if (block->left == 0) return false;
     for (size_t r = 0; r < block->rows(); ++r)
-        texts[r][0] = grid_.cell(grid_.sight.rows()[block->top + r],
-                                 grid_.sight.columns()[block->left - 1]);
+        texts[r][0] =
+            grid_.cell(grid_.sight.rows()[block->top + r], grid_.sight.columns()[block->left - 1]);
     return put(texts, block->top, block->left, block->rows(), 1);
 }
 
@@ -183,17 +181,29 @@ bool GridBlocks::write(const std::vector<CellText>& entries) {
     }
     if (open.empty()) {
         if (!entries.empty())
-            grid_.say(entries.size() == 1 ? first
-                                          : "0 set, " + groupIndian(std::to_string(entries.size())) +
-                                                " skipped (locked)",
-                      true);
+            grid_.say(
+                entries.size() == 1
+                    ? first
+                    : "0 set, " + groupIndian(std::to_string(entries.size())) + " skipped (locked)",
+                true);
         return false;
     }
     return enter(open, entries.size() - open.size());
 }
 
+// What is shown of the block when it is taken back: its cells and what was chosen for it.
+GridCursor::Block GridBlocks::area(const std::vector<CellText>& entries) const {
+    GridCursor::Block all = grid_.cursor.block().value_or(GridCursor::Block{});
+    for (const CellText& entry : entries) {
+        const auto row = grid_.sight.placeOfRow(entry.row);
+        const auto column = grid_.sight.placeOfColumn(entry.column);
+        if (row && column) all = all.with(*row, *column);
+    }
+    return all;
+}
+
 bool GridBlocks::enter(const std::vector<CellText>& open, size_t skipped) {
-    const GridHistory::Step step(grid_.history);
+    const GridHistory::Step step(grid_.history, area(open));
     const int row = grid_.currentRow(), column = grid_.currentColumn();
     size_t set = open.size();
     if (grid_.onBlock && open.size() > 1) {

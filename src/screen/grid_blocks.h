@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "screen/grid_cursor.h"
+
 namespace owb {
 
 class Grid;
@@ -25,15 +27,15 @@ class GridBlocks {
 
     // The chosen cells as tab-separated lines.
     std::string copy() const;
-    // At the upper left corner of what is chosen. One cell fills all that is chosen; a block that
-    // fits into it several times is repeated; one that is larger than several chosen cells, or than
-    // what is left of the grid, is refused.
+    // At the upper left corner of what is chosen. Of several chosen cells all are filled, the block
+    // is repeated; one that is larger than they are, or than what is left of the grid, is refused.
     bool paste(const std::string& text);
     bool empty();
     // From the first chosen row (column) to the others; of one cell: from its neighbour.
     bool fillDown();
     bool fillRight();
-    // What is chosen is repeated up to this place in sight, down or to the right, up or to the left.
+    // What is chosen is repeated up to this place in sight, down or to the right, up or to the
+    // left.
     bool fillTo(size_t row, size_t column);
     bool typeIntoAll(const std::string& text);
     bool write(const std::vector<CellText>& entries);
@@ -43,6 +45,7 @@ class GridBlocks {
     Texts chosen() const;
     bool put(const Texts& texts, size_t top, size_t left, size_t rows, size_t columns);
     bool enter(const std::vector<CellText>& open, size_t skipped);
+    GridCursor::Block area(const std::vector<CellText>& entries) const;
 
     Grid& grid_;
 };

@@ -144,9 +144,9 @@ bool GridCursor::walk(bool forward, bool down) {
                     : (p.row - area.top) * area.columns() + p.column - area.left;
     };
     const auto cellOf = [&](size_t number) {
-        return down ? Place{area.top + number % area.rows(), area.left + number / area.rows()}
-                    : Place{area.top + number / area.columns(),
-                            area.left + number % area.columns()};
+        return down
+                   ? Place{area.top + number % area.rows(), area.left + number / area.rows()}
+                   : Place{area.top + number / area.columns(), area.left + number % area.columns()};
     };
     size_t number = at ? numberOf(*at) : (forward ? cells - 1 : 0);
     for (size_t step = 0; step < cells; ++step) {
@@ -171,8 +171,10 @@ bool GridCursor::enter(bool forward) {
         down = grid_.column(grid_.sight.columns()[at->column]).type == CellType::Number;
     const std::optional<size_t> began = std::exchange(tabBegan_, std::nullopt);
     const bool around = chosen && chosen->several() && !grid_.singleRows;
-    if (down && began && forward && at && !around && at->row + 1 < grid_.sight.rows().size())
-        return goTo({at->row + 1, *began});
+    if (down && began && at && !around) {
+        const size_t row = forward ? at->row + 1 : at->row - 1;  // below 0: beyond every end
+        if (row < grid_.sight.rows().size()) return goTo({row, *began});
+    }
     return walk(forward, down);
 }
 
@@ -222,8 +224,8 @@ void GridCursor::extendTo(size_t row, size_t column) {
 
 std::optional<std::pair<size_t, size_t>> GridCursor::moved() const {
     const std::optional<Block> chosen = block();
-    const std::optional<Place> at = chosen && chosen->several() && !grid_.singleRows ? placeOf(end_)
-                                                                                      : now();
+    const std::optional<Place> at =
+        chosen && chosen->several() && !grid_.singleRows ? placeOf(end_) : now();
     if (!at) return std::nullopt;
     return std::pair(at->row, at->column);
 }
@@ -240,6 +242,7 @@ void GridCursor::choose(const Block& block) {
 bool GridCursor::collapse() {
     const std::optional<Block> chosen = block();
     anchor_ = end_ = {};
+    tabBegan_.reset();
     if (!chosen || !chosen->several() || grid_.singleRows) return false;
     grid_.say("");
     return true;

@@ -3,6 +3,7 @@
 // no more. Moving goes over what is in sight, in the order in which the user sees it.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -34,6 +35,10 @@ class GridCursor {
         size_t rows() const { return bottom - top + 1; }
         size_t columns() const { return right - left + 1; }
         bool several() const { return rows() * columns() > 1; }
+        Block with(size_t row, size_t column) const {
+            return {std::min(top, row), std::min(left, column), std::max(bottom, row),
+                    std::max(right, column)};
+        }
         bool holds(size_t row, size_t column) const {
             return top <= row && row <= bottom && left <= column && column <= right;
         }
@@ -41,8 +46,8 @@ class GridCursor {
     // The chosen cells: the current one alone where no block is chosen, its row in a list; nothing
     // while there is no current cell in sight.
     std::optional<Block> block() const;
-    // From the block's first corner (or the current cell) to this place. The current cell stays: what
-    // is typed goes there.
+    // From the block's first corner (or the current cell) to this place. The current cell stays:
+    // what is typed goes there.
     void extendTo(size_t row, size_t column);
     // What a user must be able to see: the corner that he has moved, or the current cell.
     std::optional<std::pair<size_t, size_t>> moved() const;

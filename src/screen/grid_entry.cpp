@@ -147,7 +147,7 @@ bool GridEntry::pressBusy(const std::string& key) {
             return cancel(), grid_.pick(row_, column_);
         return true;
     }
-    if (key == "Ctrl+Enter") {
+    if (key == "Ctrl+Enter" || key == "Alt+Enter") {
         std::string reason;
         if (!grid_.fitted(row_, column_, text_, reason)) return refuse(reason), true;
         const std::string text = text_;
@@ -160,8 +160,8 @@ bool GridEntry::pressBusy(const std::string& key) {
     static constexpr const char* kGoOn[] = {"Enter", "Shift+Enter", "Tab",  "Shift+Tab",
                                             "Up",    "Down",        "PgUp", "PgDown"};
     // Only where typing began the entry; otherwise they are the caret's.
-    static constexpr const char* kCarets[] = {"Left",    "Right",     "Home",      "End",
-                                              "Ctrl+Up", "Ctrl+Down", "Ctrl+Left", "Ctrl+Right",
+    static constexpr const char* kCarets[] = {"Left",      "Right",     "Home",      "End",
+                                              "Ctrl+Up",   "Ctrl+Down", "Ctrl+Left", "Ctrl+Right",
                                               "Ctrl+Home", "Ctrl+End"};
     const auto among = [&](const auto& keys) {
         return std::find(std::begin(keys), std::end(keys), key) != std::end(keys);
@@ -235,13 +235,15 @@ bool GridEntry::pressReady(const std::string& key) {
 
 bool GridEntry::pressBlock(const std::string& key) {
     FrontEnd& frontEnd = grid_.frontEnd();
-    if (key == "Ctrl+C" || key == "Ctrl+Ins") return frontEnd.setClipboard(grid_.blocks.copy()), true;
+    if (key == "Ctrl+C" || key == "Ctrl+Ins")
+        return frontEnd.setClipboard(grid_.blocks.copy()), true;
     if (key == "Ctrl+X" || key == "Shift+Del") {
         const std::string cut = grid_.blocks.copy();
         if (grid_.blocks.empty()) frontEnd.setClipboard(cut);
         return true;
     }
-    if (key == "Ctrl+V" || key == "Shift+Ins") return grid_.blocks.paste(frontEnd.clipboard()), true;
+    if (key == "Ctrl+V" || key == "Shift+Ins")
+        return grid_.blocks.paste(frontEnd.clipboard()), true;
     if (key == "Ctrl+D") return grid_.blocks.fillDown(), true;
     if (key == "Ctrl+R") return grid_.blocks.fillRight(), true;
     if (key == "Ctrl+Z") return grid_.history.undo(), true;

@@ -27,8 +27,8 @@ class GridFind {
     // To the next cell that holds it, from the current one on, around; false when there is none.
     bool next(bool forward = true);
 
-    // A letter typed in columns that are only read: goes to the first row whose text begins with all
-    // that was typed since the last endTyping(), in the first column of texts that has one.
+    // A letter typed in columns that are only read: goes to the first row whose text begins with
+    // all that was typed since the last endTyping(), in the first column of texts that has one.
     bool typeAhead(const std::string& letters);
     void endTyping() { ahead_.clear(); }
 

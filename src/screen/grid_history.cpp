@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <utility>
 
 #include "base/number_text.h"
 #include "screen/grid.h"
@@ -13,7 +14,7 @@ void GridHistory::clear() {
     if (replaying_) return;  // a handler reads the rows again: the step stays until it is done
     done_.clear();
     undone_.clear();
-    now_.clear();
+    now_ = {};
 }
 
 void GridHistory::rowsGone() {
@@ -23,15 +24,17 @@ void GridHistory::rowsGone() {
 void GridHistory::record(size_t row, size_t column, const std::string& before) {
     if (replaying_ || row >= grid_.rowCount() || grid_.cell(row, column) == before) return;
     const Step step(*this);
-    now_.push_back(
+    now_.cells.push_back(
         {grid_.rowKey ? grid_.rowKey(row) : "", row, column, before, grid_.cell(row, column)});
 }
 
 void GridHistory::closed() {
-    if (--open_ > 0 || now_.empty()) return;
+    if (--open_ > 0) return;
+    Changes step = std::exchange(now_, {});
+    if (step.cells.empty()) return;
+    step.sight = grid_.sight.version();
     undone_.clear();
-    done_.push_back(std::move(now_));
-    now_.clear();
+    done_.push_back(std::move(step));
     if (done_.size() > kSteps) done_.pop_front();
 }
 
@@ -56,8 +59,8 @@ bool GridHistory::replay(std::deque<Changes>& from, std::deque<Changes>& to, boo
         return false;
     };
     // Backwards: where one cell was changed twice, its first text is the last to be entered.
-    for (size_t i = 0; i < step.size(); ++i) {
-        Change& change = back ? step[step.size() - 1 - i] : step[i];
+    for (size_t i = 0; i < step.cells.size(); ++i) {
+        Change& change = step.cells[back ? step.cells.size() - 1 - i : i];
         if (grid_.rowKey) {
             const auto found = rows.find(change.rowKey);
             if (found == rows.end()) return refuse("The row has gone.");
@@ -74,26 +77,27 @@ bool GridHistory::replay(std::deque<Changes>& from, std::deque<Changes>& to, boo
     const bool entered = grid_.blocks.write(entries);
     replaying_ = false;
     if (!entered) return false;
-    const std::string told =
-        entries.size() == 1 ? grid_.cellName(entries[0].row, entries[0].column)
-                            : groupIndian(std::to_string(entries.size())) + " cells";
+    const std::string told = entries.size() == 1
+                                 ? grid_.cellName(entries[0].row, entries[0].column)
+                                 : groupIndian(std::to_string(entries.size())) + " cells";
     to.push_back(std::move(step));
     from.pop_back();
-    show(entries);
+    show(to.back(), entries);
     grid_.say((back ? "Undone: " : "Entered again: ") + told);
     return true;
 }
 
-// The cells that have changed are chosen, those that are in sight.
-void GridHistory::show(const std::vector<CellText>& entries) {
+// What the step was about is chosen, where it is still in sight as it was; otherwise the cells that
+// have changed.
+void GridHistory::show(const Changes& step, const std::vector<CellText>& entries) {
     std::optional<GridCursor::Block> block;
+    if (step.sight == grid_.sight.version()) block = step.area;
     for (const CellText& entry : entries) {
         const auto row = grid_.sight.placeOfRow(entry.row);
         const auto column = grid_.sight.placeOfColumn(entry.column);
         if (!row || !column) continue;
         if (!block) block = GridCursor::Block{*row, *column, *row, *column};
-        block = GridCursor::Block{std::min(block->top, *row), std::min(block->left, *column),
-                                  std::max(block->bottom, *row), std::max(block->right, *column)};
+        block = block->with(*row, *column);
     }
     if (!block) return;
     grid_.cursor.collapse();

@@ -5,8 +5,11 @@
 
 #include <cstddef>
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "screen/grid_cursor.h"
 
 namespace owb {
 
@@ -28,12 +31,17 @@ class GridHistory {
     // The rows are read again: steps stand where the grid can tell its rows apart.
     void rowsGone();
 
-    // A cell has got what it holds now by the user; `before` stood there. Nothing when it is the same.
+    // A cell has got what it holds now by the user; `before` stood there. Nothing when it is the
+    // same.
     void record(size_t row, size_t column, const std::string& before);
     // While one lives, what is recorded is one step.
     class Step {
       public:
         explicit Step(GridHistory& history) : history_(history) { ++history_.open_; }
+        // `area` is what is chosen again when the step is taken back.
+        Step(GridHistory& history, const GridCursor::Block& area) : Step(history) {
+            history.now_.area = area;
+        }
         ~Step() { history_.closed(); }
         Step(const Step&) = delete;
         Step& operator=(const Step&) = delete;
@@ -50,9 +58,13 @@ class GridHistory {
         size_t row, column;
         std::string before, after;
     };
-    using Changes = std::vector<Change>;
+    struct Changes {
+        std::vector<Change> cells;
+        std::optional<GridCursor::Block> area;  // places in sight at that time
+        uint64_t sight = 0;                     // its version then
+    };
     bool replay(std::deque<Changes>& from, std::deque<Changes>& to, bool back);
-    void show(const std::vector<CellText>& entries);
+    void show(const Changes& step, const std::vector<CellText>& entries);
     void closed();
 
     Grid& grid_;

@@ -41,8 +41,9 @@ void addColumn(Items& items, Grid& grid, size_t c) {
     GridSight& sight = grid.sight;
     const auto& order = sight.order();
     const auto orderItem = [&](const char* caption, std::optional<Order> wanted) {
-        const bool now = order.has_value() == wanted.has_value() &&
-                         (!order || (order->column == c && order->descending == wanted->descending));
+        const bool now =
+            order.has_value() == wanted.has_value() &&
+            (!order || (order->column == c && order->descending == wanted->descending));
         items.push_back({caption, "", [&sight, wanted] { sight.sort(wanted); }, true, true, now});
     };
     orderItem("Sort &ascending", Order{c, false});
@@ -52,7 +53,8 @@ void addColumn(Items& items, Grid& grid, size_t c) {
     if (static_cast<int>(c) == grid.currentColumn())
         items.push_back({"Only rows with \"" + text + "\"", "",
                          [&sight, c, text] { sight.filter(c, {text}); }});
-    items.push_back({"All ro&ws", "", [&sight] { sight.clearFilters(); }, !sight.filters().empty()});
+    items.push_back(
+        {"All ro&ws", "", [&sight] { sight.clearFilters(); }, !sight.filters().empty()});
     const auto place = sight.placeOfColumn(c);
     const bool frozen = place && sight.frozen() == *place + 1;
     items.push_back({"&Keep the columns up to here in sight", "",

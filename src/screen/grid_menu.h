@@ -1,5 +1,5 @@
-// What a grid offers in its menu by itself, below the items of its screen: copy and paste, undo, find,
-// the order of rows, the columns, which way Enter goes.
+// What a grid offers in its menu by itself, below the items of its screen: copy and paste, undo,
+// find, the order of rows, the columns, which way Enter goes.
 #pragma once
 
 #include <functional>

@@ -182,9 +182,8 @@ void GridSight::moveColumn(size_t c, size_t place) {
 
 size_t GridSight::frozen() const {
     if (frozen_) return std::min(*frozen_, columns().size());
-    return static_cast<size_t>(std::count_if(columns().begin(), columns().end(), [&](size_t c) {
-        return c < grid_.frozenColumns;
-    }));
+    return static_cast<size_t>(std::count_if(columns().begin(), columns().end(),
+                                             [&](size_t c) { return c < grid_.frozenColumns; }));
 }
 
 }  // namespace owb

@@ -1,6 +1,6 @@
-// What the user sees of a grid, and in which order: rows that neither the screen nor a filter hides,
-// sorted as he likes; columns that neither the screen nor he hides, in his order. The grid itself
-// keeps its rows and columns where the screen has put them.
+// What the user sees of a grid, and in which order: rows that neither the screen nor a filter
+// hides, sorted as he likes; columns that neither the screen nor he hides, in his order. The grid
+// itself keeps its rows and columns where the screen has put them.
 //
 // A place counts what is in sight from 0, a row or column what the grid holds.
 #pragma once

@@ -41,6 +41,7 @@ Tabs* Screen::pages() const {
 }
 
 bool Screen::uses(const std::string& key) const {
+    if (key.empty()) return false;  // most controls have no shortcut
     if (key == "Esc") return true;
     if (key == "F1") return !popup;
     return pageStep(key) != 0 ? pages() != nullptr : commandOf(key) != nullptr;

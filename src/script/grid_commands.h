@@ -1,5 +1,5 @@
-// The commands of a script that work in a grid as a user's hands do: typing, choosing cells, sorting,
-// filtering, finding, filling.
+// The commands of a script that work in a grid as a user's hands do: typing, choosing cells,
+// sorting, filtering, finding, filling.
 #pragma once
 
 #include <string>

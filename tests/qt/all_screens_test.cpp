@@ -3,6 +3,8 @@
 // with OWB_DARK set, on a dark palette.
 #include <gtest/gtest.h>
 
+#include <QMessageBox>
+#include <QPushButton>
 #include <QScreen>
 #include <filesystem>
 #include <fstream>
@@ -17,6 +19,7 @@
 #include "leave/screens/modLeaveProcess.h"
 #include "qt/contrast.h"
 #include "qt/desk.h"
+#include "qt/picture_contrast.h"
 #include "qt/qt_text.h"
 #include "sample/sample.h"
 #include "screen/grid.h"
@@ -64,6 +67,9 @@ class Photographer {
         wait();
         ScreenWindow* top = frontEnd_.top();
         if (top == nullptr) return;
+        // A question of a screen that is told to close.
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+            if (auto* yes = box->button(QMessageBox::Yes)) return yes->click();
         // Of one that works by itself, a picture while it does.
         const bool first = taken_[top->screen().name()]++ == 0;
         const bool works = !top->waitsForInput() && taken_[top->screen().name()] < 4;

@@ -1,6 +1,6 @@
 // Types like a person, with pauses, into a grid in its window, and compares with what a spreadsheet
-// does for the same keys (calc_keys.tsv). Where the program means to differ, the case is listed here
-// with the reason and with what it does.
+// does for the same keys (calc_keys.tsv). Where the program means to differ, the case is listed
+// here with the reason and with what it does.
 #include <gtest/gtest.h>
 
 #include <QKeySequence>
@@ -37,8 +37,7 @@ struct Place {
 };
 
 Place placeOf(const std::string& name) {
-    return {static_cast<size_t>(std::stoi(name.substr(1)) - 1),
-            static_cast<size_t>(name[0] - 'A')};
+    return {static_cast<size_t>(std::stoi(name.substr(1)) - 1), static_cast<size_t>(name[0] - 'A')};
 }
 std::string nameOf(size_t row, size_t column) {
     return std::string(1, static_cast<char>('A' + column)) + std::to_string(row + 1);
@@ -81,7 +80,7 @@ class SheetScreen final : public Screen {
 class Typist {
   public:
     Typist(Desk& desk, Grid& grid)
-        : grid_(grid), table_(*desk.widget<QTableView>("fpgSheet")) {
+        : desk_(desk), grid_(grid), table_(*desk.widget<QTableView>("fpgSheet")) {
         table_.setFocus();
     }
 
@@ -104,7 +103,7 @@ class Typist {
         const std::string rest = colon == std::string::npos ? "" : word.substr(colon + 1);
         const std::vector<std::string> corners = split(rest, ':');
         if (verb == "type") return type(rest);
-        if (verb == "pause") return QTest::qWait(kPause);
+        if (verb == "pause") return desk_.rest(kPause);
         if (verb == "goto") return start(rest);
         if (verb == "click" || verb == "shiftclick")
             return QTest::mouseClick(table_.viewport(), Qt::LeftButton,
@@ -114,7 +113,7 @@ class Typist {
             return QTest::mouseDClick(table_.viewport(), Qt::LeftButton, Qt::NoModifier,
                                       center(placeOf(rest)));
         if (verb == "drag") return drag(center(placeOf(corners[0])), center(placeOf(corners[1])));
-        if (verb == "fill")
+        if (verb == "fill" || verb == "ctrlfill")
             return drag(rect(placeOf(corners[0])).bottomRight() - QPoint(2, 2),
                         center(placeOf(corners[1])));
         key(word);
@@ -147,8 +146,8 @@ class Typist {
         return widget != nullptr ? widget : &table_;
     }
     QRect rect(Place at) const {
-        return table_.visualRect(table_.model()->index(static_cast<int>(at.row),
-                                                       static_cast<int>(at.column)));
+        return table_.visualRect(
+            table_.model()->index(static_cast<int>(at.row), static_cast<int>(at.column)));
     }
     QPoint center(Place at) const { return rect(at).center(); }
     void type(const std::string& text) {
@@ -170,6 +169,7 @@ class Typist {
         QTest::keyClick(focus(), combination.key(), combination.keyboardModifiers());
     }
 
+    Desk& desk_;
     Grid& grid_;
     QTableView& table_;
 };
@@ -189,6 +189,41 @@ constexpr Otherwise kOtherwise[] = {
     {"Shift+Tab at the first column", "-", "F1", "F1"},
     // From where the user is, whatever is chosen.
     {"Ctrl+Right in a selection", "-", "F2", "F2"},
+    {"type then Shift+Left", "B2=75", "B3", "B3"},
+    {"double click, Down", "C3=373 C4=8", "C5", "C5"},
+    // Enter goes on, whatever was copied.
+    {"copy one cell, Enter pastes", "-", "D3", "D3"},
+    // Nothing is written beyond several chosen cells.
+    {"copy 2x2, paste into 1x2", "-", "D3", "D3:E3"},
+    {"copy 2x2, paste into 2x1", "-", "D3", "D3:D4"},
+    {"copy a row of three, paste into a column of three", "-", "D4", "D4:D6"},
+    {"copy a column of three, paste into three columns", "-", "D4", "D4:F4"},
+    // Ctrl+R fills to the right, as Ctrl+D fills down.
+    {"Ctrl+R on a selection", "C2=22 D2=22 E2=22", "B2", "B2:E2"},
+    {"Ctrl+R on a selection, redone", "C2=22 D2=22 E2=22", "B2", "B2:E2"},
+    {"Ctrl+R on two rows", "C2=22 D2=22 C3=32 D3=32", "B2", "B2:D3"},
+    {"Ctrl+R on two rows, redone", "C2=22 D2=22 C3=32 D3=32", "B2", "B2:D3"},
+    {"Ctrl+R on one cell", "C2=22", "C2", "C2"},
+    // Ctrl+Enter types into all that is chosen, as Alt+Enter does; cells have one line, no
+    // formulas.
+    {"type, Ctrl+Enter: a line break", "B2=8 C2=7 B3=7 C3=7 B4=7 C4=7", "B3", "B2:C4"},
+    {"F2, Alt+Enter into a selection", "B2=227 C2=227 B3=227 C3=227 B4=227 C4=227", "B2", "B2:C4"},
+    {"type, Shift+Ctrl+Enter into a selection", "-", "B2", "B2:C4"},
+    // Undo goes to what it has changed, and takes back whole entries.
+    {"edit to nothing, undo", "-", "B2", "B2"},
+    {"type then Ctrl+Z takes back letters", "B2=7", "B3", "B3"},
+    // The handle repeats codes and figures, it counts none on; dragged back it does nothing.
+    {"fill handle, one text up", "C1=CL C2=CL C3=CL", "C3", "C1:C3"},
+    {"fill handle, one number down", "B4=5 B5=5 B6=5", "B3", "B3:B6"},
+    {"fill handle, one number down, redone", "B4=5 B5=5 B6=5", "B3", "B3:B6"},
+    {"fill handle, two numbers down", "A5=1 A6=2", "A3", "A3:A6"},
+    {"fill handle, two numbers down, redone", "A5=1 A6=2", "A3", "A3:A6"},
+    {"fill handle, two numbers falling down", "B5=5 B6=3", "B3", "B3:B6"},
+    {"fill handle, text with a number down", "B3=W7 B4=W7", "B2", "B2:B4"},
+    {"fill handle, two texts down", "A3=CL A4=W1 A5=CL A6=W1", "A1", "A1:A6"},
+    {"fill handle dragged back empties", "-", "B2", "B2:B5"},
+    {"fill handle dragged back empties, undone", "-", "B2", "B2:B5"},
+    {"fill handle dragged back empties, redone", "-", "B2", "B2:B5"},
 };
 
 TEST(Qt, KeysDoInAGridWhatTheyDoInASpreadsheet) {
@@ -210,10 +245,10 @@ TEST(Qt, KeysDoInAGridWhatTheyDoInASpreadsheet) {
                     wanted = other;
                     ++met;
                 }
-            EXPECT_EQ(typist.changed(table.sheets.at(c.sheet)) + " | " + typist.cursor() + " | " +
-                          typist.selection(),
-                      std::string(wanted.changed) + " | " + wanted.cursor + " | " +
-                          wanted.selection)
+            EXPECT_EQ(
+                typist.changed(table.sheets.at(c.sheet)) + " | " + typist.cursor() + " | " +
+                    typist.selection(),
+                std::string(wanted.changed) + " | " + wanted.cursor + " | " + wanted.selection)
                 << c.name << ": " << c.sheet << " " << c.start << " " << c.keys;
             screen.grid.entry.cancel();
         });

@@ -1,5 +1,5 @@
 // Contrast of what is drawn, in both palettes: measured from pictures.
-#include "qt/contrast.h"
+#include "qt/picture_contrast.h"
 
 #include <gtest/gtest.h>
 

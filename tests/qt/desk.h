@@ -31,6 +31,12 @@ class Desk {
         QTest::keyClick(widget(name), static_cast<Qt::Key>(key), with);
     }
     void type(const char* name, const char* text) { QTest::keyClicks(widget(name), text); }
+    // A pause within a step; the next one waits.
+    void rest(int milliseconds) {
+        resting_ = true;
+        QTest::qWait(milliseconds);
+        resting_ = false;
+    }
     QString status() { return widget<QLabel>("statusLine")->text(); }
 
     bool fromInput = true;  // the first step waits until the screen takes input
@@ -44,7 +50,7 @@ class Desk {
     }
     void next() {
         wait();
-        if (inStep_) return;  // a step waits for something itself
+        if (resting_) return;
         const ScreenWindow* window = frontEnd.top();
         if (fromInput && (window == nullptr || !window->waitsForInput())) return;
         fromInput = false;
@@ -54,13 +60,11 @@ class Desk {
         }
         const auto step = std::move(steps_.front());
         steps_.pop_front();
-        inStep_ = true;
         step();
-        inStep_ = false;
     }
 
     std::deque<std::function<void()>> steps_;
-    bool inStep_ = false;
+    bool resting_ = false;
     QObject life_;
 };
 

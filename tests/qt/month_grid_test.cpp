@@ -116,9 +116,9 @@ TEST_F(QtMonth, CodesAreTypedSlowlyChosenFromTheListAndRefusedAloud) {
         table().setFocus();
         grid.goTo(0, kFirstDay + 1);
         QTest::keyClick(&focus(), 'c');
-        QTest::qWait(700);
+        desk.rest(700);
         QTest::keyClick(&focus(), 'l');
-        QTest::qWait(700);
+        desk.rest(700);
         QTest::keyClick(&focus(), Qt::Key_Return);
         EXPECT_EQ(grid.cell(0, kFirstDay + 1), "CL");
         EXPECT_EQ(grid.currentColumn(), static_cast<int>(kFirstDay + 2)) << "to the next day";

@@ -138,7 +138,8 @@ TEST_F(QtRegister, HeadersSortMoveAndHide) {
         table().setFocus();
         table().setCurrentIndex(table().model()->index(0, 2));
         QTest::keyClicks(&table(), "P");
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        // The platform gives no focus back after a menu, so the editor is asked for.
+        QTest::keyClick(table().findChild<QLineEdit*>("cellEditor"), Qt::Key_Return);
     });
     desk.then([&] {
         EXPECT_EQ(screen.fpgDays.cell(2, 2), "P");

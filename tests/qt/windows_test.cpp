@@ -182,7 +182,7 @@ TEST(Qt, TextCanBeReadOnEveryLegend) {
                                  0xFFFFFFu, 0x000000u, 0x0000FFu, 0x808080u})
             for (const Color fore : {kDefaultColor, 0x0000FFu, 0xFF0000u, 0x000000u, 0x008000u}) {
                 const CellColors colors = cellColors(back, fore, palette);
-                EXPECT_GE(contrastOf(colors.back, colors.fore), 4.5)
+                EXPECT_GE(contrast(colors.back, colors.fore), 4.5)
                     << std::hex << back << " " << fore;
             }
 }

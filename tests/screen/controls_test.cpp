@@ -239,7 +239,9 @@ TEST_F(Controls, WhatWritesIsAskedOnEveryWayIn) {
         {&sheet.cmbHead, [&] { return sheet.cmbHead.edit("Nobody"); }},
         {&sheet.fpgDays, [&] { return sheet.fpgDays.key("Delete"); }},
         {&sheet.fpgDays, [&] { return sheet.fpgDays.edit(0, 2, "1", reason); }},
-        {&sheet.fpgDays, [&] { return sheet.fpgDays.blocks.write({{0, 2, "1"}}); }}};
+        {&sheet.fpgDays, [&] {
+             return sheet.fpgDays.blocks.write({{0, 2, "1"}});
+         }}};
     for (const auto& [control, way] : ways) control->writes = true;
     for (const auto& [control, way] : ways) {
         sheet.events.clear();

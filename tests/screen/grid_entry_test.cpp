@@ -32,19 +32,17 @@ struct Hands {
 
     RecordedBoxes boxes;
     TestFrontEnd frontEnd{boxes};
-    GridScreen screen{frontEnd,
-                      {{.caption = "Id", .align = Align::Right},
-                       {.caption = "Name"},
-                       {.caption = "Leave",
-                        .type = CellType::Combo,
-                        .locked = false,
-                        .choices = {"CL", "CO", "CW", "LOP", "P", "PL", "SL"}},
-                       {.caption = "Days",
-                        .type = CellType::Number,
-                        .decimals = 1,
-                        .locked = false},
-                       {.caption = "From", .type = CellType::Date, .locked = false},
-                       {.caption = "On", .type = CellType::Check, .locked = false}}};
+    GridScreen screen{
+        frontEnd,
+        {{.caption = "Id", .align = Align::Right},
+         {.caption = "Name"},
+         {.caption = "Leave",
+          .type = CellType::Combo,
+          .locked = false,
+          .choices = {"CL", "CO", "CW", "LOP", "P", "PL", "SL"}},
+         {.caption = "Days", .type = CellType::Number, .decimals = 1, .locked = false},
+         {.caption = "From", .type = CellType::Date, .locked = false},
+         {.caption = "On", .type = CellType::Check, .locked = false}}};
     Grid& grid = screen.grid;
     std::string log;
 };
@@ -64,7 +62,7 @@ TEST(GridEntry, EveryKindOfCellTakesWhatIsTyped) {
              {0, 3, "'2.5 Enter", "1 Asha CL 2.5 - 0", "1,3"},
              {0, 3, "2 Esc", "", "0,3"},
              {0, 3, "F2 5 Enter", "1 Asha CL 1.1 - 0", "1,3"},  // 1.05
-             {0, 3, "F2 Left", "", "0,3 typing 1.0"},  // the caret's
+             {0, 3, "F2 Left", "", "0,3 typing 1.0"},           // the caret's
              {0, 3, "5 Left", "1 Asha CL 5.0 - 0", "0,2"},
              {0, 3, "'5x Enter", "", "0,3 typing 5x", "\"5x\" is no number: row 1, \"Days\"."},
              {0, 3, "Backspace Enter", "1 Asha CL - - 0", "1,3"},
@@ -294,7 +292,8 @@ TEST(GridEntry, SortingAndFiltersKeepToTheRows) {
     grid.sight.filter(2, {"CL", ""});
     EXPECT_TRUE(grid.rowHidden(2)) << "what works on all rows passes it over";
     EXPECT_EQ(grid.sight.summary(), "2 of 3 shown");
-    EXPECT_EQ(grid.sight.values(0), (std::vector<std::pair<std::string, size_t>>{{"1", 1}, {"2", 1}}));
+    EXPECT_EQ(grid.sight.values(0),
+              (std::vector<std::pair<std::string, size_t>>{{"1", 1}, {"2", 1}}));
     EXPECT_EQ(grid.sight.values(2).size(), 3U) << "its own filter does not count";
     // The screen reads its rows again: the filter stays, as its column does.
     grid.setRowCount(0);

@@ -18,8 +18,8 @@ class GridScreen final : public Screen {
     Grid grid;
 };
 
-// Keys by name with blanks between, "2 Down Down 3": a word of one character, or one that begins with
-// a quote, is typed text.
+// Keys by name with blanks between, "2 Down Down 3": a word of one character, or one that begins
+// with a quote, is typed text.
 inline void typeKeys(Grid& grid, const std::string& keys) {
     std::istringstream words(keys);
     for (std::string word; words >> word;) {

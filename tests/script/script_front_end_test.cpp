@@ -275,14 +275,16 @@ TEST(Script, KeysAndHeadersMoveInAGrid) {
         while (keys >> key) script += "key fpgDays " + key + "\n";
         const std::string all = printed(script + "show fpgDays");
         const size_t from = all.find("current=");
-        EXPECT_EQ(from == std::string::npos ? "" : all.substr(from + 8, all.rfind(" | ") - from - 8),
-                  c.current)
+        EXPECT_EQ(
+            from == std::string::npos ? "" : all.substr(from + 8, all.rfind(" | ") - from - 8),
+            c.current)
             << c.keys;
     }
     EXPECT_EQ(printed("key fpgDays F5\nshow lblCount"), "lblCount: key F5 | key F5 | Yes | Yes\n");
-    EXPECT_EQ(printed("cell fpgDays 2 Off\nkey fpgDays Space\nkey fpgDays Enter\nshow fpgDays 2 Off")
-                  .substr(0, 14),
-              "fpgDays 2 Off:")
+    EXPECT_EQ(
+        printed("cell fpgDays 2 Off\nkey fpgDays Space\nkey fpgDays Enter\nshow fpgDays 2 Off")
+            .substr(0, 14),
+        "fpgDays 2 Off:")
         << "behind the last cell that can be edited there is nothing to go to";
     EXPECT_EQ(printed("cell fpgDays 1 Date\ndblclick fpgDays 1 Date\nshow lblCount"),
               "lblCount: twice 0 | twice 0 | Yes | Yes\n");
@@ -298,12 +300,15 @@ TEST(Script, AGridIsSortedFilteredFoundAndFilled) {
         {"filter fpgDays Date = 03/01/2026; 04/01/2026\ndump fpgDays\nfilter fpgDays\nshow fpgDays",
          "Date,Kind,Off\n03/01/2026,CL,0\nfpgDays:  |  | Yes | Yes | status=2 of 3 shown\n"},
         {"find fpgDays 03/\nkey fpgDays Esc\nshow fpgDays",
-         "says: 1 found\nfpgDays: 03/01/2026 |  | Yes | Yes | current=2 Date | status=Row 2/2  (2 of "
+         "says: 1 found\nfpgDays: 03/01/2026 |  | Yes | Yes | current=2 Date | status=Row 2/2  (2 "
+         "of "
          "3 shown)\n"},
         {"cell fpgDays 2 Kind\ntype fpgDays e\nshow fpgDays",
-         "fpgDays: CL |  | Yes | Yes | current=2 Kind | typing=e | status=Row 2/2  (2 of 3 shown)\n"},
+         "fpgDays: CL |  | Yes | Yes | current=2 Kind | typing=e | status=Row 2/2  (2 of 3 "
+         "shown)\n"},
         {"cell fpgDays 2 Kind\ntype fpgDays x\nkey fpgDays Esc\nshow fpgDays 2 Off",
-         "says: No code begins with \"x\".\nfpgDays 2 Off: 0 | type=Check | locked=No | back=default | "
+         "says: No code begins with \"x\".\nfpgDays 2 Off: 0 | type=Check | locked=No | "
+         "back=default | "
          "fore=default | tag= | choices= | tip=cell 23\n"},
         {"select fpgDays 1 Kind 2 Kind\npaste fpgDays EL\ndump fpgDays",
          "says: 1 set, 1 skipped (locked)\nDate,Kind,Off\n01/01/2026,CL,0\n03/01/2026,EL,0\n"},
