@@ -15,6 +15,7 @@ namespace {
 
 constexpr const char* kSection = "LeaveMgmt";
 constexpr const char* kFolder = "ExportFolder";
+constexpr SheetColor kWhite = 0xFFFFFF;
 
 std::string askFile(Session& session, FrontEnd& frontEnd, FileQuestion question) {
     const std::string folder = session.settings.GetSetting(kSection, kFolder, "");
@@ -47,19 +48,18 @@ void ShowExportProgress(Progress& progress, size_t done, size_t all) {
 bool ExportGridToExcel(Session& session, FrontEnd& frontEnd, const Grid& grid,
                        const std::string& title, Progress& progress, size_t rowsToSkip,
                        bool showHeader) {
-    std::vector<size_t> columns;
     SheetTable table;
     table.name = title;
-    for (size_t c = 0; c < grid.columnCount(); ++c) {
-        const GridColumn& column = grid.column(c);
-        if (column.hidden) continue;
-        columns.push_back(c);
-        if (showHeader) table.header.push_back(column.caption);
-        table.columns.push_back(sheetColumn(column));
-        if (c < grid.frozenColumns) ++table.frozenColumns;
+    const std::vector<size_t>& columns = grid.sight.columns();
+    for (const size_t c : columns) {
+        if (showHeader) table.header.push_back(grid.column(c).caption);
+        table.columns.push_back(sheetColumn(grid.column(c)));
     }
-    for (size_t r = rowsToSkip; r < grid.rowCount(); ++r) {
-        if (grid.rowHidden(r)) continue;
+    table.frozenColumns = grid.sight.frozen();
+    for (const LegendEntry& entry : grid.legend)
+        table.legend.push_back({paperColor(entry.color).value_or(kWhite), entry.caption});
+    for (const size_t r : grid.sight.rows()) {
+        if (r < rowsToSkip) continue;
         std::vector<std::string> cells;
         for (const size_t c : columns) {
             const SheetLook look{paperColor(grid.backColor(r, c)),
@@ -69,7 +69,7 @@ bool ExportGridToExcel(Session& session, FrontEnd& frontEnd, const Grid& grid,
         }
         table.rows.push_back(std::move(cells));
         if (table.rows.size() % 200 == 0) {
-            ShowExportProgress(progress, r, grid.rowCount());
+            ShowExportProgress(progress, table.rows.size(), grid.rowCount());
             if (progress.cancelled()) return false;
         }
     }

@@ -10,6 +10,7 @@
 #include <clocale>
 
 #include "qt/legible_style.h"
+#include "qt/print_preview.h"
 #include "qt/qt_text.h"
 #include "qt/screen_window.h"
 
@@ -122,6 +123,10 @@ std::string QtFrontEnd::clipboard() {
 
 void QtFrontEnd::setClipboard(const std::string& text) {
     QGuiApplication::clipboard()->setText(toQt(text));
+}
+
+void QtFrontEnd::print(const Grid& grid, const PrintHeading& heading) {
+    if (ScreenWindow* window = top()) previewPrint(*window, grid, heading);
 }
 
 void QtFrontEnd::opened(Screen& screen) {

@@ -21,6 +21,7 @@ class QtFrontEnd final : public FrontEnd {
     BoxAnswer show(const Box& box) override;
     std::string askFile(const FileQuestion& question) override;
     void openFile(const std::string& path) override;
+    void print(const Grid& grid, const PrintHeading& heading) override;
     std::string clipboard() override;
     void setClipboard(const std::string& text) override;
     void opened(Screen& screen) override;

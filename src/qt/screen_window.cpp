@@ -7,7 +7,6 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QScrollArea>
-#include <QShortcut>
 #include <QSignalBlocker>
 #include <QTabBar>
 #include <QTabWidget>
@@ -16,7 +15,6 @@
 #include "base/utf8.h"
 #include "qt/contrast.h"
 #include "qt/key_names.h"
-#include "qt/print_preview.h"
 #include "qt/qt_text.h"
 #include "qt/window_memory.h"
 
@@ -44,11 +42,6 @@ ScreenWindow::ScreenWindow(Screen& screen, WindowMemory& memory, QWidget* below)
     // A popup leaves the window below open to the click that closes it.
     setWindowModality(screen.popup ? Qt::NonModal : Qt::ApplicationModal);
     build(screen.layout());
-    for (const Control* control : screen.controls())
-        if (dynamic_cast<const Grid*>(control) != nullptr) {
-            new QShortcut(QKeySequence::Print, this, [this] { printInFocus(); });
-            break;
-        }
     sync();
     resize(sizeHint());
     if (!screen.popup)
@@ -209,25 +202,6 @@ bool ScreenWindow::event(QEvent* event) {
     if (event->type() == QEvent::WindowDeactivate && screen_.popup && idle_)
         perform([this] { screen_.close(); });
     return QWidget::event(event);
-}
-
-// --- paper ---
-
-void ScreenWindow::print(const Grid& grid) {
-    if (idle_) previewPrint(*this, grid, screen_.printHeading(grid));
-}
-
-// The grid that has the focus, or the first one that is in sight.
-void ScreenWindow::printInFocus() {
-    const Grid* chosen = nullptr;
-    for (const auto& [control, view] : viewOf_) {
-        const auto* grid = dynamic_cast<const Grid*>(control);
-        if (grid == nullptr || !view->widget()->isVisible()) continue;
-        const QWidget* focus = focusWidget();
-        if (chosen == nullptr || (focus != nullptr && view->widget()->isAncestorOf(focus)))
-            chosen = grid;
-    }
-    if (chosen != nullptr) print(*chosen);
 }
 
 void ScreenWindow::say(const QString& text, bool refusal) {

@@ -22,7 +22,6 @@ class QTabWidget;
 
 namespace owb {
 
-class Grid;
 class WindowMemory;
 
 class ScreenWindow final : public QWidget {
@@ -51,9 +50,6 @@ class ScreenWindow final : public QWidget {
     bool openMenu(const Control& control, const QPoint& at);
     // The line at the bottom: why an entry was refused, the sum of a selection. The screen's own
     // status stands at its right end.
-    // Shows the grid on paper.
-    void print(const Grid& grid);
-    // The line at the bottom: why an entry was refused, the sum of a selection.
     void say(const QString& text, bool refusal = false);
 
   protected:
@@ -94,7 +90,6 @@ class ScreenWindow final : public QWidget {
     void askToClose();
     void perform(const std::function<void()>& deed);
     void fillMenu(QMenu& menu, const Control& control, MenuItem*& chosen);
-    void printInFocus();
 
     Screen& screen_;
     WindowMemory& memory_;

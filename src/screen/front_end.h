@@ -7,7 +7,9 @@
 
 namespace owb {
 
+class Grid;
 class Screen;
+struct PrintHeading;
 
 // Where a spreadsheet, or a file of another kind, goes to or comes from.
 struct FileQuestion {
@@ -23,6 +25,8 @@ class FrontEnd : public MessageBoxes {
     virtual std::string askFile(const FileQuestion&) { return ""; }
     // Shows a file that was written in the desktop's program for it.
     virtual void openFile(const std::string&) {}
+    // Shows the grid as it will stand on paper, from where the user prints or saves it.
+    virtual void print(const Grid&, const PrintHeading&) {}
     // What was copied last, on the desktop or, without one, here.
     virtual std::string clipboard() { return clipboard_; }
     virtual void setClipboard(const std::string& text) { clipboard_ = text; }

@@ -115,6 +115,8 @@ class Grid : public Control {
     // The text as the cell would hold it; nothing, with the reason, when it does not fit.
     std::optional<std::string> fitted(size_t row, size_t c, const std::string& text,
                                       std::string& reason) const;
+    // Shows what is in sight as it will stand on paper.
+    void print();
     // The picker of a date cell; false where there is none.
     bool pick(size_t row, size_t c);
 

@@ -5,6 +5,7 @@
 #include "base/number_text.h"
 #include "base/utf8.h"
 #include "screen/grid.h"
+#include "screen/print_pages.h"
 #include "screen/screen.h"
 
 namespace owb {
@@ -143,7 +144,13 @@ bool Grid::pick(size_t row, size_t c) {
 }
 
 bool Grid::key(const std::string& key) {
-    return Control::key(key) || entry.press(key);
+    if (Control::key(key) || entry.press(key)) return true;
+    if (key == "Ctrl+P") print();
+    return key == "Ctrl+P";
+}
+
+void Grid::print() {
+    frontEnd().print(*this, screen().printHeading());
 }
 
 void Grid::leave() {

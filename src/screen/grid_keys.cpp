@@ -13,6 +13,7 @@ std::vector<KeyHelp> Grid::keyHelp() const {
         {"Ctrl+Tab, F6", "leave the list; with Shift backwards"},
         {"Ctrl+C", "copies what is chosen"},
         {"Ctrl+F, F3, Shift+F3", "find a text, the next one, the one before"},
+        {"Ctrl+P", "prints what is in sight, or saves it as a PDF"},
         {"Ctrl+Shift+F", "shows only rows with chosen texts of the column"},
         {"Ctrl+Shift+L", "opens the menu of the column"},
         {"Ctrl++, Ctrl+-, Ctrl+0", "zoom the list; so does the wheel with Ctrl"}};

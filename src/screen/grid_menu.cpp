@@ -74,6 +74,7 @@ std::vector<GridMenuItem> gridMenu(Grid& grid, std::optional<size_t> column) {
                 keyItem(grid, "&Undo", "Ctrl+Z", grid.history.canUndo()),
                 keyItem(grid, "R&edo", "Ctrl+Y", grid.history.canRedo()),
                 keyItem(grid, "&Find...", "Ctrl+F"),
+                {"Pr&int...", "Ctrl+P", [&grid] { grid.print(); }},
                 {"-"}};
     if (column) addColumn(items, grid, *column);
     items.push_back(columnsItem(grid));

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <sstream>
 
+#include "base/number_text.h"
 #include "base/utf8.h"
 
 namespace owb {
@@ -21,15 +23,24 @@ struct Shown {
 };
 
 Shown shownOf(const Grid& grid) {
-    Shown shown;
-    for (size_t c = 0; c < grid.columnCount(); ++c) {
-        if (grid.column(c).hidden) continue;
-        if (c < grid.frozenColumns) ++shown.frozen;
-        shown.columns.push_back(c);
-    }
-    for (size_t r = 0; r < grid.rowCount(); ++r)
-        if (!grid.rowHidden(r)) shown.rows.push_back(r);
+    Shown shown{grid.sight.rows(), grid.sight.columns(), grid.sight.frozen()};
+    const bool hasTotals = std::any_of(shown.columns.begin(), shown.columns.end(),
+                                       [&](size_t c) { return grid.column(c).total; });
+    if (hasTotals && !shown.rows.empty()) shown.rows.push_back(kTotals);
     return shown;
+}
+
+// "Department: Stores, Works", "214 of 2,000 shown".
+std::vector<std::string> filtersOf(const Grid& grid) {
+    std::vector<std::string> told;
+    for (const auto& [column, texts] : grid.sight.filters()) {
+        std::string line;
+        for (const std::string& text : texts)
+            line += (line.empty() ? "" : ", ") + (text.empty() ? "(empty)" : text);
+        told.push_back(grid.column(column).caption + ": " + line);
+    }
+    if (const std::string summary = grid.sight.summary(); !summary.empty()) told.push_back(summary);
+    return told;
 }
 
 std::vector<std::string> words(const std::string& text) {
@@ -51,8 +62,8 @@ double columnWidth(const Grid& grid, size_t c, const std::vector<size_t>& rows,
         if (const std::string text = printedText(grid, row, c); !text.empty())
             widest = std::max(widest, font.width(text));
     widest = std::min(widest, font.width(std::string(kWidestDigits, '0')));
-    for (const std::string& word : words(grid.column(c).caption))
-        widest = std::max(widest, font.width(word));
+    for (const std::string& line : headerLines(grid.column(c), 0, font))
+        widest = std::max(widest, font.width(line));
     return widest + 2 * kPrintPadding;
 }
 
@@ -142,15 +153,16 @@ class HeadLines {
     std::vector<PrintedText> pieces_;
 };
 
-void layHead(const PrintHeading& heading, const PrintPaper& paper, const PrintFont& font,
-             PrintPages& into) {
+void layHead(const Grid& grid, const PrintHeading& heading, const PrintPaper& paper,
+             const PrintFont& font, PrintPages& into) {
     HeadLines lines(paper.width, font);
     lines.line(heading.company, heading.printed, PrintedText::Bold);
     lines.line(heading.title, "", PrintedText::Bold);
     for (const std::string& filter : heading.filters) lines.flow({.text = filter});
+    for (const std::string& filter : filtersOf(grid)) lines.flow({.text = filter});
     lines.endFlow();
-    for (const LegendText& entry : heading.legend)
-        lines.flow({.kind = PrintedText::Chip, .text = entry.text, .color = entry.color});
+    for (const LegendEntry& entry : grid.legend)
+        lines.flow({.kind = PrintedText::Chip, .text = entry.caption, .color = entry.color});
     lines.endFlow();
     into.headHeight = lines.height();
     into.head = lines.take();
@@ -173,7 +185,7 @@ PrintPaper landscape(PaperSize size) {
 PrintPages layPages(const Grid& grid, const PrintHeading& heading, const PrintPaper& paper,
                     const PrintFont& font) {
     PrintPages laid;
-    layHead(heading, paper, font, laid);
+    layHead(grid, heading, paper, font, laid);
     Shown shown = shownOf(grid);
     if (shown.rows.empty() || shown.columns.empty()) return laid;
 
@@ -213,6 +225,11 @@ PrintPages layPages(const Grid& grid, const PrintHeading& heading, const PrintPa
 std::vector<std::string> headerLines(const GridColumn& column, double width,
                                      const PrintFont& font) {
     std::vector<std::string> lines;
+    if (!column.heading.empty()) {
+        std::istringstream text(column.heading);
+        for (std::string line; std::getline(text, line);) lines.push_back(line);
+        return lines;
+    }
     for (const std::string& word : words(column.caption)) {
         const double room = width - 2 * kPrintPadding;
         if (!lines.empty() && font.width(lines.back() + " " + word) <= room)
@@ -224,13 +241,11 @@ std::vector<std::string> headerLines(const GridColumn& column, double width,
 }
 
 std::string printedText(const Grid& grid, size_t row, size_t c) {
+    const GridColumn& column = grid.column(c);
+    if (row == kTotals) return column.total ? grid.totalText(c) : "";
     if (grid.cellType(row, c) == CellType::Check) return grid.checked(row, c) ? "Yes" : "No";
-    return grid.cell(row, c);
-}
-
-bool printedLocked(const Grid& grid, size_t row, size_t c) {
-    return grid.backColor(row, c) == kButtonFaceColor ||
-           (grid.locked(row, c) && !grid.column(c).locked);
+    const std::string& text = grid.cell(row, c);
+    return column.amount && !text.empty() ? groupIndian(text) : text;
 }
 
 std::optional<uint32_t> paperColor(Color color) {

@@ -16,18 +16,13 @@
 
 namespace owb {
 
-struct LegendText {
-    Color color = kDefaultColor;
-    std::string text;
-};
-
-// What is told above the table, on every page; what is empty takes no room.
+// What a screen tells above its table on every page, before the filters and the legend of the grid;
+// what is empty takes no room.
 struct PrintHeading {
     std::string company;
     std::string title;                 // "Plant - Mar/2026 - Attendance Detail"
     std::string printed;               // by whom and when: "ADMIN, 05/Mar/2026 14:02"
-    std::vector<std::string> filters;  // "Department: Stores"
-    std::vector<LegendText> legend;
+    std::vector<std::string> filters;  // of the screen's own: "Department: Stores"
 };
 
 enum class PaperSize { A4, A3 };
@@ -67,8 +62,11 @@ struct PrintedColumn {
 struct PrintedPage {
     std::vector<PrintedColumn> columns;
     size_t frozen = 0;  // of them, at the left, are repeated on the pages beside it
-    std::vector<size_t> rows;
+    std::vector<size_t>
+        rows;  // of the grid; kTotals at the end of the last page where there are any
 };
+
+constexpr size_t kTotals = static_cast<size_t>(-1);
 
 struct PrintPages {
     std::vector<PrintedText> head;
@@ -82,12 +80,10 @@ struct PrintPages {
 PrintPages layPages(const Grid& grid, const PrintHeading& heading, const PrintPaper& paper,
                     const PrintFont& font);
 
-// The header of a column, wrapped between words so that it fits into a width.
+// The header of a column: its heading, or its caption wrapped between words to fit into a width.
 std::vector<std::string> headerLines(const GridColumn& column, double width, const PrintFont& font);
 // The text of a cell as it is printed.
 std::string printedText(const Grid& grid, size_t row, size_t c);
-// Whether no entry is taken there although its column takes some: such a cell is hatched.
-bool printedLocked(const Grid& grid, size_t row, size_t c);
 // A cell's colour on white paper, as red-green-blue: the desktop's own are those of a light one;
 // nothing for the paper's own.
 std::optional<uint32_t> paperColor(Color color);

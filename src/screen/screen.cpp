@@ -42,7 +42,7 @@ Layout Screen::layout() {
     return column(std::move(parts));
 }
 
-PrintHeading Screen::printHeading(const Grid&) {
+PrintHeading Screen::printHeading() const {
     return {.title = caption};
 }
 

@@ -43,7 +43,7 @@ class Screen {
     Control* takeFocus() { return std::exchange(focus_, nullptr); }
 
     // What stands above a grid of the screen on paper.
-    virtual PrintHeading printHeading(const Grid& grid);
+    virtual PrintHeading printHeading() const;
 
     // Load, draw, activate, take input, unload; returns when the screen has closed. A load that
     // fails or closes the screen keeps it from being drawn.
@@ -58,9 +58,9 @@ class Screen {
     virtual bool mayClose() { return true; }
 
     // Whether a key means something on this screen, wherever the focus is, and what it does then:
-    // Esc closes, F1 shows the keys, Ctrl+PgUp and Ctrl+PgDown turn the pages, and the shortcuts of
-    // commands and menu items. The control with the focus is left first; when its handler holds the
-    // focus there, nothing more is done.
+    // Esc closes, F1 shows the keys, Ctrl+P prints the first list, Ctrl+PgUp and Ctrl+PgDown turn
+    // the pages, and the shortcuts of commands and menu items. The control with the focus is left
+    // first; when its handler holds the focus there, nothing more is done.
     bool uses(const std::string& key) const;
     bool press(const std::string& key, Control* focused = nullptr);
     // The keys of this screen, its commands first.
@@ -99,7 +99,8 @@ class Screen {
     void add(Control& control) { controls_.push_back(&control); }
     void remove(Control& control);
     Control* commandOf(const std::string& key) const;
-    Tabs* pages() const;  // in front; null: none
+    Tabs* pages() const;      // in front; null: none
+    Grid* firstGrid() const;  // in sight; null: none
 
     FrontEnd& frontEnd_;
     std::string name_;

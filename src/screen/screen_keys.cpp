@@ -1,6 +1,7 @@
 // What keys do on a screen, wherever the focus is, and the sheet that tells them.
 #include <algorithm>
 
+#include "screen/grid.h"
 #include "screen/key_sheet.h"
 #include "screen/screen.h"
 
@@ -40,10 +41,17 @@ Tabs* Screen::pages() const {
     return nullptr;
 }
 
+Grid* Screen::firstGrid() const {
+    for (Control* control : controls_)
+        if (auto* grid = dynamic_cast<Grid*>(control); grid && grid->visible) return grid;
+    return nullptr;
+}
+
 bool Screen::uses(const std::string& key) const {
     if (key.empty()) return false;  // most controls have no shortcut
     if (key == "Esc") return true;
     if (key == "F1") return !popup;
+    if (key == "Ctrl+P" && firstGrid() != nullptr) return true;
     return pageStep(key) != 0 ? pages() != nullptr : commandOf(key) != nullptr;
 }
 
@@ -61,6 +69,8 @@ bool Screen::press(const std::string& key, Control* focused) {
             tabs->select(tabs->page + static_cast<size_t>(step));  // beyond the ends: nothing
         } else if (Control* command = commandOf(key)) {
             command->click();
+        } else if (Grid* grid = firstGrid()) {
+            grid->print();
         }
     }
     return true;

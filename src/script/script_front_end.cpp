@@ -134,7 +134,7 @@ bool ScriptFrontEnd::ownCommand(Screen& screen, const std::string& line) {
     } else if (verb == "file") {
         files_.push_back(rest);
     } else if (verb == "print") {
-        print(screen, rest);
+        printTo(screen, rest);
     } else if (verb == "focus") {
         moveFocus(screen, "");
         const std::string& name = focus_[&screen];
@@ -145,18 +145,28 @@ bool ScriptFrontEnd::ownCommand(Screen& screen, const std::string& line) {
     return true;
 }
 
-void ScriptFrontEnd::print(Screen& screen, const std::string& words) {
+// Into the file that is queued, as other questions for one are answered.
+void ScriptFrontEnd::print(const Grid& grid, const PrintHeading& heading) {
+    const std::string path = askFile({.title = "Print", .save = true});
+    if (!path.empty()) printTo(grid, heading, PaperSize::A4, path);
+}
+
+void ScriptFrontEnd::printTo(Screen& screen, const std::string& words) {
     std::string rest = words;
     const Grid& grid = gridNamed(screen, takeWord(rest));
     const auto isFile = [](const std::string& text) { return text.ends_with(".pdf"); };
     std::optional<PaperSize> paper = PaperSize::A4;
     if (!isFile(rest)) paper = paperNamed(takeLastWord(rest));
-    const std::string& path = rest;
-    if (!isFile(path) || !paper)
+    if (!isFile(rest) || !paper)
         throw ScriptError{"print wants a file whose name ends in .pdf, and A4 or A3 behind it"};
+    printTo(grid, screen.printHeading(), *paper, rest);
+}
+
+void ScriptFrontEnd::printTo(const Grid& grid, const PrintHeading& heading, PaperSize paper,
+                             const std::string& path) {
     if (!printToPdf) throw ScriptError{"this program does not print"};
     try {
-        const size_t pages = printToPdf(grid, screen.printHeading(grid), *paper, path);
+        const size_t pages = printToPdf(grid, heading, paper, path);
         out_ << "print: " << path << '|' << pages << (pages == 1 ? " page" : " pages") << std::endl;
     } catch (const std::exception& e) {
         throw ScriptError{e.what()};

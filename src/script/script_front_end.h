@@ -36,6 +36,7 @@ class ScriptFrontEnd final : public FrontEnd {
     BoxAnswer show(const Box& box) override;
     std::string askFile(const FileQuestion& question) override;
     void openFile(const std::string& path) override;
+    void print(const Grid& grid, const PrintHeading& heading) override;
     void opened(Screen& screen) override;
     void run(Screen& screen) override;
     void closed(Screen& screen) override;
@@ -45,7 +46,9 @@ class ScriptFrontEnd final : public FrontEnd {
   private:
     void command(Screen& screen, const std::string& line);
     bool ownCommand(Screen& screen, const std::string& line);
-    void print(Screen& screen, const std::string& words);
+    void printTo(Screen& screen, const std::string& words);
+    void printTo(const Grid& grid, const PrintHeading& heading, PaperSize paper,
+                 const std::string& path);
     void moveFocus(Screen& screen, const std::string& acted);
     void fail(const std::string& reason);
 

@@ -60,8 +60,11 @@ TEST(SheetFile, OfAGridKeepsColoursDatesNumbersAndWhatStaysInSight) {
                {.caption = "05/Mar/2026"},
                {.caption = "Select", .type = CellType::Check}});
     grid.frozenColumns = 2;
+    grid.legend = {{0x80C0FF, "Full Day WH"}};
     grid.addRow({"1", "Asha", "31.0", "01/03/2026", "CL", "1"});
     grid.addRow({"2", "Ravi", "", "later", "", "0"});
+    grid.addRow({"3", "Mina", "", "", "", "0"});
+    grid.sight.filter(1, {"Asha", "Ravi"});
     grid.setBackColor(0, 4, 0x80C0FF);
     grid.setForeColor(0, 4, 0xFF0000);
     grid.setBackColor(1, 4, kButtonFaceColor);
@@ -78,6 +81,8 @@ TEST(SheetFile, OfAGridKeepsColoursDatesNumbersAndWhatStaysInSight) {
     EXPECT_EQ(parts.cell("D5"), "text CL @ back FFFFC080 fore FF0000FF");
     EXPECT_EQ(parts.cell("D6"), "empty @ back FFF0F0F0");
     EXPECT_EQ(parts.cell("E5"), "text Yes @");
+    EXPECT_EQ(parts.cell("A7"), "none") << "filtered out";
+    EXPECT_EQ(parts.cell("A8"), "text Full Day WH General back FFFFC080");
     EXPECT_EQ(parts.frozen(), "1 column 4 rows");
     EXPECT_EQ(sheetDateText(readSheet(path)[4][2]), "01/03/2026") << "and it can be read back";
 }

@@ -117,15 +117,14 @@ TEST_F(Paper, TooManyColumnsAreCutIntoStripsThatRepeatTheFrozenOnes) {
 }
 
 TEST_F(Paper, RowsGoOnFromPageToPageBelowHeadAndHeader) {
-    fill({4}, 10);
-    grid.setRowHidden(1, true);
+    fill({4}, 9);
     const double header = kRow;
-    EXPECT_EQ(rowsOf(lay(400, header + 4 * kRow + kFoot)), "0-4 5-8 9-9 ");
-    EXPECT_EQ(rowsOf(lay(400, header + 9 * kRow + kFoot)), "0-9 ");
+    EXPECT_EQ(rowsOf(lay(400, header + 4 * kRow + kFoot)), "0-3 4-7 8-8 ");
+    EXPECT_EQ(rowsOf(lay(400, header + 9 * kRow + kFoot)), "0-8 ");
     const PrintHeading heading{.company = "Works", .title = "List"};
     const double head = 2 * kRow + 5;
     EXPECT_DOUBLE_EQ(lay(400, 300, heading).headHeight, head);
-    EXPECT_EQ(rowsOf(lay(400, head + header + 4 * kRow + kFoot, heading)), "0-4 5-8 9-9 ");
+    EXPECT_EQ(rowsOf(lay(400, head + header + 4 * kRow + kFoot, heading)), "0-3 4-7 8-8 ");
     EXPECT_EQ(lay(400, 10).pages.size(), 9U) << "a row a page where there is no room";
     // Strips side by side come before the next rows.
     fill({40, 40}, 4);
@@ -144,13 +143,16 @@ TEST_F(Paper, NothingInSightMakesNoPage) {
 }
 
 TEST_F(Paper, TheHeadTellsWhoseDataAndWhichAreShown) {
-    fill({4}, 1);
-    const PrintHeading heading{
-        .company = "Works",
-        .title = "List",
-        .printed = "ADMIN, 05/Mar/2026 14:02",
-        .filters = {"Department: Stores", "Leave: CL"},
-        .legend = {{0x80C0FF, "Full Day WH"}, {kButtonFaceColor, "Entry Locked"}}};
+    fill({4, 4}, 3);
+    grid.changeColumn(1).caption = "Department";
+    grid.setCell(0, 1, "Stores");
+    grid.setCell(1, 1, "Works");
+    grid.sight.filter(1, {"Stores", "Works"});
+    grid.legend = {{0x80C0FF, "Full Day WH"}, {kButtonFaceColor, "Entry Locked"}};
+    const PrintHeading heading{.company = "Works",
+                               .title = "List",
+                               .printed = "ADMIN, 05/Mar/2026 14:02",
+                               .filters = {"Leave: CL"}};
     const auto told = [](const PrintPages& laid) {
         std::string text;
         for (const PrintedText& piece : laid.head)
@@ -159,30 +161,41 @@ TEST_F(Paper, TheHeadTellsWhoseDataAndWhichAreShown) {
         return text;
     };
     EXPECT_EQ(told(lay(300, 300, heading)),
-              "0,0 Works; 0,0 ADMIN, 05/Mar/2026 14:02; 0,13 List; 0,26 Department: Stores; "
-              "102,26 Leave: CL; 0,39 Full Day WH; 80,39 Entry Locked; ");
+              "0,0 Works; 0,0 ADMIN, 05/Mar/2026 14:02; 0,13 List; 0,26 Leave: CL; 57,26 "
+              "Department: Stores, Works; 194,26 2 of 3 shown; 0,39 Full Day WH; 80,39 Entry "
+              "Locked; ");
     EXPECT_EQ(told(lay(140, 300, heading)),
-              "0,0 Works; 0,0 ADMIN, 05/Mar/2026 14:02; 0,13 List; 0,26 Department: Stores; "
-              "0,39 Leave: CL; 0,52 Full Day WH; 0,65 Entry Locked; ")
+              "0,0 Works; 0,0 ADMIN, 05/Mar/2026 14:02; 0,13 List; 0,26 Leave: CL; 0,39 "
+              "Department: Stores, Works; 0,52 2 of 3 shown; 0,65 Full Day WH; 0,78 Entry "
+              "Locked; ")
         << "what does not fit goes to the next line";
+    grid.legend.clear();
+    grid.sight.clearFilters();
     EXPECT_EQ(lay(300, 300).headHeight, 0);
 }
 
-TEST_F(Paper, CellsArePrintedAsTheyRead) {
-    grid.setColumns({{.caption = "Day", .locked = false},
-                     {.caption = "Tick", .type = CellType::Check, .locked = false},
-                     {.caption = "Name"}});
-    grid.addRow({"CL", "1", "Asha"});
-    grid.addRow({"", "", ""});
+TEST_F(Paper, WhatIsInSightIsPrintedInItsOrderWithTheTotalsBelow) {
+    grid.setColumns({{.caption = "Name"},
+                     {.caption = "Tick", .type = CellType::Check},
+                     {.caption = "Rate", .type = CellType::Number, .amount = true, .total = true},
+                     {.caption = "05/Mar/2026", .heading = "05\nThu"}});
+    grid.addRow({"Ravi", "1", "250000.00", "CL"});
+    grid.addRow({"Asha", "", "100000.50", ""});
+    grid.addRow({"Mina", "", "1.00", ""});
+    grid.sight.sort(GridSight::Order{0, false});
+    grid.sight.hideColumn(1, true);
+    grid.sight.freeze(1);
+    const PrintPages laid = lay(400, 300);
+    EXPECT_EQ(columnsOf(laid), "0 2 3 ");
+    EXPECT_EQ(laid.pages[0].rows, (std::vector<size_t>{1, 2, 0, kTotals}));
+    EXPECT_EQ(laid.pages[0].frozen, 1U);
     EXPECT_EQ(printedText(grid, 0, 1), "Yes");
     EXPECT_EQ(printedText(grid, 1, 1), "No");
-    EXPECT_EQ(printedText(grid, 0, 0), "CL");
-    grid.setLocked(0, 0, true);
-    grid.setBackColor(1, 0, kButtonFaceColor);
-    EXPECT_TRUE(printedLocked(grid, 0, 0));
-    EXPECT_TRUE(printedLocked(grid, 1, 0));
-    EXPECT_FALSE(printedLocked(grid, 0, 1));
-    EXPECT_FALSE(printedLocked(grid, 0, 2)) << "a column that takes no entry at all";
+    EXPECT_EQ(printedText(grid, 0, 2), "2,50,000.00");
+    EXPECT_EQ(printedText(grid, kTotals, 2), "3,50,001.50");
+    EXPECT_EQ(printedText(grid, kTotals, 0), "");
+    EXPECT_DOUBLE_EQ(laid.pages[0].columns[2].width, 21) << "as its heading, not its caption";
+    EXPECT_DOUBLE_EQ(laid.headerHeight, 23);
 }
 
 TEST(PaperSizes, AreLandscapeWithinTheMargins) {

@@ -115,11 +115,11 @@ void GridPainter::paintTable(QPainter& painter, const PrintedPage& page) const {
 void GridPainter::paintHeader(QPainter& painter, const PrintedPage& page) const {
     for (const PrintedColumn& column : page.columns) {
         const QRectF box(column.left, 0, column.width, pages_.headerHeight);
-        painter.fillRect(box, kHeaderColor);
+        const GridColumn& shown = grid_.column(column.column);
+        painter.fillRect(box, onPaper(shown.headingColor, kHeaderColor));
         painter.setPen(QPen(kLineColor, kThinLine));
         painter.setBrush(Qt::NoBrush);
         painter.drawRect(box);
-        const GridColumn& shown = grid_.column(column.column);
         const std::vector<std::string> lines = headerLines(shown, column.width, font_);
         double top = (box.height() - font_.line * static_cast<double>(lines.size())) / 2;
         for (const std::string& line : lines) {
@@ -132,16 +132,19 @@ void GridPainter::paintHeader(QPainter& painter, const PrintedPage& page) const 
 }
 
 void GridPainter::paintCell(QPainter& painter, const QRectF& at, size_t row, size_t c) const {
-    painter.fillRect(at, onPaper(grid_.backColor(row, c), Qt::white));
-    if (printedLocked(grid_, row, c)) painter.fillRect(at, QBrush(kHatchColor, Qt::BDiagPattern));
+    const bool isTotal = row == kTotals;
+    const Color back = isTotal ? kDefaultColor : grid_.backColor(row, c),
+                fore = isTotal ? kDefaultColor : grid_.foreColor(row, c);
+    painter.fillRect(at, onPaper(back, isTotal ? kHeaderColor : Qt::white));
+    if (back == kButtonFaceColor) painter.fillRect(at, QBrush(kHatchColor, Qt::BDiagPattern));
     painter.setPen(QPen(kLineColor, kThinLine));
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(at);
     const std::string text = printedText(grid_, row, c);
     if (text.empty()) return;
     drawText(painter, at.adjusted(kPrintPadding, 0, -kPrintPadding, 0),
-             alignmentOf(grid_.column(c), grid_.cellType(row, c)), toQt(text), plain_,
-             onPaper(grid_.foreColor(row, c), Qt::black));
+             alignmentOf(grid_.column(c), isTotal ? CellType::Number : grid_.cellType(row, c)),
+             toQt(text), plain_, onPaper(fore, Qt::black));
 }
 
 }  // namespace owb

@@ -2,7 +2,6 @@
 
 #include "base/utf8.h"
 #include "family/modCommon.h"
-#include "session/lenient_queries.h"
 #include "session/modRights.h"
 #include "session/queries.h"
 
@@ -12,6 +11,13 @@ namespace {
 
 constexpr const char* kReadOnly = "Read only";
 constexpr const char* kPermissionDenied = "Permission denied.";
+
+std::string joined(std::initializer_list<std::string> parts) {
+    std::string whole;
+    for (const std::string& part : parts)
+        if (!part.empty()) whole += (whole.empty() ? "" : " - ") + part;
+    return whole;
+}
 
 }  // namespace
 
@@ -36,12 +42,16 @@ std::string SessionScreen::titleHead() const {
 
 std::string SessionScreen::title() const {
     const std::string head = titleHead();
-    std::string whole;
-    for (const std::string& part :
-         {head.empty() ? companyName() : head, FnStrMonthYearText(titleMonth()), trim(caption),
-          head.empty() ? std::string() : companyName()})
-        if (!part.empty()) whole += (whole.empty() ? "" : " - ") + part;
+    const std::string whole =
+        joined({head.empty() ? companyName() : head, FnStrMonthYearText(titleMonth()),
+                trim(caption), head.empty() ? std::string() : companyName()});
     return session_.gReadOnly ? whole + " (" + kReadOnly + ")" : whole;
+}
+
+PrintHeading SessionScreen::printHeading() const {
+    return {.company = companyName(),
+            .title = joined({titleHead(), FnStrMonthYearText(titleMonth()), trim(caption)}),
+            .printed = session_.gUser + ", " + dateText(session_.now(), "dd/MMM/yyyy HH:mm")};
 }
 
 // --- what the user may do ---
@@ -89,16 +99,6 @@ bool SessionScreen::mayClose() {
 
 bool SessionScreen::mayWrite(const Control& control) {
     return writable_ && !FnBlnCommandDenied(session_, control.tag);
-}
-
-PrintHeading SessionScreen::printHeading(const Grid&) {
-    std::string title;
-    for (const std::string& part : {session_.gAttHeadId > 0 ? session_.gAtt.ATTHEADNAME : "",
-                                    FnStrMonthYearText(session_.gMonthYear), trim(caption)})
-        if (!part.empty()) title += (title.empty() ? "" : " - ") + part;
-    return {.company = FnVarGetValue(session_, "SELECT CMPNAME FROM MAS_COMPANY").toText(),
-            .title = title,
-            .printed = session_.gUser + ", " + dateText(session_.now(), "dd/MMM/yyyy HH:mm")};
 }
 
 bool SessionScreen::refused(const std::optional<Refusal>& refusal) {

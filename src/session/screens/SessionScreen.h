@@ -39,7 +39,7 @@ class SessionScreen : public Screen {
     // Asks before what the user has typed is dropped.
     bool mayClose() override;
     // With company, head, month, user and time.
-    PrintHeading printHeading(const Grid& grid) override;
+    PrintHeading printHeading() const override;
 
     Session& session() { return session_; }
     using Screen::frontEnd;
