@@ -80,6 +80,9 @@ TEST(Programs, TheLauncherIsDrivenByScript) {
               "box: question|Orvane Wagebook|Still open: Holiday List (All).\\nThey stay open. "
               "Close the launcher?|YesNo|Yes\n"
               "close: frmShell\n");
+    // The company has been opened by no screen so far.
+    EXPECT_EQ(programs.run("OWBFilter 1500,True", "click cmdClose\n").out,
+              "open: frmFilter|OrvaneWagebook - Filter\nclose: frmFilter\n");
     const std::string sample = programs.folder.file("new.owb");
     const Programs::Outcome changed =
         programs.run("OWBShell",

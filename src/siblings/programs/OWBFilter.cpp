@@ -2,8 +2,10 @@
 // family's programs tell theirs.
 #include "app/SettingsShellTalk.h"
 #include "app/modInitialize.h"
+#include "db/sql_text.h"
 #include "session/modEmployeeViews.h"
 #include "session/modOWBSetting.h"
+#include "session/queries.h"
 #include "siblings/frmFilter.h"
 #include "siblings/programs/sibling_program.h"
 
@@ -18,6 +20,14 @@ constexpr const char* kUsage =
     "  --help     this text\n"
     "  --version  the program's version";
 
+// Where no screen of this host has opened the company yet, there is no filter to set.
+void makeFilterObjects(owb::Session& session) {
+    using namespace owb;
+    if (!FnBlnExistsOrThrow(session, Sql() << "SELECT * FROM SYS.VIEWS WHERE '[' + NAME + ']' = "
+                                           << literal(session.gEmployeeView)))
+        CreateFilterObjects(session);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -28,6 +38,7 @@ int main(int argc, char** argv) {
         SettingsShellTalk shell(session.settings, session.exeName);
         ReadLaunchSettings(session);  // an extended session has a filter table of its own
         SetHostNames(session);
+        makeFilterObjects(session);
         shell.screenOpened("frmFilter");
         frmFilter(session, frontEnd).showModal();
         shell.screenClosed();
