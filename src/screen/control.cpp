@@ -116,8 +116,8 @@ void ProgressBar::step(size_t done, size_t total) {
 }
 
 std::string ProgressBar::progress() const {
-    if (maximum == 0) return "";
-    std::string told = "Step " + std::to_string(value) + " of " + std::to_string(maximum);
+    if (maximum == 0 || counted.empty()) return "";
+    std::string told = counted + " " + std::to_string(value) + " of " + std::to_string(maximum);
     const std::chrono::duration<double> gone = std::chrono::steady_clock::now() - begun_;
     constexpr double kTooEarly = 1;  // seconds
     if (value <= from_ || value >= maximum || gone.count() < kTooEarly ||

@@ -113,8 +113,10 @@ class ProgressBar : public Control {
     std::string text() const override;
     // So many rows of all are done; the first step of a pass begins its time.
     void step(size_t done, size_t total);
-    // "Step 120 of 2000, 8 s left"; the time once it can be told.
+    // "Step 120 of 2000, 8 s left"; the time once it can be told. "" where nothing is counted.
     std::string progress() const;
+
+    std::string counted = "Step";  // what is done one by one
 
     size_t value = 0;
     size_t maximum = 0;

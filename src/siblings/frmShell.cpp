@@ -41,13 +41,14 @@ frmShell::frmShell(Session& session, FrontEnd& frontEnd, const std::string& sock
     txtSearch.toolTip = "A few letters of a screen's name; Enter opens it";
     txtSearch.onChange = [this] { search(); };
     txtSearch.onKey = [this](const std::string& key) { return searchKey(key); };
-    for (Grid* grid : {&fpgHead, &fpgScreen})
-        grid->onKey = [this](const std::string& key) { return functionKey(key); };
+    cmdRecalc.shortcut = "F9";
     cmdRecalc.onClick = [this] { open(kProcessLeave); };
     cmdCompany.onClick = [this] { cmdCompany_Click(); };
     cmdAbout.onClick = [this] { cmdAbout_Click(); };
     cmdOpen.onClick = [this] { cmdOpen_Click(); };
-    cmdClose.onClick = [this] { cmdClose_Click(); };
+    cmdClose.onClick = [this] {
+        if (mayClose()) close();
+    };
 }
 
 Layout frmShell::layout() {
@@ -145,7 +146,7 @@ bool frmShell::searchKey(const std::string& key) {
     else if (key == "Down" || key == "Up")
         moveCurrent(key == "Down" ? 1 : -1);
     else
-        return functionKey(key);
+        return false;
     return true;
 }
 
@@ -156,12 +157,6 @@ void frmShell::moveCurrent(int step) {
         fpgScreen.setCurrent(r, kTitle);
         return;
     }
-}
-
-bool frmShell::functionKey(const std::string& key) {
-    if (key != "F9") return false;
-    open(kProcessLeave);
-    return true;
 }
 
 void frmShell::showState() {
@@ -203,7 +198,7 @@ void frmShell::open(int32_t menuId) {
 }
 
 void frmShell::cmdCompany_Click() {
-    if (!mayLeaveOpen()) return;
+    if (!mayClose()) return;
     otherCompany_ = true;
     close();
 }
@@ -215,11 +210,7 @@ void frmShell::cmdAbout_Click() {
            "About Orvane Wagebook");
 }
 
-void frmShell::cmdClose_Click() {
-    if (mayLeaveOpen()) close();
-}
-
-bool frmShell::mayLeaveOpen() {
+bool frmShell::mayClose() {
     std::set<std::string> open;
     for (const auto& [process, running] : running_)
         for (const MenuEntry& entry : entries_)

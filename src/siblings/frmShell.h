@@ -39,6 +39,8 @@ class frmShell final : public SessionScreen {
     Command cmdClose{*this, "cmdClose", "&Close"};
 
     void cmdOpen_Click();
+    // Asked while screens that it started are still open.
+    bool mayClose() override;
 
     // The user wants to work on another company.
     bool wantsOtherCompany() const { return otherCompany_; }
@@ -71,12 +73,8 @@ class frmShell final : public SessionScreen {
     void showState();
 
     void open(int32_t menuId);
-    bool functionKey(const std::string& key);
     void cmdCompany_Click();
     void cmdAbout_Click();
-    void cmdClose_Click();
-    // Whether the launcher may go while screens that it started are still open.
-    bool mayLeaveOpen();
 
     int32_t chosenHead() const;
 

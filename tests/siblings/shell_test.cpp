@@ -200,11 +200,11 @@ TEST(Shell, TellsWhatTheCompanyIsLike) {
             EXPECT_EQ(shell.screen.lblMonths.caption, c.months);
             EXPECT_EQ(shell.screen.lblAwaiting.caption, c.awaiting);
             const Grid& heads = shell.screen.fpgHead;
-            std::string all;
+            std::string listed;
             for (size_t r = 0; r < heads.rowCount(); ++r)
-                all += heads.cell(r, 0) + "|" + heads.cell(r, 1) + "|" + heads.cell(r, 2) + "\n";
-            EXPECT_EQ(all, "All||1\nGeneral|Daily status|0\nHead 10|Daily status|1\n");
-            EXPECT_TRUE(shell.screen.fpgScreen.key("F9"));
+                listed += heads.cell(r, 0) + "|" + heads.cell(r, 1) + "|" + heads.cell(r, 2) + "\n";
+            EXPECT_EQ(listed, "All||1\nGeneral|Daily status|0\nHead 10|Daily status|1\n");
+            EXPECT_TRUE(shell.screen.press("F9", &shell.screen.fpgHead));
             EXPECT_EQ(shell.lines, std::vector<std::string>{"1508#False#0#0"});
         };
         shell.screen.showModal();
@@ -220,7 +220,10 @@ TEST(Shell, SaysWhatIsOpenBeforeItGoes) {
                 shell.choose("Holiday List");
                 shell.choose("Weekly Holiday");
                 shell.boxes.answers = {agrees ? BoxAnswer::Yes : BoxAnswer::No};
-                (other ? shell.screen.cmdCompany : shell.screen.cmdClose).click();
+                if (other)
+                    shell.screen.cmdCompany.click();
+                else
+                    screen.closeByUser();
                 EXPECT_EQ(screen.isOpen(), !agrees);
                 EXPECT_EQ(shell.box(),
                           "Still open: Holiday List (Head 10), Weekly Holiday (Head 10).\n"

@@ -32,8 +32,7 @@ void frmConfiguring::status(const std::string& text) {
 }
 
 void frmConfiguring::step(size_t done, size_t total) {
-    barProgress.value = done;
-    barProgress.maximum = total;
+    barProgress.step(done, total);
 }
 
 }  // namespace owb

@@ -1,9 +1,6 @@
 #include "leave/screens/modLeaveProcess.h"
 
-#include <cmath>
-
 #include "base/db_error.h"
-#include "base/number_text.h"
 #include "leave/AwaitingRows.h"
 #include "leave/RecalculationLock.h"
 #include "leave/modLeaveFunctions.h"
@@ -11,27 +8,13 @@
 
 namespace owb {
 
-namespace {
-
-// "about 40 s left" of what has taken `seconds` so far; "" as long as nobody can tell.
-std::string timeLeft(double seconds, size_t done, size_t total) {
-    constexpr double kFirstGuess = 2;
-    if (seconds < kFirstGuess || done == 0 || done >= total) return "";
-    const double left =
-        std::ceil(seconds * static_cast<double>(total - done) / static_cast<double>(done));
-    const bool minutes = left >= 100;
-    return ", about " + formatNumber(minutes ? std::ceil(left / 60) : left, "0") +
-           (minutes ? " min left" : " s left");
-}
-
-}  // namespace
-
 modLeaveProcess::modLeaveProcess(Session& session, FrontEnd& frontEnd, bool endsTransaction)
     : Screen(frontEnd, "modLeaveProcess", " Process Leave"),
       session_(session),
       endsTransaction_(endsTransaction) {
     cmdCancel.onClick = [this] { cmdCancel_Click(); };
     cmdClose.onClick = [this] { cmdClose_Click(); };
+    barProgress.counted = "Row";
 }
 
 Layout modLeaveProcess::layout() {
@@ -92,20 +75,15 @@ void modLeaveProcess::runPasses() {
 }
 
 void modLeaveProcess::beginStep() {
-    ++step_;
-    stepBegan_ = session_.now();
-    lblStatus.caption = stepText();
-}
-
-std::string modLeaveProcess::stepText() const {
-    return "Step " + std::to_string(step_) + " of " + std::to_string(steps_);
+    lblStatus.caption = "Step " + std::to_string(++step_) + " of " + std::to_string(steps_);
 }
 
 // A pass that was cancelled leaves the bar where it stands.
 void modLeaveProcess::tellCompleted(bool anything) {
+    if (!anything) barProgress.counted.clear();
     if (!session_.gLeaveCalcFlag) {
-        barProgress.maximum = std::max<size_t>(barProgress.maximum, 1);
-        barProgress.value = barProgress.maximum;
+        const size_t all = std::max<size_t>(barProgress.maximum, 1);
+        barProgress.step(all, all);
     }
     lblStatus.caption = anything ? "Process Completed" : "Nothing waits to be worked out.";
     status("Process Completed");
@@ -121,15 +99,7 @@ void modLeaveProcess::status(const std::string& text) {
 }
 
 void modLeaveProcess::step(size_t done, size_t total) {
-    barProgress.value = done;
-    barProgress.maximum = total;
-    lblStatus.caption = stepText();
-    if (total < done || total == 0) return;
-    const DateTime now = session_.now();
-    const auto ticks =
-        int64_t{now.day - stepBegan_.day} * DateTime::kTicksPerDay + now.tick - stepBegan_.tick;
-    lblStatus.caption += ": " + std::to_string(done) + " of " + std::to_string(total) +
-                         timeLeft(static_cast<double>(ticks) / 300, done, total);
+    barProgress.step(done, total);
 }
 
 bool modLeaveProcess::cancelled() const {

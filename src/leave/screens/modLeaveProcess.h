@@ -1,9 +1,8 @@
 // " Process Leave": runs the passes over marked rows in their fixed order and shows where they are:
-// which step of how many, rows of how many, and about how long the step still takes. The user may
+// which step of how many and, in the bar, the rows of it and the time left. The user may
 // cancel between rows; what is not yet done keeps its marks.
 #pragma once
 
-#include "base/date_time.h"
 #include "screen/progress.h"
 #include "screen/screen.h"
 
@@ -35,7 +34,6 @@ class modLeaveProcess final : public Screen, private Progress {
     void onUnload() override;
     void runPasses();
     void beginStep();
-    std::string stepText() const;  // "Step 2 of 3"
     // The steps are done; `anything`: there was something to do.
     void tellCompleted(bool anything);
 
@@ -47,7 +45,6 @@ class modLeaveProcess final : public Screen, private Progress {
     bool endsTransaction_;
     bool succeeded_ = false;
     size_t step_ = 0, steps_ = 0;  // from 1
-    DateTime stepBegan_;
 };
 
 }  // namespace owb
