@@ -140,23 +140,13 @@ void frmShell::search() {
     fpgScreen.setCurrent(best, best < 0 ? -1 : static_cast<int>(kTitle));
 }
 
+// Enter opens the best screen; the arrows walk over the others, as they do in the list.
 bool frmShell::searchKey(const std::string& key) {
-    if (key == "Enter")
+    if (key == "Enter") {
         cmdOpen_Click();
-    else if (key == "Down" || key == "Up")
-        moveCurrent(key == "Down" ? 1 : -1);
-    else
-        return false;
-    return true;
-}
-
-void frmShell::moveCurrent(int step) {
-    const auto rows = static_cast<int>(fpgScreen.rowCount());
-    for (int r = fpgScreen.currentRow() + step; r >= 0 && r < rows; r += step) {
-        if (fpgScreen.rowHidden(static_cast<size_t>(r))) continue;
-        fpgScreen.setCurrent(r, kTitle);
-        return;
+        return true;
     }
+    return (key == "Down" || key == "Up") && fpgScreen.key(key);
 }
 
 void frmShell::showState() {

@@ -69,7 +69,6 @@ class frmShell final : public SessionScreen {
     void rememberScreen(int32_t menuId);
     void search();
     bool searchKey(const std::string& key);
-    void moveCurrent(int step);
     void showState();
 
     void open(int32_t menuId);
