@@ -23,6 +23,7 @@ constexpr int kPickedChars = 14;    // a date or a month
 constexpr int kUsualChars = 24;     // where the box does not say how much it holds
 constexpr size_t kLongLength = 40;  // takes the room that there is
 constexpr int kListRows = 8;
+constexpr int kListSpacing = 2;
 
 int widthOf(const QWidget& widget, int chars) {
     return widget.fontMetrics().horizontalAdvance(QString(chars, '0')) + 24;
@@ -225,6 +226,7 @@ class ListView final : public ControlView {
   public:
     ListView(ScreenWindow& window, ListBox& list)
         : ControlView(window, list), list_(list), widget_(new QListWidget) {
+        widget_->setSpacing(kListSpacing);
         widget_->setMinimumHeight(widget_->fontMetrics().height() * kListRows);
         widget_->setMinimumWidth(widthOf(*widget_, 8));
         attach(widget_, widget_->viewport());

@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QTimer>
 #include <QUrl>
@@ -62,6 +63,15 @@ QMessageBox::StandardButton buttonOf(BoxAnswer answer) {
     return QMessageBox::Ok;
 }
 
+// As wide as the title wants, with the buttons of the frame beside it.
+void showTitle(QMessageBox& box) {
+    constexpr int kFrameButtons = 120;
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    if (grid == nullptr) return;
+    const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + kFrameButtons;
+    grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+}
+
 BoxAnswer answerOf(int button, BoxAnswer otherwise) {
     for (const BoxAnswer answer : {BoxAnswer::Ok, BoxAnswer::Cancel, BoxAnswer::Yes, BoxAnswer::No})
         if (buttonOf(answer) == button) return answer;
@@ -96,6 +106,7 @@ BoxAnswer QtFrontEnd::show(const Box& box) {
     shown.setTextFormat(Qt::PlainText);
     shown.setDefaultButton(buttonOf(box.defaultAnswer));
     if (box.buttons == BoxButtons::YesNo) shown.setEscapeButton(QMessageBox::No);
+    showTitle(shown);
     if (box.closesAfterSeconds > 0)
         QTimer::singleShot(box.closesAfterSeconds * 1000, &shown, &QMessageBox::accept);
     return answerOf(shown.exec(), box.defaultAnswer);

@@ -25,7 +25,8 @@ constexpr int kMargin = 14;
 constexpr int kSpacing = 10;
 constexpr int kLineSpacing = 4;  // between the lines of a form
 constexpr int kLineHeight = 24;
-constexpr int kSignRoom = 12;  // behind a caption, for the sign of a change
+constexpr int kSignRoom = 12;     // behind a caption, for the sign of a change
+constexpr int kFieldShare = 100;  // of a line's room, against the empty end of the line
 constexpr int kLeastWidth = 420;
 constexpr int kGridLines = 6;                       // of a grid are always in sight
 constexpr int kFrameWidth = 12, kFrameHeight = 40;  // what the desktop puts around a window
@@ -161,6 +162,11 @@ void ScreenWindow::place(QBoxLayout& into, const Layout& part) {
             return placeForm(into, part);
         case Layout::Kind::Tabs:
             return into.addWidget(tabWidget(part), part.stretch);
+        case Layout::Kind::Line: {
+            auto* bar = new QFrame;
+            bar->setFrameShape(QFrame::HLine);
+            return into.addWidget(bar);
+        }
         case Layout::Kind::Space:
             return into.addStretch(part.stretch);
     }
@@ -171,6 +177,7 @@ void ScreenWindow::placeItem(QBoxLayout& into, const Layout& part) {
     if (!part.caption.empty()) {
         QLabel* label = captionLabel(part.caption);
         made.setCompanion(label);
+        label->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
         into.addWidget(label);
     }
     // A text that shares a row evenly stands as the buttons below it do.
@@ -179,19 +186,26 @@ void ScreenWindow::placeItem(QBoxLayout& into, const Layout& part) {
     into.addWidget(made.widget(), part.stretch);
 }
 
-// What stands side by side lines up by itself.
+// What stands side by side lines up by itself; fields that want no room stand at the left.
 void ScreenWindow::placeRow(QBoxLayout& into, const Layout& part) {
     auto* inner = new QHBoxLayout;
     inner->setSpacing(screen_.popup ? kSpacing / 3 : kSpacing);
     into.addLayout(inner, part.stretch);
     for (const Layout& beside : part.parts) lineUp([&] { place(*inner, beside); });
+    const bool keptLeft =
+        !screen_.popup &&
+        std::all_of(part.parts.begin(), part.parts.end(), [](const Layout& beside) {
+            return beside.kind == Layout::Kind::Item && beside.stretch == 0;
+        });
+    if (keptLeft) inner->addStretch(1);
 }
 
 void ScreenWindow::placeForm(QBoxLayout& into, const Layout& part) {
     auto* form = new QGridLayout;
     form->setHorizontalSpacing(kSpacing / 2);
     form->setVerticalSpacing(kLineSpacing);
-    form->setColumnStretch(1, 1);
+    form->setColumnStretch(1, kFieldShare);
+    form->setColumnStretch(3, 1);  // where no field wants the room
     into.addLayout(form, part.stretch);
     int line = 0;
     bool grows = false;
@@ -201,6 +215,7 @@ void ScreenWindow::placeForm(QBoxLayout& into, const Layout& part) {
         const QLayoutItem* made = form->itemAtPosition(line, 1);
         if (made != nullptr && qobject_cast<QPlainTextEdit*>(made->widget()) != nullptr) {
             form->setRowStretch(line, 1);
+            form->setAlignment(form->itemAtPosition(line, 0)->widget(), Qt::AlignTop);
             grows = true;
         }
         ++line;

@@ -12,7 +12,7 @@ class Control;
 class Tabs;
 
 struct Layout {
-    enum class Kind { Item, Row, Column, Group, Form, Tabs, Space } kind = Kind::Column;
+    enum class Kind { Item, Row, Column, Group, Form, Tabs, Space, Line } kind = Kind::Column;
     Control* control = nullptr;  // of an Item, and the Tabs
     std::string caption;         // of a Group; of an Item in a Form, its label
     std::vector<Layout> parts;
@@ -45,6 +45,10 @@ inline Layout form(std::vector<Layout> parts) {
 }
 // One part for each page.
 Layout tabs(Tabs& control, std::vector<Layout> pages, int stretch = 1);
+// A line from side to side: the bar of a fraction.
+inline Layout line() {
+    return {Layout::Kind::Line, nullptr, "", {}, 0};
+}
 inline Layout space() {
     return {Layout::Kind::Space, nullptr, "", {}, 1};
 }

@@ -139,6 +139,7 @@ class Photographer {
         EXPECT_LE(window.height() + kTitle, desktop.height()) << screen;
         if (window.screen().popup || !window.waitsForInput()) return;
         const QSize before = window.size();
+        QWidget* focus = window.focusWidget();
         window.resize(desktop.width() / 2, desktop.height() / 2 - kTitle);
         QApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
         EXPECT_LE(window.height() + kTitle, desktop.height() / 2) << screen;
@@ -155,6 +156,7 @@ class Photographer {
             EXPECT_GT(seen.width(), 0) << screen << "." << control->name();
         }
         window.resize(before);
+        if (focus != nullptr) focus->setFocus(Qt::TabFocusReason);
     }
 
     Company& company_;

@@ -20,6 +20,7 @@ modAttHead::modAttHead(Session& session, FrontEnd& frontEnd)
                 head_) {
     declareRow();
     txtAttID.locked = true;
+    txtAttID.alignRight = true;
     txtAttName.maxLength = txtShortName.maxLength = 60;
     txtDescription.maxLength = 200;
     cmdSetting.toolTip = "Hours of the bands of a day";
@@ -76,7 +77,7 @@ Layout modAttHead::layout() {
                     item("Remarks", txtDescription), item("", chkInactive),
                     item("", lblEmployees)}),
               group(fmeNWDOption.caption,
-                    {row({item(lblSalary), column({item(lblDaysPaid), item(lblNWD)}), space()}),
+                    {row({item(lblSalary), column({item(lblDaysPaid), line(), item(lblNWD)}), space()}),
                      row({column(std::move(nwdLeft)), column(std::move(nwdRight))}),
                      item(chkAllowMore), space()})}),
          row({group("Salary Calculation",

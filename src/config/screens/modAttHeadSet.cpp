@@ -71,19 +71,22 @@ void modAttHeadSet::declareRow() {
 
 Layout modAttHeadSet::layout() {
     return column(
-        {row({group(lblNoAtt.caption, {form({item("Min.", txtNoAttMin), item("Max.", txtNoAttMax),
+        {row({group(lblNoAtt.caption, {form({item("Min.", txtNoAttMin, "hours"),
+                                             item("Max.", txtNoAttMax, "hours"),
                                              item("", chkNoAttOT), item("", chkNoAffectSal)}),
                                        space()}),
-              group(lblHalf.caption, {form({item("Min.", txtHalfMin), item("Max.", txtHalfMax),
-                                            item("Cutoff", txtHalfCutoff), item("", chkHalfOT),
+              group(lblHalf.caption, {form({item("Min.", txtHalfMin, "hours"),
+                                            item("Max.", txtHalfMax, "hours"),
+                                            item("Cutoff", txtHalfCutoff, "hours"), item("", chkHalfOT),
                                             item("", chkHalfDed), item("", chkHalfAffectSal)}),
                                       space()}),
-              group(lblFull.caption, {form({item("Min.", txtFullMin), item("Max.", txtFullMax),
-                                            item("Cutoff", txtFullCutOff), item("", chkFullOT),
+              group(lblFull.caption, {form({item("Min.", txtFullMin, "hours"),
+                                            item("Max.", txtFullMax, "hours"),
+                                            item("Cutoff", txtFullCutOff, "hours"), item("", chkFullOT),
                                             item("", chkFullDed), item("", chkFullAffectSal)}),
                                       space()})}),
-         form({item("Attendance Upper Limit", txtAttUpperLimit),
-               item("Over Time Min. Limit", txtOTMinLimit), item("", lblHint)}),
+         form({item("Attendance Upper Limit", txtAttUpperLimit, "hours"),
+               item("Over Time Min. Limit", txtOTMinLimit, "minutes"), item("", lblHint)}),
          space(), row({space(), item(cmdSave), item(cmdClose)})});
 }
 

@@ -21,8 +21,7 @@ void frmProgress::onActivate() {
 }
 
 void frmProgress::step(size_t done, size_t total) {
-    barProgress.value = done;
-    barProgress.maximum = total;
+    barProgress.step(done, total);
     frontEnd().refresh(*this);
 }
 
