@@ -53,6 +53,11 @@ class ButtonView : public ControlView {
     }
     bool eventFilter(QObject* object, QEvent* event) override {
         if (ControlView::eventFilter(object, event)) return true;
+        // At once, not after a while in which typing would still go to the field before.
+        if (event->type() == QEvent::Shortcut) {
+            button_->click();
+            return true;
+        }
         if (event->type() != QEvent::KeyPress || enterGoesOn()) return false;
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key != Qt::Key_Return && key != Qt::Key_Enter) return false;

@@ -26,6 +26,7 @@ class ControlView : public QObject {
     // The caption that stands before the widget, shown and hidden with it; a sign behind it tells
     // that the user has changed what stands in the widget.
     void setCompanion(QLabel* label);
+    const QLabel* companion() const { return companion_; }
     void sync();
     // What is typed and not yet told to the model.
     virtual void commit() {}

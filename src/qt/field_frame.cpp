@@ -78,15 +78,21 @@ void FieldFrame::follow() {
     setVisible(shown);
     if (bubble_) bubble_->setVisible(shown);
     if (!shown) return;
-    setGeometry(widget_->geometry().adjusted(-kWidth, -kWidth, kWidth, kWidth));
+    // A refusal stands outside the focus: both are seen.
+    const int away = what_ == Says::Focus ? kWidth : 2 * kWidth;
+    setGeometry(widget_->geometry().adjusted(-away, -away, away, away));
     raise();
     update();
     if (!bubble_) return;
-    // Below the field, or above it where the page ends.
+    // Beside the field; below it, or above it, where the window ends.
     QWidget* ground = bubble_->parentWidget();
     bubble_->adjustSize();
-    QPoint at = widget_->mapTo(ground, QPoint(0, widget_->height() + kBubbleRoom));
-    if (at.y() + bubble_->height() > ground->height())
+    QRect seen = ground->visibleRegion().boundingRect();
+    if (seen.isEmpty()) seen = ground->rect();
+    QPoint at = widget_->mapTo(ground, QPoint(widget_->width() + 2 * kBubbleRoom, 0));
+    if (at.x() + bubble_->width() > seen.right())
+        at = widget_->mapTo(ground, QPoint(0, widget_->height() + kBubbleRoom));
+    if (at.y() + bubble_->height() > seen.bottom())
         at = widget_->mapTo(ground, QPoint(0, -bubble_->height() - kBubbleRoom));
     at.setX(std::max(0, std::min(at.x(), ground->width() - bubble_->width())));
     bubble_->move(at);

@@ -9,6 +9,7 @@
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QScrollArea>
+#include <QStyle>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
@@ -64,7 +65,8 @@ void keepLinesInSight(QWidget& widget) {
     auto* table = qobject_cast<QTableView*>(&widget);
     if (table == nullptr) return;
     table->setMinimumHeight(table->verticalHeader()->defaultSectionSize() * kGridLines +
-                            table->horizontalHeader()->sizeHint().height() + kLineSpacing);
+                            table->horizontalHeader()->sizeHint().height() +
+                            table->style()->pixelMetric(QStyle::PM_ScrollBarExtent) + kLineSpacing);
 }
 
 }  // namespace
@@ -275,6 +277,7 @@ void ScreenWindow::fit(const QWidget* below) {
     const QRect room = desktop->availableGeometry();
     const QSize frame = screen_.popup ? QSize() : QSize(kFrameWidth, kFrameHeight);
     resize(size().boundedTo(room.size() - frame));
+    if (!testAttribute(Qt::WA_Moved)) return;  // the desktop places it
     const QPoint last = room.bottomRight() - QPoint(width() + frame.width(), height());
     move(std::clamp(x(), room.left(), std::max(room.left(), last.x())),
          std::clamp(y(), room.top(), std::max(room.top(), last.y())));

@@ -141,17 +141,23 @@ ControlView* ScreenWindow::viewAround(const QWidget* widget) const {
     return nullptr;
 }
 
-// What has the focus is framed and in sight.
+// What has the focus is framed and in sight, with its caption.
 void ScreenWindow::focusMoved(QWidget* now) {
     if (!focusFrame_) return;
     QWidget* shown = now != nullptr && isAncestorOf(now) ? now : nullptr;
-    if (const ControlView* at = viewAround(shown)) shown = at->widget();
+    const ControlView* at = viewAround(shown);
+    if (at != nullptr) shown = at->widget();
     focusFrame_->surround(shown);
     if (shown == nullptr || page_ == nullptr || !page_->isAncestorOf(shown)) return;
-    const QPoint middle = shown->mapTo(page_->widget(), shown->rect().center());
-    const QSize half = (shown->size() / 2 + QSize(kRoomAround, kRoomAround))
-                           .boundedTo(page_->viewport()->size() / 2);
-    page_->ensureVisible(middle.x(), middle.y(), half.width(), half.height());
+    const auto onPage = [this](const QWidget& widget) {
+        return QRect(widget.mapTo(page_->widget(), QPoint(0, 0)), widget.size());
+    };
+    QRect area = onPage(*shown);
+    if (at != nullptr && at->companion() != nullptr) area |= onPage(*at->companion());
+    area = area.adjusted(-kRoomAround, -kRoomAround, kRoomAround, kRoomAround);
+    // Of what is larger than the window, the beginning.
+    area.setSize(area.size().boundedTo(page_->viewport()->size()));
+    page_->ensureVisible(area.center().x(), area.center().y(), area.width() / 2, area.height() / 2);
 }
 
 void ScreenWindow::takeFocus() {

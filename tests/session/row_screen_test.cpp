@@ -182,6 +182,7 @@ TEST(RowScreen, AsksBeforeWhatIsTypedIsDropped) {
           {"cell fpgContracts 1 1\nclose\n", "", false},
           {"set txtName New\nclose\n", question + "No\n", true},
           {"set txtName New\nanswer Yes\nclose\n", question + "Yes\n", false},
+          {"set txtSince 32/3/24\nclose\n", question + "No\n", true},
           {"set txtName New\nclick cmdClose\n", question + "No\n", true},
           {"set txtName New\nkey txtName Esc\n", question + "No\n", true},
           {"cell fpgContracts 1 1\nset txtRate 13\nset txtRate 12.5\nkey fpgContracts Esc\n", "",

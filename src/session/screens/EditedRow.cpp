@@ -38,14 +38,21 @@ EditedRow::Field& EditedRow::number(const std::string& column, NumberBox& box,
                 [](const Value& v) { return numberText(v.toDouble()); }});
 }
 
+// What is no date is a text; no save takes it, since its box refuses it.
 EditedRow::Field& EditedRow::date(const std::string& column, DateBox& box,
                                   const std::string& label) {
     return add({column, label, "", true, "", &box,
                 [&box] {
                     const auto date = box.date();
-                    return date ? Value(*date) : Value();
+                    if (date) return Value(*date);
+                    return box.value.empty() ? Value() : Value(box.value);
                 },
-                [&box](const Value& v) { box.setDate(v.isNull() ? DateTime{} : v.toDate()); },
+                [&box](const Value& v) {
+                    if (v.isText())
+                        box.value = v.toText();
+                    else
+                        box.setDate(v.isNull() ? DateTime{} : v.toDate());
+                },
                 [](const Value& v) {
                     return v.isNull() ? std::string() : dateText(v.toDate(), "dd/mm/yyyy");
                 }});
