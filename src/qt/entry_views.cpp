@@ -1,5 +1,6 @@
 #include "qt/entry_views.h"
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QComboBox>
 #include <QCompleter>
@@ -168,6 +169,7 @@ class ComboView final : public ControlView {
         box_->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
         box_->setFocusPolicy(Qt::StrongFocus);  // the wheel does not bring the focus
         attach(box_, box_->lineEdit());
+        box_->view()->installEventFilter(this);
         connect(box_, &QComboBox::activated, this, [this](int index) {
             if (index < 0) return;
             tell([&] { combo_.choose(static_cast<size_t>(index)); });
@@ -200,6 +202,8 @@ class ComboView final : public ControlView {
         shown_ = text;
         const int at = combo_.selected();
         if (box_->currentIndex() != at) box_->setCurrentIndex(at);
+        if (box_->view()->isVisible())
+            box_->view()->setCurrentIndex(box_->model()->index(at, box_->modelColumn()));
         if (box_->isEditable() && box_->currentText() != text) box_->setEditText(text);
     }
     bool sameItems() const {
@@ -213,6 +217,20 @@ class ComboView final : public ControlView {
         if (!box_->isEditable() || box_->currentText() == shown_) return false;
         box_->setEditText(shown_);
         return true;
+    }
+    // Letters are the model's where nothing but entries may stand, in the open list too.
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress && !box_->isEditable()) {
+            const auto* key = static_cast<QKeyEvent*>(event);
+            const bool plain =
+                !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+            const QString text = key->text();
+            if (plain && !text.isEmpty() && text.at(0).isPrint() && combo_.takesKey(fromQt(text))) {
+                window().act(combo_, [&] { combo_.key(fromQt(text)); });
+                return true;
+            }
+        }
+        return object != box_->view() && ControlView::eventFilter(object, event);
     }
 
     Combo& combo_;

@@ -1,5 +1,7 @@
 #include "screen/lists.h"
 
+#include <algorithm>
+
 #include "base/utf8.h"
 
 namespace owb {
@@ -49,6 +51,7 @@ int64_t Combo::key() const {
 
 bool Combo::choose(size_t index) {
     if (!takesInput() || index >= items.size()) return false;
+    typed_.clear();
     if (selected() == static_cast<int>(index)) return true;
     if (!mayWrite()) return false;
     select(static_cast<int>(index));
@@ -69,9 +72,44 @@ bool Combo::edit(const std::string& text) {
     return true;
 }
 
+// A blank begins nothing: it opens the list.
+bool Combo::takesLetter(const std::string& key) const {
+    if (editable || utf8Length(key) != 1) return key == "Backspace" && !editable && !typed_.empty();
+    return key != " " || !typed_.empty();
+}
+
+bool Combo::takesKey(const std::string& key) const {
+    return takesLetter(key) || Control::takesKey(key);
+}
+
+bool Combo::key(const std::string& key) {
+    if (!takesInput() || !takesLetter(key)) return Control::key(key);
+    const std::string typed =
+        key == "Backspace" ? utf8Substr(typed_, 0, utf8Length(typed_) - 1) : typed_ + key;
+    const std::string wanted = foldText(typed);
+    const auto at = std::find_if(items.begin(), items.end(), [&](const ListItem& item) {
+        return foldText(item.text).starts_with(wanted);
+    });
+    if (at == items.end()) {
+        refuse("No entry begins with \"" + typed + "\".");
+        return true;
+    }
+    refuse("");
+    choose(static_cast<size_t>(at - items.begin()));
+    typed_ = typed;
+    return true;
+}
+
+void Combo::leave() {
+    typed_.clear();
+    refuse("");
+    Control::leave();
+}
+
 std::vector<KeyHelp> Combo::keyHelp() const {
     std::vector<KeyHelp> help = Control::keyHelp();
-    help.push_back({"Alt+Down, F4", "opens the list of a box; its letters find an entry"});
+    help.push_back(
+        {"Alt+Down, F4", "opens the list of a box; letters find an entry, slow or fast"});
     return help;
 }
 

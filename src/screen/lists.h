@@ -33,6 +33,12 @@ class Combo : public Control {
     bool choose(size_t index);
     // Free text, or the text of an entry in any letter case. False when neither may be.
     bool edit(const std::string& text);
+    // Where only entries may stand, letters find one by its beginning, however slowly they come:
+    // they count from the first that was typed since the user came here. Backspace takes the last
+    // one back. Letters that no entry begins with are refused and change nothing.
+    bool key(const std::string& key) override;
+    bool takesKey(const std::string& key) const override;
+    void leave() override;
     std::vector<KeyHelp> keyHelp() const override;
 
     std::vector<ListItem> items;
@@ -42,7 +48,10 @@ class Combo : public Control {
 
   private:
     int find(const std::string& text) const;
-    int chosen_ = -1;  // tells entries of the same text apart
+    bool takesLetter(const std::string& key) const;
+
+    int chosen_ = -1;    // tells entries of the same text apart
+    std::string typed_;  // the letters that have found the entry
 };
 
 class ListBox : public Control {

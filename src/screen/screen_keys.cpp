@@ -79,7 +79,7 @@ bool Screen::press(const std::string& key, Control* focused) {
 std::vector<KeyHelp> Screen::keyHelp() const {
     std::vector<KeyHelp> lines;
     for (const Control* control : controls_) {
-        const bool pressed = dynamic_cast<const Command*>(control) != nullptr;
+        const bool pressed = dynamic_cast<const MenuItem*>(control) == nullptr;
         const char letter = pressed ? mnemonicOf(control->caption) : 0;
         std::string keys = control->shortcut;
         if (letter != 0) keys += (keys.empty() ? "Alt+" : ", Alt+") + std::string(1, letter);

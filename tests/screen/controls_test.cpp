@@ -99,6 +99,42 @@ TEST_F(Controls, AComboIsOneOfItsEntriesOrFreeText) {
     EXPECT_EQ(combo.key(), 8);
 }
 
+TEST_F(Controls, LettersFindAnEntryHoweverSlowlyTheyCome) {
+    sheet.writable = true;
+    Combo leave(sheet, "cmbLeave");
+    leave.editable = false;
+    for (const char* entry : {"Casual Leave", "Comp Off", "Comp Work", "Loss of Pay"})
+        leave.add(entry);
+    const struct {
+        std::vector<const char*> keys;
+        const char* value;
+        const char* refusal;
+    } cases[] = {
+        {{"c"}, "Casual Leave", ""},
+        {{"c", "O"}, "Comp Off", ""},
+        {{"c", "o", "m", "p", " ", "w"}, "Comp Work", ""},
+        {{"c", "l"}, "Casual Leave", "No entry begins with \"cl\"."},
+        {{"c", "l", "o"}, "Comp Off", ""},
+        {{"c", "o", "Backspace", "a"}, "Casual Leave", ""},
+        {{"x"}, "", "No entry begins with \"x\"."},
+    };
+    for (const auto& c : cases) {
+        leave.select(-1);
+        leave.leave();
+        for (const char* key : c.keys) EXPECT_TRUE(leave.key(key)) << key;
+        EXPECT_EQ(leave.value, c.value) << c.keys.back();
+        EXPECT_EQ(leave.refusal(), c.refusal) << c.keys.back();
+    }
+    leave.key("c");
+    leave.choose(3);
+    EXPECT_TRUE(leave.key("c")) << "what was chosen otherwise ends the letters";
+    EXPECT_EQ(leave.value, "Casual Leave");
+    leave.leave();
+    EXPECT_FALSE(leave.takesKey(" ")) << "it opens the list";
+    leave.editable = true;
+    EXPECT_FALSE(leave.takesKey("c")) << "free text";
+}
+
 TEST_F(Controls, ArrowsChooseInAGroup) {
     sheet.writable = true;
     OptionButton* all = sheet.optType;
