@@ -397,6 +397,16 @@ TEST(HolidayScreens, AnothersChangeIsToldAndStays) {
               "The weekly holiday" + changed);
 }
 
+// Rules of one month are told apart by their day.
+TEST(WeeklyHoliday, ShownAgainKeepsTheChosenRule) {
+    Holidays h;
+    h.weekly(0, 1, "FS FS FS FS FS", kJune);
+    h.weekly(0, 7, "FS -- FS -- FS", kJune);
+    EXPECT_EQ(h.drive<modHolidayWeekly>("cell fpgWeeklyHoliday 2 1\nkey fpgWeeklyHoliday F5\n"
+                                        "show fpgWeeklyHoliday\n"),
+              "fpgWeeklyHoliday: 24294 |  | Yes | Yes | current=2 EFFFROM\n");
+}
+
 TEST(WeeklyHoliday, DeletesOnlyARuleThatExists) {
     Holidays h;
     h.weekly(0, 1, "FS FS FS FS FS", kJune);

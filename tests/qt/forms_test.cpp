@@ -72,6 +72,7 @@ class Form final : public Screen {
 struct Forms : ::testing::Test {
     Desk desk;
     Form screen{desk.frontEnd};
+    QObject life;  // of what a test leaves to the event loop
 
     QWidget* focus() { return QApplication::focusWidget(); }
     void key(int key, Qt::KeyboardModifiers with = Qt::NoModifier) {
@@ -215,6 +216,21 @@ TEST_F(Forms, ChangesAreSignedAtTheFieldAndItsPage) {
         EXPECT_EQ(desk.widget<QRadioButton>("optHourly")->text(), "Hourly" + kChangedSign);
     });
     screen.showModal();
+}
+
+TEST_F(Forms, AFileThatNothingShowsIsNamed) {
+    QString told;
+    desk.then([&] {
+        QTimer::singleShot(50, &life, [&] {
+            auto* box = dynamic_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            told = box->text();
+            box->accept();
+        });
+        desk.frontEnd.openFile("/nowhere/list.xlsx");
+    });
+    screen.showModal();
+    EXPECT_TRUE(told.contains("/nowhere/list.xlsx")) << fromQt(told);
 }
 
 // What a widget draws stands out from its ground: the strongest pixel of its outline, measured.

@@ -105,6 +105,11 @@ bool modHolidayWeekly::readLine(size_t line) {
     return row_.readWhere(session_, ownKey());
 }
 
+bool modHolidayWeekly::isShownBy(size_t line) const {
+    return list.number(line, 0) == cmbMonthYear.month() &&
+           list.number(line, 1) == static_cast<double>(cmbWeekDay.key());
+}
+
 std::string modHolidayWeekly::typedKey() const {
     return Sql() << "EFFFROM=" << cmbMonthYear.month() << " AND WEEKID=" << cmbWeekDay.key();
 }

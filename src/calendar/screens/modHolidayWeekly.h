@@ -32,6 +32,7 @@ class modHolidayWeekly final : public RowScreen {
     void showAgain() override;
     void loadList() override;
     bool readLine(size_t line) override;
+    bool isShownBy(size_t line) const override;
     std::optional<Refusal> check() override;
     bool mayBeSaved(SaveBatch& batch) override;
     std::string writeRow(SaveBatch& batch) override;

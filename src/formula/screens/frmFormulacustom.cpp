@@ -52,6 +52,10 @@ bool frmFormulacustom::readLine(size_t line) {
                                           << " AND FNAME = " << literal(list.cell(line, kName)));
 }
 
+bool frmFormulacustom::isShownBy(size_t line) const {
+    return RowScreen::isShownBy(line) && list.cell(line, kName) == row_.before("FNAME").toText();
+}
+
 void frmFormulacustom::cmdverify_Click() {
     if (trim(txtFquery.value).empty()) return refuse("Enter Query", txtFquery);
     if (VerifyCusQuery(session_, frontEnd(), txtFquery.value)) inform("Query is Correct");

@@ -21,6 +21,7 @@ class frmFormulacustom final : public RowScreen {
     std::string titleHead() const override { return ""; }  // of the company
     void loadList() override;
     bool readLine(size_t line) override;
+    bool isShownBy(size_t line) const override;
     std::optional<Refusal> check() override;
     bool mayBeSaved(SaveBatch& batch) override;
     std::string writeRow(SaveBatch& batch) override;

@@ -45,8 +45,11 @@ void RowScreen::reloadList() {
     loadList();
     list.setCurrent(-1, -1);
     for (size_t line = 0; line < list.rowCount() && !row_.isNew(); ++line)
-        if (list.number(line, 0) == static_cast<double>(row_.key()))
-            list.setCurrent(static_cast<int>(line), 0);
+        if (isShownBy(line)) list.setCurrent(static_cast<int>(line), 0);
+}
+
+bool RowScreen::isShownBy(size_t line) const {
+    return list.number(line, 0) == static_cast<double>(row_.key());
 }
 
 bool RowScreen::readLine(size_t line) {

@@ -44,6 +44,8 @@ class RowScreen : public SessionScreen {
     virtual void loadList() = 0;
     // Reads the row of the list's line; false when it has gone.
     virtual bool readLine(size_t line);
+    // Whether the list's line is the row that is edited.
+    virtual bool isShownBy(size_t line) const;
     // The row is on the screen: what else the screen shows of it.
     virtual void rowShown() {}
     // The user has asked for a new row; the list's first showing has not.
