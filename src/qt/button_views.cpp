@@ -107,6 +107,7 @@ class OptionView final : public ButtonView {
         button_->setFocusPolicy(stops ? Qt::StrongFocus : Qt::ClickFocus);
     }
     bool enterGoesOn() const override { return true; }
+    bool signsChange() const override { return option_.value(); }
     OptionButton& option_;
 };
 

@@ -47,8 +47,8 @@ void ControlView::sync() {
 }
 
 QString ControlView::signedCaption() const {
-    const bool unsigned_ = companion_ || !window_.screen().isChanged(control_);
-    return toQt(control_.caption) + (unsigned_ ? QString() : kChangedSign);
+    const bool changed = !companion_ && signsChange() && window_.screen().isChanged(control_);
+    return toQt(control_.caption) + (changed ? kChangedSign : QString());
 }
 
 void ControlView::showRefusal() {

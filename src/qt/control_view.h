@@ -46,6 +46,8 @@ class ControlView : public QObject {
     virtual bool abandon() { return false; }
     // Whether the wheel would change the content, which it may only with the focus.
     virtual bool wheelChanges() const { return false; }
+    // Whether a change is signed at this widget: of a group of options, at the chosen one.
+    virtual bool signsChange() const { return true; }
     // What the model's caption says, with the sign of a change where no caption stands before.
     QString signedCaption() const;
     bool eventFilter(QObject* object, QEvent* event) override;

@@ -58,7 +58,9 @@ class Page final : public QScrollArea {
         setWidget(new QWidget);
     }
     QSize sizeHint() const override { return widget()->sizeHint(); }
-    QSize minimumSizeHint() const override { return {kLeastWidth / 2, kLineHeight * kGridLines}; }
+    QSize minimumSizeHint() const override {
+        return sizeHint().boundedTo({kLeastWidth / 2, kLineHeight * kGridLines});
+    }
 };
 
 void keepLinesInSight(QWidget& widget) {
@@ -140,7 +142,11 @@ void ScreenWindow::fill(QBoxLayout& into, const std::vector<Layout>& parts) {
 }
 
 void ScreenWindow::placeInner(QBoxLayout& into, QBoxLayout* inner, const Layout& part) {
-    inner->setSpacing(screen_.popup ? kSpacing / 3 : kSpacing);
+    // Lines of a form in all but name: options, ticks, a fraction.
+    const bool lines = std::all_of(part.parts.begin(), part.parts.end(), [](const Layout& line) {
+        return line.kind == Layout::Kind::Item || line.kind == Layout::Kind::Line;
+    });
+    inner->setSpacing(lines || screen_.popup ? kLineSpacing : kSpacing);
     into.addLayout(inner, part.stretch);
     fill(*inner, part.parts);
 }

@@ -210,6 +210,7 @@ TEST_F(Forms, ChangesAreSignedAtTheFieldAndItsPage) {
         screen.changed = &screen.txtDeep;
         desk.frontEnd.top()->sync();
         EXPECT_EQ(desk.widget<QTabWidget>("tabPages")->tabText(1), "&Two" + kChangedSign);
+        screen.optHourly.choose();
         screen.changed = &screen.optHourly;
         desk.frontEnd.top()->sync();
         EXPECT_EQ(desk.widget<QTabWidget>("tabPages")->tabText(1), "&Two");
