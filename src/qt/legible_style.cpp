@@ -58,6 +58,16 @@ void LegibleStyle::install() {
     QApplication::setStyle(new LegibleStyle(QStyleFactory::create(QApplication::style()->name())));
 }
 
+void LegibleStyle::polish(QPalette& palette) {
+    QProxyStyle::polish(palette);
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        const QColor text = palette.color(group, QPalette::HighlightedText);
+        palette.setColor(
+            group, QPalette::Highlight,
+            standingOut(palette.color(group, QPalette::Highlight), {text}, kTextContrast));
+    }
+}
+
 void LegibleStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                  QPainter* painter, const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);

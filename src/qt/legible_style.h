@@ -12,6 +12,9 @@ class LegibleStyle final : public QProxyStyle {
     // Makes it the application's, once.
     static void install();
 
+    using QProxyStyle::polish;
+    // What is selected can be read.
+    void polish(QPalette& palette) override;
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,

@@ -5,6 +5,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
@@ -219,6 +220,35 @@ TEST_F(Forms, ChangesAreSignedAtTheFieldAndItsPage) {
     screen.showModal();
 }
 
+TEST_F(Forms, ALetterPressesAtOnceAndShiftF10OpensTheMenu) {
+    QStringList items;
+    desk.then([&] {
+        desk.widget("txtName")->setFocus();
+        key(Qt::Key_S, Qt::AltModifier);
+        EXPECT_EQ(screen.log, "save;") << "not after a while in which typing goes elsewhere";
+        desk.widget("txtName")->setFocus();
+        QTimer::singleShot(50, &life, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            for (const QAction* action : menu->actions()) items << action->text();
+            menu->close();
+        });
+        key(Qt::Key_F10, Qt::ShiftModifier);
+    });
+    screen.showModal();
+    EXPECT_EQ(items.join(';'), "Show\tF5");
+}
+
+TEST_F(Forms, ADeniedCommandBearsASign) {
+    desk.then([&] {
+        EXPECT_TRUE(desk.widget<QPushButton>("cmdSave")->icon().isNull());
+        screen.cmdSave.tag = "NA";
+        desk.frontEnd.top()->sync();
+        EXPECT_FALSE(desk.widget<QPushButton>("cmdSave")->icon().isNull());
+    });
+    screen.showModal();
+}
+
 TEST_F(Forms, AFileThatNothingShowsIsNamed) {
     QString told;
     desk.then([&] {
@@ -259,6 +289,17 @@ TEST_F(Forms, BordersAndTheFocusStandOutInBothPalettes) {
                 QWidget& widget = *desk.widget(name);
                 EXPECT_GE(outlineContrast(widget, widget.rect()), kMarkContrast) << name;
             }
+            const QPalette colors = desk.widget("txtName")->palette();
+            struct Pair {
+                QPalette::ColorRole text, ground;
+            };
+            for (const Pair& pair : {Pair{QPalette::Text, QPalette::Base},
+                                     {QPalette::WindowText, QPalette::Window},
+                                     {QPalette::ButtonText, QPalette::Button},
+                                     {QPalette::HighlightedText, QPalette::Highlight}})
+                EXPECT_GE(contrast(colors.color(pair.text), colors.color(pair.ground)),
+                          kTextContrast)
+                    << pair.text;
             QWidget& frame = *desk.widget("focusFrame");
             ASSERT_TRUE(frame.isVisible());
             EXPECT_GE(outlineContrast(frame, frame.rect()), kMarkContrast);
