@@ -53,6 +53,8 @@ QString ControlView::signedCaption() const {
 
 void ControlView::showRefusal() {
     const QString reason = toQt(control_.refusal());
+    if (reason.isEmpty() && !refused_) return;
+    widget_->setAccessibleDescription(reason);
     if (reason.isEmpty()) {
         delete refused_;
         return;
@@ -60,7 +62,6 @@ void ControlView::showRefusal() {
     if (!refused_) refused_ = new FieldFrame(FieldFrame::Says::Refused);
     refused_->surround(widget_);
     refused_->setReason(reason);
-    widget_->setAccessibleDescription(reason);
 }
 
 QRect ControlView::anchor() const {

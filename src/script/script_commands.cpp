@@ -174,7 +174,7 @@ constexpr ScriptCommand kCommands[] = {
     {"close", 0, 0, "", "closes the current screen as a user does"},
     {"show", 1, kAny, "NAME [ROW COL]", "tells the state of a control or cell", nullptr, tellState},
     {"tip", 1, kAny, "NAME [ROW COL]", "tells the tool tip; ROW 0: of a header", nullptr, tellTip},
-    {"dump", 1, 3, "NAME [--colors] [--hidden]", "tells what a grid or list holds", nullptr,
+    {"dump", 1, 3, "NAME [--colors] [--hidden]", "tells what a grid, list or board holds", nullptr,
      tellContent},
     {"menus", 1, 1, "NAME", "tells the menu over a control", nullptr, tellMenus},
     {"controls", 0, 0, "", "tells what stands on the screen", nullptr, tellControls},

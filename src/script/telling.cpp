@@ -6,9 +6,11 @@
 
 #include "base/csv.h"
 #include "base/utf8.h"
+#include "screen/cell_board.h"
 #include "screen/grid.h"
 #include "screen/screen.h"
 #include "screen/text_box.h"
+#include "script/board_telling.h"
 #include "script/script_words.h"
 
 namespace owb {
@@ -30,6 +32,7 @@ const char* kindOf(const Control& control) {
     if (as<Label>(control)) return "label";
     if (as<Grid>(control)) return "grid";
     if (as<Tabs>(control)) return "tabs";
+    if (as<CellBoard>(control)) return "board";
     if (as<MenuItem>(control)) return "menu";
     if (as<ProgressBar>(control)) return "progress";
     return "control";
@@ -229,6 +232,8 @@ void tellContent(const Screen& screen, const std::string& words, std::ostream& o
         return tellEntries(combo->items, false, out);
     if (const auto* list = as<ListBox>(control); list && rest.empty())
         return tellEntries(list->items, list->checkable, out);
+    if (const auto* board = as<CellBoard>(control); board && rest.empty())
+        return tellBoard(*board, out);
     tellGrid(gridNamed(screen, control.name()), rest, out);
 }
 

@@ -522,5 +522,27 @@ TEST(Pickers, TheCalendarIsWalkedByKeysAndShowsHolidays) {
     EXPECT_TRUE(h.boxes.shown.empty());
 }
 
+// Today is in August 2024; the payroll's months are May to July.
+TEST(Pickers, TheBoardOfMonthsIsWalkedByKeys) {
+    Holidays h;
+    const std::string open = "set cmbMonthYear Jun/2024\nkey cmbMonthYear F2\n";
+    EXPECT_EQ(h.drive<modHolidayWeekly>(open + "dump monMonths\nkey monMonths Esc\n"),
+              "open: frmSelMonth|Select Month Year\ntext,tip,marks\nMay,,\nJun,,chosen "
+              "current\nJul,,\nclose: frmSelMonth\n");
+    struct Case {
+        const char* keys;
+        const char* month;
+    };
+    for (const Case& c : {Case{"key monMonths Right\nkey monMonths Enter\n", "Jul/2024"},
+                          {"key monMonths Left\nkey monMonths Enter\n", "May/2024"},
+                          {"key monMonths Home\nkey monMonths Enter\n", "May/2024"},
+                          {"key monMonths End\nkey monMonths Enter\n", "Jul/2024"},
+                          {"key monMonths PgDown\nkey monMonths Enter\n", "Jun/2024"}}) {
+        const std::string told = h.drive<modHolidayWeekly>(open + c.keys + "show cmbMonthYear\n");
+        EXPECT_NE(told.find("\ncmbMonthYear: " + std::string(c.month) + " |"), std::string::npos)
+            << c.keys << told;
+    }
+}
+
 }  // namespace
 }  // namespace owb
