@@ -83,7 +83,7 @@ void ScreenWindow::build(const Layout& layout) {
         page_ = new Page;
         all->setContentsMargins(0, 0, 0, kMargin / 2);
         auto* inner = new QVBoxLayout(page_->widget());
-        inner->setContentsMargins(kMargin, kMargin, kMargin, 0);
+        inner->setContentsMargins(kMargin, kMargin, kMargin, kLineSpacing);
         inner->setSpacing(kSpacing);
         inner->addStrut(kLeastWidth);
         all->addWidget(page_, 1);

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <set>
 
 #include "app/ProcessLauncher.h"
 #include "app/frmMain.h"
@@ -77,6 +78,7 @@ class Photographer {
             take(*top);
             if (first) {
                 checkReach(*top);
+                checkTabs(*top);
                 checkMnemonics(top->screen());
                 checkSize(*top);
             }
@@ -111,6 +113,22 @@ class Photographer {
             const bool passed = option && option->group().tabStop() != option;
             EXPECT_EQ(!(read || shown || passed), bool(widget->focusPolicy() & Qt::TabFocus))
                 << where;
+        }
+    }
+    // The Tab key comes to each of them, one after the other, and round again.
+    static void checkTabs(ScreenWindow& window) {
+        if (!window.waitsForInput()) return;
+        std::set<const Control*> reached;
+        for (size_t i = 0; i < 2 * window.screen().controls().size(); ++i) {
+            window.goOn(true);
+            if (const ControlView* at = window.viewAround(window.focusWidget()))
+                reached.insert(&at->control());
+        }
+        for (const Control* control : window.screen().controls()) {
+            const auto* widget = window.findChild<QWidget*>(toQt(control->name()));
+            if (widget == nullptr || !widget->isVisible() || !widget->isEnabled()) continue;
+            EXPECT_EQ(reached.contains(control), bool(widget->focusPolicy() & Qt::TabFocus))
+                << window.screen().name() << "." << control->name();
         }
     }
     // No two controls of a screen are pressed by one letter.
@@ -227,7 +245,7 @@ TEST(Qt, EveryScreenIsReachedByKeysAndNamed) {
     std::filesystem::permissions(company.folder.file("OWBFilter"),
                                  std::filesystem::perms::owner_all);
     ShowFilterProgram(company.session, frontEnd);
-    photographer.open(1500, {});
+    photographer.open(1500, {[](ScreenWindow& top) { top.press("F1"); }});
     photographer.open(1503, {[](ScreenWindow& top) {
                           dynamic_cast<Grid*>(top.screen().find("fpgAtt"))->clickCell(2, 0);
                           top.screen().find("cmdSetting")->click();
