@@ -17,11 +17,13 @@ double luminance(const QColor& color) {
 
 }  // namespace
 
+// In bytes, as it will be drawn.
 QColor mixed(const QColor& from, const QColor& to, double share) {
-    const auto part = [share](double a, double b) { return a + (b - a) * share; };
-    return QColor::fromRgbF(static_cast<float>(part(from.redF(), to.redF())),
-                            static_cast<float>(part(from.greenF(), to.greenF())),
-                            static_cast<float>(part(from.blueF(), to.blueF())));
+    const auto part = [share](int a, int b) {
+        return static_cast<int>(std::lround(a + (b - a) * share));
+    };
+    return {part(from.red(), to.red()), part(from.green(), to.green()),
+            part(from.blue(), to.blue())};
 }
 
 double contrast(const QColor& one, const QColor& other) {
@@ -38,8 +40,7 @@ QColor standingOut(const QColor& ink, std::initializer_list<QColor> grounds, dou
     const QColor end = worst(Qt::black) > worst(Qt::white) ? Qt::black : Qt::white;
     constexpr int kSteps = 20;
     for (int step = 0; step < kSteps; ++step) {
-        // As it will be drawn, in bytes.
-        const QColor color(mixed(ink, end, static_cast<double>(step) / kSteps).rgb());
+        const QColor color = mixed(ink, end, static_cast<double>(step) / kSteps);
         if (worst(color) >= least) return color;
     }
     return end;

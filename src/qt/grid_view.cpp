@@ -300,16 +300,30 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
             const size_t r = model_.row(index), c = model_.column(index);
             run([&] { grid_.rightClickCell(r, c); });
         }
-        if (!window().openMenu(grid_, place)) openColumnMenu(index.column(), place);
+        menuColumn_ = index.column();
+        window().openMenu(grid_, place);
     }
     void openColumnMenu(int place, const QPoint& at) {
         std::optional<size_t> column;
         if (place >= 0) column = model_.gridColumn(place);
         QMenu menu(table_);
-        addOwnItems(menu, column);
+        addItems(menu, column);
         menu.exec(at);
     }
-    void addOwnItems(QMenu& menu, std::optional<size_t> column) {
+    void addOwnItems(QMenu& menu) override {
+        const int place = menuColumn_.value_or(table_->currentIndex().column());
+        menuColumn_.reset();
+        addItems(menu, place < 0 ? std::nullopt : std::optional(model_.gridColumn(place)));
+    }
+    // A picker, or the menu by its key, opens at the current cell.
+    QRect anchor() const override {
+        const QModelIndex now = table_->currentIndex();
+        if (!now.isValid()) return ControlView::anchor();
+        GridTable* table = table_->shower(now.column());
+        const QRect cell = table->visualRect(now);
+        return {table->viewport()->mapToGlobal(cell.topLeft()), cell.size()};
+    }
+    void addItems(QMenu& menu, std::optional<size_t> column) {
         fill(menu, gridMenu(grid_, column));
         if (!column) return;
         menu.addAction("F&ilter...", QKeySequence("Ctrl+Shift+F"), this, [this, c = *column] {
@@ -358,6 +372,7 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
     std::vector<size_t> columnsShown_;
     size_t frozenShown_ = 0;
     std::optional<std::pair<size_t, size_t>> moved_;
+    std::optional<int> menuColumn_;  // on which the mouse opens the menu
     int zoomShown_ = 100;
     std::vector<int> widths_;     // that the user has given, by columns of the grid; 0: none
     std::vector<int> ownWidths_;  // as the screen has them

@@ -404,7 +404,7 @@ TEST(WeeklyHoliday, ShownAgainKeepsTheChosenRule) {
     h.weekly(0, 7, "FS -- FS -- FS", kJune);
     EXPECT_EQ(h.drive<modHolidayWeekly>("cell fpgWeeklyHoliday 2 1\nkey fpgWeeklyHoliday F5\n"
                                         "show fpgWeeklyHoliday\n"),
-              "fpgWeeklyHoliday: 24294 |  | Yes | Yes | current=2 EFFFROM\n");
+              "fpgWeeklyHoliday: 24294 |  | Yes | Yes | current=2 EFFFROM | status=Row 2/2\n");
 }
 
 TEST(WeeklyHoliday, DeletesOnlyARuleThatExists) {

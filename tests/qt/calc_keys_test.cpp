@@ -221,9 +221,6 @@ constexpr Otherwise kOtherwise[] = {
     {"fill handle, two numbers falling down", "B5=5 B6=3", "B3", "B3:B6"},
     {"fill handle, text with a number down", "B3=W7 B4=W7", "B2", "B2:B4"},
     {"fill handle, two texts down", "A3=CL A4=W1 A5=CL A6=W1", "A1", "A1:A6"},
-    {"fill handle dragged back empties", "-", "B2", "B2:B5"},
-    {"fill handle dragged back empties, undone", "-", "B2", "B2:B5"},
-    {"fill handle dragged back empties, redone", "-", "B2", "B2:B5"},
 };
 
 TEST(Qt, KeysDoInAGridWhatTheyDoInASpreadsheet) {

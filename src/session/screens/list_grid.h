@@ -1,4 +1,4 @@
-// A list of a screen: a grid whose right-click menu exports it.
+// A list of a screen: a grid whose right-click menu exports it, and whose date cells open the calendar.
 #pragma once
 
 #include "screen/grid.h"
