@@ -41,7 +41,7 @@ void openScreen(Session& session, FrontEnd& frontEnd) {
 
 constexpr MenuScreen kMenu[] = {
     {1500, "modLeaveDef", kConfiguration, "Leave / Non-Leave Definition",
-     "Kinds of leave and of absence, and whether they touch the salary", openScreen<modLeaveDef>},
+     "Kinds of leave, and which of them touch the salary", openScreen<modLeaveDef>},
     {1501, "frmLeaveSettings", kConfiguration, "Leave Settings",
      "How a leave is earned, carried over and lapses, by month"},
     {1502, "frmOpt", kConfiguration, "General : Optional Configuration",
@@ -56,7 +56,7 @@ constexpr MenuScreen kMenu[] = {
      "Leave given month by month"},
     {1507, "modLeaveAllotment", kLeave, "Leave Allotment", "Leave given by hand"},
     {1508, "modLeaveProcess", kRecalculation, "Process Leave",
-     "Works out what is marked, ledger included, and waits for Close", openRecalculation},
+     "Works out what is marked and waits for Close", openRecalculation},
     {1509, "modExtraOT", kAttendance, "Special Over Time Setting",
      "Days on which overtime counts specially"},
     {1510, "modLeaveOB", kLeave, "Set Opening Balance", "Balances to begin with"},

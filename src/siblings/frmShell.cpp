@@ -30,10 +30,10 @@ frmShell::frmShell(Session& session, FrontEnd& frontEnd, const std::string& sock
       companies_(session),
       entries_(MenuEntries()) {
     timerInterval = 200;
-    fpgScreen.setColumns({{.caption = "Screen", .width = 29},
-                          {.caption = "What it does", .width = 47},
-                          {.caption = "Section", .width = 16},
-                          {.caption = "State", .width = 15},
+    fpgScreen.setColumns({{.caption = "Screen", .width = 27},
+                          {.caption = "What it does", .width = 45},
+                          {.caption = "Section", .width = 15},
+                          {.caption = "State", .width = 13},
                           {.caption = "Menu", .width = 6, .align = Align::Right}});
     fpgScreen.singleRows = fpgHead.singleRows = true;
     fpgScreen.onCellDoubleClick = [this](size_t, size_t) { cmdOpen_Click(); };

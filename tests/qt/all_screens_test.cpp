@@ -208,13 +208,18 @@ TEST(Qt, EveryScreenIsReachedByKeysAndNamed) {
     photographer.show(configuring);
     modLeaveProcess process(company.session, frontEnd);
     photographer.show(process);
+    bool ended = false;  // what the launcher has started: it asks before it closes over that
     frmShell shell(
         company.session, frontEnd, company.folder.file("shell"),
-        [](const std::string&) { return 1; }, [](int) { return false; });
+        [](const std::string&) { return 1; }, [&ended](int) { return ended; });
     photographer.show(shell, {[](ScreenWindow& top) {
-                          dynamic_cast<Grid*>(top.screen().find("fpgScreen"))->goTo(3, 0);
-                          top.screen().find("cmdOpen")->click();
-                      }});
+                                  dynamic_cast<Grid*>(top.screen().find("fpgScreen"))->goTo(3, 0);
+                                  top.screen().find("cmdOpen")->click();
+                              },
+                              [&ended](ScreenWindow& top) {
+                                  ended = true;
+                                  top.screen().tick();
+                              }});
     company.settings.SaveSetting(
         "OWBShell", "Recent1",
         company.session.gGenCmn.FnStrEncryptWord(company.session.gConn.ConnectionString()));

@@ -119,7 +119,7 @@ TEST(Shell, FindsScreensByAFewLetters) {
               {"hol", "1511 1512 1523 1528", "1512"},
               {"WEEK", "1511", "1511"},
               {"list", "1512 1528", "1512"},
-              {"ledger", "1508 1601", "1508"},
+              {"ledger", "1601", "1601"},
               {"1600", "1600", "1600"},
               {"alendar v", "1527", "", "Calendar View is not available in this version."},
               {"zz", "", "", "Select a screen to open."}}) {
@@ -135,7 +135,7 @@ TEST(Shell, FindsScreensByAFewLetters) {
         }
         // What was opened last stands first from now on, the newest at the top.
         shell.screen.txtSearch.edit("");
-        EXPECT_EQ(shell.shown().substr(0, 25), "1600 1508 1512 1511 1511 ") << "four are kept";
+        EXPECT_EQ(shell.shown().substr(0, 25), "1600 1601 1512 1511 1511 ") << "four are kept";
         EXPECT_EQ(shell.screen.fpgScreen.cell(0, 2), "Recent");
         shell.lines.clear();
         shell.screen.txtSearch.key("Down");
@@ -146,7 +146,7 @@ TEST(Shell, FindsScreensByAFewLetters) {
         shell.screen.txtSearch.key("Down");
         EXPECT_EQ(shell.screen.fpgScreen.currentRow(), 1);
         shell.screen.txtSearch.key("Enter");
-        EXPECT_EQ(shell.lines, std::vector<std::string>{"1508#False#0#0"});
+        EXPECT_EQ(shell.lines, std::vector<std::string>{"1601#False#0#0"});
         EXPECT_FALSE(shell.screen.txtSearch.key("F7"));
     };
     shell.screen.showModal();
