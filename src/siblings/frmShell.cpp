@@ -31,7 +31,7 @@ frmShell::frmShell(Session& session, FrontEnd& frontEnd, const std::string& sock
       entries_(MenuEntries()) {
     timerInterval = 200;
     fpgScreen.setColumns({{.caption = "Screen", .width = 27},
-                          {.caption = "What it does", .width = 45},
+                          {.caption = "What it does", .width = 44},
                           {.caption = "Section", .width = 15},
                           {.caption = "State", .width = 13},
                           {.caption = "Menu", .width = 6, .align = Align::Right}});
