@@ -16,7 +16,7 @@ enum Column : size_t { kTitle, kWhat, kSection, kState, kMenuId };
 constexpr const char* kRecent = "Recent";
 constexpr const char* kMissing = "Not in this version";
 constexpr size_t kRecentScreens = 4;
-constexpr Color kGrey = 0x808080;
+constexpr Color kGrey = 0x707070;
 constexpr int32_t kProcessLeave = 1508;
 
 }  // namespace
