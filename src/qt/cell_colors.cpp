@@ -29,8 +29,9 @@ CellColors cellColors(Color back, Color fore, const QPalette& palette) {
     const QColor base = palette.color(QPalette::Base);
     CellColors colors{colorOf(back, palette, QPalette::Base),
                       colorOf(fore, palette, QPalette::Text)};
-    const bool screens = back != kDefaultColor && (back & 0x80000000) == 0;
-    if (screens && isDark(base)) colors.back = mixed(base, colors.back, kDarkShare);
+    // A ground as light as the pastels of a legend glares on a dark desktop.
+    if (isDark(base) && !isDark(colors.back))
+        colors.back = mixed(base, colors.back, kDarkShare);
     colors.fore = standingOut(colors.fore, {colors.back}, kTextContrast);
     return colors;
 }
