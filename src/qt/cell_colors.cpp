@@ -30,8 +30,7 @@ CellColors cellColors(Color back, Color fore, const QPalette& palette) {
     CellColors colors{colorOf(back, palette, QPalette::Base),
                       colorOf(fore, palette, QPalette::Text)};
     // A ground as light as the pastels of a legend glares on a dark desktop.
-    if (isDark(base) && !isDark(colors.back))
-        colors.back = mixed(base, colors.back, kDarkShare);
+    if (isDark(base) && !isDark(colors.back)) colors.back = mixed(base, colors.back, kDarkShare);
     colors.fore = standingOut(colors.fore, {colors.back}, kTextContrast);
     return colors;
 }

@@ -50,12 +50,20 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
                 [this](const QModelIndex& at) {
                     if (at.isValid()) run([&] { grid_.goTo(model_.row(at), model_.column(at)); });
                 });
+        const WindowMemory& memory = window.memory();
+        grid_.zoom =
+            std::clamp(memory.habit(memoryName(), "Zoom", 100), Grid::kLeastZoom, Grid::kMostZoom);
+        grid_.enterGoes = static_cast<Grid::EnterGoes>(std::clamp(
+            memory.habit(memoryName(), "Enter", static_cast<int>(grid_.enterGoes)), 0, 2));
         layColumns();
     }
     ~GridView() override {
         for (GridEditor* editor : {editor_, frozenEditor_})
             if (editor != nullptr) editor->disconnect();
         rememberColumns();
+        window().memory().rememberHabit(memoryName(), "Zoom", grid_.zoom, 100);
+        window().memory().rememberHabit(memoryName(), "Enter", static_cast<int>(grid_.enterGoes),
+                                        static_cast<int>(Grid::EnterGoes::ByColumn));
     }
     void commit() override {
         if (grid_.entry.busy()) grid_.entry.commit();

@@ -44,4 +44,15 @@ void WindowMemory::rememberColumns(const std::string& grid, const std::vector<in
     save("Columns " + grid, fromQt(parts.join(',')));
 }
 
+int WindowMemory::habit(const std::string& grid, const std::string& name, int otherwise) const {
+    bool good = false;
+    const int held = toQt(settings_.GetSetting(kSection, name + " " + grid)).toInt(&good);
+    return good ? held : otherwise;
+}
+
+void WindowMemory::rememberHabit(const std::string& grid, const std::string& name, int value,
+                                 int otherwise) {
+    if (value != habit(grid, name, otherwise)) save(name + " " + grid, std::to_string(value));
+}
+
 }  // namespace owb

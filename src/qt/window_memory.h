@@ -1,5 +1,5 @@
 // Where windows stood and how wide columns were, kept in the user's settings store between sessions
-// (section LeaveMgmt, keys "Window <screen>" and "Columns <screen>.<grid>").
+// (section LeaveMgmt, keys "Window <screen>", "Columns <screen>.<grid>" and those of habits).
 #pragma once
 
 #include <string>
@@ -22,6 +22,9 @@ class WindowMemory {
     // known for a grid of this many columns.
     std::vector<int> columns(const std::string& grid, size_t count) const;
     void rememberColumns(const std::string& grid, const std::vector<int>& widths);
+    // Another habit of the user's with a grid, such as its zoom; `otherwise` where none is known.
+    int habit(const std::string& grid, const std::string& name, int otherwise) const;
+    void rememberHabit(const std::string& grid, const std::string& name, int value, int otherwise);
 
   private:
     void save(const std::string& key, const std::string& value);

@@ -126,6 +126,7 @@ class Grid : public Control {
     enum class EnterGoes { ByColumn, Down, Right };
     EnterGoes enterGoes = EnterGoes::ByColumn;
     int zoom = 100;  // per cent, by the user
+    static constexpr int kLeastZoom = 50, kMostZoom = 300;
     std::vector<LegendEntry> legend;
 
     std::function<void(size_t row, size_t c)> onCurrentChange;

@@ -259,9 +259,11 @@ bool GridEntry::pressOther(const std::string& key) {
         return grid_.find.next(key == "F3"), true;
     }
     if (key == "Ctrl++" || key == "Ctrl+=" || key == "Ctrl+-" || key == "Ctrl+0") {
-        constexpr int kStep = 10, kLeast = 50, kMost = 300;
+        constexpr int kStep = 10;
         const int step = key == "Ctrl+-" ? -kStep : kStep;
-        grid_.zoom = key == "Ctrl+0" ? 100 : std::clamp(grid_.zoom + step, kLeast, kMost);
+        grid_.zoom = key == "Ctrl+0"
+                         ? 100
+                         : std::clamp(grid_.zoom + step, Grid::kLeastZoom, Grid::kMostZoom);
         return grid_.say(std::to_string(grid_.zoom) + " %"), true;
     }
     if (key != "Esc") return false;

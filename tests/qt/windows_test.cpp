@@ -165,8 +165,10 @@ TEST(Qt, WidthsAreRememberedAndColumnsStayHidden) {
             if (round == 1) {
                 table->setColumnWidth(0, 177);
                 screen.fpgRows.sight.hideColumn(2, true);
+                screen.fpgRows.enterGoes = Grid::EnterGoes::Down;
                 desk.frontEnd.top()->sync();
             } else {
+                EXPECT_EQ(screen.fpgRows.enterGoes, Grid::EnterGoes::Down);
                 EXPECT_EQ(table->columnWidth(0), 177);
                 EXPECT_TRUE(screen.fpgRows.sight.columnHidden(2));
             }
