@@ -16,17 +16,6 @@ namespace owb {
 
 namespace {
 
-std::vector<std::string> split(const std::string& text, char separator) {
-    std::vector<std::string> fields;
-    for (size_t at = 0; !text.empty() && at <= text.size();) {
-        size_t end = text.find(separator, at);
-        if (end == std::string::npos) end = text.size();
-        fields.push_back(text.substr(at, end - at));
-        at = end + 1;
-    }
-    return fields;
-}
-
 template <typename Int>
 Int wholeNumber(const std::string& text, const char* what) {
     const double value = roundHalfEven(textToNumber(text));

@@ -130,6 +130,18 @@ std::string_view trimRight(std::string_view text) {
     return text;
 }
 
+std::vector<std::string> split(std::string_view text, char mark) {
+    if (text.empty()) return {};
+    std::vector<std::string> parts(1);
+    for (const char c : text) {
+        if (c == mark)
+            parts.emplace_back();
+        else
+            parts.back() += c;
+    }
+    return parts;
+}
+
 std::string trim(std::string_view text) {
     text = trimRight(text);
     while (!text.empty() && text.front() == ' ') text.remove_prefix(1);

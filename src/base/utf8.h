@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace owb {
 
@@ -19,6 +20,8 @@ bool validUtf8(std::string_view text);
 std::string upperCase(std::string_view text);
 std::string lowerCase(std::string_view text);
 std::string trim(std::string_view text);
+// The parts between the marks; an empty text has none.
+std::vector<std::string> split(std::string_view text, char mark);
 std::string_view trimRight(std::string_view text);  // blanks only
 bool equalsIgnoreCaseAscii(std::string_view a, std::string_view b);
 

@@ -3,22 +3,12 @@
 #include <algorithm>
 
 #include "base/number_text.h"
+#include "base/utf8.h"
 #include "screen/grid.h"
 
 namespace owb {
 
 namespace {
-
-std::vector<std::string> split(const std::string& text, char mark) {
-    std::vector<std::string> parts(1);
-    for (const char c : text) {
-        if (c == mark)
-            parts.emplace_back();
-        else
-            parts.back() += c;
-    }
-    return parts;
-}
 
 std::string size(size_t rows, size_t columns) {
     return std::to_string(rows) + " x " + std::to_string(columns);
@@ -64,7 +54,7 @@ bool GridBlocks::paste(const std::string& text) {
     std::erase(plain, '\r');
     if (plain.ends_with('\n')) plain.pop_back();
     Texts texts;
-    size_t width = 0;
+    size_t width = 1;
     for (const std::string& line : split(plain, '\n')) {
         texts.push_back(split(line, '\t'));
         width = std::max(width, texts.back().size());

@@ -87,11 +87,8 @@ void filterRows(Screen& screen, const std::string& words) {
     const size_t column = columnAt(grid, rest);
     if (!sets) return grid.sight.clearFilter(column);
     std::set<std::string> wanted;
-    for (size_t from = 0; from <= texts.size();) {
-        const size_t to = std::min(texts.find(';', from), texts.size());
-        wanted.insert(trim(std::string_view(texts).substr(from, to - from)));
-        from = to + 1;
-    }
+    if (texts.empty()) wanted.insert("");  // cells without a text
+    for (const std::string& text : split(texts, ';')) wanted.insert(trim(text));
     grid.sight.filter(column, std::move(wanted));
 }
 

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <map>
 
+#include "base/utf8.h"
 #include "qt/desk.h"
 #include "qt/qt_text.h"
 #include "screen/grid.h"
@@ -20,17 +21,6 @@ constexpr size_t kSide = 6;
 constexpr int kPause = 60;  // milliseconds of a "pause", a slow typist's
 
 using Sheet = std::vector<std::vector<std::string>>;
-
-std::vector<std::string> split(const std::string& text, char mark) {
-    std::vector<std::string> parts(1);
-    for (const char c : text) {
-        if (c == mark)
-            parts.emplace_back();
-        else
-            parts.back() += c;
-    }
-    return parts;
-}
 
 struct Place {
     size_t row, column;

@@ -9,18 +9,6 @@ namespace owb::tsql {
 
 namespace {
 
-std::vector<std::string> split(const std::string& text, char separator) {
-    std::vector<std::string> parts;
-    if (text.empty()) return parts;
-    size_t from = 0;
-    while (true) {
-        const size_t at = text.find(separator, from);
-        parts.push_back(text.substr(from, at - from));
-        if (at == std::string::npos) return parts;
-        from = at + 1;
-    }
-}
-
 uint64_t mix(uint64_t seed, const std::string& text) {
     return seed * 1099511628211ull ^ std::hash<std::string>{}(text);
 }
