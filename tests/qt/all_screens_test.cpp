@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <filesystem>
@@ -77,10 +78,12 @@ class Photographer {
         if (first || works) {
             take(*top);
             if (first) {
+                const QPointer<QWidget> focus = top->focusWidget();
                 checkReach(*top);
                 checkTabs(*top);
                 checkMnemonics(top->screen());
                 checkSize(*top);
+                if (focus) focus->setFocus(Qt::OtherFocusReason);
             }
             return;
         }
@@ -157,7 +160,6 @@ class Photographer {
         EXPECT_LE(window.height() + kTitle, desktop.height()) << screen;
         if (window.screen().popup || !window.waitsForInput()) return;
         const QSize before = window.size();
-        QWidget* focus = window.focusWidget();
         window.resize(desktop.width() / 2, desktop.height() / 2 - kTitle);
         QApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
         EXPECT_LE(window.height() + kTitle, desktop.height() / 2) << screen;
@@ -174,7 +176,6 @@ class Photographer {
             EXPECT_GT(seen.width(), 0) << screen << "." << control->name();
         }
         window.resize(before);
-        if (focus != nullptr) focus->setFocus(Qt::TabFocusReason);
     }
 
     Company& company_;
