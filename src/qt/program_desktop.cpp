@@ -43,7 +43,6 @@ QPixmap drawIcon(int side) {
 void prepareDesktop(const char* programName) {
     QApplication::setApplicationName(programName);
     QApplication::setApplicationVersion(programVersion());
-    QApplication::setApplicationDisplayName("Orvane Wagebook");
     QApplication::setQuitOnLastWindowClosed(false);
     QIcon icon;
     for (const int side : {16, 24, 32, 48, 64, 128, 256}) icon.addPixmap(drawIcon(side));
