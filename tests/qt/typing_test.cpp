@@ -33,44 +33,45 @@ class Boxes final : public SessionScreen {
 };
 
 // Today is 2024-08-15. Keys: a character is typed; <Name> is a key.
+struct Case {
+    const char* box;
+    const char* keys;
+    const char* holds;  // the box, when the focus has gone on
+    const char* refusal;
+};
+constexpr Case kCases[] = {
+    {"txtShort", "Asha<Enter>", "Asha", ""},
+    {"txtShort", "Ramesh<Enter>", "Rame", ""},
+    {"txtShort", "ab<Backspace>c<Enter>", "ac", ""},
+    {"txtShort", "ab<Esc>d<Enter>", "d", ""},
+    {"txtRate", "12.5<Enter>", "12.5", ""},
+    {"txtRate", "1x2..5<Enter>", "12.5", ""},
+    {"txtFrom", "5<Enter>", "05/08/2024", ""},
+    {"txtFrom", "5/3<Enter>", "05/03/2024", ""},
+    {"txtFrom", "+1<Enter>", "16/08/2024", ""},
+    {"txtFrom", "05-Mar-2026<Enter>", "05/03/2026", ""},
+    {"txtFrom", "05/mar/26<Tab>", "05/03/2026", ""},
+    {"txtFrom", "31/2/24<Enter>", "31/2/24", "\"31/2/24\" is no date."},
+    {"cmbLeave", "c<Enter>", "Casual", ""},
+    {"cmbLeave", "co<Enter>", "Comp Off", ""},
+    {"cmbLeave", "cl<Enter>", "Casual", ""},
+    {"cmbLeave", "<F4>co<Enter><Enter>", "Comp Off", ""},
+    {"cmbLeave", "l<Down><Up><Enter>", "Comp Off", ""},
+    {"cmbCity", "patna<Enter>", "Patna", ""},
+    {"cmbCity", "Nasik<Tab>", "Nasik", ""},
+    {"chkOn", "<Enter>", "No", ""},
+    {"chkOn", "<Space><Enter>", "Yes", ""},
+    {"optDaily", "<Enter>", "Yes", ""},
+    {"optDaily", "<Down><Enter>", "No", ""},
+    {"txtNote", "two  words<Enter>", "two  words", ""},
+};
+
 TEST(Typing, IntoEveryKindOfBoxWithPauses) {
-    struct Case {
-        const char* box;
-        const char* keys;
-        const char* holds;  // the box, when the focus has gone on
-        const char* refusal;
-    };
-    const Case cases[] = {
-        {"txtShort", "Asha<Enter>", "Asha", ""},
-        {"txtShort", "Ramesh<Enter>", "Rame", ""},
-        {"txtShort", "ab<Backspace>c<Enter>", "ac", ""},
-        {"txtShort", "ab<Esc>d<Enter>", "d", ""},
-        {"txtRate", "12.5<Enter>", "12.5", ""},
-        {"txtRate", "1x2..5<Enter>", "12.5", ""},
-        {"txtFrom", "5<Enter>", "05/08/2024", ""},
-        {"txtFrom", "5/3<Enter>", "05/03/2024", ""},
-        {"txtFrom", "+1<Enter>", "16/08/2024", ""},
-        {"txtFrom", "05-Mar-2026<Enter>", "05/03/2026", ""},
-        {"txtFrom", "05/mar/26<Tab>", "05/03/2026", ""},
-        {"txtFrom", "31/2/24<Enter>", "31/2/24", "\"31/2/24\" is no date."},
-        {"cmbLeave", "c<Enter>", "Casual", ""},
-        {"cmbLeave", "co<Enter>", "Comp Off", ""},
-        {"cmbLeave", "cl<Enter>", "Casual", ""},
-        {"cmbLeave", "<F4>co<Enter><Enter>", "Comp Off", ""},
-        {"cmbLeave", "l<Down><Up><Enter>", "Comp Off", ""},
-        {"cmbCity", "patna<Enter>", "Patna", ""},
-        {"cmbCity", "Nasik<Tab>", "Nasik", ""},
-        {"chkOn", "<Enter>", "No", ""},
-        {"chkOn", "<Space><Enter>", "Yes", ""},
-        {"optDaily", "<Enter>", "Yes", ""},
-        {"optDaily", "<Down><Enter>", "No", ""},
-        {"txtNote", "two  words<Enter>", "two  words", ""},
-    };
     Company company;
     // Whatever the toolkit forgets after a while it forgets between two keys here.
     const int interval = QApplication::keyboardInputInterval();
     QApplication::setKeyboardInputInterval(1);
-    for (const Case& c : cases) {
+    for (const Case& c : kCases) {
         Desk desk;
         Boxes screen(company.session, desk.frontEnd);
         std::deque<std::string> keys;
