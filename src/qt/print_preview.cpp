@@ -7,6 +7,7 @@
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
 #include <QPrinter>
+#include <QScreen>
 #include <QToolBar>
 #include <stdexcept>
 
@@ -18,12 +19,11 @@ namespace owb {
 
 namespace {
 
-constexpr double kPointsPerInch = 72;
+constexpr double kPointsPerInch = 72, kShareOfScreen = 0.85;
 
 // On whatever paper the user has set up.
 void paintPages(QPrinter& printer, const Grid& grid, const PrintHeading& heading) {
-    const QRectF room = printer.pageLayout().paintRect(QPageLayout::Point);
-    const GridPainter pages(grid, heading, {room.width(), room.height()});
+    const GridPainter pages(grid, heading, paperOf(printer.pageLayout()));
     QPainter painter(&printer);
     painter.scale(printer.resolution() / kPointsPerInch, printer.resolution() / kPointsPerInch);
     for (size_t page = 0; page < pages.pageCount(); ++page) {
@@ -34,29 +34,32 @@ void paintPages(QPrinter& printer, const Grid& grid, const PrintHeading& heading
 
 class Preview final {
   public:
-    Preview(QWidget& above, const Grid& grid, const PrintHeading& heading)
-        : grid_(grid), heading_(heading), printer_(QPrinter::HighResolution) {
+    Preview(QWidget& above, const Grid& grid, const PrintHeading& heading, PaperSize paper)
+        : grid_(grid), heading_(heading), paper_(paper), printer_(QPrinter::HighResolution) {
         printer_.setPageLayout(pageLayout(paper_));
         printer_.setDocName(toQt(heading.title));
         dialog_ = std::make_unique<QPrintPreviewDialog>(&printer_, &above);
         dialog_->setWindowTitle("Print");
         dialog_->setObjectName("printPreview");
+        dialog_->resize(above.screen()->availableSize() * kShareOfScreen);
         QObject::connect(dialog_.get(), &QPrintPreviewDialog::paintRequested, dialog_.get(),
                          [this](QPrinter* printer) { paintPages(*printer, grid_, heading_); });
         auto* bar = dialog_->findChild<QToolBar*>();
         bar->addSeparator();
         auto* papers = new QActionGroup(dialog_.get());
-        addPaper(*bar, *papers, "A4", PaperSize::A4);
-        addPaper(*bar, *papers, "A3", PaperSize::A3);
+        for (const PaperSize size : {PaperSize::A4, PaperSize::A3}) addPaper(*bar, *papers, size);
         bar->addSeparator();
         bar->addAction("Save as PDF", [this] { savePdf(); });
     }
 
-    void show() { dialog_->exec(); }
+    PaperSize show() {
+        dialog_->exec();
+        return paper_;
+    }
 
   private:
-    void addPaper(QToolBar& bar, QActionGroup& papers, const char* caption, PaperSize size) {
-        QAction* action = bar.addAction(caption, [this, size] {
+    void addPaper(QToolBar& bar, QActionGroup& papers, PaperSize size) {
+        QAction* action = bar.addAction(toQt(paperName(size)), [this, size] {
             paper_ = size;
             printer_.setPageLayout(pageLayout(size));
             dialog_->findChild<QPrintPreviewWidget*>()->updatePreview();
@@ -71,7 +74,7 @@ class Preview final {
             dialog_.get(), "Save as PDF", toQt(heading_.title) + ".pdf", "PDF files (*.pdf)");
         if (path.isEmpty()) return;
         try {
-            printToPdf(grid_, heading_, paper_, fromQt(path));
+            printOnPages(grid_, heading_, printer_.pageLayout(), fromQt(path));
         } catch (const std::runtime_error& e) {
             QMessageBox::critical(dialog_.get(), "Print", e.what());
         }
@@ -79,19 +82,18 @@ class Preview final {
 
     const Grid& grid_;
     const PrintHeading& heading_;
-    PaperSize paper_ = PaperSize::A4;
+    PaperSize paper_;
     QPrinter printer_;
     std::unique_ptr<QPrintPreviewDialog> dialog_;
 };
 
 }  // namespace
 
-void previewPrint(QWidget& above, const Grid& grid, const PrintHeading& heading) {
-    if (grid.visibleRowCount() == 0) {
-        QMessageBox::information(&above, "Print", "There is nothing to print.");
-        return;
-    }
-    Preview(above, grid, heading).show();
+PaperSize previewPrint(QWidget& above, const Grid& grid, const PrintHeading& heading,
+                       PaperSize paper) {
+    if (grid.visibleRowCount() > 0) return Preview(above, grid, heading, paper).show();
+    QMessageBox::information(&above, "Print", "There is nothing to print.");
+    return paper;
 }
 
 }  // namespace owb

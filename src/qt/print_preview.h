@@ -7,7 +7,9 @@ class QWidget;
 
 namespace owb {
 
-// Modal. The user picks the paper there; a word says so when there is nothing to print.
-void previewPrint(QWidget& above, const Grid& grid, const PrintHeading& heading);
+// Modal. Gives the paper that the user chose last; at first it is `paper`. A word says so when
+// there is nothing to print.
+PaperSize previewPrint(QWidget& above, const Grid& grid, const PrintHeading& heading,
+                       PaperSize paper);
 
 }  // namespace owb

@@ -137,7 +137,10 @@ void QtFrontEnd::setClipboard(const std::string& text) {
 }
 
 void QtFrontEnd::print(const Grid& grid, const PrintHeading& heading) {
-    if (ScreenWindow* window = top()) previewPrint(*window, grid, heading);
+    ScreenWindow* window = top();
+    if (window == nullptr) return;
+    const PaperSize paper = paperNamed(memory_.paper()).value_or(PaperSize::A4);
+    memory_.rememberPaper(paperName(previewPrint(*window, grid, heading, paper)));
 }
 
 void QtFrontEnd::opened(Screen& screen) {

@@ -55,4 +55,8 @@ void WindowMemory::rememberHabit(const std::string& grid, const std::string& nam
     if (value != habit(grid, name, otherwise)) save(name + " " + grid, std::to_string(value));
 }
 
+std::string WindowMemory::paper() const {
+    return settings_.GetSetting(kSection, "Print paper");
+}
+
 }  // namespace owb

@@ -1,5 +1,6 @@
-// Where windows stood and how wide columns were, kept in the user's settings store between sessions
-// (section LeaveMgmt, keys "Window <screen>", "Columns <screen>.<grid>" and those of habits).
+// Where windows stood, how wide columns were and what was printed on, kept in the user's settings
+// store between sessions (section LeaveMgmt, keys "Window <screen>", "Columns <screen>.<grid>",
+// "Print paper" and those of habits).
 #pragma once
 
 #include <string>
@@ -25,6 +26,10 @@ class WindowMemory {
     // Another habit of the user's with a grid, such as its zoom; `otherwise` where none is known.
     int habit(const std::string& grid, const std::string& name, int otherwise) const;
     void rememberHabit(const std::string& grid, const std::string& name, int value, int otherwise);
+
+    // That was printed on last, by its name; "" at first.
+    std::string paper() const;
+    void rememberPaper(const std::string& name) { save("Print paper", name); }
 
   private:
     void save(const std::string& key, const std::string& value);

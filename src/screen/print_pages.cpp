@@ -11,7 +11,6 @@ namespace owb {
 
 namespace {
 
-constexpr double kMillimetre = 72 / 25.4;
 constexpr double kLeastScale = 0.6;   // smaller than that nobody reads it
 constexpr size_t kWidestDigits = 40;  // of a column; longer texts end with an ellipsis
 constexpr double kLineSpacing = 1.3;  // of rows, to the line of the font
@@ -176,10 +175,8 @@ std::optional<PaperSize> paperNamed(const std::string& name) {
     return std::nullopt;
 }
 
-PrintPaper landscape(PaperSize size) {
-    const double width = size == PaperSize::A4 ? 297 : 420,
-                 height = size == PaperSize::A4 ? 210 : 297;
-    return {width * kMillimetre - 2 * kPrintMargin, height * kMillimetre - 2 * kPrintMargin};
+std::string paperName(PaperSize size) {
+    return size == PaperSize::A3 ? "A3" : "A4";
 }
 
 PrintPages layPages(const Grid& grid, const PrintHeading& heading, const PrintPaper& paper,

@@ -26,15 +26,14 @@ struct PrintHeading {
 };
 
 enum class PaperSize { A4, A3 };
-// In any letter case; nothing when there is no such paper.
+// "A4"; in any letter case, nothing when there is no such paper.
 std::optional<PaperSize> paperNamed(const std::string& name);
+std::string paperName(PaperSize size);
 
 // What can be printed on.
 struct PrintPaper {
     double width = 0, height = 0;
 };
-constexpr double kPrintMargin = 28;  // on each side of the paper
-PrintPaper landscape(PaperSize size);
 
 // Of the font that is printed with.
 struct PrintFont {

@@ -65,7 +65,7 @@ class Print : public ::testing::Test {
 };
 
 TEST_F(Print, APageHasTheColoursOfTheCellsWhateverTheDesktopsAre) {
-    const PrintPaper paper = landscape(PaperSize::A4);
+    const PrintPaper paper = paperOf(pageLayout(PaperSize::A4));
     const GridPainter pages(screen.fpgMonth, screen.printHeading(), paper);
     constexpr int kScale = 2;
     QImage picture(static_cast<int>(paper.width) * kScale, static_cast<int>(paper.height) * kScale,
@@ -134,6 +134,7 @@ TEST_F(Print, CtrlPShowsTheGridOnPaperAndThePaperIsTheUsersChoice) {
     screen.showModal();
     EXPECT_GT(onA3, 1);
     EXPECT_GT(onA4, onA3);
+    EXPECT_EQ(desk.settings.GetSetting("LeaveMgmt", "Print paper"), "A3") << "for the next time";
 }
 
 }  // namespace

@@ -198,14 +198,5 @@ TEST_F(Paper, WhatIsInSightIsPrintedInItsOrderWithTheTotalsBelow) {
     EXPECT_DOUBLE_EQ(laid.headerHeight, 23);
 }
 
-TEST(PaperSizes, AreLandscapeWithinTheMargins) {
-    const auto a4 = paperNamed("a4"), a3 = paperNamed("A3");
-    ASSERT_TRUE(a4 && a3);
-    EXPECT_FALSE(paperNamed("B5"));
-    EXPECT_NEAR(landscape(*a4).width, 842 - 56, 0.5);
-    EXPECT_NEAR(landscape(*a4).height, 595 - 56, 0.5);
-    EXPECT_NEAR(landscape(*a3).width, 1191 - 56, 0.5);
-}
-
 }  // namespace
 }  // namespace owb

@@ -15,6 +15,7 @@ namespace {
 
 constexpr double kPointsPerInch = 72;
 constexpr int kResolution = 600;
+constexpr double kMargin = 28;  // points on each side of the paper
 
 void needApplication() {
     if (QCoreApplication::instance() != nullptr) return;
@@ -44,14 +45,24 @@ void paintPages(QPdfWriter& writer, const GridPainter& pages) {
 QPageLayout pageLayout(PaperSize size) {
     return {QPageSize(size == PaperSize::A3 ? QPageSize::A3 : QPageSize::A4),
             QPageLayout::Landscape,
-            {kPrintMargin, kPrintMargin, kPrintMargin, kPrintMargin},
+            {kMargin, kMargin, kMargin, kMargin},
             QPageLayout::Point};
+}
+
+PrintPaper paperOf(const QPageLayout& layout) {
+    const QRectF room = layout.paintRect(QPageLayout::Point);
+    return {room.width(), room.height()};
 }
 
 size_t printToPdf(const Grid& grid, const PrintHeading& heading, PaperSize paper,
                   const std::string& path) {
+    return printOnPages(grid, heading, pageLayout(paper), path);
+}
+
+size_t printOnPages(const Grid& grid, const PrintHeading& heading, const QPageLayout& layout,
+                    const std::string& path) {
     needApplication();
-    const GridPainter pages(grid, heading, landscape(paper));
+    const GridPainter pages(grid, heading, paperOf(layout));
     if (pages.pageCount() == 0) throw std::runtime_error("There is nothing to print.");
 
     QSaveFile file(QString::fromStdString(path));
@@ -60,7 +71,7 @@ size_t printToPdf(const Grid& grid, const PrintHeading& heading, PaperSize paper
         QPdfWriter writer(&file);
         writer.setTitle(QString::fromStdString(heading.title));
         writer.setResolution(kResolution);
-        writer.setPageLayout(pageLayout(paper));
+        writer.setPageLayout(layout);
         paintPages(writer, pages);
         written = file.commit();
     }

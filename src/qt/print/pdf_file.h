@@ -10,6 +10,7 @@ namespace owb {
 
 // Landscape, with our margins.
 QPageLayout pageLayout(PaperSize size);
+PrintPaper paperOf(const QPageLayout& layout);
 
 // Writes the file whole, in place of an older one, and gives its number of pages. Throws
 // std::runtime_error and leaves the older one as it was when there is nothing to print or the file
@@ -17,5 +18,8 @@ QPageLayout pageLayout(PaperSize size);
 // it lives to the program's end.
 size_t printToPdf(const Grid& grid, const PrintHeading& heading, PaperSize paper,
                   const std::string& path);
+// The same on pages that the user has set up.
+size_t printOnPages(const Grid& grid, const PrintHeading& heading, const QPageLayout& layout,
+                    const std::string& path);
 
 }  // namespace owb
