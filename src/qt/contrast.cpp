@@ -37,12 +37,14 @@ QColor standingOut(const QColor& ink, std::initializer_list<QColor> grounds, dou
         for (const QColor& ground : grounds) found = std::min(found, contrast(color, ground));
         return found;
     };
-    const QColor end = worst(Qt::black) > worst(Qt::white) ? Qt::black : Qt::white;
+    const bool isBlack = worst(Qt::black) > worst(Qt::white);
+    const QColor end = isBlack ? Qt::black : Qt::white, other = isBlack ? Qt::white : Qt::black;
     constexpr int kSteps = 20;
-    for (int step = 0; step < kSteps; ++step) {
-        const QColor color = mixed(ink, end, static_cast<double>(step) / kSteps);
-        if (worst(color) >= least) return color;
-    }
+    for (int step = 0; step < kSteps; ++step)
+        for (const QColor& towards : {end, other}) {  // between two grounds it may be the other
+            const QColor color = mixed(ink, towards, static_cast<double>(step) / kSteps);
+            if (worst(color) >= least) return color;
+        }
     return end;
 }
 

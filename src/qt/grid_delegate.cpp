@@ -33,7 +33,7 @@ const CellColors& GridDelegate::colors(Color back, Color fore, Standing standing
     if (palette_ != palette.cacheKey()) {
         colors_.clear();
         palette_ = palette.cacheKey();
-        line_ = lineColor(palette);
+        lines_.clear();
     }
     const auto [at, made] = colors_.try_emplace({back, fore, standing});
     if (!made) return at->second;
@@ -49,15 +49,29 @@ const CellColors& GridDelegate::colors(Color back, Color fore, Standing standing
     return colors;
 }
 
-void GridDelegate::paintGround(QPainter& painter, const QStyleOptionViewItem& option, size_t r,
-                               size_t c, const QColor& back) const {
+const QColor& GridDelegate::line(const QColor& back, const QModelIndex& next,
+                                 const QPalette& palette) const {
+    QColor beyond = palette.color(QPalette::Base);
+    if (next.isValid()) {
+        const size_t r = model_.row(next), c = model_.column(next);
+        beyond = colors(grid_.backColor(r, c), grid_.foreColor(r, c), standing(next, r, c), palette)
+                     .back;
+    }
+    const auto [at, made] = lines_.try_emplace({back.rgb(), beyond.rgb()});
+    if (made) at->second = standingOut(lineColor(palette), {back, beyond}, kMarkContrast);
+    return at->second;
+}
+
+void GridDelegate::paintGround(QPainter& painter, const QStyleOptionViewItem& option,
+                               const QModelIndex& index, const QColor& back) const {
     painter.fillRect(option.rect, back);
-    if (grid_.backColor(r, c) == kButtonFaceColor)
+    if (grid_.backColor(model_.row(index), model_.column(index)) == kButtonFaceColor)
         painter.fillRect(
             option.rect,
             QBrush(mixed(back, option.palette.color(QPalette::Text), 0.28), Qt::BDiagPattern));
-    painter.setPen(line_);
+    painter.setPen(line(back, index.siblingAtRow(index.row() + 1), option.palette));
     painter.drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+    painter.setPen(line(back, index.siblingAtColumn(index.column() + 1), option.palette));
     painter.drawLine(option.rect.topRight(), option.rect.bottomRight());
 }
 
@@ -83,7 +97,7 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const Color back = grid_.backColor(r, c), fore = grid_.foreColor(r, c);
     const CellColors& colors = this->colors(back, fore, standing(index, r, c), option.palette);
     const bool current = static_cast<int>(r) == grid_.currentRow();
-    paintGround(*painter, option, r, c, colors.back);
+    paintGround(*painter, option, index, colors.back);
 
     const CellType type = grid_.cellType(r, c);
     if (type == CellType::Check) {

@@ -31,8 +31,10 @@ class GridDelegate final : public QStyledItemDelegate {
     const CellColors& colors(Color back, Color fore, Standing standing,
                              const QPalette& palette) const;
     Standing standing(const QModelIndex& index, size_t r, size_t c) const;
-    void paintGround(QPainter& painter, const QStyleOptionViewItem& option, size_t r, size_t c,
-                     const QColor& back) const;
+    void paintGround(QPainter& painter, const QStyleOptionViewItem& option,
+                     const QModelIndex& index, const QColor& back) const;
+    // The line to the next cell, which must be seen on the ground of both.
+    const QColor& line(const QColor& back, const QModelIndex& next, const QPalette& palette) const;
     void paintCheck(QPainter& painter, const QStyleOptionViewItem& option, size_t r, size_t c,
                     const QColor& back) const;
 
@@ -40,7 +42,7 @@ class GridDelegate final : public QStyledItemDelegate {
     const GridModel& model_;
     // Contrast is dear to work out, and few kinds of cells make a page.
     mutable std::map<std::tuple<Color, Color, Standing>, CellColors> colors_;
-    mutable QColor line_;
+    mutable std::map<std::pair<QRgb, QRgb>, QColor> lines_;
     mutable qint64 palette_ = 0;
 };
 

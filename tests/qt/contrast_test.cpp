@@ -50,23 +50,46 @@ class Legends final : public Screen {
   public:
     explicit Legends(FrontEnd& frontEnd) : Screen(frontEnd, "Legends", "Legends") {
         for (size_t r = 0; r < std::size(kColors); ++r) {
-            fpgLegends.addRow({"HM", "XH", "MX"});
-            for (size_t c = 0; c < 3; ++c) fpgLegends.setBackColor(r, c, kColors[r]);
+            fpgLegends.addRow({"HM", "XH", "MX", ""});
+            for (size_t c = 0; c < 4; ++c) fpgLegends.setBackColor(r, c, kColors[r]);
             fpgLegends.setForeColor(r, 1, 0xFF0000);
             fpgLegends.setForeColor(r, 2, 0x0000FF);
         }
     }
-    static constexpr Color kColors[] = {kDefaultColor, 0x80C0FF, 0xC0FFC0,         0xFFA0FF,
-                                        0xFFEBFF,      0xFEFDED, kButtonFaceColor, kToolTipColor};
+    static constexpr Color kColors[] = {kDefaultColor,    0x80C0FF,      0xC0FFC0,
+                                        0xFFA0FF,         0xFFEBFF,      0xFEFDED,
+                                        kButtonFaceColor, kToolTipColor, kDefaultColor};
     Grid fpgLegends{*this,
                     "fpgLegends",
                     {{.caption = "Plain", .locked = false},
                      {.caption = "Blue", .locked = false},
-                     {.caption = "Red", .locked = false}}};
+                     {.caption = "Red", .locked = false},
+                     {.caption = "None", .locked = false}}};
     Layout layout() override { return column({item(fpgLegends, 1)}); }
 };
 
-TEST(Contrast, OfTextsSufficesOnEveryColourInBothPalettes) {
+// Text, borders and the mark of the current cell, on every colour.
+void measure(QTableView& table, const std::string& palette) {
+    const QAbstractItemModel& model = *table.model();
+    const int rows = model.rowCount(), columns = model.columnCount();
+    const auto picture = [&] { return table.viewport()->grab().toImage(); };
+    table.setCurrentIndex(model.index(rows - 1, columns - 1));
+    const QImage without = picture();
+    for (int r = 0; r + 1 < rows; ++r)
+        for (int c = 0; c + 1 < columns; ++c) {
+            const QString at = QString("%1, cell %2 %3").arg(palette.c_str()).arg(r).arg(c);
+            const QRect cell = table.visualRect(model.index(r, c));
+            ASSERT_TRUE(without.rect().contains(cell)) << at.toStdString();
+            EXPECT_GE(textContrast(without, cell), kTextContrast) << at.toStdString();
+            for (const Qt::Edge edge : {Qt::RightEdge, Qt::BottomEdge})
+                EXPECT_GE(borderContrast(without, cell, edge), kLineContrast)
+                    << at.toStdString() << ", edge " << edge;
+            table.setCurrentIndex(model.index(r, c));
+            EXPECT_GE(focusContrast(without, picture(), cell), kLineContrast) << at.toStdString();
+        }
+}
+
+TEST(Contrast, OfCellsSufficesOnEveryColourInBothPalettes) {
     const QPalette light = QApplication::palette();
     for (const bool dark : {false, true}) {
         QApplication::setPalette(dark ? darkPalette() : light);
@@ -79,18 +102,10 @@ TEST(Contrast, OfTextsSufficesOnEveryColourInBothPalettes) {
             table->setFont(large);
             table->verticalHeader()->setDefaultSectionSize(36);
             desk.frontEnd.top()->resize(600, 420);
+            table->setFocus();
         });
-        desk.then([&] {
-            auto* table = desk.widget<QTableView>("fpgLegends");
-            const QImage picture = table->viewport()->grab().toImage();
-            for (int r = 0; r < table->model()->rowCount(); ++r)
-                for (int c = 0; c < table->model()->columnCount(); ++c) {
-                    const QRect cell = table->visualRect(table->model()->index(r, c));
-                    ASSERT_TRUE(picture.rect().contains(cell));
-                    EXPECT_GE(textContrast(picture, cell), kTextContrast)
-                        << (dark ? "dark" : "light") << ", cell " << r << " " << c;
-                }
-        });
+        desk.then(
+            [&] { measure(*desk.widget<QTableView>("fpgLegends"), dark ? "dark" : "light"); });
         screen.showModal();
     }
     QApplication::setPalette(light);
