@@ -2,6 +2,7 @@
 
 #include <QActionGroup>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPainter>
 #include <QPrintPreviewDialog>
@@ -20,6 +21,14 @@ namespace owb {
 namespace {
 
 constexpr double kPointsPerInch = 72, kShareOfScreen = 0.85;
+
+// The toolkit gives its buttons no keys.
+constexpr struct {
+    const char *caption, *key;
+} kKeys[] = {{"Print", "Ctrl+P"},    {"Next page", "PgDown"},  {"Previous page", "PgUp"},
+             {"First page", "Home"}, {"Last page", "End"},     {"Zoom in", "Ctrl++"},
+             {"Zoom out", "Ctrl+-"}, {"Fit page", "Ctrl+0"},   {"A4", "Alt+4"},
+             {"A3", "Alt+3"},        {"Save as PDF", "Ctrl+S"}};
 
 // On whatever paper the user has set up.
 void paintPages(QPrinter& printer, const Grid& grid, const PrintHeading& heading) {
@@ -50,6 +59,7 @@ class Preview final {
         for (const PaperSize size : {PaperSize::A4, PaperSize::A3}) addPaper(*bar, *papers, size);
         bar->addSeparator();
         bar->addAction("Save as PDF", [this] { savePdf(); });
+        for (QAction* action : bar->actions()) giveKey(*action);
     }
 
     PaperSize show() {
@@ -58,6 +68,14 @@ class Preview final {
     }
 
   private:
+    static void giveKey(QAction& action) {
+        for (const auto& [caption, key] : kKeys) {
+            if (action.text() != caption) continue;
+            action.setShortcut(QKeySequence(key));
+            action.setToolTip(action.text() + " (" + key + ")");
+        }
+    }
+
     void addPaper(QToolBar& bar, QActionGroup& papers, PaperSize size) {
         QAction* action = bar.addAction(toQt(paperName(size)), [this, size] {
             paper_ = size;
@@ -70,9 +88,12 @@ class Preview final {
     }
 
     void savePdf() {
-        const QString path = QFileDialog::getSaveFileName(
-            dialog_.get(), "Save as PDF", toQt(heading_.title) + ".pdf", "PDF files (*.pdf)");
+        QString name = toQt(heading_.title);
+        name.replace('/', '-');  // of a month
+        QString path = QFileDialog::getSaveFileName(dialog_.get(), "Save as PDF", name + ".pdf",
+                                                    "PDF files (*.pdf)");
         if (path.isEmpty()) return;
+        if (QFileInfo(path).suffix().isEmpty()) path += ".pdf";
         try {
             printOnPages(grid_, heading_, printer_.pageLayout(), fromQt(path));
         } catch (const std::runtime_error& e) {

@@ -8,6 +8,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QToolBar>
+#include <QWindow>
 
 #include "qt/desk.h"
 #include "qt/print/grid_painter.h"
@@ -116,14 +117,20 @@ TEST_F(Print, AFileHasTheLaidPagesAndStandsWholeOrNotAtAll) {
 }
 
 TEST_F(Print, CtrlPShowsTheGridOnPaperAndThePaperIsTheUsersChoice) {
-    int onA4 = 0, onA3 = 0;
+    int onA4 = 0, onA3 = 0, shown = 0;
+    QStringList keys;
     const auto look = [&] {
         auto* preview = dynamic_cast<QPrintPreviewDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(preview, nullptr);
         auto* pages = preview->findChild<QPrintPreviewWidget*>();
         onA4 = pages->pageCount();
         for (QAction* action : preview->findChild<QToolBar*>()->actions())
-            if (action->text() == "A3") action->trigger();
+            if (!action->shortcut().isEmpty()) keys << action->shortcut().toString();
+        preview->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(preview));
+        QTest::keyClick(preview->windowHandle(), Qt::Key_PageDown);
+        shown = pages->currentPage();
+        QTest::keyClick(preview->windowHandle(), Qt::Key_3, Qt::AltModifier);
         onA3 = pages->pageCount();
         preview->reject();
     };
@@ -132,6 +139,8 @@ TEST_F(Print, CtrlPShowsTheGridOnPaperAndThePaperIsTheUsersChoice) {
         desk.press("fpgMonth", Qt::Key_P, Qt::ControlModifier);
     });
     screen.showModal();
+    EXPECT_EQ(keys.size(), 11) << keys.join(' ').toStdString() << ": a button without its key";
+    EXPECT_EQ(shown, 2);
     EXPECT_GT(onA3, 1);
     EXPECT_GT(onA4, onA3);
     EXPECT_EQ(desk.settings.GetSetting("LeaveMgmt", "Print paper"), "A3") << "for the next time";
