@@ -13,7 +13,10 @@ RowScreen::RowScreen(Session& session, FrontEnd& frontEnd, const Names& names, E
     list.singleRows = true;
     mnuReload_.shortcut = "F5";
     mnuReload_.onClick = [this] { reloadList(); };
-    list.onCurrentChange = [this](size_t line, size_t) { list_Click(line); };
+    list.onCurrentChange = [this](size_t line, size_t) {
+        if (mayDrop("show another record")) return list_Click(line);
+        markShown();
+    };
 }
 
 Layout RowScreen::commandRow(std::vector<Layout> left) {
@@ -43,6 +46,11 @@ void RowScreen::rowStands() {
 
 void RowScreen::reloadList() {
     loadList();
+    markShown();
+}
+
+// The list's current line is that of the row below it.
+void RowScreen::markShown() {
     list.setCurrent(-1, -1);
     for (size_t line = 0; line < list.rowCount() && !row_.isNew(); ++line)
         if (isShownBy(line)) list.setCurrent(static_cast<int>(line), 0);
@@ -68,6 +76,7 @@ void RowScreen::list_Click(size_t line) {
 }
 
 void RowScreen::cmdNew_Click() {
+    if (!mayDrop("begin a new record")) return;
     showNew();
     newBegun();
     setFocus(*row_.fields().front().control);

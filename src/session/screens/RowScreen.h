@@ -84,6 +84,7 @@ class RowScreen : public SessionScreen {
   private:
     void rowStands();
     void list_Click(size_t line);
+    void markShown();
     void cmdNew_Click();
     void cmdSave_Click();
     void cmdDelete_Click();

@@ -91,8 +91,12 @@ void SessionScreen::keepClosed() {
 }
 
 bool SessionScreen::mayClose() {
+    return mayDrop("close");
+}
+
+bool SessionScreen::mayDrop(const std::string& next) {
     return !writable_ || !unsaved() ||
-           ask("What has been typed is not saved.\nDo you want to close without saving?");
+           ask("What has been typed is not saved.\nDo you want to " + next + " without saving?");
 }
 
 // --- refusals, questions, saving ---

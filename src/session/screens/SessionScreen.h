@@ -66,6 +66,9 @@ class SessionScreen : public Screen {
     virtual int32_t titleMonth() const { return 0; }
     // Whether the user has typed what is not saved.
     virtual bool unsaved() const { return false; }
+    // Whether what he has typed may be dropped to do something else, which the question names:
+    // "close".
+    bool mayDrop(const std::string& next);
 
     // Tells a refusal, in a box and at the field, and gives true; false when there is none.
     bool refused(const std::optional<Refusal>& refusal);
