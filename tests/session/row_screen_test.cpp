@@ -195,6 +195,28 @@ TEST(RowScreen, AsksBeforeWhatIsTypedIsDropped) {
     }
 }
 
+TEST(RowScreen, AnotherRowAndANewOneAskToo) {
+    struct Case {
+        const char *script, *name, *rate;  // what stands there afterwards
+    };
+    for (const Case& c : {Case{"cell fpgContracts 2 1\n", "Guards", "13"},
+                          {"key fpgContracts Down\n", "Guards", "13"},
+                          {"click cmdNew\n", "Guards", "13"},
+                          {"answer Yes\ncell fpgContracts 2 1\n", "Canteen", "0"},
+                          {"answer Yes\nclick cmdNew\n", "", "0"}}) {
+        WithContracts w;
+        const Scripted run =
+            drive<Contracts>(w, std::string("cell fpgContracts 1 1\nset txtRate 13\n") + c.script +
+                                    "show txtName\nshow txtRate\nshow fpgContracts\n");
+        EXPECT_EQ(run.boxes.rfind("What has been typed is not saved.", 0), 0U) << c.script;
+        const std::string &shown = run.shown, stays = "txtName: " + std::string(c.name) + " |";
+        EXPECT_EQ(shown.find(stays), 0U) << c.script << shown;
+        EXPECT_NE(shown.find("txtRate: " + std::string(c.rate) + " |"), std::string::npos) << shown;
+        // The line that is marked is that of the row below.
+        EXPECT_EQ(shown.find("current=1") != std::string::npos, c.rate != std::string("0")) << c.script << shown;
+    }
+}
+
 TEST(RowScreen, TellsWhoseDataItShowsAndWhatWasDone) {
     WithContracts w;
     w.run("DELETE FROM MAS_COMPANY");
@@ -234,7 +256,7 @@ TEST(RowScreen, WhatSomebodyElseChangedIsNotWrittenOver) {
         std::string others;
         frontEnd.atInput = [&](Screen&) {
             screen.list.clickCell(c.act == Act::Choose ? 1 : 0, 1);
-            screen.txtRate.edit("30");
+            if (c.act != Act::Choose) screen.txtRate.edit("30");
             w.run(c.others);
             others = w.contracts();
             if (c.act == Act::Save) screen.cmdSave.click();
