@@ -3,6 +3,7 @@
 #include <QActionGroup>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGraphicsView>
 #include <QMessageBox>
 #include <QPainter>
 #include <QPrintPreviewDialog>
@@ -60,6 +61,8 @@ class Preview final {
         bar->addSeparator();
         bar->addAction("Save as PDF", [this] { savePdf(); });
         for (QAction* action : bar->actions()) giveKey(*action);
+        dialog_->findChild<QGraphicsView*>()
+            ->setFocus();  // not the box of the zoom, which has keys
     }
 
     PaperSize show() {
