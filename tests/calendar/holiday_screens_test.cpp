@@ -303,6 +303,25 @@ TEST(HolidayList, TheFilterNarrowsByEachOfItsFieldsAndKeepsTheEditedRow) {
               "1,H 2,H 3,H 4,Changed");
 }
 
+TEST(HolidayList, TellsOnPaperWhatItIsNarrowedBy) {
+    Holidays h;
+    h.holiday(1, "2024-06-11");
+    std::istringstream in(
+        "set cmbHFilter General\nset txtFilterTo 11/6/24\nprint fpgHDetail list.pdf\n");
+    std::ostringstream out;
+    ScriptFrontEnd frontEnd(in, out, out);
+    PrintHeading printed;
+    frontEnd.printToPdf = [&](const Grid&, const PrintHeading& heading, PaperSize,
+                              const std::string&) -> size_t {
+        printed = heading;
+        return 1;
+    };
+    modHolidayList(h.session, frontEnd).showModal();
+    EXPECT_EQ(printed.filters,
+              (std::vector<std::string>{"Holiday Type: General", "To: 11/06/2024"}))
+        << out.str();
+}
+
 TEST(HolidayList, WritesNothingOnOpening) {
     Holidays h;
     h.run("UPDATE MAS_OPTSET SET BRGHEFROM = '2024-05-01'");

@@ -61,6 +61,14 @@ Layout modHolidayList::layout() {
                    commandRow({item(lblImport), item(lblExport)})});
 }
 
+PrintHeading modHolidayList::printHeading() const {
+    PrintHeading heading = RowScreen::printHeading();
+    if (cmbHFilter.key() >= 0) heading.filters.push_back("Holiday Type: " + cmbHFilter.text());
+    if (txtFilterFrom.date()) heading.filters.push_back("From: " + txtFilterFrom.text());
+    if (txtFilterTo.date()) heading.filters.push_back("To: " + txtFilterTo.text());
+    return heading;
+}
+
 std::string modHolidayList::titleHead() const {
     return cmbAttHead.key() == 0 ? "" : cmbAttHead.value;
 }

@@ -27,6 +27,8 @@ class modHolidayList final : public RowScreen {
     CheckBox chkNH{*this, "chkNH", "National Holiday"};
     Label lblImport{*this, "lblImport", "&Import"};
     Label lblExport{*this, "lblExport", "&Export"};
+    // With what the list is narrowed by.
+    PrintHeading printHeading() const override;
 
     // One holiday as it is typed or imported.
     struct Holiday {
