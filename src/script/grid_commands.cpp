@@ -2,6 +2,7 @@
 
 #include "base/utf8.h"
 #include "screen/grid.h"
+#include "screen/grid_menu.h"
 #include "screen/screen.h"
 #include "script/script_words.h"
 
@@ -108,6 +109,28 @@ void clickLegend(Screen& screen, const std::string& words) {
             return refuseIf(!grid.cursor.nextOfColor(entry.color), grid, "such cell");
     }
     throw ScriptError{grid.name() + " has no colour " + rest + ": there are " + listed(names)};
+}
+
+void chooseItem(Screen& screen, const std::string& words) {
+    std::string rest = words;
+    Grid& grid = gridOf(screen, rest);
+    const int current = grid.currentColumn();
+    std::vector<GridMenuItem> items =
+        gridMenu(grid, current < 0 ? std::nullopt : std::optional(static_cast<size_t>(current)));
+    for (const std::string& caption : split(rest, '/')) {
+        std::vector<std::string> names;
+        const GridMenuItem* found = nullptr;
+        for (const GridMenuItem& item : items) {
+            if (equalsIgnoreCaseAscii(plainCaption(item.caption), trim(caption))) found = &item;
+            if (item.caption != "-") names.push_back(plainCaption(item.caption));
+        }
+        if (found == nullptr)
+            throw ScriptError{grid.name() + " has no item " + caption + ": there are " +
+                              listed(names)};
+        refuseIf(!found->enabled, grid, "choice of " + caption);
+        if (found->act) return found->act();
+        items = std::vector<GridMenuItem>(found->below);
+    }
 }
 
 void hideColumn(Screen& screen, const std::string& words) {

@@ -17,6 +17,7 @@ void findText(Screen& screen, const std::string& words);
 void filterRows(Screen& screen, const std::string& words);
 void clickHeader(Screen& screen, const std::string& words);
 void clickLegend(Screen& screen, const std::string& words);
+void chooseItem(Screen& screen, const std::string& words);
 void hideColumn(Screen& screen, const std::string& words);
 void moveColumn(Screen& screen, const std::string& words);
 void freezeColumns(Screen& screen, const std::string& words);

@@ -165,6 +165,7 @@ constexpr ScriptCommand kCommands[] = {
     {"filter", 1, kAny, "GRID [COL [= TEXT;...]]", "shows rows with a text; all again", filterRows},
     {"find", 2, kAny, "GRID TEXT", "goes to the first cell that holds a text", findText},
     {"legend", 2, kAny, "GRID CAPTION", "goes to the next cell of a colour", clickLegend},
+    {"item", 2, kAny, "GRID CAPTION[/CAPTION]", "an item of a grid's own menu", chooseItem},
     {"hide", 3, kAny, "GRID COL Yes|No", "takes a column out of sight", hideColumn},
     {"move", 3, kAny, "GRID COL COL", "puts a column before another", moveColumn},
     {"freeze", 2, kAny, "GRID COL|0", "keeps the columns up to this one in sight", freezeColumns},

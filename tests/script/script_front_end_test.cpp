@@ -316,6 +316,9 @@ TEST(Script, AGridIsSortedFilteredFoundAndFilled) {
         {"check fpgDays 1 Off Yes\ncell fpgDays 1 Off\nfill fpgDays 2 Off\nkey fpgDays Ctrl+Z\n"
          "dump fpgDays",
          "says: Undone: row 2, \"Off\"\nDate,Kind,Off\n01/01/2026,CL,1\n03/01/2026,CL,0\n"},
+        {"item fpgDays Columns/Kind\nitem fpgDays Enter goes/Down\ndump fpgDays",
+         "Date,Off\n01/01/2026,0\n03/01/2026,0\n"},
+        {"item fpgDays Undo", "error: line 1: fpgDays takes no choice of Undo now\n"},
         {"hide fpgDays Kind Yes\nmove fpgDays Off Date\ndump fpgDays",
          "Off,Date\n0,01/01/2026\n0,03/01/2026\n"},
         {"legend fpgDays Weekly off\nshow fpgDays",
