@@ -194,7 +194,7 @@ void GridTable::mousePressEvent(QMouseEvent* event) {
 void GridTable::mouseMoveEvent(QMouseEvent* event) {
     setCursor(handle().contains(event->pos()) ? Qt::CrossCursor : Qt::ArrowCursor);
     if (!(event->buttons() & Qt::LeftButton) || !pressedAt_.isValid()) return;
-    const QModelIndex at = indexAt(event->pos());
+    const QModelIndex at = cellTowards(event->pos());
     if (!at.isValid()) return;
     scrollTo(at);
     if (draggingHandle_) {
@@ -203,6 +203,22 @@ void GridTable::mouseMoveEvent(QMouseEvent* event) {
     } else if (at != pressedAt_) {
         owner_.mouseDragged(at);
     }
+}
+
+// The cell below a point; beyond an edge the one behind the last that is seen there.
+QModelIndex GridTable::cellTowards(const QPoint& point) const {
+    const QRect seen = viewport()->rect().adjusted(1, 1, -2, -2);
+    const QPoint within(std::clamp(point.x(), seen.left(), seen.right()),
+                        std::clamp(point.y(), seen.top(), seen.bottom()));
+    const QModelIndex edge = indexAt(within);
+    if (!edge.isValid() || within == point) return edge;
+    const auto step = [](int wanted, int possible) {
+        return wanted > possible ? 1 : wanted < possible ? -1 : 0;
+    };
+    const int row = edge.row() + step(point.y(), within.y());
+    const int column = edge.column() + step(point.x(), within.x());
+    return model_.index(std::clamp(row, 0, model_.rowCount() - 1),
+                        std::clamp(column, 0, model_.columnCount() - 1));
 }
 
 void GridTable::mouseReleaseEvent(QMouseEvent* event) {

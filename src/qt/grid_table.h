@@ -61,6 +61,7 @@ class GridTable final : public QTableView {
   private:
     int frozenWidth() const;
     QRect handle() const;
+    QModelIndex cellTowards(const QPoint& point) const;
 
     Grid& grid_;
     GridModel& model_;

@@ -190,6 +190,19 @@ TEST_F(QtRegister, TheMouseChoosesDragsAndOpensTheEditor) {
         QApplication::sendEvent(cells, &over);
         QTest::mouseRelease(cells, Qt::LeftButton, Qt::NoModifier, at(3, 2));
         EXPECT_EQ(screen.fpgDays.cell(3, 2), "CL");
+        // Dragged beyond the edge the cells behind it come into sight.
+        desk.frontEnd.top()->resize(600, 300);
+        QApplication::processEvents();
+        QTest::mousePress(cells, Qt::LeftButton, Qt::NoModifier, at(1, 3));
+        const QPoint beyond(cells->width() + 20, at(1, 3).y());
+        for (int i = 0; i < 8; ++i) {
+            QMouseEvent further(QEvent::MouseMove, beyond, cells->mapToGlobal(beyond),
+                                Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(cells, &further);
+        }
+        QTest::mouseRelease(cells, Qt::LeftButton, Qt::NoModifier, beyond);
+        EXPECT_GT(table().horizontalScrollBar()->value(), 0);
+        EXPECT_GT(screen.fpgDays.cursor.block()->right, 8U);
     });
     screen.showModal();
 }
