@@ -28,12 +28,16 @@ constexpr int kColumnRoom = 12;
 class GridView final : public ControlView, private GridTable::Owner, private GridEditor::Owner {
   public:
     GridView(ScreenWindow& window, Grid& grid)
-        : ControlView(window, grid), grid_(grid), model_(grid), panel_(new QWidget) {
+        : ControlView(window, grid),
+          grid_(grid),
+          model_(*new GridModel(grid)),
+          panel_(new QWidget) {
         auto* column = new QVBoxLayout(panel_);
         column->setContentsMargins(0, 0, 0, 0);
         column->setSpacing(0);
         const GridDeed act = [this](const std::function<void()>& deed) { return run(deed); };
         table_ = new GridTable(grid_, model_, *this, nullptr);
+        model_.setParent(table_);  // which asks it as long as it lives
         chips_ = new GridChips(grid_, act);
         totals_ = new GridTotals(grid_, *table_);
         find_ = new GridFindBar(grid_, act, [this] { table_->setFocus(); });
@@ -368,7 +372,7 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
     static constexpr int kTypingPause = 1000;
 
     Grid& grid_;
-    GridModel model_;
+    GridModel& model_;
     QWidget* panel_;
     GridTable* table_ = nullptr;
     GridChips* chips_ = nullptr;

@@ -56,6 +56,7 @@ ScreenWindow::ScreenWindow(Screen& screen, WindowMemory& memory, QWidget* below)
 
 ScreenWindow::~ScreenWindow() {
     if (!screen_.popup) memory_.rememberWindow(screen_.name(), *this);
+    hide();  // while the views of the widgets still listen
     delete focusFrame_;
     // Widgets that go say that they lose the focus; nobody listens any more.
     qApp->disconnect(this);

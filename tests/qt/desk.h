@@ -31,11 +31,14 @@ class Desk {
         QTest::keyClick(widget(name), static_cast<Qt::Key>(key), with);
     }
     void type(const char* name, const char* text) { QTest::keyClicks(widget(name), text); }
-    // A pause within a step; the next one waits.
-    void rest(int milliseconds) {
+    // What waits for events itself, a menu or a pause; the next step comes after it.
+    void alone(const std::function<void()>& deed) {
         resting_ = true;
-        QTest::qWait(milliseconds);
+        deed();
         resting_ = false;
+    }
+    void rest(int milliseconds) {
+        alone([=] { QTest::qWait(milliseconds); });
     }
     QString status() { return widget<QLabel>("statusLine")->text(); }
 

@@ -89,7 +89,7 @@ struct QtRegister : ::testing::Test {
                                chosen->trigger();
                                menu->close();
                            });
-        open();
+        desk.alone(open);
     }
     void columnMenu(int column, std::initializer_list<const char*> path) {
         choose(path, [this, column] {

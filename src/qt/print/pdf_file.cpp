@@ -25,8 +25,7 @@ void needApplication() {
     // What the toolkit remarks on its surroundings concerns nobody who wants a file.
     const QtMessageHandler before =
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-    static auto* const application = new QGuiApplication(count, arguments);
-    Q_UNUSED(application);
+    static const QGuiApplication application(count, arguments);
     qInstallMessageHandler(before);
     std::setlocale(LC_NUMERIC, "C");  // numbers in statements keep their point
 }
