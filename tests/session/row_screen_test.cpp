@@ -213,7 +213,8 @@ TEST(RowScreen, AnotherRowAndANewOneAskToo) {
         EXPECT_EQ(shown.find(stays), 0U) << c.script << shown;
         EXPECT_NE(shown.find("txtRate: " + std::string(c.rate) + " |"), std::string::npos) << shown;
         // The line that is marked is that of the row below.
-        EXPECT_EQ(shown.find("current=1") != std::string::npos, c.rate != std::string("0")) << c.script << shown;
+        EXPECT_EQ(shown.find("current=1") != std::string::npos, c.rate != std::string("0"))
+            << c.script << shown;
     }
 }
 

@@ -1,4 +1,5 @@
-// A list of a screen: a grid whose right-click menu exports it, and whose date cells open the calendar.
+// A list of a screen: a grid whose right-click menu exports it, and whose date cells open the
+// calendar.
 #pragma once
 
 #include "screen/grid.h"
