@@ -79,7 +79,14 @@ bool ControlView::keyPressed(const QKeyEvent& event) {
     if (name.empty()) return false;
     if (name == "Esc" && abandon()) return true;
     if (offered(name) || (name != "Esc" && window_.press(name))) return true;
-    if (name == "Shift+F10" || name == "Menu") return openMenu(anchor().bottomLeft());
+    if (name == "Shift+F10" || name == "Menu") {
+        if (openMenu(anchor().bottomLeft())) return true;
+        // The toolkit's own menu of a text box.
+        QContextMenuEvent own(QContextMenuEvent::Keyboard, widget_->rect().bottomLeft(),
+                              anchor().bottomLeft());
+        QApplication::sendEvent(widget_, &own);
+        return true;
+    }
     if (!enterGoesOn() || (name != "Enter" && name != "Shift+Enter")) return false;
     window_.goOn(name == "Enter");
     return true;

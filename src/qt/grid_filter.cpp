@@ -46,8 +46,10 @@ GridFilter::GridFilter(const Grid& grid, size_t column, QWidget* parent)
 }
 
 void GridFilter::narrow(const QString& text) {
-    for (int i = 0; i < list_->count(); ++i)
-        list_->item(i)->setHidden(!list_->item(i)->text().contains(text, Qt::CaseInsensitive));
+    for (int i = 0; i < list_->count(); ++i) {
+        QListWidgetItem* item = list_->item(i);
+        item->setHidden(!item->data(Qt::UserRole).toString().contains(text, Qt::CaseInsensitive));
+    }
 }
 
 void GridFilter::setShown(bool on) {
@@ -56,11 +58,12 @@ void GridFilter::setShown(bool on) {
             list_->item(i)->setCheckState(on ? Qt::Checked : Qt::Unchecked);
 }
 
-std::set<std::string> GridFilter::chosen() const {
+std::optional<std::set<std::string>> GridFilter::chosen() const {
     std::set<std::string> texts;
     for (int i = 0; i < list_->count(); ++i)
-        if (list_->item(i)->checkState() == Qt::Checked)
+        if (!list_->item(i)->isHidden() && list_->item(i)->checkState() == Qt::Checked)
             texts.insert(fromQt(list_->item(i)->data(Qt::UserRole).toString()));
+    if (static_cast<int>(texts.size()) == list_->count()) return std::nullopt;
     return texts;
 }
 

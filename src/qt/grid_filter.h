@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDialog>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -15,7 +16,8 @@ class GridFilter final : public QDialog {
   public:
     GridFilter(const Grid& grid, size_t column, QWidget* parent);
 
-    std::set<std::string> chosen() const;
+    // The ticked texts that are shown; nothing where that is all of them.
+    std::optional<std::set<std::string>> chosen() const;
 
   private:
     void narrow(const QString& text);

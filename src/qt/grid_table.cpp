@@ -21,6 +21,9 @@ constexpr int kHandle = 7;
 GridTable::GridTable(Grid& grid, GridModel& model, Owner& owner, GridTable* under)
     : QTableView(under), grid_(grid), model_(model), owner_(owner), under_(under) {
     setHorizontalHeader(new GridHeader(grid, model, this));
+    // A click on it sorts; the toolkit would make the column's first cell the current one.
+    disconnect(horizontalHeader(), &QHeaderView::sectionPressed, this, nullptr);
+    disconnect(horizontalHeader(), &QHeaderView::sectionEntered, this, nullptr);
     setModel(&model);
     setHorizontalScrollMode(ScrollPerPixel);
     setVerticalScrollMode(ScrollPerPixel);

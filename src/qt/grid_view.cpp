@@ -166,6 +166,7 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
             if (widths_.empty()) widths_.assign(grid_.columnCount(), 0);
             for (size_t c = 0; c < widths_.size(); ++c)
                 if (widths_[c] < 0) grid_.sight.hideColumn(c, true);
+            grid_.sight.setColumnOrder(window().memory().order(memoryName(), grid_.columnCount()));
             model_.sync();
             columnsShown_ = grid_.sight.columns();
         }
@@ -185,6 +186,8 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
     // 0 for a column as the screen has it, negative for one that the user has hidden.
     void rememberColumns() {
         if (widths_.size() != grid_.columnCount() || zoomShown_ != 100) return;
+        if (const auto& order = grid_.sight.columnOrder(); !order.empty())
+            window().memory().rememberOrder(memoryName(), order);
         bool changed = false;
         for (size_t c = 0; c < widths_.size(); ++c) {
             if (grid_.sight.columnHidden(c)) {
@@ -365,7 +368,12 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
         const size_t c = model_.gridColumn(place);
         GridFilter filter(grid_, c, table_);
         if (filter.exec() == QDialog::Accepted)
-            run([&] { grid_.sight.filter(c, filter.chosen()); });
+            run([&] {
+                if (const auto texts = filter.chosen())
+                    grid_.sight.filter(c, *texts);
+                else
+                    grid_.sight.clearFilter(c);
+            });
         table_->setFocus();
     }
 

@@ -285,8 +285,9 @@ void ScreenWindow::fit(const QWidget* below) {
     resize(size().boundedTo(room.size() - frame));
     if (!testAttribute(Qt::WA_Moved)) return;  // the desktop places it
     const QPoint last = room.bottomRight() - QPoint(width() + frame.width(), height());
-    move(std::clamp(x(), room.left(), std::max(room.left(), last.x())),
-         std::clamp(y(), room.top(), std::max(room.top(), last.y())));
+    const QPoint within(std::clamp(x(), room.left(), std::max(room.left(), last.x())),
+                        std::clamp(y(), room.top(), std::max(room.top(), last.y())));
+    if (within != pos()) move(within);  // moved in vain it would creep by the width of its frame
 }
 
 // Below the field that it picks for; above it where there is no room below.

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QSignalBlocker>
 #include <QTabBar>
@@ -140,6 +141,15 @@ ControlView* ScreenWindow::viewAround(const QWidget* widget) const {
         for (const auto& view : views_)
             if (view->widget() == widget) return view.get();
     return nullptr;
+}
+
+void ScreenWindow::goOn(bool forward) {
+    const bool fromButton = qobject_cast<QPushButton*>(focusWidget()) != nullptr;
+    focusNextPrevChild(forward);
+    if (!forward || fromButton || qobject_cast<QPushButton*>(focusWidget()) == nullptr) return;
+    for (const auto& view : views_)
+        if (view->control().shortcut == "Ctrl+S" && view->control().takesInput())
+            view->widget()->setFocus(Qt::TabFocusReason);
 }
 
 // What has the focus is framed and in sight, with its caption.

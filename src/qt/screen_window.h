@@ -39,7 +39,8 @@ class ScreenWindow final : public QWidget {
     // Runs what the user did on a control and draws what came of it; false when no input is taken.
     bool act(const Control& control, const std::function<void()>& deed);
     // To the next field, or back.
-    void goOn(bool forward) { focusNextPrevChild(forward); }
+    // To the next field, or back. Behind the last field stands Save, whatever button comes first.
+    void goOn(bool forward);
     // What a key does on this screen wherever the focus is; false when it does nothing.
     bool press(const std::string& key);
     // The view that holds the widget; null when none does.

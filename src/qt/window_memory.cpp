@@ -30,18 +30,35 @@ void WindowMemory::rememberWindow(const std::string& screen, const QWidget& wind
     save("Window " + screen, window.saveGeometry().toBase64().toStdString());
 }
 
+std::vector<int> WindowMemory::numbers(const std::string& key, size_t count) const {
+    const QStringList parts = toQt(settings_.GetSetting(kSection, key)).split(',');
+    std::vector<int> numbers;
+    for (const QString& part : parts) numbers.push_back(part.toInt());
+    if (numbers.size() != count) numbers.clear();
+    return numbers;
+}
+
+void WindowMemory::saveNumbers(const std::string& key, const std::vector<int>& numbers) {
+    QStringList parts;
+    for (const int number : numbers) parts << QString::number(number);
+    save(key, fromQt(parts.join(',')));
+}
+
 std::vector<int> WindowMemory::columns(const std::string& grid, size_t count) const {
-    const QStringList parts = toQt(settings_.GetSetting(kSection, "Columns " + grid)).split(',');
-    std::vector<int> widths;
-    for (const QString& part : parts) widths.push_back(part.toInt());
-    if (widths.size() != count) widths.clear();
-    return widths;
+    return numbers("Columns " + grid, count);
 }
 
 void WindowMemory::rememberColumns(const std::string& grid, const std::vector<int>& widths) {
-    QStringList parts;
-    for (const int width : widths) parts << QString::number(width);
-    save("Columns " + grid, fromQt(parts.join(',')));
+    saveNumbers("Columns " + grid, widths);
+}
+
+std::vector<size_t> WindowMemory::order(const std::string& grid, size_t count) const {
+    const std::vector<int> held = numbers("Order " + grid, count);
+    return {held.begin(), held.end()};
+}
+
+void WindowMemory::rememberOrder(const std::string& grid, const std::vector<size_t>& order) {
+    saveNumbers("Order " + grid, {order.begin(), order.end()});
 }
 
 int WindowMemory::habit(const std::string& grid, const std::string& name, int otherwise) const {

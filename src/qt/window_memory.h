@@ -1,6 +1,6 @@
 // Where windows stood, how wide columns were and what was printed on, kept in the user's settings
 // store between sessions (section LeaveMgmt, keys "Window <screen>", "Columns <screen>.<grid>",
-// "Print paper" and those of habits).
+// "Order <screen>.<grid>", "Print paper" and those of habits).
 #pragma once
 
 #include <string>
@@ -23,6 +23,9 @@ class WindowMemory {
     // known for a grid of this many columns.
     std::vector<int> columns(const std::string& grid, size_t count) const;
     void rememberColumns(const std::string& grid, const std::vector<int>& widths);
+    // In which order the user has put the columns; empty where he has not.
+    std::vector<size_t> order(const std::string& grid, size_t count) const;
+    void rememberOrder(const std::string& grid, const std::vector<size_t>& order);
     // Another habit of the user's with a grid, such as its zoom; `otherwise` where none is known.
     int habit(const std::string& grid, const std::string& name, int otherwise) const;
     void rememberHabit(const std::string& grid, const std::string& name, int value, int otherwise);
@@ -33,6 +36,8 @@ class WindowMemory {
 
   private:
     void save(const std::string& key, const std::string& value);
+    std::vector<int> numbers(const std::string& key, size_t count) const;
+    void saveNumbers(const std::string& key, const std::vector<int>& numbers);
 
     SettingsStore& settings_;
 };

@@ -111,6 +111,8 @@ class Grid : public Control {
     // A whole edit, from beginning to end. False, with the reason, when nothing changed.
     bool edit(size_t row, size_t c, const std::string& text, std::string& reason);
     bool check(size_t row, size_t c, bool on, std::string& reason);
+    // Whether any cell takes entries.
+    bool takesEntries() const;
     bool takesEdit(size_t row, size_t c, std::string& reason) const;
     // The text as the cell would hold it; nothing, with the reason, when it does not fit.
     std::optional<std::string> fitted(size_t row, size_t c, const std::string& text,

@@ -44,6 +44,13 @@ std::string Grid::cellName(size_t row, size_t c) const {
     return "row " + std::to_string(place + 1) + ", \"" + columns_[c].caption + "\"";
 }
 
+bool Grid::takesEntries() const {
+    return std::any_of(columns_.begin(), columns_.end(),
+                       [](const GridColumn& column) { return !column.locked; }) ||
+           std::any_of(styles_.begin(), styles_.end(),
+                       [](const Style& style) { return style.locked == false; });
+}
+
 bool Grid::takesEdit(size_t row, size_t c, std::string& reason) const {
     if (!takesInput())
         reason = name() + " takes no entry now.";

@@ -237,6 +237,7 @@ bool GridEntry::pressBlock(const std::string& key) {
     FrontEnd& frontEnd = grid_.frontEnd();
     if (key == "Ctrl+C" || key == "Ctrl+Ins")
         return frontEnd.setClipboard(grid_.blocks.copy()), true;
+    if (!grid_.takesEntries()) return false;
     if (key == "Ctrl+X" || key == "Shift+Del") {
         const std::string cut = grid_.blocks.copy();
         if (grid_.blocks.empty()) frontEnd.setClipboard(cut);

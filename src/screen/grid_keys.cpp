@@ -4,8 +4,6 @@
 namespace owb {
 
 std::vector<KeyHelp> Grid::keyHelp() const {
-    const bool writable = std::any_of(columns_.begin(), columns_.end(),
-                                      [](const GridColumn& column) { return !column.locked; });
     std::vector<KeyHelp> lines{
         {"Arrows, PgUp, PgDn", "move in the list; with Shift they choose cells"},
         {"Ctrl+Arrows, Ctrl+Home, Ctrl+End", "go to the edge of a block, to the corners"},
@@ -17,7 +15,7 @@ std::vector<KeyHelp> Grid::keyHelp() const {
         {"Ctrl+Shift+F", "shows only rows with chosen texts of the column"},
         {"Ctrl+Shift+L", "opens the menu of the column"},
         {"Ctrl++, Ctrl+-, Ctrl+0", "zoom the list; so does the wheel with Ctrl"}};
-    if (!writable) {
+    if (!takesEntries()) {
         lines.push_back({"Letters", "find the row whose text begins with them"});
         lines.push_back({"Enter", "opens the row"});
         return lines;

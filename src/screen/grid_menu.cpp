@@ -65,11 +65,12 @@ void addColumn(Items& items, Grid& grid, size_t c) {
 }  // namespace
 
 std::vector<GridMenuItem> gridMenu(Grid& grid, std::optional<size_t> column) {
-    Items items{keyItem(grid, "Cu&t", "Ctrl+X"),
+    const bool open = grid.takesEntries();
+    Items items{keyItem(grid, "Cu&t", "Ctrl+X", open),
                 keyItem(grid, "&Copy", "Ctrl+C"),
-                keyItem(grid, "&Paste", "Ctrl+V"),
-                keyItem(grid, "Fill do&wn", "Ctrl+D"),
-                keyItem(grid, "Fill r&ight", "Ctrl+R"),
+                keyItem(grid, "&Paste", "Ctrl+V", open),
+                keyItem(grid, "Fill do&wn", "Ctrl+D", open),
+                keyItem(grid, "Fill r&ight", "Ctrl+R", open),
                 {"-"},
                 keyItem(grid, "&Undo", "Ctrl+Z", grid.history.canUndo()),
                 keyItem(grid, "R&edo", "Ctrl+Y", grid.history.canRedo()),

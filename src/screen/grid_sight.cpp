@@ -180,6 +180,16 @@ void GridSight::moveColumn(size_t c, size_t place) {
     changed();
 }
 
+void GridSight::setColumnOrder(const std::vector<size_t>& order) {
+    std::vector<size_t> sorted = order;
+    std::sort(sorted.begin(), sorted.end());
+    for (size_t c = 0; c < sorted.size(); ++c)
+        if (sorted[c] != c) return;
+    if (order.size() != grid_.columnCount()) return;
+    columnOrder_ = order;
+    changed();
+}
+
 size_t GridSight::frozen() const {
     if (frozen_) return std::min(*frozen_, columns().size());
     return static_cast<size_t>(std::count_if(columns().begin(), columns().end(),

@@ -56,6 +56,10 @@ class GridSight {
     bool columnHidden(size_t c) const { return hiddenColumns_.contains(c); }
     // Puts a column before the one that is at a place now.
     void moveColumn(size_t c, size_t place);
+    // All columns of the grid in the user's order; empty: as the screen has them. Another number of
+    // columns than the grid's is left alone.
+    const std::vector<size_t>& columnOrder() const { return columnOrder_; }
+    void setColumnOrder(const std::vector<size_t>& order);
     // The columns up to this place stay in sight; 0: none.
     void freeze(size_t places) { frozen_ = places; }
     // Columns in sight at the left that stay there.

@@ -28,7 +28,6 @@ frmFilter::frmFilter(Session& session, FrontEnd& frontEnd)
     cmdSelectAll.onClick = [this] { setListed(true); };
     cmdClear.onClick = [this] { setListed(false); };
     cmdApply.onClick = [this] { cmdApply_Click(); };
-    cmdClose.onClick = [this] { close(); };
 }
 
 Layout frmFilter::layout() {
@@ -71,8 +70,15 @@ void frmFilter::load() {
         cells[kOn] = rs.Fields(kOn).toBool() ? "1" : "0";
         fpgEmployee.addRow(std::move(cells));
     }
+    ticksBegun_ = ticks();
     fillCombos();
     narrow();
+}
+
+std::string frmFilter::ticks() const {
+    std::string all;
+    for (size_t r = 0; r < fpgEmployee.rowCount(); ++r) all += fpgEmployee.cell(r, kOn);
+    return all;
 }
 
 void frmFilter::fillCombos() {

@@ -25,7 +25,7 @@ class frmFilter final : public SessionScreen {
     Command cmdSelectAll{*this, "cmdSelectAll", "&Select All"};
     Command cmdClear{*this, "cmdClear", "C&lear All"};
     Command cmdApply{*this, "cmdApply", "&Apply"};
-    Command cmdClose{*this, "cmdClose", "Cl&ose"};
+    CloseCommand cmdClose{*this};
 
     // The ticks of what the list shows; employees out of sight are never in the filter.
     void setListed(bool on);
@@ -36,6 +36,11 @@ class frmFilter final : public SessionScreen {
     void load() override;
     Layout layout() override;
     void fillCombos();
+    // Who is ticked, row by row.
+    std::string ticks() const;
+    bool unsaved() const override { return ticks() != ticksBegun_; }
+
+    std::string ticksBegun_;
 };
 
 }  // namespace owb

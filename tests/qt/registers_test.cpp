@@ -152,8 +152,11 @@ TEST_F(QtRegister, HeadersSortMoveAndHide) {
     desk.then([&] {
         EXPECT_TRUE(screen.fpgDays.sight.columnHidden(2));
         EXPECT_EQ(table().model()->headerData(2, Qt::Horizontal).toString(), "2");
+        screen.fpgDays.goTo(2, 5);
         clickHeader(2);
         EXPECT_EQ(screen.fpgDays.sight.order()->column, 3U);
+        EXPECT_EQ(screen.fpgDays.currentRow(), 2) << "the user is where he was";
+        EXPECT_EQ(screen.fpgDays.currentColumn(), 5);
         table().horizontalHeader()->moveSection(3, 2);
         EXPECT_EQ(table().model()->headerData(2, Qt::Horizontal).toString(), "3");
         EXPECT_EQ(table().horizontalHeader()->visualIndex(3), 3) << "the grid's order counts";

@@ -166,10 +166,12 @@ TEST(Qt, WidthsAreRememberedAndColumnsStayHidden) {
                 table->setColumnWidth(0, 177);
                 screen.fpgRows.sight.hideColumn(2, true);
                 screen.fpgRows.enterGoes = Grid::EnterGoes::Down;
+                screen.fpgRows.sight.moveColumn(3, 0);
                 desk.frontEnd.top()->sync();
             } else {
+                EXPECT_EQ(screen.fpgRows.sight.columns(), (std::vector<size_t>{3, 0, 1}));
                 EXPECT_EQ(screen.fpgRows.enterGoes, Grid::EnterGoes::Down);
-                EXPECT_EQ(table->columnWidth(0), 177);
+                EXPECT_EQ(table->columnWidth(1), 177);
                 EXPECT_TRUE(screen.fpgRows.sight.columnHidden(2));
             }
         });

@@ -33,6 +33,10 @@ class modHolidayWeekly final : public RowScreen {
     void loadList() override;
     bool readLine(size_t line) override;
     bool isShownBy(size_t line) const override;
+    // A month that is none of the list is typed text, too.
+    bool unsaved() const override {
+        return RowScreen::unsaved() || (!cmbMonthYear.value.empty() && !cmbMonthYear.isInList());
+    }
     std::optional<Refusal> check() override;
     bool mayBeSaved(SaveBatch& batch) override;
     std::string writeRow(SaveBatch& batch) override;

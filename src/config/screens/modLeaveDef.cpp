@@ -36,7 +36,7 @@ modLeaveDef::modLeaveDef(Session& session, FrontEnd& frontEnd)
                      {.caption = "Abbreviation", .width = 12},
                      {.caption = "Affects Salary", .width = 14, .type = CellType::Check},
                      {.caption = "Leave Allotment", .width = 15, .type = CellType::Check}});
-    optLeave.onClick = optNonLeave.onClick = [this] { showAgain(); };
+    optLeave.onClick = optNonLeave.onClick = [this] { optLeave_Click(); };
     chkLeaveAllotment.onClick = [this] { chkLeaveAllotment_Click(); };
 }
 
@@ -45,6 +45,12 @@ Layout modLeaveDef::layout() {
                    form({item("Name", txtLeaveName), item("Abbreviation", txtAttShort),
                          item("", chkAffectSalary), item("", chkLeaveAllotment)}),
                    commandRow({item(cmdMasterSetting)})});
+}
+
+// The kinds of the other list; what is typed for this one is asked for before it goes.
+void modLeaveDef::optLeave_Click() {
+    if (mayDrop("show the other kinds")) return showAgain();
+    (leavesListed_ ? optLeave : optNonLeave).choose();
 }
 
 void modLeaveDef::load() {
@@ -78,6 +84,7 @@ void modLeaveDef::repairRows() {
 }
 
 void modLeaveDef::loadList() {
+    leavesListed_ = optLeave.value();
     fillGrid(session_, list,
              Sql() << "SELECT LEVID, LEVNAME, LEVSHORT, AFFECTSALARYYN, ALLOTMENTYN FROM "
                       "ATT_DEFINITION WHERE LEAVEYN = "

@@ -40,12 +40,14 @@ class modLeaveDef final : public RowScreen {
     AuditLine auditLine(Change change) override;
     void finish() override;
 
+    void optLeave_Click();
     void chkLeaveAllotment_Click();
     void cmdMasterSetting_Click();
     std::string word() const;  // "Leave" or "Non-Leave", the kind that is listed
     bool salaryChanged() const { return !row_.isNew() && row_.changed("AFFECTSALARYYN"); }
     std::string encashedSql() const;  // encashments of the chosen type
 
+    bool leavesListed_ = true;
     EditedRow definition_{"ATT_DEFINITION", "LEVID", "The leave definition"};
 };
 
