@@ -107,6 +107,29 @@ TEST_F(Qt_, EnterGoesOnAndAMnemonicLeavesTheFieldFirst) {
     EXPECT_EQ(screen.cmbKind.key(), 2);
 }
 
+// A field and buttons, of which Save is not the first.
+class Saving final : public Screen {
+  public:
+    explicit Saving(FrontEnd& frontEnd) : Screen(frontEnd, "Saving", "Saving") {}
+    TextBox txtName{*this, "txtName"};
+    Command cmdImport{*this, "cmdImport", "&Import"};
+    Command cmdSave{*this, "cmdSave", "&Save"};
+};
+
+TEST(Qt, EnterBehindTheLastFieldComesToSave) {
+    Desk desk;
+    Saving screen(desk.frontEnd);
+    desk.then([&] {
+        desk.widget("txtName")->setFocus();
+        desk.press("txtName", Qt::Key_Return);
+        EXPECT_TRUE(desk.widget("cmdSave")->hasFocus());
+        desk.widget("txtName")->setFocus();
+        desk.press("txtName", Qt::Key_Tab);
+        EXPECT_TRUE(desk.widget("cmdImport")->hasFocus()) << "the Tab key passes nothing";
+    });
+    screen.showModal();
+}
+
 TEST_F(Qt_, AHandlerThatFailsShowsItsBoxAndTheScreenGoesOn) {
     QString shown;
     desk.then([&] { desk.widget<QPushButton>("cmdFail")->click(); });
