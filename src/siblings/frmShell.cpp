@@ -200,12 +200,17 @@ void frmShell::cmdAbout_Click() {
            "About Orvane Wagebook");
 }
 
+// "Holiday List (Plant)".
+std::string frmShell::nameOf(const Running& running) const {
+    std::string title;
+    for (const MenuEntry& entry : entries_)
+        if (entry.menuId == running.menuId) title = entry.title;
+    return title + " (" + headName(running.head) + ")";
+}
+
 bool frmShell::mayClose() {
     std::set<std::string> open;
-    for (const auto& [process, running] : running_)
-        for (const MenuEntry& entry : entries_)
-            if (entry.menuId == running.menuId)
-                open.insert(entry.title + " (" + headName(running.head) + ")");
+    for (const auto& [process, running] : running_) open.insert(nameOf(running));
     if (open.empty()) return true;
     std::string list;
     for (const std::string& each : open) list += (list.empty() ? "" : ", ") + each;
@@ -214,9 +219,8 @@ bool frmShell::mayClose() {
 
 // --- what the programs tell ---
 
-// "opened <program> <screen> <handle>", "ended <program> <handle>"; the handle is the process. One
-// that has ended without a word is found by its process.
-void frmShell::onTimer() {
+// "opened <program> <screen> <handle>", "ended <program> <handle>"; the handle is the process.
+void frmShell::hear() {
     for (const std::string& message : listener_.take()) {
         std::istringstream words(message);
         std::string verb, program, word;
@@ -226,9 +230,24 @@ void frmShell::onTimer() {
         const auto known = running_.find(std::atoi(word.c_str()));
         if (known != running_.end()) known->second.open = verb == "opened";
     }
-    if (std::erase_if(running_, [&](const auto& entry) { return hasEnded_(entry.first); }) > 0)
-        readCompany();
+}
+
+// A program that has ended while its screen was open has failed, or was killed.
+void frmShell::onTimer() {
+    hear();
+    std::vector<int> ended;
+    for (const auto& [process, running] : running_)
+        if (hasEnded_(process)) ended.push_back(process);
+    if (!ended.empty()) hear();  // what they told last
+    std::string lost;
+    for (const int process : ended) {
+        if (running_[process].open) lost = nameOf(running_[process]);
+        running_.erase(process);
+    }
+    if (!ended.empty()) readCompany();
     showState();
+    if (!lost.empty())
+        frontEnd().warning(lost + " has ended unexpectedly.\nWhat was saved there is kept.");
 }
 
 void frmShell::onUnload() {

@@ -51,6 +51,9 @@ class frmShell final : public SessionScreen {
         bool open = false;  // its screen has told that it opened
     };
 
+    std::string nameOf(const Running& running) const;
+    void hear();
+
     void load() override;
     void onTimer() override;
     void onUnload() override;

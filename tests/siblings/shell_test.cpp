@@ -75,9 +75,12 @@ TEST(Shell, StartsScreensAndShowsWhichAreOpen) {
         shell.ended = {41, 43};
         shell.screen.tick();
         EXPECT_EQ(shell.state("Holiday List"), "");
+        EXPECT_EQ(shell.boxes.shown.size(), 0U);
         shell.ended = {41, 42, 43};  // it died without a word
         shell.screen.tick();
         EXPECT_EQ(shell.state("Weekly Holiday"), "");
+        EXPECT_EQ(shell.box(),
+                  "Weekly Holiday (Head 10) has ended unexpectedly.\nWhat was saved there is kept.");
         shell.nextProcess = 0;
         shell.choose("Weekly Holiday");
         EXPECT_EQ(shell.box(), "Required External Application not found");
