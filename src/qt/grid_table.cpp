@@ -274,15 +274,12 @@ void GridTable::paintEvent(QPaintEvent* event) {
     if (under_ != nullptr)
         painter.fillRect(viewport()->width() - 2, 0, 2, viewport()->height(),
                          standingOut(palette().color(QPalette::Mid), {base}, kTextContrast));
-    if (!hasFocus() && (under_ == nullptr || !under_->hasFocus())) return;
-    // Where no cell shows that the keys come here, the row of a list does, or the whole table.
+    // Of a list the row shows that the keys come here.
+    if (!grid_.singleRows || !block || (!hasFocus() && (!under_ || !under_->hasFocus()))) return;
     painter.setPen(QPen(mark, 2));
-    if (!block)
-        painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
-    else if (grid_.singleRows)
-        painter.drawRect(QRect(0, rowViewportPosition(static_cast<int>(block->top)),
-                               viewport()->width(), rowHeight(static_cast<int>(block->top)))
-                             .adjusted(1, 1, -1, -2));
+    const int row = static_cast<int>(block->top);
+    painter.drawRect(QRect(0, rowViewportPosition(row), viewport()->width(), rowHeight(row))
+                         .adjusted(1, 1, -1, -2));
 }
 
 }  // namespace owb
