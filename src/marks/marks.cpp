@@ -28,6 +28,15 @@ std::string leavesTogether(const std::string& strLevIds) {
     return list;
 }
 
+// Leaves of a head whose credit follows days paid or present, by their newest settings.
+std::string allottedOnPayDays(int32_t intAttHeadId) {
+    return Sql() << "SELECT LS.LEVID FROM LEV_SETTINGS LS WHERE LS.ATTHEADID = " << intAttHeadId
+                 << " AND LS.AUTOALLOTYN = 1 AND ((LS.ALLOTTYPE = 1 AND LS.ALLOTON IN (1, 2)) OR "
+                    "(LS.ALLOTTYPE = 0 AND LS.ALLOTON > 0) OR LS.ALLOTTYPE IN (2, 3, 4)) AND "
+                    "LS.MONTHYEAR = (SELECT MAX(MONTHYEAR) FROM LEV_SETTINGS WHERE LEVID = "
+                    "LS.LEVID AND ATTHEADID = LS.ATTHEADID AND ALLOTTYPE = LS.ALLOTTYPE)";
+}
+
 }  // namespace
 
 std::string MarkAllotmentDirtySql(int32_t intAttHeadId, int64_t lngEmpId) {
@@ -59,6 +68,24 @@ std::string MarkAllotmentDirtyFromSql(DateTime dteFrom, int32_t intAttHeadId,
 void MarkAllotmentDirtyFrom(Session& session, DateTime dteFrom, int32_t intAttHeadId,
                             const std::string& strEmpIds, const std::string& strLevIds) {
     session.gConn.Execute(MarkAllotmentDirtyFromSql(dteFrom, intAttHeadId, strEmpIds, strLevIds));
+}
+
+std::string MarkLeaveTakenSql(DateTime dteFrom, int32_t intAttHeadId, int64_t lngEmpId,
+                              int32_t intLevId) {
+    const std::string employee = std::to_string(lngEmpId);
+    if (intLevId != 1)
+        return MarkAllotmentDirtyFromSql(dteFrom, intAttHeadId, employee, std::to_string(intLevId));
+    return Sql() << MarkAllotmentDirtyFromSql(dteFrom, intAttHeadId, employee, "")
+                 << " AND LEVID IN (" << allottedOnPayDays(intAttHeadId) << ")";
+}
+
+std::string MarkLeavesHeldSql(DateTime dteFrom, int32_t intAttHeadId, int64_t lngEmpId,
+                              const std::string& held) {
+    const std::string rows = " FROM LEV_DETAILS LD WHERE " + held;
+    return Sql() << MarkAllotmentDirtyFromSql(dteFrom, intAttHeadId, std::to_string(lngEmpId), "")
+                 << " AND (LEVID IN (SELECT CASE LD.LEVID WHEN 3 THEN 2 ELSE LD.LEVID END" << rows
+                 << ") OR (LEVID IN (" << allottedOnPayDays(intAttHeadId)
+                 << ") AND EXISTS (SELECT *" << rows << " AND LD.LEVID = 1)))";
 }
 
 std::string MarkChosenAllotmentSql(const std::string& rows) {

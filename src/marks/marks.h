@@ -58,6 +58,15 @@ std::string MarkAllotmentDirtySql(int32_t intAttHeadId, int64_t lngEmpId);
 // and 3 are one for this: either brings in the other.
 std::string MarkAllotmentDirtyFromSql(DateTime dteFrom, int32_t intAttHeadId,
                                       const std::string& strEmpIds, const std::string& strLevIds);
+// Ledger rows of a head and employee from the month of a date on, since a leave was written or
+// deleted there: the rows of the leave, and for loss of pay (1), which changes the days paid, those
+// of the leaves that are allotted on such days.
+std::string MarkLeaveTakenSql(DateTime dteFrom, int32_t intAttHeadId, int64_t lngEmpId,
+                              int32_t intLevId);
+// The same for every leave of the rows LD of LEV_DETAILS that fit a condition, as they stand when
+// it runs: before they go.
+std::string MarkLeavesHeldSql(DateTime dteFrom, int32_t intAttHeadId, int64_t lngEmpId,
+                              const std::string& held);
 // Ledger rows that the user has chosen: `rows` is the FROM and WHERE of them, with a blank first.
 std::string MarkChosenAllotmentSql(const std::string& rows);
 // Salary rows of a month, or from the month on, for one employee (0 all), and the reimbursements.
