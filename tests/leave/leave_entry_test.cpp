@@ -193,6 +193,27 @@ TEST(LeaveEntry, EncashableIsWhatIsNotKeptBack) {
     }
 }
 
+TEST(LeaveEntry, WhatIsDeletedFirstCountsAndARefusalWritesNothing) {
+    for (const bool open : {false, true}) {
+        Entered company("EXCESSLEVYN = 1");
+        company.leave(1, 1, 5, "2024-06-20", "F");
+        LeaveEntry entry(company.session, 10, 10);
+        entry.Add(" DELETE FROM LEV_DETAILS WHERE EMPID = 1 AND LEAVEDATE = '2024-06-20'");
+        int32_t levId = 5;
+        entry.ApplyLeaveHalf(levId, {1, june(3), 0, 0.5, ""});
+        EXPECT_TRUE(company.boxes.shown.empty()) << "the half of the 20th is free again";
+        EXPECT_EQ(company.taken(), "5,20,1,0") << "nothing is written before Save";
+        SaveBatch batch;
+        batch.refuseUnless(open ? "1 = 1" : "1 = 0", "locked");
+        NoProgress progress;
+        if (open)
+            EXPECT_TRUE(entry.Save(batch, progress));
+        else
+            EXPECT_THROW(entry.Save(batch, progress), SaveRefused);
+        EXPECT_EQ(company.taken(), open ? "5,3,1,0" : "5,20,1,0");
+    }
+}
+
 TEST(LeaveEntry, IsWrittenWholeOrNotAtAll) {
     Entered company("EXCESSLEVYN = 1, LEVPRIORITYYN = 1");
     test::Rehearsal rehearsal(
