@@ -1,6 +1,6 @@
 // The table widget of a grid: hands keys and the mouse to its owner, draws what the cells do not
-// (the handle of what is chosen, the current row of a list), and lays a second table over the columns
-// that stay in sight. The toolkit's own selection and editing are off: the grid knows both.
+// (the handle of what is chosen, the current row of a list), and lays a second table over the
+// columns that stay in sight. The toolkit's own selection and editing are off: the grid knows both.
 #pragma once
 
 #include <QTableView>
