@@ -113,9 +113,8 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
         }
         frozenShown_ = grid_.sight.frozen();
         const QModelIndex now = model_.indexOf(grid_.currentRow(), grid_.currentColumn());
-        if (now != table_->currentIndex() || changed) {
+        if (now != table_->currentIndex() || changed)
             table_->selectionModel()->setCurrentIndex(now, QItemSelectionModel::NoUpdate);
-        }
         if (const auto moved = grid_.cursor.moved(); moved && (moved != moved_ || changed)) {
             moved_ = moved;
             table_->scrollTo(

@@ -10,7 +10,7 @@ namespace owb {
 
 namespace {
 
-std::string size(size_t rows, size_t columns) {
+std::string sizeText(size_t rows, size_t columns) {
     return std::to_string(rows) + " x " + std::to_string(columns);
 }
 
@@ -63,8 +63,8 @@ bool GridBlocks::paste(const std::string& text) {
     const size_t height = texts.size();
     const bool several = block->several() && !grid_.singleRows;
     if (several && (height > block->rows() || width > block->columns())) {
-        grid_.say("The block (" + size(height, width) + ") is larger than what is chosen (" +
-                      size(block->rows(), block->columns()) + ").",
+        grid_.say("The block (" + sizeText(height, width) + ") is larger than what is chosen (" +
+                      sizeText(block->rows(), block->columns()) + ").",
                   true);
         return false;
     }

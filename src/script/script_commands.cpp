@@ -221,11 +221,10 @@ std::optional<std::string> runControlCommand(Screen& screen, const std::string& 
     }
     const Control* acted = screen.find(rest.substr(0, rest.find(' ')));
     std::string name = acted ? acted->name() : "";  // the act may unmake it
-    const Grid* grid = dynamic_cast<const Grid*>(acted);
-    const std::string before = grid ? grid->said().text : "";
+    if (auto* grid = dynamic_cast<Grid*>(screen.find(name))) grid->say("");
     command->act(screen, rest);
-    grid = dynamic_cast<const Grid*>(screen.find(name));
-    if (grid && !grid->said().text.empty() && grid->said().text != before)
+    const auto* grid = dynamic_cast<const Grid*>(screen.find(name));
+    if (grid && !grid->said().text.empty())
         out << "says: " << oneLine(grid->said().text) << std::endl;
     return name;
 }

@@ -318,6 +318,8 @@ TEST(Script, AGridIsSortedFilteredFoundAndFilled) {
          "says: Undone: row 2, \"Off\"\nDate,Kind,Off\n01/01/2026,CL,1\n03/01/2026,CL,0\n"},
         {"item fpgDays Columns/Kind\nitem fpgDays Enter goes/Down\ndump fpgDays",
          "Date,Off\n01/01/2026,0\n03/01/2026,0\n"},
+        {"cell fpgDays 2 Kind\ntype fpgDays x\nkey fpgDays Esc\ntype fpgDays x\nkey fpgDays Esc",
+         "says: No code begins with \"x\".\nsays: No code begins with \"x\".\n"},
         {"item fpgDays Undo", "error: line 1: fpgDays takes no choice of Undo now\n"},
         {"hide fpgDays Kind Yes\nmove fpgDays Off Date\ndump fpgDays",
          "Off,Date\n0,01/01/2026\n0,03/01/2026\n"},
