@@ -170,12 +170,14 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
             columnsShown_ = grid_.sight.columns();
         }
         ownWidths_.assign(grid_.columnCount(), 0);
+        laidWidths_.assign(grid_.columnCount(), 0);
         for (int place = 0; place < model_.columnCount(); ++place) {
             const size_t c = model_.gridColumn(place);
             ownWidths_[c] =
                 std::max(grid_.column(c).width * digit + kColumnRoom, headerWidth(place));
             const int held = std::abs(widths_[c]) * grid_.zoom / 100;
-            table_->setColumnWidth(place, held > 0 ? held : ownWidths_[c]);
+            laidWidths_[c] = held > 0 ? held : ownWidths_[c];
+            table_->setColumnWidth(place, laidWidths_[c]);
         }
         table_->layFrozen();
     }
@@ -184,7 +186,7 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
 
     // 0 for a column as the screen has it, negative for one that the user has hidden.
     void rememberColumns() {
-        if (widths_.size() != grid_.columnCount() || zoomShown_ != 100) return;
+        if (widths_.size() != grid_.columnCount()) return;
         if (const auto& order = grid_.sight.columnOrder(); !order.empty())
             window().memory().rememberOrder(memoryName(), order);
         bool changed = false;
@@ -196,7 +198,11 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
                 // The last one takes the room that is left.
                 if (at == columnsShown_.end() || at + 1 == columnsShown_.end()) continue;
                 const int width = table_->columnWidth(static_cast<int>(at - columnsShown_.begin()));
-                widths_[c] = width == ownWidths_[c] ? 0 : width;
+                if (widths_[c] < 0) widths_[c] = widths_[c] == -1 ? 0 : -widths_[c];
+                if (width == ownWidths_[c])
+                    widths_[c] = 0;
+                else if (width != laidWidths_[c])
+                    widths_[c] = width * 100 / zoomShown_;
             }
             changed = changed || widths_[c] != 0;
         }
@@ -393,8 +399,9 @@ class GridView final : public ControlView, private GridTable::Owner, private Gri
     std::optional<std::pair<size_t, size_t>> moved_;
     std::optional<int> menuColumn_;  // on which the mouse opens the menu
     int zoomShown_ = 100;
-    std::vector<int> widths_;     // that the user has given, by columns of the grid; 0: none
-    std::vector<int> ownWidths_;  // as the screen has them
+    std::vector<int> widths_;      // that the user has given, by columns, at 100 %; 0: none
+    std::vector<int> ownWidths_;   // as the screen has them, at the zoom that is shown
+    std::vector<int> laidWidths_;  // as they were laid out
 };
 
 }  // namespace

@@ -187,6 +187,14 @@ TEST(Qt, WidthsAreRememberedAndColumnsStayHidden) {
             auto* table = desk.widget<QTableView>("fpgRows");
             if (round == 1) {
                 table->setColumnWidth(0, 177);
+                screen.fpgRows.addRow({"d", "1.00", "x", "0"});
+                desk.frontEnd.top()->sync();
+                EXPECT_EQ(table->columnWidth(0), 177) << "rows that come leave it";
+                screen.fpgRows.zoom = 150;
+                desk.frontEnd.top()->sync();
+                EXPECT_EQ(table->columnWidth(0), 265);
+                screen.fpgRows.zoom = 100;
+                desk.frontEnd.top()->sync();
                 screen.fpgRows.sight.hideColumn(2, true);
                 screen.fpgRows.enterGoes = Grid::EnterGoes::Down;
                 screen.fpgRows.sight.moveColumn(3, 0);
