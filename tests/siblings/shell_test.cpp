@@ -79,8 +79,9 @@ TEST(Shell, StartsScreensAndShowsWhichAreOpen) {
         shell.ended = {41, 42, 43};  // it died without a word
         shell.screen.tick();
         EXPECT_EQ(shell.state("Weekly Holiday"), "");
-        EXPECT_EQ(shell.box(),
-                  "Weekly Holiday (Head 10) has ended unexpectedly.\nWhat was saved there is kept.");
+        EXPECT_EQ(
+            shell.box(),
+            "Weekly Holiday (Head 10) has ended unexpectedly.\nWhat was saved there is kept.");
         shell.nextProcess = 0;
         shell.choose("Weekly Holiday");
         EXPECT_EQ(shell.box(), "Required External Application not found");
